@@ -1,0 +1,9 @@
+# tarnd_warnings: what every target of ours is compiled with.
+add_library(tarnd_warnings INTERFACE)
+target_compile_options(tarnd_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wcast-align -Wcast-qual
+  -Wformat -Wformat-security -Wundef -Wnull-dereference -Wimplicit-fallthrough
+  $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wextra-semi -Wnon-virtual-dtor -Woverloaded-virtual>
+  $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wduplicated-cond -Wduplicated-branches -Wlogical-op -Wuseless-cast>
+  $<$<COMPILE_LANG_AND_ID:C,GNU,Clang>:-Wstrict-prototypes>
+  $<$<BOOL:${TARND_WERROR}>:-Werror>)

@@ -1,0 +1,55 @@
+// The one description of the tables. Field reads by number and by name, whole records, keys,
+// conditions, lists and JSON all follow from it.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace standin {
+
+enum class Kind : uint8_t {
+    Number,  // unsigned, little-endian, 1, 2 or 4 bytes
+    Ipv4,    // a 4-byte number whose most significant byte is the first octet
+    Mac,     // 6 bytes, first byte first
+    Text,    // ends with NUL within its width
+    Set,     // bit i is byte i / 8, mask 0x80 >> i % 8
+};
+
+struct Field {
+    std::string_view name;
+    uint32_t         number;
+    Kind             kind;
+    uint32_t         offset;  // in the record, or in the list item
+    uint32_t         width;   // bytes
+};
+
+// Members lie side by side in the record, so a key is a run of its bytes.
+struct Key {
+    std::string_view              name;
+    std::span<const Field* const> members;
+    uint32_t                      offset;
+    uint32_t                      width;
+};
+
+struct List {
+    std::string_view       name;
+    std::span<const Field> fields;
+    uint32_t               itemSize;
+};
+
+struct Table {
+    std::string_view       name;
+    uint32_t               recordSize;
+    std::span<const Field> fields;
+    std::span<const Key>   keys;  // the first is the primary key
+    std::span<const List>  lists;
+};
+
+std::span<const Table> Tables();
+
+// Null where there is none of that name.
+const Table* FindTable(std::string_view name);
+const Field* FindField(std::span<const Field> fields, std::string_view name);
+
+}  // namespace standin

@@ -1,0 +1,56 @@
+// The platform, watched and made to fail from outside: a thin layer of operations defined in the
+// test program, so that they come before the platform library's, which they call.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace support {
+
+// The operations called since the last ResetPlatform, by name, in order. Only Orm*, Ormg* and
+// DbcHandleEvent; on any thread.
+std::vector<std::string> PlatformCalls();
+
+// Forgets the calls and whatever was to fail.
+void ResetPlatform();
+
+// The nth call (from 1) of this operation, counted from now, does nothing and answers code. Also
+// for "malloc_ex" (code is not used, the answer is null) and for "strcpy_s" and its kin.
+void FailCall(std::string_view operation, unsigned nth, uint32_t code);
+
+enum class CleanUp { Works, FailsToo };
+
+// The nth call (from 1) of all those that PlatformCalls lists, counted from now. With FailsToo,
+// every later OrmScanEnd and OrmCloseSession fails as well, after having done its work.
+void FailCallNumber(unsigned nth, uint32_t code, CleanUp cleanUp = CleanUp::Works);
+
+// The nth malloc or calloc (from 1) on this thread, counted from now, finds no memory.
+void FailAllocation(unsigned nth);
+
+// Opened less closed, since the program started.
+int OpenSessions();
+int OpenScans();
+
+struct LogLine {
+    int         priority;
+    std::string text;  // as handed to the system log
+};
+
+// The lines written to the system log since the last call.
+std::vector<LogLine> TakeLog();
+
+// Only what a function reported: "function: message", without identity and line number.
+std::vector<std::string> TakeMessages();
+
+// An empty database, nothing to fail, an empty log; afterwards nothing may be open.
+class PlatformTest : public testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+};
+
+}  // namespace support
