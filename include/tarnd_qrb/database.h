@@ -75,7 +75,7 @@ uint32_t QRB_DB_Scan(const char* table, void* context, uint32_t maxCount, QRB_EN
  * text    cut, or padded with zero bytes, to exactly size bytes.
  * output  2 * size + 3 bytes.
  *
- * 0, or 1: no memory, or a size that is negative or has no literal.
+ * 0, or 1: no memory, or a negative size.
  */
 uint32_t QRB_DB_TransStringToHexNumString(const char* text, char* output, int32_t size);
 

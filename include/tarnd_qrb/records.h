@@ -9,16 +9,8 @@
 #ifndef TARND_QRB_RECORDS_H
 #define TARND_QRB_RECORDS_H
 
-#include <assert.h>
-#include <stddef.h>
 #include <stdint.h>
-
-#define QRB_PACKED __attribute__((packed))
-#define QRB_RECORD_SIZE(record, size) \
-    static_assert(sizeof(record) == (size), #record " has the wrong wire size")
-#define QRB_FIELD_AT(record, field, offset, width)                                               \
-    static_assert(offsetof(record, field) == (offset) && sizeof(((record*)0)->field) == (width), \
-                  #record "." #field " is off its wire position")
+#include <tarnd_qrb/layout.h>
 
 #define QRB_IF_NAME_SIZE 64 /* an interface name and its NUL; every name buffer has this size */
 #define QRB_MAC_SIZE 6

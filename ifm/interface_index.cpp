@@ -1,0 +1,189 @@
+// From a full name: to the interface index, by a scan of "if_base" or by its local key, and to the
+// short name.
+#include <syslog.h>
+
+#include <cstring>
+
+#include <tarnd_platform/bounded.h>
+#include <tarnd_platform/orm_accessors.h>
+#include <tarnd_qrb/interface_lookup.h>
+#include <tarnd_qrb/records.h>
+
+#include "db/access.h"
+
+using namespace qrb;
+
+namespace {
+
+constexpr char     TABLE[]        = "if_base";
+constexpr uint32_t FIELD_IF_INDEX = 0;
+constexpr uint32_t FIELD_IF_NAME  = 2;
+
+// The record fields are texts of 64 bytes. One that fills them has no terminator there.
+struct NAME_S {
+    char text[QRB_IF_NAME_SIZE];
+};
+
+int BuildLocalKey(const char* name, QRB_IF_BASE_LOCAL_KEY_S* key)
+{
+    *key = {};
+    return strcpy_s(key->name, sizeof(key->name), name);
+}
+
+// Makes the record with this name the session's current one.
+uint32_t ExecuteLocalKey(ORM_SESSION session, const QRB_IF_BASE_LOCAL_KEY_S& key)
+{
+    QRB_TRY(OrmgIfBaseSetKeyLocalKeyInner(session, &key, sizeof(key)));
+    return OrmExecute(session);
+}
+
+// Looks for a record that matches until the end of the table or a failure. The index, or NONE.
+uint32_t ScanForName(ORM_SESSION session, ORM_SCAN scan, const IF_NAME_KEY_S& key, LOG_SITE_S site)
+{
+    QRB_IF_BASE_S base;
+    uint8_t       end = 0;
+    for (;;) {
+        const uint32_t ret = OrmScanNext(session, scan, &end);
+        if (ret != OK) {
+            QRB_ERROR_AT(site, "scan %s next fail %u\n", TABLE, ret);
+            return NONE;
+        }
+        if (end != 0) {
+            return NONE;
+        }
+        if (IF_CmpIfBaseRecord(session, &key, &base, sizeof(base)) != 0) {
+            return base.if_index;
+        }
+    }
+}
+
+}  // namespace
+
+uint32_t IF_CmpIfBaseRecord(ORM_SESSION session, const IF_NAME_KEY_S* key, void* output,
+                            int32_t size)
+{
+    constexpr uint32_t MATCH    = 1;
+    constexpr uint32_t NO_MATCH = 0;
+
+    QRB_IF_BASE_S  base;
+    const uint32_t ret = ReadCurrent(OrmgIfBaseGetAllFieldsInner, session, &base);
+    if (ret != OK) {
+        QRB_ERROR("get all field if_base fail for cmp %u\n", ret);
+        return NO_MATCH;
+    }
+    const char* const name = key->selector != 0 ? base.if_name : base.simple_name;
+    if (strncmp(key->name, name, QRB_IF_NAME_SIZE) != 0) {
+        return NO_MATCH;
+    }
+    const size_t capacity = size > 0 ? static_cast<size_t>(size) : 0;
+    if (memcpy_s(output, capacity, &base, sizeof(base)) != 0) {
+        QRB_ERROR("copy all field if_base fail for cmp\n");
+        return NO_MATCH;
+    }
+    return MATCH;
+}
+
+uint32_t IF_INTF_GetIfByFullName(const char* fullName)
+{
+    const LOG_SITE_S site    = {"IF_ScanTblByCond", __LINE__};
+    ORM_SESSION      session = 0;
+    uint32_t         ret     = OrmOpenSessionByDefault(&session);
+    if (ret != OK) {
+        // Callers watch for this line as it is, without identity and function.
+        syslog(static_cast<int>(PRIORITY_ERROR), "create db session fail %u\n", ret);
+        return NONE;
+    }
+    ret = OrmPrepare(session, TABLE, QRB_ORM_OP_SCAN);
+    if (ret != OK) {
+        QRB_ERROR_AT(site, "prepare db session fail %u\n", ret);
+        OrmCloseSession(session);
+        return NONE;
+    }
+    ORM_SCAN scan = 0;
+    ret           = OrmScanStart(session, &scan);
+    if (ret != OK) {
+        OrmCloseSession(session);
+        QRB_ERROR_AT(site, "start scan %s fail %u\n", TABLE, ret);
+        return NONE;
+    }
+    const uint32_t ifIndex = ScanForName(session, scan, {fullName, 1}, site);
+    OrmScanEnd(session, scan);
+    OrmCloseSession(session);
+    return ifIndex;
+}
+
+uint32_t IF_INTF_GetIfIndexByFullName(const char* fullName)
+{
+    if (AnyNull(QRB_HERE, fullName)) {
+        return NONE;
+    }
+    ORM_SESSION session = 0;
+    if (QRB_CreatDbSession(TABLE, QRB_ORM_OP_READ, &session) != 1) {
+        return NONE;
+    }
+    QRB_IF_BASE_LOCAL_KEY_S key;
+    uint32_t                ifIndex = NONE;
+    if (BuildLocalKey(fullName, &key) != 0 || ExecuteLocalKey(session, key) != OK ||
+        ReadField(session, FIELD_IF_INDEX, &ifIndex) != OK) {
+        ifIndex = NONE;
+    }
+    OrmCloseSession(session);
+    return ifIndex;
+}
+
+uint32_t BDS_Ifname2IfGetIndexByname(const char* name, uint32_t* ifIndex)
+{
+    if (AnyNull(QRB_HERE, name, ifIndex)) {
+        return FAIL;
+    }
+    bool       found   = false;
+    const auto compare = [&](ORM_SESSION session, bool* done) -> uint32_t {
+        NAME_S   rowName  = {};
+        uint32_t rowIndex = 0;
+        QRB_TRY(ReadField(session, FIELD_IF_NAME, &rowName));
+        QRB_TRY(ReadField(session, FIELD_IF_INDEX, &rowIndex));
+        if (strncmp(name, rowName.text, sizeof(rowName.text)) == 0) {
+            *ifIndex = rowIndex;
+            found = *done = true;
+        }
+        return OK;
+    };
+    const uint32_t ret = InSession(QRB_HERE, CHECKED, [&](ORM_SESSION session) {
+        return ScanRows(session, TABLE, CHECKED,
+                        [&](bool* done) { return compare(session, done); });
+    });
+    if (ret != OK) {
+        return FAIL;
+    }
+    if (!found) {
+        QRB_INFO("The interface name \"%s\" doesn't exist in DB.\n", name);
+        return FAIL;
+    }
+    return OK;
+}
+
+uint32_t IF_INTF_GetSimpleName(const char* fullName, char* output)
+{
+    if (AnyNull(QRB_HERE, fullName, output)) {
+        return FAIL;
+    }
+    QRB_IF_BASE_LOCAL_KEY_S key;
+    if (BuildLocalKey(fullName, &key) != 0) {
+        QRB_ERROR("strcpy_s failed\n");
+        return FAIL;
+    }
+    QRB_IF_BASE_S  base;
+    const uint32_t ret = InSession(QRB_HERE, IGNORED, [&](ORM_SESSION session) -> uint32_t {
+        QRB_TRY(OrmPrepare(session, TABLE, QRB_ORM_OP_READ));
+        QRB_TRY(ExecuteLocalKey(session, key));
+        return ReadCurrent(OrmgIfBaseGetAllFieldsInner, session, &base);
+    });
+    if (ret != OK) {
+        return FAIL;
+    }
+    if (strcpy_s(output, QRB_IF_NAME_SIZE, base.simple_name) != 0) {
+        QRB_ERROR("strcpy_s failed\n");
+        return FAIL;
+    }
+    return OK;
+}
