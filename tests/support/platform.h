@@ -18,6 +18,10 @@ std::vector<std::string> PlatformCalls();
 // Forgets the calls and whatever was to fail.
 void ResetPlatform();
 
+// Calls are recorded, and fail as planned, only while watching is on. It costs a lock for each
+// call, so tests under load turn it off. PlatformTest turns it on.
+void WatchPlatform(bool on);
+
 // The nth call (from 1) of this operation, counted from now, does nothing and answers code. Also
 // for "malloc_ex" (code is not used, the answer is null) and for "strcpy_s" and its kin.
 void FailCall(std::string_view operation, unsigned nth, uint32_t code);
@@ -51,6 +55,9 @@ class PlatformTest : public testing::Test {
 protected:
     void SetUp() override;
     void TearDown() override;
+
+private:
+    int sessionsBefore_ = 0;
 };
 
 }  // namespace support
