@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# What libtarnd_qrb exports and asks for, held against its export list.
+#
+#   exports.sh LIBRARY MAP CONTRACT-HEADERS...
+set -euo pipefail
+library=$1 map=$2
+shift 2
+
+failed=0
+expect_same() {  # WHAT EXPECTED ACTUAL
+    if ! difference=$(diff <(echo "$2") <(echo "$3")); then
+        printf '%s ("<" expected, ">" found):\n%s\n' "$1" "$difference"
+        failed=1
+    fi
+}
+names() { sed 's/@.*//' | sort -u; }
+
+listed=$(sed -n '/global:/,/local:/s/^ *\([A-Za-z_0-9]*\);$/\1/p' "$map" | sort -u)
+exported=$(nm -D --defined-only "$library" | awk '$2 != "A" { print $3 }' | names)
+expect_same "exported names" "$listed" "$exported"
+
+# Everything that is neither the contract's nor the C library's would be a dependency too many.
+contract=$(cat "$@" | grep -oE '\b(Orm|Dbc)[A-Za-z0-9]+|\b[a-z]+_(s|ex|get)\b' | sort -u)
+undefined=$(nm -D --undefined-only "$library" | awk '{ print $NF }')
+foreign=$(grep -v '@GLIBC_' <<<"$undefined" | names \
+    | grep -vE '^(__cxa_finalize|__gmon_start__|_ITM_.*)$' | comm -23 - <(echo "$contract"))
+expect_same "undefined names that nobody declares" "" "$foreign"
+
+needed=$(readelf -d "$library" | sed -n 's/.*NEEDED.*\[\(.*\)\]/\1/p' | sort | paste -sd ' ')
+expect_same "libraries needed" "libc.so.6 libtarnd_platform.so.0" "$needed"
+runs_at_load=$(readelf -d "$library" | grep -cE 'INIT_ARRAYSZ +(1[0-9]|[2-9][0-9]|[0-9]{3,}) ' || true)
+expect_same "constructors beyond the compiler's own" 0 "$runs_at_load"
+exit "$failed"
