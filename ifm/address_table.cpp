@@ -1,0 +1,114 @@
+// The building blocks that modules call directly: an interface's address record, an item of its
+// list, and the main address by the item's type not being 6.
+#include "ifm/address_list.h"
+
+using namespace qrb;
+
+namespace {
+
+// The first readable item that may be the main address. *ret is the code of the last fetch or read.
+bool FindMainItem(LOG_SITE_S site, ORM_NODE list, uint32_t count, BDS_IPV4_ADDR_ITEM_S* item,
+                  uint32_t* ret)
+{
+    for (uint32_t index = 0; index < count; index++) {
+        ORM_NODE node = 0;
+        *item         = {};
+        *ret          = OrmNodeGetItemByIdx(list, index, &node);
+        if (*ret != OK) {
+            QRB_ERROR_AT(site, "get node item by index fail, ret=%u\n", *ret);
+            continue;
+        }
+        *ret = BDS_IPGetIpv4AddrTblItem(node, item);
+        if (*ret != OK) {
+            QRB_ERROR_AT(site, "get ipv4 address fail, ret=%u\n", *ret);
+            continue;
+        }
+        if (item->type != TYPE_NEVER_MAIN) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The main address in the current record's list.
+uint32_t ReadMainItem(LOG_SITE_S site, ORM_SESSION session, uint32_t ifIndex,
+                      BDS_IPV4_ADDR_ITEM_S* item)
+{
+    ORM_NODE list = 0;
+    uint32_t ret  = OrmNodeGetChild(session, 0, ADDRESS_LIST, &list);
+    if (ret != OK) {
+        QRB_ERROR_AT(site, "get main ipv4 get addr list fail ret=%u, ifIndex=%d\n", ret, ifIndex);
+        return NONE;
+    }
+    // A size that can't be had is no size: the count decides, its code is only told.
+    uint32_t count = 0;
+    ret            = OrmNodeGetSize(list, &count);
+    if (count == 0) {
+        QRB_ERROR_AT(site, "get main ipv4 get addr list len is zero ret=%u, ifIndex=%d\n", ret,
+                     ifIndex);
+        return NONE;
+    }
+    if (!FindMainItem(site, list, count, item, &ret)) {
+        QRB_ERROR_AT(site, "get main ipv4 fail, ret=%u, ifIndex=%d\n", ret, ifIndex);
+        return NONE;
+    }
+    return OK;
+}
+
+}  // namespace
+
+uint32_t BDS_IPGetIpv4AddrTblByIfIndex(ORM_SESSION* session, const uint32_t* key)
+{
+    uint32_t ret = OrmOpenSessionByDefault(session);
+    if (ret != OK) {
+        QRB_ERROR("get main ipv4 addr create db session fail, ret=%u\n", ret);
+    } else if ((ret = OrmPrepare(*session, ADDRESS_TABLE, QRB_ORM_OP_READ)) != OK) {
+        QRB_ERROR("get main ipv4 addr prepare %s fail, ret=%u\n", ADDRESS_TABLE, ret);
+    } else if ((ret = OrmgAmIpv4AddressSetKeyPrimaryKeyInner(*session, key, sizeof(*key))) != OK) {
+        QRB_ERROR("get main ipv4 addr set primary %s fail, ret=%u\n", ADDRESS_TABLE, ret);
+    } else if ((ret = OrmExecute(*session)) != OK) {
+        QRB_ERROR("get main ipv4 addr set primary %s fail, ret=%u\n", ADDRESS_TABLE, ret);
+    } else {
+        return OK;
+    }
+    OrmCloseSession(*session);  // also a session that did not open: the platform refuses 0
+    return NONE;
+}
+
+uint32_t BDS_IPGetIpv4AddrTblItem(ORM_NODE item, BDS_IPV4_ADDR_ITEM_S* out)
+{
+    uint32_t ret = ReadItemField(item, ITEM_ADDRESS, &out->address);
+    if (ret != OK) {
+        QRB_ERROR("get ipv4 addr item address fail, ret=%u\n", ret);
+        return NONE;
+    }
+    ret = ReadItemField(item, ITEM_MASKLEN, &out->masklen);
+    if (ret != OK) {
+        QRB_ERROR("get ipv4 addr item masklen fail, ret=%u\n", ret);
+        return NONE;
+    }
+    ret = ReadItemField(item, ITEM_TYPE, &out->type);
+    if (ret != OK) {
+        QRB_ERROR("get ipv4 addr item type fail, ret=%u\n", ret);
+        return NONE;
+    }
+    return OK;
+}
+
+uint32_t BDS_IPGetMainIpByIfIndex(uint32_t ifIndex, uint32_t* address, uint32_t* masklen)
+{
+    ORM_SESSION    session = 0;
+    const uint32_t opened  = BDS_IPGetIpv4AddrTblByIfIndex(&session, &ifIndex);
+    if (opened != OK) {
+        QRB_ERROR("get main ipv4 get db session fail ret=%u, ifIndex=%d\n", opened, ifIndex);
+        return NONE;
+    }
+    BDS_IPV4_ADDR_ITEM_S item;
+    const uint32_t       ret = ReadMainItem(QRB_HERE, session, ifIndex, &item);
+    OrmCloseSession(session);
+    if (ret == OK) {
+        *address = item.address;
+        *masklen = item.masklen;
+    }
+    return ret;
+}
