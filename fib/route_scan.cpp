@@ -1,0 +1,201 @@
+// The three scans of a route inquiry: destination to group, group to next-hop indexes, index to
+// next hop.
+#include <tarnd_qrb/route.h>
+
+#include "db/access.h"
+
+using namespace qrb;
+
+namespace {
+
+constexpr char     FORWARD_TABLE[]       = "Fib.ConfigIpv4Fwd";
+constexpr uint32_t FORWARD_DEST_ADDR     = 4;
+constexpr uint32_t FORWARD_PREFIX_LEN    = 5;
+constexpr uint32_t FORWARD_NHP_GROUP_ID  = 10;
+constexpr char     GROUP_TABLE[]         = "Fib.ConfigNhpGroupNode";
+constexpr uint32_t GROUP_NHP_GROUP_ID    = 3;
+constexpr uint32_t GROUP_PRIMARY_NHP_ID  = 5;
+constexpr char     NEXT_HOP_TABLE[]      = "Fib.ConfigNhpStandard";
+constexpr uint32_t NEXT_HOP_INDEX        = 2;
+constexpr uint32_t NEXT_HOP_FIRST_VALUE  = 3;
+constexpr uint32_t NEXT_HOP_SECOND_VALUE = 4;
+constexpr uint8_t  HOST_PREFIX_LEN       = 32;
+
+struct SCAN_S {
+    ORM_SESSION session;
+    ORM_SCAN    scan;
+};
+
+uint32_t PrepareAndStart(const char* table, SCAN_S* scan)
+{
+    QRB_TRY(OrmPrepare(scan->session, table, QRB_ORM_OP_SCAN));
+    return OrmScanStart(scan->session, &scan->scan);
+}
+
+// Silent; FAIL leaves nothing open and both handles 0.
+uint32_t Start(const char* table, SCAN_S* scan)
+{
+    *scan = {};
+    if (OrmOpenSessionByDefault(&scan->session) != OK) {
+        return FAIL;
+    }
+    if (PrepareAndStart(table, scan) != OK) {
+        OrmCloseSession(scan->session);
+        *scan = {};
+        return FAIL;
+    }
+    return OK;
+}
+
+void Finish(const SCAN_S& scan)
+{
+    OrmScanEnd(scan.session, scan.scan);
+    OrmCloseSession(scan.session);
+}
+
+// False, and logged, at the end of the table as after a failure.
+bool Advance(LOG_SITE_S site, const SCAN_S& scan)
+{
+    uint8_t        end = 0;
+    const uint32_t ret = OrmScanNext(scan.session, scan.scan, &end);
+    if (ret != OK || end != 0) {
+        QRB_ERROR_AT(site, "OrmScanNext ret:%u, isEof:%u", ret, end);
+        return false;
+    }
+    return true;
+}
+
+bool FindForward(LOG_SITE_S site, const SCAN_S& scan, uint32_t destination, uint32_t* groupId)
+{
+    const FIB_PREFIX_S probe = {destination, HOST_PREFIX_LEN};
+    while (Advance(site, scan)) {
+        FIB_PREFIX_S   prefix      = {};
+        uint32_t       prefixLen   = 0;
+        const uint32_t addressRead = ReadField(scan.session, FORWARD_DEST_ADDR, &prefix.address);
+        const uint32_t lengthRead  = ReadField(scan.session, FORWARD_PREFIX_LEN, &prefixLen);
+        if (addressRead != OK || lengthRead != OK) {
+            return false;
+        }
+        prefix.prefixLen = static_cast<uint8_t>(prefixLen);
+        if (FIB_AM_PrefixMatch(&prefix, &probe) != 0) {
+            ReadField(scan.session, FORWARD_NHP_GROUP_ID, groupId);
+            return true;
+        }
+    }
+    return false;
+}
+
+// Moves on to the next member of a group. A failure and the end of the table are logged; *end tells
+// the latter, whose code is OK.
+uint32_t NextMember(LOG_SITE_S site, const SCAN_S& scan, uint32_t groupId, uint32_t* nhpIndex,
+                    uint8_t* end)
+{
+    for (;;) {
+        uint32_t ret = OrmScanNext(scan.session, scan.scan, end);
+        if (ret != OK || *end != 0) {
+            QRB_ERROR_AT(site, "OrmScanNext ret:%u, isEof:%u. session: %d, scan: %d", ret, *end,
+                         scan.session == 0, scan.scan == 0);
+            return ret;
+        }
+        uint32_t rowGroupId = 0;
+        ret                 = ReadField(scan.session, GROUP_NHP_GROUP_ID, &rowGroupId);
+        if (ret != OK) {
+            QRB_ERROR_AT(site, "Ormg Fib Config Nhp Group Node Get Nhp GroupId ret:%u", ret);
+            return ret;
+        }
+        if (rowGroupId != groupId) {
+            continue;
+        }
+        *nhpIndex = 0;
+        ret       = ReadField(scan.session, GROUP_PRIMARY_NHP_ID, nhpIndex);
+        if (ret != OK) {
+            QRB_ERROR_AT(site, "Ormg Fib Config Nhp Group Node Get Primary NhpId ret:%u", ret);
+        }
+        return ret;
+    }
+}
+
+bool FindNextHop(LOG_SITE_S site, const SCAN_S& scan, uint32_t nhpIndex, FIB_NHP_S* nextHop)
+{
+    while (Advance(site, scan)) {
+        uint32_t       rowIndex = 0;
+        const uint32_t ret      = ReadField(scan.session, NEXT_HOP_INDEX, &rowIndex);
+        if (ret != OK) {
+            QRB_ERROR_AT(site, "Ormg Fib Config Nhp Standard Get NhpIndex ret:%u", ret);
+            return false;
+        }
+        if (rowIndex == nhpIndex) {
+            ReadField(scan.session, NEXT_HOP_FIRST_VALUE, &nextHop->firstValue);
+            ReadField(scan.session, NEXT_HOP_SECOND_VALUE, &nextHop->secondValue);
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+uint32_t FIB_ScanIp4Forward(uint32_t destination, uint32_t* groupId)
+{
+    SCAN_S scan;
+    if (Start(FORWARD_TABLE, &scan) != OK) {
+        return FAIL;
+    }
+    uint32_t   foundId = 0;
+    const bool found   = FindForward(QRB_HERE, scan, destination, &foundId);
+    *groupId           = foundId;
+    Finish(scan);
+    return found ? OK : NONE;
+}
+
+uint32_t FIB_ScanNhpGroupNodeValidate(ORM_SESSION* session, ORM_SCAN* scan)
+{
+    SCAN_S         started;
+    const uint32_t ret = Start(GROUP_TABLE, &started);
+    *session           = started.session;
+    *scan              = started.scan;
+    return ret;
+}
+
+uint32_t FIB_ScanNhpGroupNode(uint32_t groupId, uint32_t* nhpIndexes, uint8_t multiple,
+                              uint32_t* count)
+{
+    SCAN_S scan;
+    if (FIB_ScanNhpGroupNodeValidate(&scan.session, &scan.scan) != OK) {
+        QRB_ERROR("scan nhp group node failed");
+        return FAIL;
+    }
+    bool     found    = false;
+    bool     done     = false;
+    uint32_t nhpIndex = 0;
+    uint8_t  end      = 0;
+    uint32_t ret      = NextMember(QRB_HERE, scan, groupId, &nhpIndex, &end);
+    while (ret == OK && end == 0 && !done) {
+        found = true;
+        if (multiple == 0) {
+            nhpIndexes[0] = nhpIndex;
+            done          = true;
+        } else {
+            if (*count < FIB_GROUP_MEMBERS_MAX) {
+                nhpIndexes[(*count)++] = nhpIndex;
+            }
+            ret = NextMember(QRB_HERE, scan, groupId, &nhpIndex, &end);
+        }
+    }
+    Finish(scan);
+    return (found && ret == OK) ? OK : NONE;
+}
+
+uint32_t FIB_ScanNhpStd(uint32_t nhpIndex, uint32_t* firstValue, uint32_t* secondValue)
+{
+    SCAN_S scan;
+    if (Start(NEXT_HOP_TABLE, &scan) != OK) {
+        return FAIL;
+    }
+    FIB_NHP_S  nextHop = {};
+    const bool found   = FindNextHop(QRB_HERE, scan, nhpIndex, &nextHop);
+    *firstValue        = nextHop.firstValue;
+    *secondValue       = nextHop.secondValue;
+    Finish(scan);
+    return found ? OK : NONE;
+}
