@@ -1,0 +1,207 @@
+// What the lists of a profile's row say: remarks and committed access rates.
+#include <tarnd_platform/orm_accessors.h>
+#include <tarnd_qrb/qos.h>
+
+#include "db/access.h"
+
+using namespace qrb;
+
+namespace {
+
+constexpr uint32_t SECOND_SLOT_ITEM = 1;  // every other item goes to the first slot
+
+constexpr uint32_t FIELD_REMARK = 1;
+constexpr uint32_t FIELD_CAR_1  = 1;
+constexpr uint32_t FIELD_CAR_2  = 2;
+constexpr uint32_t FIELD_CAR_3  = 3;
+constexpr uint32_t FIELD_CAR_4  = 4;
+
+uint32_t PositionOn(LOG_SITE_S site, ORM_SESSION session, uint32_t index)
+{
+    uint32_t ret = OrmPrepare(session, "qos_integration", QRB_ORM_OP_READ);
+    if (ret != OK) {
+        QRB_ERROR_AT(site, "[qrb qos]error : prepare failed. ret: %d", ret);
+        return ret;
+    }
+    ret = OrmgQosIntegrationSetKeyPrimaryKeyInner(session, &index, sizeof(index));
+    if (ret != OK) {
+        QRB_ERROR_AT(site, "[qrb qos]error : set key failed. ret: %d", ret);
+        return ret;
+    }
+    ret = OrmExecute(session);
+    if (ret != OK) {
+        QRB_ERROR_AT(site, "[qrb qos]error : execute failed. ret: %d", ret);
+    }
+    return ret;
+}
+
+// A list whose size can't be had has no items.
+uint32_t ItemCount(ORM_NODE list)
+{
+    uint32_t count = 0;
+    OrmNodeGetSize(list, &count);
+    return count;
+}
+
+// An item that can't be had has no field to read.
+uint32_t ReadRemark(ORM_NODE list, uint32_t number, uint32_t* remark)
+{
+    ORM_NODE item = 0;
+    OrmNodeGetItemByIdx(list, number, &item);
+    return ReadItemField(item, FIELD_REMARK, remark);
+}
+
+uint32_t ReadDscpList(LOG_SITE_S site, ORM_SESSION session, QOS_PROFILE_INFO_S* info)
+{
+    ORM_NODE list = 0;
+    uint32_t ret  = OrmNodeGetChild(session, 0, "remark_dscp_list", &list);
+    if (ret == ORM_NO_LIST) {
+        QRB_ERROR_AT(site, "remark dscp list is not exist.");
+        return ret;
+    }
+    if (ret == OK) {
+        ret = QOS_GetDscp(list, info);
+    }
+    if (ret != OK) {
+        QRB_ERROR_AT(site, "orm prepare for scan failed.ret = %u", ret);
+    }
+    return ret;
+}
+
+void Read8021List(LOG_SITE_S site, ORM_SESSION session, QOS_PROFILE_INFO_S* info)
+{
+    ORM_NODE       list = 0;
+    const uint32_t ret  = OrmNodeGetChild(session, 0, "remark_8021p_list", &list);
+    if (ret == ORM_NO_LIST) {
+        QRB_ERROR_AT(site, "remark 8021p list is not exist. ret = %u", ret);
+    } else if (ret != OK) {
+        QRB_ERROR_AT(site, "orm prepare for scan failed. ret = %u", ret);
+    } else {
+        QOS_Get8021(list, info);
+    }
+}
+
+// Answers the sum of the codes of reading one item: 0 when all went well.
+uint32_t ReadCar(ORM_NODE list, uint32_t number, QOS_CAR_S* car)
+{
+    ORM_NODE item = 0;
+    uint32_t sum  = OrmNodeGetItemByIdx(list, number, &item);
+    sum += ReadItemField(item, FIELD_CAR_1, &car->field1);
+    sum += ReadItemField(item, FIELD_CAR_2, &car->field2);
+    sum += ReadItemField(item, FIELD_CAR_3, &car->field3);
+    sum += ReadItemField(item, FIELD_CAR_4, &car->field4);
+    return sum;
+}
+
+uint32_t ReadCarList(LOG_SITE_S site, ORM_SESSION session, QOS_PROFILE_INFO_S* info)
+{
+    ORM_NODE       list = 0;
+    const uint32_t ret  = OrmNodeGetChild(session, 0, "car_list", &list);
+    if (ret == ORM_NO_LIST) {
+        QRB_ERROR_AT(site, "car list is not exist. ret = %u", ret);
+        return ret;
+    }
+    if (ret != OK) {
+        QRB_ERROR_AT(site, "orm prepare for scan failed.ret = %u", ret);
+        return ret;
+    }
+    const uint32_t count = ItemCount(list);
+    for (uint32_t item = 0; item < count; item++) {
+        QOS_CAR_S      car = {};
+        const uint32_t sum = ReadCar(list, item, &car);
+        if (sum != OK) {
+            QRB_ERROR_AT(site, "orm prepare for scan failed. ret = %u", sum);
+            return sum;
+        }
+        info->valid = 1;
+        QOS_AssignCars(info, item, car.field1, car.field2, car.field3, car.field4);
+    }
+    return OK;
+}
+
+}  // namespace
+
+uint32_t QOS_SetQosIntePk(ORM_SESSION* session, uint32_t index)
+{
+    *session     = 0;
+    uint32_t ret = OrmOpenSessionByDefault(session);
+    if (ret != OK) {
+        QRB_ERROR("[qrb qos]error : open session failed. ret: %d", ret);
+        return ret;
+    }
+    ret = PositionOn(QRB_HERE, *session, index);
+    if (ret != OK) {
+        OrmCloseSession(*session);
+        *session = 0;
+    }
+    return ret;
+}
+
+uint32_t QOS_GetRemarkInfo(uint32_t /*unused*/, uint32_t index, QOS_PROFILE_INFO_S* info)
+{
+    ORM_SESSION session = 0;
+    if (QOS_SetQosIntePk(&session, index) != OK) {
+        return OK;
+    }
+    if (ReadDscpList(QRB_HERE, session, info) == OK) {
+        Read8021List(QRB_HERE, session, info);
+    }
+    OrmCloseSession(session);
+    return OK;
+}
+
+uint32_t QOS_GetDscp(ORM_NODE list, QOS_PROFILE_INFO_S* info)
+{
+    const uint32_t count = ItemCount(list);
+    for (uint32_t item = 0; item < count; item++) {
+        uint32_t       dscp = 0;
+        const uint32_t ret  = ReadRemark(list, item, &dscp);
+        if (ret != OK) {
+            QRB_ERROR("get remark desp list failed. ret: %u", ret);
+            return QOS_FAIL;
+        }
+        info->valid                                            = 1;
+        info->dscpValid                                        = 1;
+        (item == SECOND_SLOT_ITEM ? info->dscp1 : info->dscp0) = static_cast<uint8_t>(dscp);
+    }
+    return OK;
+}
+
+uint32_t QOS_Get8021(ORM_NODE list, QOS_PROFILE_INFO_S* info)
+{
+    const uint32_t count = ItemCount(list);
+    for (uint32_t item = 0; item < count; item++) {
+        uint32_t       priority = 0;
+        const uint32_t ret      = ReadRemark(list, item, &priority);
+        if (ret != OK) {
+            QRB_ERROR("get remark 8021p list value failed. ret: %u", ret);
+            return QOS_FAIL;
+        }
+        info->valid         = 1;
+        info->pri8021pValid = 1;
+        (item == SECOND_SLOT_ITEM ? info->pri8021p1 : info->pri8021p0) =
+            static_cast<uint8_t>(priority);
+    }
+    return OK;
+}
+
+uint32_t QOS_GetCarInfo(uint32_t /*unused*/, uint32_t index, QOS_PROFILE_INFO_S* info)
+{
+    ORM_SESSION session = 0;
+    if (QOS_SetQosIntePk(&session, index) != OK) {
+        QRB_ERROR("qos read db in car info failed.");
+        return OK;
+    }
+    const uint32_t read   = ReadCarList(QRB_HERE, session, info);
+    const uint32_t closed = OrmCloseSession(session);
+    if (read == OK && closed != OK) {
+        QRB_ERROR("orm close session failed");
+    }
+    return OK;
+}
+
+void QOS_AssignCars(QOS_PROFILE_INFO_S* info, uint32_t item, uint32_t field1, uint32_t field2,
+                    uint32_t field3, uint32_t field4)
+{
+    (item == SECOND_SLOT_ITEM ? info->car1 : info->car0) = {1, field1, field3, field2, field4};
+}
