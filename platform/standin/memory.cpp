@@ -1,0 +1,191 @@
+// Memory charged to modules.
+//
+// Each thread counts on a sheet of its own, which only it writes, so that charging costs plain
+// loads and stores. A report adds the sheets up. A thread that ends leaves its sheet, with what it
+// holds, to the next thread that starts: a block may be given back by another thread than took it,
+// and only the sum over all sheets has a meaning.
+#include <tarnd_platform/memory.h>
+
+#include <pthread.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdlib>
+#include <mutex>
+#include <new>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+constexpr uint32_t SELECTOR_IN_USE = 5;
+
+constexpr uint16_t NOBODY      = 0;    // charged for handles that were never given out
+constexpr size_t   HANDLE_ENDS = 256;  // handles are below
+
+// What stands before every block. The charge goes by it, whatever handle a block comes back under.
+struct alignas(std::max_align_t) Header {
+    size_t      size;
+    const char* file;
+    uint32_t    line;
+    uint16_t    handle;
+};
+
+struct Figures {
+    std::atomic<int64_t> bytes;
+    std::atomic<int64_t> blocks;
+};
+
+struct alignas(64) Sheet {
+    std::array<Figures, HANDLE_ENDS> figures;
+    Sheet*                           next;
+    bool                             inUse;  // by a thread
+};
+
+constinit std::mutex mutex;  // guards the list of sheets, their inUse, and the names
+constinit Sheet*     sheets = nullptr;
+// Where a thread counts that has no memory for a sheet.
+constinit Sheet                                                  spare = {};
+[[gnu::tls_model("initial-exec")]] constinit thread_local Sheet* mine  = nullptr;
+
+void Leave(void* sheet)
+{
+    const std::lock_guard lock(mutex);
+    static_cast<Sheet*>(sheet)->inUse = false;
+    mine                              = nullptr;
+}
+
+Sheet* FindUnused()
+{
+    for (Sheet* sheet = sheets; sheet != nullptr; sheet = sheet->next) {
+        if (!sheet->inUse) {
+            return sheet;
+        }
+    }
+    return nullptr;
+}
+
+// A thread's first charge. Null when there is no memory, or nobody would tell when the thread ends.
+Sheet* TakeSheet()
+{
+    const std::lock_guard lock(mutex);
+    static pthread_key_t  atThreadEnd;
+    static const bool     hasKey = pthread_key_create(&atThreadEnd, Leave) == 0;
+    if (!hasKey) {
+        return nullptr;
+    }
+    Sheet* sheet = FindUnused();
+    if (sheet == nullptr) {
+        sheet = new (std::nothrow) Sheet{};
+        if (sheet == nullptr) {
+            return nullptr;
+        }
+        sheet->next = sheets;
+        sheets      = sheet;
+    }
+    if (pthread_setspecific(atThreadEnd, sheet) != 0) {
+        return nullptr;
+    }
+    sheet->inUse = true;
+    return sheet;
+}
+
+// Only the owning thread writes, so nothing is lost between the load and the store.
+void Add(std::atomic<int64_t>& figure, int64_t amount)
+{
+    figure.store(figure.load(std::memory_order_relaxed) + amount, std::memory_order_relaxed);
+}
+
+void ChargeTo(Sheet* sheet, uint16_t handle, int64_t bytes, int64_t blocks)
+{
+    Add(sheet->figures[handle].bytes, bytes);
+    Add(sheet->figures[handle].blocks, blocks);
+}
+
+[[gnu::noinline]] void ChargeFirst(uint16_t handle, int64_t bytes, int64_t blocks)
+{
+    mine = TakeSheet();
+    if (mine != nullptr) {
+        ChargeTo(mine, handle, bytes, blocks);
+    } else {
+        spare.figures[handle].bytes += bytes;
+        spare.figures[handle].blocks += blocks;
+    }
+}
+
+[[gnu::always_inline]] inline void Charge(uint16_t handle, int64_t bytes, int64_t blocks)
+{
+    if (mine != nullptr) [[likely]] {
+        ChargeTo(mine, handle, bytes, blocks);
+    } else {
+        ChargeFirst(handle, bytes, blocks);
+    }
+}
+
+}  // namespace
+
+uint32_t mem_handle_get(const char* name)
+{
+    static auto& names = *new std::vector<std::string>{""};  // by handle; 0 is nobody
+    if (name == nullptr) {
+        return NOBODY;
+    }
+    const std::lock_guard lock(mutex);
+    const auto            found = std::find(names.begin() + 1, names.end(), std::string_view(name));
+    const auto            handle = static_cast<uint32_t>(found - names.begin());
+    if (handle == HANDLE_ENDS) {
+        return NOBODY;
+    }
+    if (found == names.end()) {
+        names.emplace_back(name);
+    }
+    return handle;
+}
+
+void* malloc_ex(uint16_t handle, const char* file, uint32_t line, size_t size)
+{
+    size_t whole = 0;
+    if (__builtin_add_overflow(size, sizeof(Header), &whole)) {
+        return nullptr;
+    }
+    const uint16_t charged = handle < HANDLE_ENDS ? handle : NOBODY;
+    auto*          header  = static_cast<Header*>(malloc(whole));
+    if (header == nullptr) {
+        return nullptr;
+    }
+    *header = {size, file, line, charged};
+    Charge(charged, static_cast<int64_t>(size), 1);
+    return header + 1;
+}
+
+void free_ex(uint16_t /*handle*/, void* memory)
+{
+    if (memory == nullptr) {
+        return;
+    }
+    auto* header = static_cast<Header*>(memory) - 1;
+    Charge(header->handle, -static_cast<int64_t>(header->size), -1);
+    free(header);
+}
+
+uint32_t meminfo_get(uint32_t selector, uint16_t handle, uint64_t* first, uint64_t* second)
+{
+    if (selector != SELECTOR_IN_USE || handle >= HANDLE_ENDS || first == nullptr ||
+        second == nullptr) {
+        return 1;
+    }
+    const std::lock_guard lock(mutex);
+    int64_t               bytes  = spare.figures[handle].bytes;
+    int64_t               blocks = spare.figures[handle].blocks;
+    for (const Sheet* sheet = sheets; sheet != nullptr; sheet = sheet->next) {
+        bytes += sheet->figures[handle].bytes.load(std::memory_order_relaxed);
+        blocks += sheet->figures[handle].blocks.load(std::memory_order_relaxed);
+    }
+    // While other threads take and give back, a block's return may be seen without its taking.
+    *first  = static_cast<uint64_t>(std::max<int64_t>(bytes, 0));
+    *second = static_cast<uint64_t>(std::max<int64_t>(blocks, 0));
+    return 0;
+}
