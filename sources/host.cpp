@@ -1,0 +1,122 @@
+#include "sources/host.h"
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <exception>
+#include <system_error>
+
+#include "sources/host_mirror.h"
+
+namespace sources {
+namespace {
+
+// Each change of a link has a transaction, and so its events, of its own.
+void MirrorChange(const LinkChange& change)
+{
+    standin::Transaction transaction;
+    for (const standin::Row& row : LinkRows(change.link)) {
+        if (change.removed)
+            RemoveRow(transaction, row);
+        else
+            MirrorRow(transaction, row);
+    }
+    transaction.Commit();
+}
+
+}  // namespace
+
+StopEvent::StopEvent() : descriptor_(eventfd(0, EFD_CLOEXEC))
+{
+    if (descriptor_ < 0)
+        throw std::system_error(errno, std::generic_category(), "cannot open an event descriptor");
+}
+
+StopEvent::~StopEvent()
+{
+    close(descriptor_);
+}
+
+void StopEvent::Raise() const
+{
+    eventfd_write(descriptor_, 1);
+}
+
+Host::Host(int receiveBuffer) : notifications_(receiveBuffer)
+{
+    ReadEverything();
+}
+
+void Host::Follow()
+{
+    follower_ = std::jthread([this](const std::stop_token& stop) { Run(stop); });
+}
+
+void Host::Run(const std::stop_token& stop)
+{
+    constexpr int            forever    = -1;
+    constexpr int            retryAfter = 1000;  // milliseconds
+    const std::stop_callback onStop(stop, [this] { stopEvent_.Raise(); });
+    while (!stop.stop_requested()) {
+        pollfd waitedFor[] = {{notifications_.Descriptor(), POLLIN, 0},
+                              {stopEvent_.Descriptor(), POLLIN, 0}};
+        poll(waitedFor, std::size(waitedFor), mustReadEverything_ ? retryAfter : forever);
+        try {
+            TakeChanges();
+        } catch (const std::exception& error) {
+            syslog(LOG_ERR, "following the host: %s\n", error.what());
+            mustReadEverything_ = true;
+        }
+    }
+}
+
+void Host::TakeChanges()
+{
+    const Changes changes = notifications_.Take();
+    mustReadEverything_ |= changes.overrun;
+    MirrorChanges(changes.links);
+    if (mustReadEverything_) {
+        ReadEverything();
+    } else if (changes.any) {
+        standin::Transaction transaction;
+        ReadAddressesAndRoutes(transaction);
+        transaction.Commit();
+    }
+}
+
+// A change from before the last reading may not fit the rows any more: another link may have its
+// name by now.
+void Host::MirrorChanges(const std::vector<LinkChange>& changes)
+{
+    for (const LinkChange& change : changes) {
+        try {
+            MirrorChange(change);
+        } catch (const standin::Error&) {
+            mustReadEverything_ = true;
+        }
+    }
+}
+
+void Host::ReadEverything()
+{
+    standin::Transaction transaction;
+    MirrorLinks(transaction, kernel_.Links());
+    ReadAddressesAndRoutes(transaction);
+    transaction.Commit();
+    mustReadEverything_ = false;
+}
+
+// Routes go without a word when their link or their source address does, so any change is a reason
+// to read them all.
+void Host::ReadAddressesAndRoutes(standin::Transaction& transaction)
+{
+    kernel_.Settle();
+    MirrorTable(transaction, *standin::FindTable("am_ipv4_address"),
+                AddressRows(kernel_.Addresses()));
+    MirrorForwarding(transaction, forwarding_.RowsOf(kernel_.Routes()));
+}
+
+}  // namespace sources

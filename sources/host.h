@@ -1,0 +1,57 @@
+// This host as a device: the kernel's links, addresses and IPv4 routes, mirrored into the database
+// and followed as they change. docs/host-source.md tells what goes where.
+#pragma once
+
+#include <stop_token>
+#include <thread>
+
+#include "sources/host_kernel.h"
+#include "sources/host_rows.h"
+
+namespace sources {
+
+// Ends a wait in poll.
+class StopEvent {
+public:
+    StopEvent();
+    ~StopEvent();
+    StopEvent(const StopEvent&)            = delete;
+    StopEvent& operator=(const StopEvent&) = delete;
+
+    void Raise() const;
+    int  Descriptor() const { return descriptor_; }
+
+private:
+    int descriptor_;
+};
+
+// Mirrors the network namespace of the thread that makes it. The tables that it fills are its own:
+// rows that others put there go.
+class Host {
+public:
+    static constexpr int defaultReceiveBuffer = 1 << 20;
+
+    // Fills the tables with what is there now. Throws std::runtime_error where the kernel can't be
+    // asked. receiveBuffer: bytes of changes that may wait. Where more come everything is read
+    // anew: what lies between may be lost, what comes of it is not.
+    explicit Host(int receiveBuffer = defaultReceiveBuffer);
+
+    // From here on a thread writes each change as it comes, until the host is destroyed.
+    void Follow();
+
+private:
+    void Run(const std::stop_token& stop);
+    void TakeChanges();
+    void MirrorChanges(const std::vector<LinkChange>& changes);
+    void ReadEverything();
+    void ReadAddressesAndRoutes(standin::Transaction& transaction);
+
+    Notifications notifications_;  // made before anything is read, so that no change falls between
+    Kernel        kernel_;
+    Forwarding    forwarding_;
+    bool          mustReadEverything_ = false;
+    StopEvent     stopEvent_;
+    std::jthread  follower_;  // last: it ends before what it uses
+};
+
+}  // namespace sources
