@@ -17,6 +17,8 @@
 
 namespace standin {
 
+class StoredRow;
+
 // What is refused, in words for a person: table, key or field, and reason.
 class Error : public std::runtime_error {
 public:
@@ -54,6 +56,8 @@ public:
     friend bool operator==(const Row&, const Row&) = default;
 
 private:
+    friend Row Detached(const Table& table, const StoredRow& row);
+
     const Table*                                     table_;
     std::vector<uint8_t>                             record_;
     std::vector<std::optional<std::vector<uint8_t>>> lists_;

@@ -12,7 +12,7 @@ enum class Kind : uint8_t {
     Number,  // unsigned, little-endian, 1, 2 or 4 bytes
     Ipv4,    // a 4-byte number whose most significant byte is the first octet
     Mac,     // 6 bytes, first byte first
-    Text,    // ends with NUL within its width
+    Text,    // its width includes a NUL, unless the field is unterminated
     Set,     // bit i is byte i / 8, mask 0x80 >> i % 8
 };
 
@@ -20,9 +20,16 @@ struct Field {
     std::string_view name;
     uint32_t         number;
     Kind             kind;
-    uint32_t         offset;  // in the record, or in the list item
-    uint32_t         width;   // bytes
+    uint32_t         offset;                // in the record, or in the list item
+    uint32_t         width;                 // bytes
+    bool             unterminated = false;  // a text that may fill its whole width
 };
+
+// The longest text that a field holds.
+constexpr uint32_t LongestText(const Field& field)
+{
+    return field.unterminated ? field.width : field.width - 1;
+}
 
 // Members lie side by side in the record, so a key is a run of its bytes.
 struct Key {
@@ -31,6 +38,8 @@ struct Key {
     uint32_t                      offset;
     uint32_t                      width;
 };
+
+inline constexpr uint32_t longestKey = 68;
 
 struct List {
     std::string_view       name;

@@ -1,0 +1,108 @@
+#include "condition.h"
+
+#include <charconv>
+
+namespace standin {
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+// All of the text, or nothing.
+std::optional<uint32_t> ParseNumber(std::string_view text, int base)
+{
+    uint32_t number = 0;
+    const auto [stop, error] =
+        std::from_chars(text.data(), text.data() + text.size(), number, base);
+    const bool whole = error == std::errc() && stop == text.data() + text.size();
+    return whole ? std::optional(number) : std::nullopt;
+}
+
+std::optional<Bytes> NumberBytes(const Field& field, std::string_view text)
+{
+    const auto number = ParseNumber(text, 10);
+    if (!number || (field.width < 4 && *number >> 8 * field.width != 0)) {
+        return std::nullopt;
+    }
+    Bytes bytes(field.width);
+    std::memcpy(bytes.data(), &*number, field.width);
+    return bytes;
+}
+
+// "0x" and two digits for each byte of the field.
+std::optional<Bytes> HexadecimalBytes(const Field& field, std::string_view text)
+{
+    if (!text.starts_with("0x") || text.size() != 2 + 2 * size_t{field.width}) {
+        return std::nullopt;
+    }
+    Bytes bytes;
+    for (size_t at = 2; at < text.size(); at += 2) {
+        const auto byte = ParseNumber(text.substr(at, 2), 16);
+        if (!byte) {
+            return std::nullopt;
+        }
+        bytes.push_back(static_cast<uint8_t>(*byte));
+    }
+    return bytes;
+}
+
+std::optional<Bytes> TextBytes(const Field& field, std::string_view text)
+{
+    if (text.size() > LongestText(field)) {
+        return std::nullopt;
+    }
+    Bytes bytes(text.begin(), text.end());
+    bytes.resize(field.width);
+    return bytes;
+}
+
+std::optional<Bytes> ValueBytes(const Field& field, std::string_view text)
+{
+    if (field.kind == Kind::Number || field.kind == Kind::Ipv4) {
+        return NumberBytes(field, text);
+    }
+    if (auto bytes = HexadecimalBytes(field, text)) {
+        return bytes;
+    }
+    return field.kind == Kind::Text ? TextBytes(field, text) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<Condition> Condition::Parse(const Table& table, std::string_view text)
+{
+    constexpr std::string_view joint = " and ";
+    Condition                  condition;
+    for (;;) {
+        const size_t end = text.find(joint);
+        if (!condition.AddTerm(table, text.substr(0, end))) {
+            return std::nullopt;
+        }
+        if (end == std::string_view::npos) {
+            return condition;
+        }
+        text.remove_prefix(end + joint.size());
+    }
+}
+
+bool Condition::AddTerm(const Table& table, std::string_view text)
+{
+    constexpr std::string_view equals = " = ";
+    const size_t               end    = text.find(equals);
+    if (end == std::string_view::npos) {
+        return false;
+    }
+    const Field*           field = FindField(table.fields, text.substr(0, end));
+    const std::string_view value = text.substr(end + equals.size());
+    if (field == nullptr || value.empty() || value.find(' ') != std::string_view::npos) {
+        return false;
+    }
+    auto bytes = ValueBytes(*field, value);
+    if (!bytes) {
+        return false;
+    }
+    terms_.push_back({field->offset, std::move(*bytes)});
+    return true;
+}
+
+}  // namespace standin

@@ -1,0 +1,65 @@
+#include "limbo.h"
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <vector>
+
+#include "session_pool.h"
+#include "stored_row.h"
+
+namespace standin {
+
+namespace {
+
+std::mutex        mutex;
+std::atomic<bool> empty = true;
+
+// Never destroyed: other threads may still be at work when the process ends.
+std::vector<const StoredRow*>& Rows()
+{
+    static auto& rows = *new std::vector<const StoredRow*>;
+    return rows;
+}
+
+std::vector<const StoredRow*> PinnedRows()
+{
+    std::vector<const StoredRow*> pinned;
+    ForEachSession([&](const Session& session) {
+        session.pins.ForEach([&](const StoredRow* row) { pinned.push_back(row); });
+    });
+    std::ranges::sort(pinned);
+    return pinned;
+}
+
+}  // namespace
+
+void Release(const StoredRow* row)
+{
+    if (row->references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        const std::lock_guard lock(mutex);
+        Rows().push_back(row);
+        empty.store(false, std::memory_order_relaxed);
+    }
+}
+
+void SweepLimbo()
+{
+    const std::lock_guard lock(mutex);
+    auto&                 rows     = Rows();
+    const auto            pinned   = PinnedRows();
+    const auto            isPinned = [&](const StoredRow* row) {
+        return std::ranges::binary_search(pinned, row);
+    };
+    const auto free = std::ranges::partition(rows, isPinned);
+    std::ranges::for_each(free, DeleteRow);
+    rows.erase(free.begin(), free.end());
+    empty.store(rows.empty(), std::memory_order_relaxed);
+}
+
+bool LimboIsEmpty()
+{
+    return empty.load(std::memory_order_relaxed);
+}
+
+}  // namespace standin

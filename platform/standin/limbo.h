@@ -1,0 +1,17 @@
+// Where rows wait that have left their table, until no session stands on them.
+#pragma once
+
+namespace standin {
+
+class StoredRow;
+
+// One reference less; the last one sends the row to limbo.
+void Release(const StoredRow* row);
+
+// Frees the rows in limbo that nobody stands on.
+void SweepLimbo();
+
+// A glance, without waiting.
+bool LimboIsEmpty();
+
+}  // namespace standin

@@ -1,0 +1,74 @@
+#include "position.h"
+
+#include <algorithm>
+
+#include "codes.h"
+#include "handles.h"
+
+namespace standin {
+
+void Position::MoveTo(const TableStore& store, const StoredRow& row)
+{
+    Leave();
+    store_ = &store;
+    row_   = &row;
+}
+
+void Position::Leave()
+{
+    row_ = nullptr;
+    stamp_.store(stamp_.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+}
+
+bool Position::IsOn(const Table& table) const
+{
+    return row_ != nullptr && &store_->Description() == &table;
+}
+
+uint64_t Position::Stamp() const
+{
+    return LowBits(stamp_.load(std::memory_order_relaxed), NodeUse::stampBits);
+}
+
+uint32_t Position::CopyField(std::string_view field, void* destination, uint32_t size) const
+{
+    return row_ == nullptr
+               ? Refusal::WrongOrder
+               : Copy(FindField(store_->Description().fields, field), destination, size);
+}
+
+uint32_t Position::CopyField(uint32_t field, void* destination, uint32_t size) const
+{
+    return row_ == nullptr
+               ? Refusal::WrongOrder
+               : Copy(FieldOfNumber(store_->Description().fields, field), destination, size);
+}
+
+uint32_t Position::Copy(const Field* field, void* destination, uint32_t size) const
+{
+    return CopyFieldOf(field, row_->Record(), destination, size);
+}
+
+uint32_t CopyFieldOf(const Field* field, const uint8_t* bytes, void* destination, uint32_t size)
+{
+    if (field == nullptr) {
+        return Refusal::UnknownField;
+    }
+    if (size != field->width) {
+        return Refusal::WrongSize;
+    }
+    std::memcpy(destination, bytes + field->offset, size);
+    return ORM_OK;
+}
+
+const Field* FieldOfNumber(std::span<const Field> fields, uint32_t number)
+{
+    // Where the numbers have no gaps, a field's number is its place.
+    if (number < fields.size() && fields[number].number == number) {
+        return &fields[number];
+    }
+    const auto found = std::ranges::find(fields, number, &Field::number);
+    return found == fields.end() ? nullptr : &*found;
+}
+
+}  // namespace standin
