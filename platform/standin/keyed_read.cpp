@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "codes.h"
+#include "tarnd_platform/orm.h"
 
 namespace standin {
 

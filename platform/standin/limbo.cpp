@@ -51,9 +51,9 @@ void SweepLimbo()
     const auto            isPinned = [&](const StoredRow* row) {
         return std::ranges::binary_search(pinned, row);
     };
-    const auto free = std::ranges::partition(rows, isPinned);
-    std::ranges::for_each(free, DeleteRow);
-    rows.erase(free.begin(), free.end());
+    const auto free = std::partition(rows.begin(), rows.end(), isPinned);
+    std::for_each(free, rows.end(), DeleteRow);
+    rows.erase(free, rows.end());
     empty.store(rows.empty(), std::memory_order_relaxed);
 }
 

@@ -5,6 +5,7 @@
 
 #include "codes.h"
 #include "session_pool.h"
+#include "tarnd_platform/orm.h"
 
 namespace standin {
 

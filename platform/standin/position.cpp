@@ -4,6 +4,7 @@
 
 #include "codes.h"
 #include "handles.h"
+#include "tarnd_platform/orm.h"
 
 namespace standin {
 

@@ -2,6 +2,7 @@
 
 #include "codes.h"
 #include "gate.h"
+#include "tarnd_platform/orm.h"
 
 namespace standin {
 
