@@ -1,0 +1,33 @@
+// What is wrong with a JSON value, and where it stands.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include <standin/database.h>
+#include <nlohmann/json.hpp>
+
+namespace sources {
+
+using Json = nlohmann::ordered_json;
+
+// "/pvid: 70000 is out of range 0 to 65535".
+class JsonError : public standin::Error {
+public:
+    explicit JsonError(const std::string& reason, const std::string& path = "");
+
+    // The same, seen from further out.
+    JsonError Under(const std::string& path) const { return JsonError(reason_, path + path_); }
+
+private:
+    std::string reason_;
+    std::string path_;
+};
+
+[[noreturn]] void RefuseType(const Json& value, const std::string& expected);
+[[noreturn]] void RefuseRange(const std::string& number, uint64_t highest);
+
+// The number, from 0 to highest.
+uint64_t WholeNumber(const Json& value, uint64_t highest);
+
+}  // namespace sources
