@@ -27,12 +27,19 @@ constexpr uint16_t NOBODY      = 0;    // charged for handles that were never gi
 constexpr size_t   HANDLE_ENDS = 256;  // handles are below
 
 // What stands before every block. The charge goes by it, whatever handle a block comes back under.
+// Blocks are small and many, so it is packed: sizes and addresses have 48 bits.
 struct alignas(std::max_align_t) Header {
-    size_t      size;
-    const char* file;
-    uint32_t    line;
-    uint16_t    handle;
+    uint64_t lineAndSize;
+    uint64_t handleAndFile;
+
+    uint16_t Handle() const { return static_cast<uint16_t>(handleAndFile >> 48); }
+    int64_t  Size() const { return static_cast<int64_t>(lineAndSize << 16 >> 16); }
 };
+
+uint64_t Pack(uint32_t high, uint64_t low)
+{
+    return uint64_t{high} << 48 | low;
+}
 
 struct Figures {
     std::atomic<int64_t> bytes;
@@ -156,7 +163,7 @@ void* malloc_ex(uint16_t handle, const char* file, uint32_t line, size_t size)
     if (header == nullptr) {
         return nullptr;
     }
-    *header = {size, file, line, charged};
+    *header = {Pack(line, size), Pack(charged, reinterpret_cast<uintptr_t>(file))};
     Charge(charged, static_cast<int64_t>(size), 1);
     return header + 1;
 }
@@ -167,7 +174,7 @@ void free_ex(uint16_t /*handle*/, void* memory)
         return;
     }
     auto* header = static_cast<Header*>(memory) - 1;
-    Charge(header->handle, -static_cast<int64_t>(header->size), -1);
+    Charge(header->Handle(), -header->Size(), -1);
     free(header);
 }
 
