@@ -146,9 +146,7 @@ void Commit(std::vector<PreparedWrite> writes)
             Release(change.before);
         }
     }
-    if (!LimboIsEmpty()) {
-        SweepLimbo();
-    }
+    SweepLimbo();
 }
 
 void EmptyTables()

@@ -45,6 +45,9 @@ void Release(const StoredRow* row)
 
 void SweepLimbo()
 {
+    if (empty.load(std::memory_order_relaxed)) {
+        return;
+    }
     const std::lock_guard lock(mutex);
     auto&                 rows     = Rows();
     const auto            pinned   = PinnedRows();
@@ -55,11 +58,6 @@ void SweepLimbo()
     std::for_each(free, rows.end(), DeleteRow);
     rows.erase(free, rows.end());
     empty.store(rows.empty(), std::memory_order_relaxed);
-}
-
-bool LimboIsEmpty()
-{
-    return empty.load(std::memory_order_relaxed);
 }
 
 }  // namespace standin

@@ -8,10 +8,7 @@ class StoredRow;
 // One reference less; the last one sends the row to limbo.
 void Release(const StoredRow* row);
 
-// Frees the rows in limbo that nobody stands on.
+// Frees the rows in limbo that nobody stands on; a glance where there are none.
 void SweepLimbo();
-
-// A glance, without waiting.
-bool LimboIsEmpty();
 
 }  // namespace standin

@@ -76,9 +76,7 @@ void CloseSession(Session& session)
     session.handle.store(0, std::memory_order_relaxed);
     session.Reset();
     KeepSession(session);
-    if (!LimboIsEmpty()) {
-        SweepLimbo();
-    }
+    SweepLimbo();
 }
 
 }  // namespace standin

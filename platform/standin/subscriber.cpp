@@ -1,15 +1,280 @@
 #include "subscriber.h"
 
-#include "change.h"
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <system_error>
+
 #include "codes.h"
+#include "session_pool.h"
 
 namespace standin {
 
-void Publish(std::span<const Change>) {}
-
-uint32_t CloseSubscriptionSession(uint64_t)
+Signal::Signal() : descriptor_(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC))
 {
-    return Refusal::UnknownHandle;
+    if (descriptor_ < 0) {
+        throw std::system_error(errno, std::generic_category(), "eventfd");
+    }
+}
+
+Signal::~Signal()
+{
+    close(descriptor_);
+}
+
+void Signal::Raise() const
+{
+    eventfd_write(descriptor_, 1);
+}
+
+void Signal::Lower() const
+{
+    eventfd_t count = 0;
+    eventfd_read(descriptor_, &count);
+}
+
+namespace {
+
+// The open subscribers. Lock this one before a subscriber's own.
+struct Registry {
+    std::mutex                               mutex;
+    std::vector<std::shared_ptr<Subscriber>> subscribers;
+};
+
+Registry& TheRegistry()
+{
+    static auto& registry = *new Registry;
+    return registry;
+}
+
+// Neighbours of one table and one operation.
+std::vector<std::span<const Change>> RunsOf(std::span<const Change> changes)
+{
+    std::vector<std::span<const Change>> runs;
+    while (!changes.empty()) {
+        const auto end = std::find_if(changes.begin(), changes.end(), [&](const Change& change) {
+            return change.store != changes.front().store || change.event != changes.front().event;
+        });
+        const auto run = changes.first(static_cast<size_t>(end - changes.begin()));
+        runs.push_back(run);
+        changes = changes.subspan(run.size());
+    }
+    return runs;
+}
+
+}  // namespace
+
+void Publish(std::span<const Change> changes)
+{
+    const std::lock_guard lock(TheRegistry().mutex);
+    if (TheRegistry().subscribers.empty()) {
+        return;
+    }
+    const auto runs = RunsOf(changes);
+    for (const auto& subscriber : TheRegistry().subscribers) {
+        subscriber->Append(runs);
+    }
+}
+
+std::shared_ptr<Subscriber> Subscriber::Open(ORM_FD_CONTROL control)
+{
+    const std::shared_ptr<Subscriber> opened(new Subscriber(control));
+    constexpr uint32_t                watch = 0;
+    const auto descriptor                   = static_cast<uint32_t>(opened->signal_.Descriptor());
+    if (control != nullptr && control(descriptor, watch) != 0) {
+        return nullptr;
+    }
+    if (control == nullptr) {
+        opened->server_ = std::thread([opened] { opened->Serve(); });
+    }
+    const std::lock_guard lock(TheRegistry().mutex);
+    TheRegistry().subscribers.push_back(opened);
+    return opened;
+}
+
+std::shared_ptr<Subscriber> Subscriber::Find(int descriptor)
+{
+    const std::lock_guard lock(TheRegistry().mutex);
+    const auto&           all   = TheRegistry().subscribers;
+    const auto            found = std::find_if(all.begin(), all.end(), [=](const auto& subscriber) {
+        return subscriber->signal_.Descriptor() == descriptor;
+    });
+    return found == all.end() ? nullptr : *found;
+}
+
+void Subscriber::Subscribe(const Definition& definition, ORM_SUB_CALLBACK callback)
+{
+    const std::lock_guard lock(mutex_);
+    subscriptions_.push_back({definition, callback});
+}
+
+void Subscriber::Append(std::span<const std::span<const Change>> runs)
+{
+    const std::lock_guard lock(mutex_);
+    const bool            wasEmpty = pending_.empty();
+    for (const auto& run : runs) {
+        for (const Subscription& subscription : subscriptions_) {
+            if (subscription.definition.Covers(*run.front().store, run.front().event)) {
+                pending_.emplace_back(subscription.callback, run);
+            }
+        }
+    }
+    if (wasEmpty && !pending_.empty()) {
+        signal_.Raise();
+    }
+}
+
+size_t Subscriber::PendingCount()
+{
+    const std::lock_guard lock(mutex_);
+    return pending_.size();
+}
+
+std::optional<Delivery> Subscriber::TakeFirst()
+{
+    const std::lock_guard lock(mutex_);
+    if (pending_.empty()) {
+        return std::nullopt;
+    }
+    std::optional<Delivery> first(std::move(pending_.front()));
+    pending_.pop_front();
+    if (pending_.empty() && !closed_) {
+        signal_.Lower();
+    }
+    return first;
+}
+
+namespace {
+
+// The session behind a message's handle, which is good for as long as the callback runs.
+class Message {
+public:
+    Message() : session_(OpenSession(HandleKind::Message, &handle_)) {}
+    ~Message()
+    {
+        if (session_ != nullptr) {
+            CloseSession(*session_);
+        }
+    }
+    Message(const Message&)            = delete;
+    Message& operator=(const Message&) = delete;
+
+    bool IsOpen() const { return session_ != nullptr; }
+    void Run(const Delivery& delivery)
+    {
+        session_->delivery = &delivery;
+        delivery.Run(handle_);
+        CloseSession(*std::exchange(session_, nullptr));
+    }
+
+private:
+    uint64_t handle_ = 0;
+    Session* session_;
+};
+
+class SetWhile {
+public:
+    explicit SetWhile(bool& flag) : flag_(flag) { flag_ = true; }
+    ~SetWhile() { flag_ = false; }
+    SetWhile(const SetWhile&)            = delete;
+    SetWhile& operator=(const SetWhile&) = delete;
+
+private:
+    bool& flag_;
+};
+
+}  // namespace
+
+// Only what is pending now, so that a busy writer doesn't keep the caller for ever.
+uint32_t Subscriber::Dispatch()
+{
+    const std::lock_guard lock(dispatching_);
+    if (isDispatching_) {
+        return Refusal::WrongOrder;  // by one of its callbacks
+    }
+    const SetWhile running(isDispatching_);
+    for (size_t left = PendingCount(); left > 0; left--) {
+        if (!DeliverFirst()) {
+            return Refusal::OutOfResources;
+        }
+        SweepLimbo();
+    }
+    return ORM_OK;
+}
+
+bool Subscriber::DeliverFirst()
+{
+    Message message;
+    if (!message.IsOpen()) {
+        return false;
+    }
+    if (const auto delivery = TakeFirst()) {
+        message.Run(*delivery);
+    }
+    return true;
+}
+
+void Subscriber::Close()
+{
+    {
+        const std::lock_guard lock(TheRegistry().mutex);
+        std::erase(TheRegistry().subscribers, shared_from_this());
+    }
+    DropPending();
+    constexpr uint32_t unwatch = 1;
+    if (control_ != nullptr) {
+        control_(static_cast<uint32_t>(signal_.Descriptor()), unwatch);
+    }
+    StopServing();
+    const std::lock_guard untilCallbackEnds(dispatching_);
+}
+
+void Subscriber::DropPending()
+{
+    std::deque<Delivery>  dropped;
+    const std::lock_guard lock(mutex_);
+    closed_ = true;
+    dropped.swap(pending_);
+}
+
+void Subscriber::Serve()
+{
+    pollfd ready = {signal_.Descriptor(), POLLIN, 0};
+    while (!IsClosed()) {
+        poll(&ready, 1, -1);
+        Dispatch();
+    }
+}
+
+bool Subscriber::IsClosed()
+{
+    const std::lock_guard lock(mutex_);
+    return closed_;
+}
+
+void Subscriber::StopServing()
+{
+    signal_.Raise();
+    if (server_.get_id() == std::this_thread::get_id()) {
+        server_.detach();  // a callback closes: its thread ends after it
+    } else if (server_.joinable()) {
+        server_.join();
+    }
+}
+
+uint32_t CloseSubscriptionSession(uint64_t handle)
+{
+    Session* session = FindSession(HandleKind::Subscription, handle);
+    if (session == nullptr) {
+        return Refusal::UnknownHandle;
+    }
+    const auto subscriber = std::exchange(session->subscriber, nullptr);
+    CloseSession(*session);
+    subscriber->Close();
+    SweepLimbo();
+    return ORM_OK;
 }
 
 }  // namespace standin

@@ -1,9 +1,81 @@
 // A subscription session: what it covers, and what it has yet to be told.
 #pragma once
 
-#include <cstdint>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+#include "definition.h"
+#include "delivery.h"
 
 namespace standin {
+
+// An eventfd that is readable while it is raised.
+class Signal {
+public:
+    Signal();
+    ~Signal();
+    Signal(const Signal&)            = delete;
+    Signal& operator=(const Signal&) = delete;
+
+    int  Descriptor() const { return descriptor_; }
+    void Raise() const;
+    void Lower() const;
+
+private:
+    int descriptor_;
+};
+
+class Subscriber : public std::enable_shared_from_this<Subscriber> {
+public:
+    // Null where the control function doesn't take the descriptor. Without a control function, a
+    // thread of the stand-in's own waits on it.
+    static std::shared_ptr<Subscriber> Open(ORM_FD_CONTROL control);
+
+    // The open one with this descriptor, or null.
+    static std::shared_ptr<Subscriber> Find(int descriptor);
+
+    void Subscribe(const Definition& definition, ORM_SUB_CALLBACK callback);
+
+    // Runs the callbacks of what is pending now.
+    uint32_t Dispatch();
+
+    // No callback runs afterwards, and none is running, unless it is the one that closes.
+    void Close();
+
+private:
+    friend void Publish(std::span<const Change> changes);
+
+    struct Subscription {
+        Definition       definition;
+        ORM_SUB_CALLBACK callback;
+    };
+
+    explicit Subscriber(ORM_FD_CONTROL control) : control_(control) {}
+
+    void                    Append(std::span<const std::span<const Change>> runs);
+    size_t                  PendingCount();
+    std::optional<Delivery> TakeFirst();
+    bool                    DeliverFirst();  // false where there is no handle for the message
+    void                    DropPending();
+    bool                    IsClosed();
+    void                    Serve();
+    void                    StopServing();
+
+    const ORM_FD_CONTROL control_;
+    const Signal         signal_;
+    std::thread          server_;
+
+    std::recursive_mutex dispatching_;  // held while callbacks run
+    bool                 isDispatching_ = false;
+
+    std::mutex                mutex_;  // for the rest; the signal is raised while deliveries pend
+    std::vector<Subscription> subscriptions_;
+    std::deque<Delivery>      pending_;
+    bool                      closed_ = false;
+};
 
 // Ends the subscriptions of the session that this handle stands for.
 uint32_t CloseSubscriptionSession(uint64_t handle);
