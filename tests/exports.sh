@@ -20,7 +20,7 @@ exported=$(nm -D --defined-only "$library" | awk '$2 != "A" { print $3 }' | name
 expect_same "exported names" "$listed" "$exported"
 
 # Everything that is neither the contract's nor the C library's would be a dependency too many.
-contract=$(cat "$@" | grep -oE '\b(Orm|Dbc)[A-Za-z0-9]+|\b[a-z]+_(s|ex|get)\b' | sort -u)
+contract=$(cat "$@" | grep -oE '\b(Orm|Dbc)[A-Za-z0-9]+|\b[a-z_]+_(s|ex|get)\b' | sort -u)
 undefined=$(nm -D --undefined-only "$library" | awk '{ print $NF }')
 foreign=$(grep -v '@GLIBC_' <<<"$undefined" | names \
     | grep -vE '^(__cxa_finalize|__gmon_start__|_ITM_.*)$' | comm -23 - <(echo "$contract"))
