@@ -137,7 +137,7 @@ void Commit(std::vector<PreparedWrite> writes)
     const auto            changes = CarryOut(writes, rooms);
     for (PreparedWrite& write : writes) {
         if (write.event != ORM_EVENT_DELETE) {
-            write.row.release();  // the table's now
+            static_cast<void>(write.row.release());  // the table's now
         }
     }
     Publish(changes);

@@ -55,6 +55,7 @@ private:
 
     static const StoredRow* RowIn(Bucket bucket)
     {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the tag is what the integer is for
         return reinterpret_cast<const StoredRow*>(bucket & addressMask);
     }
     static bool   SameTag(Bucket bucket, uint64_t hash) { return (bucket ^ hash) <= addressMask; }

@@ -80,9 +80,9 @@ void Publish(std::span<const Change> changes)
 
 std::shared_ptr<Subscriber> Subscriber::Open(ORM_FD_CONTROL control)
 {
-    const std::shared_ptr<Subscriber> opened(new Subscriber(control));
-    constexpr uint32_t                watch = 0;
-    const auto descriptor                   = static_cast<uint32_t>(opened->signal_.Descriptor());
+    std::shared_ptr<Subscriber> opened(new Subscriber(control));
+    constexpr uint32_t          watch      = 0;
+    const auto                  descriptor = static_cast<uint32_t>(opened->signal_.Descriptor());
     if (control != nullptr && control(descriptor, watch) != 0) {
         return nullptr;
     }
