@@ -12,8 +12,9 @@ target_compile_options(tarnd_qrb PRIVATE -fno-exceptions -fno-rtti -fno-threadsa
 # The public headers declare what is exported; the version script says so to the linker.
 set(exports ${PROJECT_SOURCE_DIR}/cmake/tarnd_qrb.map)
 target_compile_options(tarnd_qrb PRIVATE -fvisibility=default)
-target_link_options(tarnd_qrb PRIVATE -Wl,--version-script=${exports} -Wl,--no-undefined-version
-  -Wl,--gc-sections $<$<NOT:$<BOOL:${TARND_SANITIZE}>>:-Wl,-z,defs>)
+# CMake offers the C++ runtime for C++ sources; nothing asks for it, so it isn't needed.
+target_link_options(tarnd_qrb PRIVATE -Wl,--as-needed -Wl,--version-script=${exports}
+  -Wl,--no-undefined-version -Wl,--gc-sections $<$<NOT:$<BOOL:${TARND_SANITIZE}>>:-Wl,-z,defs>)
 set_target_properties(tarnd_qrb PROPERTIES
   LINKER_LANGUAGE C
   LINK_DEPENDS ${exports}
