@@ -92,11 +92,10 @@ typedef struct IF_EVT_NODE_S {
     uint32_t              childCount; /* its length */
     struct IF_EVT_NODE_S* parent;     /* null for the root */
 } IF_EVT_NODE_S;
-QRB_RECORD_SIZE(IF_EVT_NODE_S, 56);
-QRB_FIELD_AT(IF_EVT_NODE_S, list, 0, 32);
-QRB_FIELD_AT(IF_EVT_NODE_S, children, 32, 8);
-QRB_FIELD_AT(IF_EVT_NODE_S, childCount, 40, 4);
-QRB_FIELD_AT(IF_EVT_NODE_S, parent, 48, 8);
+static_assert(sizeof(IF_EVT_NODE_S) == 56 && offsetof(IF_EVT_NODE_S, children) == 32 &&
+                  offsetof(IF_EVT_NODE_S, childCount) == 40 &&
+                  offsetof(IF_EVT_NODE_S, parent) == 48,
+              "IF_EVT_NODE_S has another layout");
 
 /* An entry of the notification list. */
 typedef struct {

@@ -1,0 +1,95 @@
+// From an event to the callbacks that are registered for it.
+#include <tarnd_qrb/event_publish.h>
+
+#include "event/entries.h"
+#include "event/interface_tree.h"
+#include "event/interface_walk.h"
+
+using namespace qrb;
+
+namespace {
+
+// False, and logged, before a registry is built.
+bool IsBuilt(LOG_SITE_S site, uint8_t flag)
+{
+    if (flag == 0) {
+        QRB_ERROR_AT(site, "Failed to execute callback, it is not inited\n");
+    }
+    return flag != 0;
+}
+
+}  // namespace
+
+uint32_t L2IF_SH_EvtPublishEvent(uint32_t eventId, const void* data, uint32_t value, void* argument)
+{
+    const LOG_SITE_S here = QRB_HERE;
+    if (eventId >= L2IF_EVT_COUNT) {
+        QRB_ERROR_AT(here, "Failed to publis event id=%u\n", eventId);
+        return FAIL;
+    }
+    if (!IsBuilt(here, g_isL2IFEvtInited)) {
+        return FAIL;
+    }
+    uint64_t   word = 0;
+    const bool all  = WalkEntries<L2IF_SH_EVT_CB_S>(
+        g_qrbL2IFEventCallbacks[eventId].head, [&](const L2IF_SH_EVT_CB_S& entry) {
+            if (entry.pfCallback == nullptr) {
+                QRB_ERROR_AT(here, "Failed to execute callback, moduleName=%s, priority=%u\n",
+                              entry.moduleName, entry.priority);
+                return false;
+            }
+            entry.pfCallback(data, value, argument, &word);
+            return true;
+        });
+    return all ? OK : FAIL;
+}
+
+uint32_t IF_SH_EvtPublishEventGetEventNode(uint32_t eventId, uint32_t subId,
+                                           UTIL_LIST_NODE_S** first, uint64_t* count)
+{
+    if (eventId < IF_EVT_COUNT && !IsBuilt(QRB_HERE, g_isIFEvtInited)) {
+        return FAIL;
+    }
+    const IF_EVT_NODE_S* node = FindEvent(eventId, subId);
+    if (node == nullptr) {
+        QRB_ERROR("Failed to publish event id=%u, subId=%u\n", eventId, subId);
+        return FAIL;
+    }
+    *first = node->list.head;
+    *count = node->list.count;
+    return OK;
+}
+
+void qrb::PublishInterfaceEvent(LOG_SITE_S site, uint32_t eventId, uint32_t subId, uint32_t flag,
+                                uint32_t ifIndex, void* first, void* second)
+{
+    UTIL_LIST_NODE_S* node  = nullptr;
+    uint64_t          count = 0;
+    if (IF_SH_EvtPublishEventGetEventNode(eventId, subId, &node, &count) != OK) {
+        return;
+    }
+    WalkEntries<IF_EVT_CB_S>(node, [&](const IF_EVT_CB_S& entry) {
+        if (entry.pfCallback == nullptr) {
+            QRB_ERROR_AT(site, "Failed to execute callback, subId=%u, priority=%u\n", entry.subId,
+                         entry.priority);
+            return false;
+        }
+        entry.pfCallback(subId, flag, ifIndex, first, second);
+        return true;
+    });
+}
+
+uint32_t IF_NotifyAll(uint32_t ulIfIndex, uint32_t ulCmd, uint32_t a, uint32_t b)
+{
+    if (!IsBuilt(QRB_HERE, g_isIFNotifyInited)) {
+        return FAIL;
+    }
+    // A callback that registers itself anew would be met again and again: no more calls than there
+    // were entries.
+    uint64_t left = g_pstIfNotifyFunc.count;
+    WalkEntries<IF_NOTIFY_FUNC_S>(g_pstIfNotifyFunc.head, [&](const IF_NOTIFY_FUNC_S& entry) {
+        entry.pfCallback(ulIfIndex, ulCmd, a, b);
+        return --left != 0;
+    });
+    return OK;
+}
