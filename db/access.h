@@ -15,6 +15,8 @@
 #define QRB_INFO(...) Tarn_QRB_Log_Printf(::qrb::PRIORITY_INFO, __func__, __LINE__, __VA_ARGS__)
 #define QRB_ERROR_AT(site, ...) \
     Tarn_QRB_Log_Printf(::qrb::PRIORITY_ERROR, (site).function, (site).line, __VA_ARGS__)
+#define QRB_INFO_AT(site, ...) \
+    Tarn_QRB_Log_Printf(::qrb::PRIORITY_INFO, (site).function, (site).line, __VA_ARGS__)
 #define QRB_HERE (::qrb::LOG_SITE_S{__func__, __LINE__})
 
 // Leaves the function with the code of the first failing step; only where the result is such a

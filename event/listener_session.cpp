@@ -1,0 +1,80 @@
+// The library's one subscription session: opened by the first registration, used by all.
+#include <tarnd_qrb/listener.h>
+
+#include "db/access.h"
+#include "event/listener_thread.h"
+
+using namespace qrb;
+
+pthread_mutex_t g_dbListenerRegLock     = PTHREAD_MUTEX_INITIALIZER;
+uint8_t         g_isDbListenerSubOpened = 0;
+ORM_SESSION     g_dbListenerSubSession  = 0;
+
+namespace {
+
+uint32_t CreateParam(LOG_SITE_S site, const char* connectionName, ORM_SESSION_PARAM* param)
+{
+    uint32_t ret = OrmCreateSessionParam("channel:", "osc", param);
+    if (ret != OK) {
+        QRB_ERROR_AT(site, "[DEBUG]: OrmCreateSessionParam fail, ret=%d\n", ret);
+        return ret;
+    }
+    ret = OrmSessionParamSetConnName(*param, connectionName);
+    if (ret != OK) {
+        QRB_INFO_AT(site, "[DEBUG]: OrmSessionParamSetConnName fail, ret=%d\n", ret);
+    }
+    return ret;
+}
+
+uint32_t OpenByParam(LOG_SITE_S site, ORM_SESSION_PARAM param)
+{
+    if (g_epollDbListenerThreadId == 0) {
+        DbListenerCreateEpollThread();
+    }
+    const uint32_t ret = OrmOpenSubSession(param, g_regDbListenerInfo, &g_dbListenerSubSession);
+    if (ret != OK) {
+        QRB_INFO_AT(site, "[DEBUG]: OrmOpenSubSession fail, ret=%d\n", ret);
+    }
+    return ret;
+}
+
+uint32_t Open(LOG_SITE_S site, const char* connectionName)
+{
+    ORM_SESSION_PARAM param = 0;
+    uint32_t          ret   = CreateParam(site, connectionName, &param);
+    if (ret == OK) {
+        ret = OpenByParam(site, param);
+    }
+    OrmDestroySessionParam(param);
+    g_isDbListenerSubOpened = ret == OK ? 1 : 0;
+    return ret;
+}
+
+void Close()
+{
+    OrmCloseSession(g_dbListenerSubSession);
+    g_dbListenerSubSession  = 0;
+    g_isDbListenerSubOpened = 0;
+}
+
+}  // namespace
+
+uint32_t QrbDbListenerRegisterEvent(const char* subscriptionName, const char* connectionName,
+                                    const char* definition, ORM_SUB_CALLBACK callback,
+                                    void* argument, const char* ownerName)
+{
+    pthread_mutex_lock(&g_dbListenerRegLock);
+    QRB_INFO("[DEBUG]: event listener start thread=%u fd=%d\n",
+             static_cast<uint32_t>(g_epollDbListenerThreadId), ListenerEpollFd());
+    uint32_t ret = g_isDbListenerSubOpened != 0 ? OK : Open(QRB_HERE, connectionName);
+    if (ret == OK) {
+        ret = OrmSubscribe(g_dbListenerSubSession, subscriptionName, definition, callback, argument,
+                           ownerName);
+        if (ret != OK) {
+            Close();
+            QRB_ERROR("[DEBUG]: OrmSubscribe fail, ret=%d\n", ret);
+        }
+    }
+    pthread_mutex_unlock(&g_dbListenerRegLock);
+    return ret;
+}
