@@ -14,7 +14,10 @@ set(exports ${PROJECT_SOURCE_DIR}/cmake/tarnd_qrb.map)
 target_compile_options(tarnd_qrb PRIVATE -fvisibility=default)
 # CMake offers the C++ runtime for C++ sources; nothing asks for it, so it isn't needed.
 target_link_options(tarnd_qrb PRIVATE -Wl,--as-needed -Wl,--version-script=${exports}
-  -Wl,--no-undefined-version -Wl,--gc-sections $<$<NOT:$<BOOL:${TARND_SANITIZE}>>:-Wl,-z,defs>)
+  -Wl,--no-undefined-version -Wl,--gc-sections)
+if(NOT TARND_SANITIZE)
+  target_link_options(tarnd_qrb PRIVATE -Wl,-z,defs)
+endif()
 set_target_properties(tarnd_qrb PROPERTIES
   LINKER_LANGUAGE C
   LINK_DEPENDS ${exports}
