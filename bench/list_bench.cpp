@@ -1,0 +1,156 @@
+// The generic list beside memory taken and given back, the standard library's list and GLib's.
+#include <benchmark/benchmark.h>
+#include <glib.h>
+#include <tarnd_qrb/memory_map.h>
+#include <tarnd_qrb/util_list.h>
+
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <list>
+
+namespace {
+
+struct Element {
+    uint64_t priority;
+    uint64_t rest[3];
+};
+
+constexpr size_t waiting = 64;   // elements in the list while others come and go
+constexpr size_t sorted  = 100;  // elements put in order
+
+constexpr UTIL_LIST_TRAITS_S traits = {sizeof(Element), nullptr, nullptr, nullptr,
+                                       nullptr,         nullptr, nullptr};
+
+// Whether an existing element stays ahead: the order of every list here.
+bool Ahead(const void* existing, const void* added, uint64_t /*context*/)
+{
+    return static_cast<const Element*>(existing)->priority >
+           static_cast<const Element*>(added)->priority;
+}
+
+int Compare(gconstpointer one, gconstpointer other, gpointer /*context*/)
+{
+    return Ahead(one, other, 0) ? -1 : 1;
+}
+
+class OwnList {
+public:
+    OwnList()
+    {
+        MEM_EX_Init();
+        UTIL_LIST_Construct(&list_, &traits);
+    }
+    ~OwnList() { UTIL_LIST_Destruct(&list_); }
+    void Push(const Element& element) { UTIL_LIST_PushBack(&list_, &element); }
+    void Pop() { UTIL_LIST_PopFront(&list_); }
+    void Insert(const Element& element) { UTIL_LIST_SortedInsert(&list_, &element, Ahead, 0); }
+    void Clear() { UTIL_LIST_Clear(&list_); }
+
+private:
+    UTIL_LIST_S list_;
+};
+
+class StdList {
+public:
+    void Push(const Element& element) { list_.push_back(element); }
+    void Pop() { list_.pop_front(); }
+    void Insert(const Element& element)
+    {
+        auto position = list_.begin();
+        while (position != list_.end() && Ahead(&*position, &element, 0)) {
+            ++position;
+        }
+        list_.insert(position, element);
+    }
+    void Clear() { list_.clear(); }
+
+private:
+    std::list<Element> list_;
+};
+
+class Queue {
+public:
+    ~Queue() { Clear(); }
+    void Push(const Element& element) { g_queue_push_tail(&queue_, Copy(element)); }
+    void Pop() { g_free(g_queue_pop_head(&queue_)); }
+    void Insert(const Element& element)
+    {
+        g_queue_insert_sorted(&queue_, Copy(element), Compare, nullptr);
+    }
+    void Clear() { g_queue_clear_full(&queue_, g_free); }
+
+private:
+    static Element* Copy(const Element& element)
+    {
+        auto* copy = g_new(Element, 1);
+        *copy      = element;
+        return copy;
+    }
+
+    GQueue queue_ = G_QUEUE_INIT;
+};
+
+// A list without the links: what its memory costs.
+class Blocks {
+public:
+    ~Blocks() { Clear(); }
+    void Push(const Element& element)
+    {
+        void* block = malloc(2 * sizeof(void*) + sizeof(Element));
+        memcpy(static_cast<char*>(block) + 2 * sizeof(void*), &element, sizeof(element));
+        blocks_[pushed_++ % blocks_.size()] = block;
+    }
+    void Pop() { free(blocks_[popped_++ % blocks_.size()]); }
+    void Clear()
+    {
+        while (popped_ < pushed_) {
+            Pop();
+        }
+    }
+
+private:
+    std::array<void*, 2 * waiting> blocks_ = {};
+    size_t                         pushed_ = 0;
+    size_t                         popped_ = 0;
+};
+
+template <typename List>
+void PushPop(benchmark::State& state)
+{
+    List    list;
+    Element element = {};
+    for (size_t pushed = 0; pushed < waiting; pushed++) {
+        list.Push(element);
+    }
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(element);
+        list.Push(element);
+        list.Pop();
+    }
+}
+BENCHMARK(PushPop<OwnList>)->Name("list_push_pop/util_list");
+BENCHMARK(PushPop<Blocks>)->Name("list_push_pop/malloc_copy_free");
+BENCHMARK(PushPop<StdList>)->Name("list_push_pop/std_list");
+BENCHMARK(PushPop<Queue>)->Name("list_push_pop/gqueue");
+
+template <typename List>
+void SortedInsert(benchmark::State& state)
+{
+    List                        list;
+    std::array<Element, sorted> elements = {};
+    for (size_t element = 0; element < sorted; element++) {
+        elements[element].priority = element * 37 % sorted;
+    }
+    for (auto _ : state) {
+        for (const Element& element : elements) {
+            list.Insert(element);
+        }
+        list.Clear();
+    }
+}
+BENCHMARK(SortedInsert<OwnList>)->Name("list_sorted_insert/util_list");
+BENCHMARK(SortedInsert<StdList>)->Name("list_sorted_insert/std_list");
+BENCHMARK(SortedInsert<Queue>)->Name("list_sorted_insert/gqueue");
+
+}  // namespace

@@ -1,0 +1,21 @@
+// Loading the library into a process that has its platform already, beside an empty library.
+#include <benchmark/benchmark.h>
+#include <dlfcn.h>
+
+namespace {
+
+void Load(benchmark::State& state, const char* library)
+{
+    for (auto _ : state) {
+        void* loaded = dlopen(library, RTLD_NOW);
+        if (loaded == nullptr) {
+            state.SkipWithError(dlerror());
+            break;
+        }
+        dlclose(loaded);
+    }
+}
+BENCHMARK_CAPTURE(Load, library, TARND_QRB_LIBRARY)->Name("load/library");
+BENCHMARK_CAPTURE(Load, empty, EMPTY_LIBRARY)->Name("load/empty");
+
+}  // namespace

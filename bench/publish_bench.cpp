@@ -1,0 +1,98 @@
+// An event told to 1, 8 and 64 callbacks, beside an array of their addresses and GLib's list.
+#include <benchmark/benchmark.h>
+#include <glib.h>
+#include <tarnd_qrb/event_publish.h>
+#include <tarnd_qrb/memory_map.h>
+
+#include <vector>
+
+namespace {
+
+constexpr uint32_t event     = L2IF_EVT_PORT_ADD;
+constexpr char     module[]  = "bench";
+constexpr uint16_t priority  = 100;
+uint64_t           callsMade = 0;
+
+uint32_t Callback(const void* /*data*/, uint32_t /*value*/, void* /*argument*/, uint64_t* /*word*/)
+{
+    callsMade++;
+    return 0;
+}
+
+class Registry {
+public:
+    explicit Registry(int64_t callbacks)
+    {
+        MEM_EX_Init();
+        for (int64_t registered = 0; registered < callbacks; registered++) {
+            L2IF_SH_EvtCbFuncReg(module, event, priority, Callback);
+        }
+    }
+    ~Registry() { L2IF_SH_EvtCbRegTbl_Deinit(); }
+    void Publish() { L2IF_SH_EvtPublishEvent(event, &row_, 0, row_.vlan_bitmap_2); }
+
+private:
+    QRB_PORT_S row_ = {};
+};
+
+class Array {
+public:
+    explicit Array(int64_t callbacks) : callbacks_(static_cast<size_t>(callbacks), Callback) {}
+    void Publish()
+    {
+        uint64_t word = 0;
+        for (L2IF_SH_EVT_CB_FUNC* callback : callbacks_) {
+            callback(nullptr, 0, nullptr, &word);
+        }
+    }
+
+private:
+    std::vector<L2IF_SH_EVT_CB_FUNC*> callbacks_;
+};
+
+// A list of entries, as they would be registered.
+class List {
+public:
+    explicit List(int64_t callbacks) : entries_(static_cast<size_t>(callbacks), {Callback, 0, {}})
+    {
+        for (L2IF_SH_EVT_CB_S& entry : entries_) {
+            list_ = g_list_prepend(list_, &entry);
+        }
+    }
+    ~List() { g_list_free(list_); }
+    void Publish()
+    {
+        uint64_t word = 0;
+        for (const GList* at = list_; at != nullptr; at = at->next) {
+            static_cast<const L2IF_SH_EVT_CB_S*>(at->data)->pfCallback(nullptr, 0, nullptr, &word);
+        }
+    }
+
+private:
+    std::vector<L2IF_SH_EVT_CB_S> entries_;
+    GList*                        list_ = nullptr;
+};
+
+template <typename Publisher>
+void Publish(benchmark::State& state)
+{
+    Publisher publisher(state.range(0));
+    callsMade = 0;
+    for (auto _ : state) {
+        publisher.Publish();
+    }
+    if (callsMade != static_cast<uint64_t>(state.iterations() * state.range(0))) {
+        state.SkipWithError("callbacks are missing");
+    }
+}
+
+void Callbacks(benchmark::internal::Benchmark* benchmark)
+{
+    benchmark->RangeMultiplier(8)->Range(1, 64);
+}
+
+BENCHMARK(Publish<Registry>)->Name("publish/registry")->Apply(Callbacks);
+BENCHMARK(Publish<Array>)->Name("publish/array")->Apply(Callbacks);
+BENCHMARK(Publish<List>)->Name("publish/glist")->Apply(Callbacks);
+
+}  // namespace

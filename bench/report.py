@@ -1,0 +1,149 @@
+#!/usr/bin/python3
+"""Prints one table of what measure.py measured: each figure beside its floor, and the aim.
+
+    report.py RESULTS LIBRARY
+"""
+
+import argparse
+import json
+import operator
+import statistics
+import subprocess
+
+AT_MOST, LESS, AT_LEAST = ("at most", operator.le), ("below", operator.lt), ("at least", operator.ge)
+
+KEYED_SIZES = (100, 10_000, 1_000_000)
+
+# What, measured, floor, how the ratio is to stand to the aim, aim. No aim: for orientation.
+TIMES = [
+    ("query, one-shot, over the same by hand", "query_one_shot/library", "query_one_shot/by_hand", AT_MOST, 1.05),
+    ("query in a session, over the same by hand", "query_session/library", "query_session/by_hand", AT_MOST, 1.05),
+    ("query of a list, over the same by hand", "query_list/library", "query_list/by_hand", AT_MOST, 1.05),
+    ("query by condition, over the same by hand", "query_condition/library", "query_condition/by_hand", AT_MOST, 1.05),
+    ("query by scan, over the same by hand", "query_scan/library", "query_scan/by_hand", AT_MOST, 1.05),
+    *[
+        (f"keyed read of {size:,} rows, over {name}", f"keyed_read/stand_in/{size}", f"keyed_read/{other}/{size}", *aim)
+        for size in KEYED_SIZES
+        for name, other, *aim in [
+            ("a flat hash table", "flat_hash", AT_MOST, 2),
+            ("an array", "array", None, None),
+            ("std::unordered_map", "unordered_map", None, None),
+            ("LMDB", "lmdb", LESS, 1),
+            ("SQLite", "sqlite", LESS, 1),
+        ]
+    ],
+    *[
+        (
+            f"two readers over one, {name}: reads a second",
+            f"two_readers/{store}/10000/real_time/threads:1",
+            f"two_readers/{store}/10000/real_time/threads:2",
+            *aim,
+        )
+        for name, store, *aim in [("stand-in", "stand_in", AT_LEAST, 1.8), ("flat hash table", "flat_hash", None, None)]
+    ],
+    *[
+        (f"scan of {size:,} rows, a row, over {name}", f"scan/stand_in/{size}", f"scan/{other}/{size}", *aim)
+        for size in KEYED_SIZES
+        for name, other, *aim in [
+            ("an array", "array", None, None),
+            ("LMDB", "lmdb", AT_MOST if size == 1_000_000 else None, 0.5 if size == 1_000_000 else None),
+            ("SQLite", "sqlite", None, None),
+        ]
+    ],
+    ("scan, a row, a million rows over a thousand", "scan/stand_in/1000000", "scan/stand_in/1000", None, None),
+    ("session query over one-shot read", "session_read/session/10000", "session_read/one_shot/10000", AT_MOST, 5),
+    ("list push and pop, over malloc, copy, free", "list_push_pop/util_list", "list_push_pop/malloc_copy_free", AT_MOST, 1.5),
+    ("list push and pop, over std::list", "list_push_pop/util_list", "list_push_pop/std_list", None, None),
+    ("list push and pop, over GQueue", "list_push_pop/util_list", "list_push_pop/gqueue", LESS, 1),
+    ("sorted insert of 100, over std::list", "list_sorted_insert/util_list", "list_sorted_insert/std_list", AT_MOST, 1),
+    ("sorted insert of 100, over GQueue", "list_sorted_insert/util_list", "list_sorted_insert/gqueue", None, None),
+    *[
+        (f"publishing to {callbacks}, over {name}", f"publish/registry/{callbacks}", f"publish/{other}/{callbacks}", *aim)
+        for callbacks in (1, 8, 64)
+        for name, other, *aim in [
+            ("an array of callbacks", "array", AT_MOST if callbacks == 8 else None, 1.5),
+            ("GList", "glist", None, None),
+        ]
+    ],
+    ("inquiry of the last of a million routes, a row, over the same by hand", "last_route/library/1000000", "last_route/by_hand/1000000", AT_MOST, 1.05),
+    ("the same, a million routes over a thousand", "last_route/library/1000000", "last_route/library/1000", None, None),
+    ("loading the library, over an empty one", "load/library", "load/empty", None, None),
+    ("log call that is not written, over a comparison", "log_suppressed/library", "log_suppressed/comparison", None, None),
+]
+
+
+def time(nanoseconds):
+    for unit, size in (("s", 1e9), ("ms", 1e6), ("us", 1e3)):
+        if nanoseconds >= size:
+            return f"{nanoseconds / size:.3g} {unit}"
+    return f"{nanoseconds:.3g} ns"
+
+
+def verdict(ratio, relation, aim):
+    if relation is None:
+        return "", ""
+    words, holds = relation
+    return f"{words} {aim:g}", "met" if holds(ratio, aim) else "NOT MET"
+
+
+def time_rows(figures):
+    for what, measured, floor, relation, aim in TIMES:
+        if measured in figures and floor in figures:
+            ratios = [one / other for one, other in zip(figures[measured], figures[floor])]
+            low, ratio, high = statistics.quantiles(ratios, n=4)
+            yield (
+                what,
+                time(statistics.median(figures[measured])),
+                time(statistics.median(figures[floor])),
+                f"{ratio:.2f}",
+                f"{low:.2f} to {high:.2f}",
+                *verdict(round(ratio, 2), relation, aim),
+            )
+
+
+def memory_rows(figures):
+    for name, measured in figures.items():
+        if name.startswith("row_memory/"):
+            whole, contents = measured[0]
+            beyond = whole - contents
+            yield name.split("/")[1], f"{contents:.0f}", f"{whole:.0f}", f"{beyond:.0f}", *verdict(beyond, AT_MOST, 96)
+
+
+def library_rows(library):
+    def lines(*command):
+        return subprocess.run([*command, library], check=True, capture_output=True, text=True).stdout.splitlines()
+
+    text, data, bss = lines("size")[1].split()[:3]
+    relocations = [line.split()[2] for line in lines("readelf", "-rW") if " R_X86_64_" in line]
+    relative = relocations.count("R_X86_64_RELATIVE")
+    return [
+        ("code and constants", f"{text} bytes"),
+        ("data, with zeros", f"{int(data) + int(bss)} bytes"),
+        ("relocations by name", str(len(relocations) - relative)),
+        ("relocations without a name", str(relative)),
+        ("functions of its own that run at load", str(sum("_GLOBAL__sub_I" in line for line in lines("nm")))),
+    ]
+
+
+def print_table(heading, rows):
+    rows = [heading, *rows]
+    widths = [max(len(row[column]) for row in rows) for column in range(len(heading))]
+    rows.insert(1, ["-" * width for width in widths])
+    for row in rows:
+        print("| " + " | ".join(cell.ljust(width) for cell, width in zip(row, widths)) + " |")
+    print()
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("results")
+    parser.add_argument("library")
+    arguments = parser.parse_args()
+    with open(arguments.results, encoding="utf-8") as file:
+        figures = json.load(file)
+    print_table(("What", "Measured", "Floor", "Ratio", "Half of them", "Aim", ""), time_rows(figures))
+    print_table(("A row of table", "Contents", "In memory", "Beyond", "Aim", ""), memory_rows(figures))
+    print_table(("The library", ""), library_rows(arguments.library))
+
+
+main()
