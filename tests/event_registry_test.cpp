@@ -1,0 +1,298 @@
+// Callbacks registered and unregistered: their order, what finds them again, what is refused.
+#include <tarnd_platform/memory.h>
+#include <tarnd_qrb/event_registry.h>
+#include <tarnd_qrb/memory_map.h>
+
+#include "support/platform.h"
+
+namespace {
+
+using support::FailCall;
+using support::TakeMessages;
+
+using Messages = std::vector<std::string>;
+
+constexpr uint32_t NO_SUB_EVENTS = 4;  // an event without
+constexpr uint32_t SUB_EVENTS    = 9;  // an event with 14
+constexpr uint32_t UNUSED        = 99;
+
+uint32_t Layer2A(const void*, uint32_t, void*, uint64_t*)
+{
+    return 0;
+}
+uint32_t Layer2B(const void*, uint32_t, void*, uint64_t*)
+{
+    return 0;
+}
+uint32_t InterfaceA(uint32_t, uint32_t, uint32_t, void*, void*)
+{
+    return 0;
+}
+uint32_t InterfaceB(uint32_t, uint32_t, uint32_t, void*, void*)
+{
+    return 0;
+}
+uint32_t NotifyA(uint32_t, uint32_t, uint32_t, uint32_t)
+{
+    return 0;
+}
+uint32_t NotifyB(uint32_t, uint32_t, uint32_t, uint32_t)
+{
+    return 0;
+}
+
+// What toText makes of each entry, from the head on.
+template <typename Entry>
+std::string Listed(const UTIL_LIST_S& list, std::string (*toText)(const Entry& entry))
+{
+    std::string text;
+    for (UTIL_LIST_NODE_S* node = list.head; node != nullptr; node = node->next) {
+        text += toText(*static_cast<Entry*>(UTIL_LIST_Data(node))) + ", ";
+    }
+    return text;
+}
+
+std::string Layer2(uint32_t eventId)
+{
+    return Listed<L2IF_SH_EVT_CB_S>(g_qrbL2IFEventCallbacks[eventId], [](const auto& entry) {
+        return entry.moduleName + (" " + std::to_string(entry.priority));
+    });
+}
+
+std::string Interface(uint32_t eventId, uint32_t subId)
+{
+    const IF_EVT_NODE_S& event = g_qrbIFEventCallbacks.children[eventId];
+    const IF_EVT_NODE_S& node  = subId == IF_EVT_WHOLE ? event : event.children[subId];
+    return Listed<IF_EVT_CB_S>(node.list, [](const auto& entry) {
+        return (entry.pfCallback == InterfaceA ? "A " : "B ") + std::to_string(entry.priority);
+    });
+}
+
+std::string Notified()
+{
+    return Listed<IF_NOTIFY_FUNC_S>(g_pstIfNotifyFunc, [](const auto& entry) {
+        return (entry.pfCallback == NotifyA ? "A " : "B ") + std::to_string(entry.ulKey);
+    });
+}
+
+class EventRegistry : public support::PlatformTest {
+protected:
+    void SetUp() override
+    {
+        PlatformTest::SetUp();
+        MEM_EX_Init();
+        before_ = NodesHeld();
+    }
+
+    void TearDown() override
+    {
+        L2IF_SH_EvtCbRegTbl_Deinit();
+        IF_EvtDeInit();
+        IF_NotifyFuncRegTbl_Deinit();
+        EXPECT_EQ(NodesHeld(), before_);
+        PlatformTest::TearDown();
+    }
+
+    static uint64_t NodesHeld()
+    {
+        uint64_t bytes  = 0;
+        uint64_t blocks = 0;
+        meminfo_get(5, MEM_EX_GetHandle(MEM_EX_MODULE_FRAMEWORK), &bytes, &blocks);
+        return blocks;
+    }
+
+    uint64_t before_ = 0;
+};
+
+TEST_F(EventRegistry, HigherPriorityComesFirstAndAmongEqualsTheNewest)
+{
+    const struct {
+        const char* name;
+        uint16_t    priority;
+    } entries[] = {{"a", 5}, {"b", 9}, {"c", 5}, {"d", 0xFFFF}, {"e", 0}};
+    for (const auto& [name, priority] : entries) {
+        EXPECT_EQ(L2IF_SH_EvtCbFuncReg(name, 73, priority, Layer2A), 0U);
+    }
+    EXPECT_EQ(Layer2(73), "d 65535, b 9, c 5, a 5, e 0, ");
+
+    for (const auto& [callback, priority] :
+         {std::pair{&InterfaceA, 5U}, {&InterfaceB, 0xFFFFFFFFU}, {&InterfaceB, 5U}}) {
+        EXPECT_EQ(IF_EvtRegCbf(callback, UNUSED, priority, 2, SUB_EVENTS, 13U), 0U);
+        EXPECT_EQ(IF_EvtRegCbf(callback, UNUSED, priority, 3, SUB_EVENTS, 13U), 0U);
+    }
+    EXPECT_EQ(Interface(SUB_EVENTS, 13), "B 4294967295, B 5, A 5, ");
+    EXPECT_EQ(Interface(SUB_EVENTS, IF_EVT_WHOLE), "B 4294967295, B 5, A 5, ");
+
+    for (const uint32_t key : {7U, 3U, 7U}) {
+        EXPECT_EQ(IF_RegNotifyFunc(key, NotifyA), 0U);
+    }
+    EXPECT_EQ(Notified(), "A 7, A 3, A 7, ");
+}
+
+TEST_F(EventRegistry, UnregistersTheFirstThatMatches)
+{
+    const std::string longest(63, 'x');
+    for (const char* name : {"m", "M", "m", longest.c_str()}) {
+        EXPECT_EQ(L2IF_SH_EvtCbFuncReg(name, 0, 5, Layer2A), 0U);
+    }
+    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("m", 0, 6, Layer2A), 1U);
+    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("m", 0, 5, Layer2B), 1U);
+    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("m", 1, 5, Layer2A), 1U);
+    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("xx", 0, 5, Layer2A), 1U);
+    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg(nullptr, 0, 5, Layer2A), 1U);
+    EXPECT_EQ(Layer2(0), longest + " 5, m 5, M 5, m 5, ");
+    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("m", 0, 5, Layer2A), 0U);
+    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg(longest.c_str(), 0, 5, Layer2A), 0U);
+    EXPECT_EQ(Layer2(0), "M 5, m 5, ");
+
+    // By callback alone; the two forms are the same.
+    for (const uint32_t subId : {8U, IF_EVT_WHOLE}) {
+        EXPECT_EQ(IF_INTF_RegEvtCb(SUB_EVENTS, subId, InterfaceA, UNUSED, 1), 0U);
+        EXPECT_EQ(IF_INTF_RegEvtCb(SUB_EVENTS, subId, InterfaceB, UNUSED, 2), 0U);
+        EXPECT_EQ(IF_INTF_RegEvtCb(SUB_EVENTS, subId, InterfaceA, UNUSED, 3), 0U);
+    }
+    EXPECT_EQ(IF_EvtUnRegCbf(InterfaceA, UNUSED, 2, SUB_EVENTS, 8U), 0U);
+    EXPECT_EQ(IF_EvtUnRegCbf(InterfaceB, UNUSED, 1, SUB_EVENTS, 8U), 0U);
+    EXPECT_EQ(Interface(SUB_EVENTS, 8), "B 2, A 1, ");
+    EXPECT_EQ(Interface(SUB_EVENTS, IF_EVT_WHOLE), "A 3, A 1, ");
+    EXPECT_EQ(IF_INTF_UnRegEvtCb(SUB_EVENTS, IF_EVT_WHOLE, InterfaceA, UNUSED), 0U);
+    EXPECT_EQ(IF_INTF_UnRegEvtCb(SUB_EVENTS, 8, InterfaceB, UNUSED), 0U);
+    EXPECT_EQ(IF_INTF_UnRegEvtCb(SUB_EVENTS, 8, InterfaceB, UNUSED), 1U);
+    EXPECT_EQ(Interface(SUB_EVENTS, 8) + Interface(SUB_EVENTS, IF_EVT_WHOLE), "A 1, A 1, ");
+
+    for (IF_NOTIFY_FUNC* const callback : {NotifyA, NotifyB, NotifyA}) {
+        EXPECT_EQ(IF_RegNotifyFunc(1, callback), 0U);
+        EXPECT_EQ(IF_RegNotifyFunc(2, callback), 0U);
+    }
+    EXPECT_EQ(IF_UnRegNotifyFunc(2, NotifyA), 0U);
+    EXPECT_EQ(IF_UnRegNotifyFunc(3, NotifyA), 1U);
+    EXPECT_EQ(Notified(), "A 1, B 1, B 2, A 1, A 2, ");
+    EXPECT_EQ(TakeMessages(), Messages{});
+}
+
+TEST_F(EventRegistry, RefusesEventsThatDoNotExist)
+{
+    const std::string tooLong(64, 'x');
+    EXPECT_EQ(L2IF_SH_EvtCbFuncReg("m", 74, 0, Layer2A), 1U);
+    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("m", 0xFFFFFFFF, 0, Layer2A), 1U);
+    EXPECT_EQ(L2IF_SH_EvtCbFuncReg(tooLong.c_str(), 73, 0, Layer2A), 1U);
+    EXPECT_EQ(L2IF_SH_EvtCbFuncReg(nullptr, 73, 0, Layer2A), 1U);
+    EXPECT_EQ(Layer2(73), "");
+    const Messages messages = TakeMessages();
+    ASSERT_EQ(messages.size(), 4U);
+    EXPECT_EQ(messages[0], "L2IF_SH_EvtCbFuncReg: Failed to reg event id=74\n");
+    EXPECT_EQ(messages[1], "L2IF_SH_EvtCbFuncUnReg: Failed to reg event id=4294967295\n");
+    for (const size_t i : {2U, 3U}) {
+        EXPECT_EQ(
+            messages[i].find("L2IF_SH_EvtCbFuncReg: strcpy_s for pszModuleName failed, ret = "),
+            0U);
+    }
+
+    const struct {
+        uint32_t eventId;
+        uint32_t subId;
+    } refused[] = {{76, IF_EVT_WHOLE}, {NO_SUB_EVENTS, 0}, {SUB_EVENTS, 14}};
+    for (const auto& [eventId, subId] : refused) {
+        EXPECT_EQ(IF_INTF_RegEvtCb(eventId, subId, InterfaceA, UNUSED, 0), 1U);
+        EXPECT_EQ(IF_INTF_UnRegEvtCb(eventId, subId, InterfaceA, UNUSED), 1U);
+        const std::string message = ": Failed to reg event id=" + std::to_string(eventId) +
+                                    ", subId=" + std::to_string(subId) + "\n";
+        EXPECT_EQ(TakeMessages(), (Messages{"IF_EvtRegCbf" + message, "IF_EvtUnRegCbf" + message}));
+    }
+    EXPECT_EQ(IF_RegNotifyFunc(1, nullptr), 1U);
+    EXPECT_EQ(Notified(), "");
+    EXPECT_EQ(TakeMessages(), Messages{});
+}
+
+TEST_F(EventRegistry, TheTreeHoldsEverySubEventAndNoOther)
+{
+    uint32_t subEvents = 0;
+    IF_EvtInit();
+    ASSERT_EQ(g_qrbIFEventCallbacks.childCount, IF_EVT_COUNT);
+    for (uint32_t eventId = 0; eventId < IF_EVT_COUNT; eventId++) {
+        const IF_EVT_NODE_S& event = g_qrbIFEventCallbacks.children[eventId];
+        const uint32_t       count = event.childCount;
+        EXPECT_EQ(event.parent, &g_qrbIFEventCallbacks);
+        EXPECT_EQ(IF_INTF_RegEvtCb(eventId, count, InterfaceA, UNUSED, 0), 1U) << eventId;
+        EXPECT_TRUE(count == 0 || IF_INTF_RegEvtCb(eventId, count - 1, InterfaceA, UNUSED, 0) == 0);
+        EXPECT_TRUE(count == 0 || event.children[count - 1].parent == &event);
+        subEvents += count;
+    }
+    EXPECT_EQ(subEvents, 216U);
+}
+
+TEST_F(EventRegistry, StartsAfreshAfterDeinit)
+{
+    for (int round = 0; round < 2; round++) {
+        EXPECT_EQ(L2IF_SH_EvtCbFuncReg("m", 1, 1, Layer2A), 0U);
+        EXPECT_EQ(IF_EvtRegCbf(InterfaceA, UNUSED, 1, 2, SUB_EVENTS, 2U), 0U);
+        EXPECT_EQ(IF_RegNotifyFunc(1, NotifyA), 0U);
+        EXPECT_EQ(Layer2(1) + Interface(SUB_EVENTS, 2) + Notified(), "m 1, A 1, A 1, ");
+        EXPECT_EQ(NodesHeld(), before_ + 3);
+        L2IF_SH_EvtCbRegTbl_Deinit();
+        IF_EvtDeInit();
+        IF_NotifyFuncRegTbl_Deinit();
+        EXPECT_EQ(NodesHeld(), before_);
+        EXPECT_EQ(g_isL2IFEvtInited + g_isIFEvtInited + g_isIFNotifyInited, 2);
+        EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("m", 1, 1, Layer2A), 1U);
+        EXPECT_EQ(IF_UnRegNotifyFunc(1, NotifyA), 1U);
+        EXPECT_EQ(TakeMessages(), Messages{});
+        EXPECT_EQ(IF_EvtUnRegCbf(InterfaceA, UNUSED, 2, SUB_EVENTS, 2U), 1U);
+        EXPECT_EQ(TakeMessages(), Messages{"IF_EvtUnRegCbf: Failed to find event node.\n"});
+    }
+}
+
+TEST_F(EventRegistry, IsAsItWasWhenThereIsNoMemoryForAnEntry)
+{
+    const auto fails = [](uint32_t (*registration)(), const char* message) {
+        FailCall("malloc_ex", 1, 0);
+        EXPECT_EQ(registration(), 1U);
+        EXPECT_EQ(TakeMessages(), Messages{message});
+        EXPECT_EQ(registration(), 0U);
+    };
+    fails([] { return L2IF_SH_EvtCbFuncReg("m", 2, 1, Layer2A); },
+          "L2IF_SH_EvtCbFuncReg: Failed to make sorted insert, ret=1\n");
+    fails([] { return IF_EvtRegCbf(InterfaceA, UNUSED, 1, 1, SUB_EVENTS); },
+          "IF_EvtRegCbf: Failed to add callback to list.\n");
+    fails([] { return IF_RegNotifyFunc(1, NotifyA); },
+          "IF_RegNotifyFunc: Failed to add callback to list.\n");
+    EXPECT_EQ(Layer2(2) + Interface(SUB_EVENTS, IF_EVT_WHOLE) + Notified(), "m 1, A 1, A 1, ");
+}
+
+TEST_F(EventRegistry, BuildsTheTreeAsFarAsThereIsMemory)
+{
+    support::FailAllocation(1);
+    EXPECT_EQ(IF_EvtRegCbf(InterfaceA, UNUSED, 1, 2, SUB_EVENTS, 2U), 1U);
+    EXPECT_EQ(TakeMessages(), Messages{"IF_EvtRegCbf: Failed to find event node.\n"});
+    EXPECT_EQ(g_isIFEvtInited, 0);
+
+    for (unsigned nth = 2; nth <= 17; nth++) {
+        support::FailAllocation(nth);
+        IF_EvtInit();
+        unsigned barren = 0;
+        for (uint32_t eventId = 0; eventId < IF_EVT_COUNT; eventId++) {
+            EXPECT_EQ(IF_INTF_RegEvtCb(eventId, IF_EVT_WHOLE, InterfaceA, UNUSED, 1), 0U);
+            barren += IF_INTF_RegEvtCb(eventId, 0, InterfaceA, UNUSED, 1);
+        }
+        EXPECT_EQ(barren, 76U - 16 + 1) << nth;
+        IF_EvtDeInit();
+    }
+    EXPECT_EQ(IF_EvtRegCbf(InterfaceA, UNUSED, 1, 2, SUB_EVENTS, 2U), 0U);
+}
+
+TEST_F(EventRegistry, GivesAnyNodeChildren)
+{
+    IF_EVT_NODE_S node = {};
+    IF_CBF_Create_Child(&node, 0);
+    EXPECT_EQ(TakeMessages(), Messages{"IF_CBF_Create_Child: ulCnt is equal 0 \n"});
+    IF_CBF_Create_Child(&node, 2);
+    ASSERT_TRUE(node.children != nullptr && node.childCount == 2);
+    const IF_EVT_CB_S entry = {1, InterfaceA, 1};
+    EXPECT_EQ(UTIL_LIST_PushBack(&node.children[1].list, &entry), 0U);
+    for (int again = 0; again < 2; again++) {
+        IF_CBF_Free_Child(&node, 3);
+        EXPECT_TRUE(node.children == nullptr && node.childCount == 0);
+    }
+}
+
+}  // namespace
