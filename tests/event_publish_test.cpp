@@ -3,7 +3,9 @@
 #include <tarnd_qrb/memory_map.h>
 
 #include <array>
+#include <atomic>
 #include <random>
+#include <thread>
 
 #include "support/platform.h"
 
@@ -62,6 +64,24 @@ TEST_F(EventPublish, HandsEverythingThrough)
     }
     EXPECT_EQ(IF_NotifyAll(9, IF_NOTIFY_DOWN, 7, 8), 0U);
     EXPECT_EQ(calls_, "0101 9478 9478");
+}
+
+TEST_F(EventPublish, ServesThreadsAtTheSameTime)
+{
+    static std::atomic<int> calls;
+    calls = 0;
+    for (int i = 0; i < 3; i++) {
+        L2IF_SH_EvtCbFuncReg("m", EVENT, 1, [](auto...) { return static_cast<uint32_t>(++calls); });
+    }
+    const auto publish = [] {
+        for (int i = 0; i < 1000; i++) {
+            EXPECT_EQ(L2IF_SH_EvtPublishEvent(EVENT, nullptr, 0, nullptr), 0U);
+        }
+    };
+    std::thread other(publish);
+    publish();
+    other.join();
+    EXPECT_EQ(calls, 6000);
 }
 
 uint32_t RegisterAnew(uint32_t, uint32_t, uint32_t a, uint32_t)

@@ -16,30 +16,13 @@ constexpr uint32_t NO_SUB_EVENTS = 4;  // an event without
 constexpr uint32_t SUB_EVENTS    = 9;  // an event with 14
 constexpr uint32_t UNUSED        = 99;
 
-uint32_t Layer2A(const void*, uint32_t, void*, uint64_t*)
-{
-    return 0;
-}
-uint32_t Layer2B(const void*, uint32_t, void*, uint64_t*)
-{
-    return 0;
-}
-uint32_t InterfaceA(uint32_t, uint32_t, uint32_t, void*, void*)
-{
-    return 0;
-}
-uint32_t InterfaceB(uint32_t, uint32_t, uint32_t, void*, void*)
-{
-    return 0;
-}
-uint32_t NotifyA(uint32_t, uint32_t, uint32_t, uint32_t)
-{
-    return 0;
-}
-uint32_t NotifyB(uint32_t, uint32_t, uint32_t, uint32_t)
-{
-    return 0;
-}
+// Told apart by their addresses.
+constexpr L2IF_SH_EVT_CB_FUNC* Layer2A    = [](auto...) { return 0U; };
+constexpr L2IF_SH_EVT_CB_FUNC* Layer2B    = [](auto...) { return 0U; };
+constexpr IF_EVT_CB_FUNC*      InterfaceA = [](auto...) { return 0U; };
+constexpr IF_EVT_CB_FUNC*      InterfaceB = [](auto...) { return 0U; };
+constexpr IF_NOTIFY_FUNC*      NotifyA    = [](auto...) { return 0U; };
+constexpr IF_NOTIFY_FUNC*      NotifyB    = [](auto...) { return 0U; };
 
 // What toText makes of each entry, from the head on.
 template <typename Entry>
@@ -116,7 +99,7 @@ TEST_F(EventRegistry, HigherPriorityComesFirstAndAmongEqualsTheNewest)
     EXPECT_EQ(Layer2(73), "d 65535, b 9, c 5, a 5, e 0, ");
 
     for (const auto& [callback, priority] :
-         {std::pair{&InterfaceA, 5U}, {&InterfaceB, 0xFFFFFFFFU}, {&InterfaceB, 5U}}) {
+         {std::pair{InterfaceA, 5U}, {InterfaceB, 0xFFFFFFFFU}, {InterfaceB, 5U}}) {
         EXPECT_EQ(IF_EvtRegCbf(callback, UNUSED, priority, 2, SUB_EVENTS, 13U), 0U);
         EXPECT_EQ(IF_EvtRegCbf(callback, UNUSED, priority, 3, SUB_EVENTS, 13U), 0U);
     }

@@ -318,7 +318,7 @@ TEST_F(BesideAVector, AfterEveryRandomOperation)
             pair.traits = &pair < &pairs[2] ? &COUNTED : &PLAIN;
             UTIL_LIST_Construct(&pair.list, pair.traits);
         }
-        for (int step = 0; step < 5000 && !HasFailure(); step++) {
+        for (int step = 0; step < 2500 && !HasFailure(); step++) {
             SCOPED_TRACE("step " + std::to_string(step) + " of seed " + std::to_string(seed));
             Pair&          pair = pairs[Below(4)];
             const uint32_t kind = Below(100);

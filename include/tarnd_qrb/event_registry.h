@@ -9,9 +9,8 @@
  * the newest first; notifications, the oldest first. The same callback may be registered any number
  * of times; each is an entry of its own, is called for itself and is unregistered for itself.
  *
- * Results: 0, or 1 for every failure, which is logged and leaves the registry as it was. Logged
- * too: an event that doesn't exist. Not logged: unregistering what is not registered, and a null
- * notification callback.
+ * Results: 0, or 1 for a failure, which leaves the registry as it was and is logged, but for two:
+ * unregistering what is not registered, and a null notification callback.
  *
  * Threads: no lock. Modules register before the changes arrive that they care about; afterwards
  * a registry is changed only on the thread that publishes to it, which for the library's own events
