@@ -1,0 +1,182 @@
+// Interfaces: what a change of "if_base", "if_phy" or "if_route" means for the modules.
+#include <tarnd_platform/orm_accessors.h>
+#include <tarnd_qrb/change_detection.h>
+#include <tarnd_qrb/event_publish.h>
+
+#include "event/interface_walk.h"
+#include "event/row_change.h"
+
+using namespace qrb;
+
+namespace {
+
+void Notify(LOG_SITE_S site, uint32_t ifIndex, uint32_t command)
+{
+    if (IF_NotifyAll(ifIndex, command, 0, 0) != OK) {
+        QRB_ERROR_AT(site, "Failed to notify event, ifindex=%u, notifyEventId=%u.\n", ifIndex,
+                     command);
+    }
+}
+
+}  // namespace
+
+// if_base: an interface comes or goes.
+
+void QRB_EVENT_IfBaseTableCallback(ORM_MESSAGE message, uint32_t eventType)
+{
+    const LOG_SITE_S here    = QRB_HERE;
+    const bool       created = eventType == ORM_EVENT_INSERT;
+    const uint32_t   object  = created ? ORM_OBJECT_NEW : ORM_OBJECT_OLD;
+    QRB_IF_BASE_S    row     = {};
+    ForEachMessage(here, message, eventType, {ORM_EVENT_INSERT, ORM_EVENT_DELETE}, [&] {
+        if (QRB_EVENT_GetIfBaseFromSession(message, object, &row) != OK) {
+            QRB_ERROR_AT(here, "get if base data from db sub session fail.\n");
+            return END_DELIVERY;
+        }
+        Notify(here, row.if_index, created ? IF_NOTIFY_CREATED : IF_NOTIFY_DELETED);
+        return NEXT_MESSAGE;
+    });
+}
+
+uint32_t QRB_EVENT_GetIfBaseFromSession(ORM_MESSAGE message, uint32_t object, QRB_IF_BASE_S* row)
+{
+    constexpr uint32_t FIELD_IF_INDEX = 0;
+    constexpr uint32_t FIELD_IF_NAME  = 2;
+    uint32_t           ifIndex        = 0;
+
+    uint32_t ret = OrmSubExtractData(message, object, 0);
+    if (ret != OK) {
+        QRB_ERROR("OrmSubExtractData fail, ret=%d.\n", ret);
+        return FAIL;
+    }
+    ret = ReadField(message, FIELD_IF_INDEX, &ifIndex);
+    if (ret != OK) {
+        QRB_ERROR("get ifindex from db sub session fail, ret=%d.\n", ret);
+        return FAIL;
+    }
+    row->if_index = ifIndex;
+    ret           = ReadField(message, FIELD_IF_NAME, &row->if_name);
+    if (ret != OK) {
+        QRB_ERROR("get ifname from db sub session fail, ret=%d.\n", ret);
+        return FAIL;
+    }
+    return OK;
+}
+
+// if_phy: an interface goes up or down.
+
+void QRB_EVENT_IfPhyTableCallback(ORM_MESSAGE message, uint32_t eventType)
+{
+    const LOG_SITE_S    here    = QRB_HERE;
+    QRB_IF_PHY_S        oldRow  = {};
+    QRB_IF_PHY_S        newRow  = {};
+    QRB_IF_PHY_NOTICE_S notice  = {};
+    const auto          handled = {ORM_EVENT_INSERT, ORM_EVENT_UPDATE, ORM_EVENT_REPLACE};
+    ForEachMessage(here, message, eventType, handled, [&] {
+        if (IsInsertion(message, eventType)) {
+            QRB_EVENT_IfPhyInsert(message, &newRow, &notice);
+            return NEXT_MESSAGE;
+        }
+        if (QRB_EVENT_IfPhyOrmGetOldData(message, &oldRow) != OK) {
+            QRB_ERROR_AT(here, "Failed to get old orm phy data.\n");
+            return END_DELIVERY;
+        }
+        if (QRB_EVENT_IfPhyOrmGetNewData(message, &newRow) != OK) {
+            QRB_ERROR_AT(here, "Failed to get new orm phy data.\n");
+            return END_DELIVERY;
+        }
+        QRB_EVENT_IfPhyUpdate(&oldRow, &newRow, &notice);
+        return NEXT_MESSAGE;
+    });
+}
+
+uint32_t QRB_EVENT_IfPhyOrmGetOldData(ORM_MESSAGE message, QRB_IF_PHY_S* row)
+{
+    return ExtractRow(QRB_HERE, message, ORM_OBJECT_OLD, OrmgIfPhyGetAllFieldsInner, row);
+}
+
+uint32_t QRB_EVENT_IfPhyOrmGetNewData(ORM_MESSAGE message, QRB_IF_PHY_S* row)
+{
+    return ExtractRow(QRB_HERE, message, ORM_OBJECT_NEW, OrmgIfPhyGetAllFieldsInner, row);
+}
+
+void QRB_EVENT_IfPhyInsert(ORM_MESSAGE message, QRB_IF_PHY_S* row, QRB_IF_PHY_NOTICE_S* notice)
+{
+    if (QRB_EVENT_IfPhyOrmGetNewData(message, row) != OK) {
+        QRB_ERROR("Failed to get new orm phy data.\n");
+        return;
+    }
+    *notice = {row->if_index, row->phy_state};
+    if (row->phy_state == 1) {
+        PublishInterfaceEvent(QRB_HERE, IF_EVT_STATE, IF_SUB_EVT_PHY_UP, IF_EVT_FLAG_UP,
+                              row->if_index);
+        Notify(QRB_HERE, row->if_index, IF_NOTIFY_UP);
+    } else if (row->phy_state == 0) {
+        Notify(QRB_HERE, row->if_index, IF_NOTIFY_DOWN);
+    }
+}
+
+void QRB_EVENT_IfPhyUpdate(const QRB_IF_PHY_S* oldRow, const QRB_IF_PHY_S* newRow,
+                           QRB_IF_PHY_NOTICE_S* notice)
+{
+    const TRANSITION transition = TransitionOf(oldRow->phy_state, newRow->phy_state);
+    if (transition == STAYED) {
+        return;
+    }
+    *notice = {newRow->if_index, newRow->phy_state};
+    if (transition == ROSE) {
+        PublishInterfaceEvent(QRB_HERE, IF_EVT_STATE, IF_SUB_EVT_PHY_STATE, IF_EVT_FLAG_UP,
+                              oldRow->if_index);
+        PublishInterfaceEvent(QRB_HERE, IF_EVT_STATE, IF_SUB_EVT_PHY_UP, IF_EVT_FLAG_UP,
+                              oldRow->if_index);
+        Notify(QRB_HERE, newRow->if_index, IF_NOTIFY_UP);
+    } else {
+        PublishInterfaceEvent(QRB_HERE, IF_EVT_STATE, IF_SUB_EVT_PHY_STATE, IF_EVT_FLAG_DOWN,
+                              oldRow->if_index);
+        Notify(QRB_HERE, newRow->if_index, IF_NOTIFY_DOWN);
+    }
+}
+
+// if_route: an interface's layer 3 goes up or down.
+
+void QRB_EVENT_IfRouteTableCallback(ORM_MESSAGE message, uint32_t eventType)
+{
+    const LOG_SITE_S here   = QRB_HERE;
+    QRB_IF_ROUTE_S   oldRow = {};
+    QRB_IF_ROUTE_S   newRow = {};
+    ForEachMessage(here, message, eventType, {ORM_EVENT_UPDATE, ORM_EVENT_REPLACE}, [&] {
+        if (QRB_EVENT_IfRouteOrmGetOldData(message, &oldRow) != OK) {
+            QRB_ERROR_AT(here, "Failed to get old orm if_route data.\n");
+            return END_DELIVERY;
+        }
+        if (QRB_EVENT_IfRouteOrmGetNewData(message, &newRow) != OK) {
+            QRB_ERROR_AT(here, "Failed to get new orm if_route data.\n");
+            return END_DELIVERY;
+        }
+        QRB_EVENT_IfRouteUpdate(&oldRow, &newRow);
+        return NEXT_MESSAGE;
+    });
+}
+
+uint32_t QRB_EVENT_IfRouteOrmGetOldData(ORM_MESSAGE message, QRB_IF_ROUTE_S* row)
+{
+    return ExtractRow(QRB_HERE, message, ORM_OBJECT_OLD, OrmgIfRouteGetAllFieldsInner, row);
+}
+
+uint32_t QRB_EVENT_IfRouteOrmGetNewData(ORM_MESSAGE message, QRB_IF_ROUTE_S* row)
+{
+    return ExtractRow(QRB_HERE, message, ORM_OBJECT_NEW, OrmgIfRouteGetAllFieldsInner, row);
+}
+
+void QRB_EVENT_IfRouteUpdate(const QRB_IF_ROUTE_S* oldRow, const QRB_IF_ROUTE_S* newRow)
+{
+    const TRANSITION transition = TransitionOf(oldRow->route_state, newRow->route_state);
+    if (transition == STAYED) {
+        return;
+    }
+    uint32_t first  = 1;
+    uint32_t second = 0;
+    PublishInterfaceEvent(QRB_HERE, IF_EVT_STATE, IF_SUB_EVT_ROUTE_STATE,
+                          transition == ROSE ? IF_EVT_FLAG_UP : IF_EVT_FLAG_DOWN, oldRow->if_index,
+                          &first, &second);
+}

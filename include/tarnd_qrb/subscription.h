@@ -1,0 +1,41 @@
+/*
+ * Start-up, and the library's subscriptions to the tables whose changes it turns into events.
+ *
+ *     table       operations                        callback (tarnd_qrb/change_detection.h)
+ *     "port"      insert, delete, update, replace   QRB_EVENT_PortTableCallback
+ *     "if_route"  update, replace                   QRB_EVENT_IfRouteTableCallback
+ *     "if_phy"    insert, delete, update, replace   QRB_EVENT_IfPhyTableCallback
+ *     "if_base"   insert, delete                    QRB_EVENT_IfBaseTableCallback
+ *
+ * Results: 0, or 1 for every failure, which is logged. What a failed subscription leaves behind is
+ * told in tarnd_qrb/listener.h, under QrbDbListenerRegisterEvent.
+ */
+#ifndef TARND_QRB_SUBSCRIPTION_H
+#define TARND_QRB_SUBSCRIPTION_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/*
+ * Brings change notification up: builds the registries of layer-2 and interface events, initialises
+ * the database's access layer and subscribes, in the order above. The first failure ends it; what
+ * was done until then stays.
+ *
+ * Called once, by the daemon, on any thread but the listener. Callbacks may run before it returns.
+ */
+uint32_t BDS_InitStart(void);
+
+/* One subscription each. Every call subscribes anew: each change is then delivered once more. */
+uint32_t QRB_EVENT_SubToPortTable(void);
+uint32_t QRB_EVENT_SubToIfRouteTable(void);
+uint32_t QRB_EVENT_SubToIfPhyTable(void);
+uint32_t QRB_EVENT_SubToIfBaseTable(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
