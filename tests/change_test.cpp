@@ -395,7 +395,7 @@ TEST(VlanBitmap, TheFirstDifferenceDecides)
     std::mt19937 random(20261124);
     support::ForgetEvents();
     support::RecordEvents();
-    for (int round = 0; round < 20000; round++) {
+    for (int round = 0; round < 5000; round++) {
         QRB_PORT_S oldRow = {};
         QRB_PORT_S newRow = {};
         const auto which  = static_cast<uint8_t>(random() % 2);
