@@ -1,4 +1,5 @@
 // Events published: what reaches the callbacks, in which order, and what these may do meanwhile.
+#include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/memory_map.h>
 
@@ -267,7 +268,7 @@ protected:
             random_.seed(seed);
             registry_ = registry;
             entries_  = {};
-            for (int i = 0; i < 200 && !HasFailure(); i++) {
+            for (int i = 0; i < 500 && !HasFailure(); i++) {
                 Act();
             }
             registry.tearDown();
@@ -293,6 +294,26 @@ TEST_F(Turmoil, AmongLayer2Events)
          },
          L2IF_SH_EvtCbRegTbl_Deinit,
          [] { return L2IF_SH_EvtPublishEvent(EVENT, nullptr, 0, nullptr); }});
+}
+
+// Raised by the library itself: the layer 3 of an interface goes up.
+TEST_F(Turmoil, AmongInterfaceEvents)
+{
+    constexpr uint32_t STATE = IF_EVT_STATE;
+    constexpr uint32_t ROUTE = IF_SUB_EVT_ROUTE_STATE;
+    Run({[](size_t n) {
+             return IF_INTF_RegEvtCb(STATE, ROUTE, Callback<IF_EVT_CB_FUNC>(n), 0,
+                                     static_cast<uint32_t>(n) / 2);
+         },
+         [](size_t n) { return IF_INTF_UnRegEvtCb(STATE, ROUTE, Callback<IF_EVT_CB_FUNC>(n), 0); },
+         IF_EvtDeInit,
+         [] {
+             const QRB_IF_ROUTE_S down = {};
+             QRB_IF_ROUTE_S       up   = down;
+             up.route_state            = 1;
+             QRB_EVENT_IfRouteUpdate(&down, &up);
+             return 0U;
+         }});
 }
 
 TEST_F(Turmoil, AmongNotifications)
