@@ -147,7 +147,11 @@ Events ByInterface(Events events)
 
 void FollowTheKernel()
 {
-    const std::pair<const char*, Events> steps[] = {
+    struct Step {
+        const char* change;
+        Events      expected;
+    };
+    const Step steps[] = {
         {"link add veth0 index 10 type veth peer name veth1 index 11",
          Created("10") + Created("11")},
         {"link set veth0 up", {}},
@@ -164,14 +168,15 @@ void FollowTheKernel()
     sources::Host host;
     support::AwaitEvents();
     host.Follow();
-    for (const auto& [change, expected] : steps) {
+    for (const Step& step : steps) {
         Events seen;
-        Ip(change);
+        Ip(step.change);
         Eventually([&] {
             seen = seen + support::TakeEvents();
-            return seen.size() >= expected.size();
+            return seen.size() >= step.expected.size();
         });
-        EXPECT_EQ(ByInterface(seen + support::AwaitEvents()), ByInterface(expected)) << change;
+        EXPECT_EQ(ByInterface(seen + support::AwaitEvents()), ByInterface(step.expected))
+            << step.change;
     }
 }
 
