@@ -1,0 +1,27 @@
+// The shell's own commands, beside the library's functions.
+#pragma once
+
+#include <functional>
+#include <string_view>
+#include <vector>
+
+#include "shell/shell.h"
+
+namespace shell {
+
+struct Command {
+    std::string_view                      name;
+    std::string_view                      arguments;  // as help writes them
+    std::string_view                      does;
+    std::function<Status(Shell&, Words&)> run;
+};
+
+const std::vector<Command>& Commands();
+// Null where there is none of that name.
+const Command* FindCommand(std::string_view name);
+
+// By subject, in commands/.
+std::vector<Command> HelpCommands();
+std::vector<Command> TableCommands();
+
+}  // namespace shell

@@ -1,0 +1,133 @@
+// help, json, quit.
+#include "shell/command.h"
+#include "shell/nearest.h"
+
+namespace shell {
+namespace {
+
+std::string FormText(const Argument& argument)
+{
+    std::string text = argument.form == Form::Ipv4  ? "an IPv4 address"
+                       : argument.form == Form::Mac ? "a MAC address"
+                                                    : "";
+    if (!argument.table.empty() && !argument.field.empty())
+        text += (text.empty() ? "" : ", ") + std::string(argument.table) + "." +
+                std::string(argument.field);
+    if (!argument.fallback.empty() && argument.fallback != nullWord)
+        text += (text.empty() ? "" : ", ") + ("else " + std::string(argument.fallback));
+    return text;
+}
+
+std::string ArgumentLines(const Function& function)
+{
+    std::string text;
+    for (const Parameter& parameter : function.parameters) {
+        if (parameter.argument.ignored)
+            continue;
+        std::string line = parameter.direction == Direction::In ? "  in   " : "  out  ";
+        line += parameter.argument.name;
+        line.resize(std::max<size_t>(line.size() + 2, 22), ' ');
+        line += FormText(parameter.argument);
+        text += line.erase(line.find_last_not_of(' ') + 1) + "\n";
+    }
+    return text;
+}
+
+std::string FunctionHelp(const Function& function)
+{
+    std::string text = std::string(function.name) + " " + function.Usage() + "\n  " +
+                       std::string(function.answers) + "\n";
+    text += ArgumentLines(function);
+    text += "  result  " + function.result.Help() + "\n";
+    if (!function.tables.empty())
+        text += "  reads   " + std::string(function.tables) + "\n";
+    return text;
+}
+
+std::string CommandHelp(const Command& command)
+{
+    return std::string(command.name) + (command.arguments.empty() ? "" : " ") +
+           std::string(command.arguments) + "\n  " + std::string(command.does) + "\n";
+}
+
+std::string Overview()
+{
+    std::string text = "Commands:\n";
+    for (const Command& command : Commands()) {
+        std::string line = "  " + std::string(command.name) + " " + std::string(command.arguments);
+        line.resize(std::max<size_t>(line.size() + 2, 36), ' ');
+        text += line + std::string(command.does) + "\n";
+    }
+    return text +
+           "\nA function is called by its name with its inputs: IF_INTF_GetIfNameByIfIndex 2\n"
+           "  functions         lists them all, functions vlan those that have to do with VLANs\n"
+           "  help FUNCTION     tells its arguments, its result and what it answers\n";
+}
+
+std::vector<std::string> Topics()
+{
+    std::vector<std::string> topics;
+    for (const Command& command : Commands())
+        topics.emplace_back(command.name);
+    for (const Function& function : Functions())
+        topics.emplace_back(function.name);
+    return topics;
+}
+
+Status Help(Shell& shell, Words& words)
+{
+    if (words.Empty()) {
+        shell.Out().PrintText(Overview());
+        return Status::Good;
+    }
+    const std::string topic = words.Take("topic");
+    words.ExpectEnd();
+    if (const Command* command = FindCommand(topic))
+        shell.Out().PrintText(CommandHelp(*command));
+    else if (const Function* function = FindFunction(topic))
+        shell.Out().PrintText(FunctionHelp(*function));
+    else
+        throw UsageError(NoSuch("function or command", topic, Topics()));
+    return Status::Good;
+}
+
+bool Mentions(std::string_view text, std::string_view word)
+{
+    const auto lower = [](char c) { return static_cast<char>(std::tolower(c)); };
+    return !std::ranges::search(text, word, {}, lower, lower).empty();
+}
+
+Status ListFunctions(Shell& shell, Words& words)
+{
+    const std::string word = words.TakeRest();
+    Json              rows = Json::array();
+    for (const Function& function : Functions())
+        if (Mentions(function.name, word) || Mentions(function.answers, word) ||
+            Mentions(function.tables, word))
+            rows.push_back({{"function", function.name},
+                            {"arguments", function.Usage()},
+                            {"answers", function.answers}});
+    shell.Out().PrintRows(rows);
+    return Status::Good;
+}
+
+Status Quit(Shell& shell, Words& /*words*/)
+{
+    shell.End();
+    return Status::Good;
+}
+
+}  // namespace
+
+// clang-format off
+std::vector<Command> HelpCommands()
+{
+    return {
+        {"functions", "[WORD]", "Lists the library's functions, or those that have to do with a word.", ListFunctions},
+        {"help", "[NAME]", "Tells about a command or a function.", Help},
+        {"quit", "", "Ends the shell.", Quit},
+    };
+}
+// clang-format on
+
+}  // namespace shell

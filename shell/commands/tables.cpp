@@ -1,0 +1,163 @@
+// Looking at tables: tables, show, walk.
+#include <algorithm>
+
+#include <tarnd_qrb/table_walk.h>
+
+#include "shell/command.h"
+#include "shell/log_catcher.h"
+#include "shell/nearest.h"
+#include "shell/table.h"
+#include "shell/text_table.h"
+#include "sources/json_row.h"
+#include "sources/json_value.h"
+
+namespace shell {
+namespace {
+
+Status ListTables(Shell& shell, Words& words)
+{
+    words.ExpectEnd();
+    Json rows = Json::array();
+    for (const standin::Table& table : standin::Tables()) {
+        std::string fields;
+        for (const standin::Field& field : table.fields)
+            fields += (fields.empty() ? "" : " ") + std::string(field.name);
+        rows.push_back(
+            {{"table", table.name}, {"rows", standin::CountRows(table)}, {"fields", fields}});
+    }
+    shell.Out().PrintRows(rows);
+    return Status::Good;
+}
+
+struct Filter {
+    std::string field;
+    std::string value;
+};
+
+std::vector<Filter> TakeFilters(const standin::Table& table, Words& words)
+{
+    std::vector<Filter> filters;
+    for (const std::string& word : words.TakeAll()) {
+        const size_t equals = word.find('=');
+        if (equals == std::string::npos)
+            throw UsageError("\"" + word + "\" is not of the form FIELD=VALUE");
+        const std::string field = word.substr(0, equals);
+        KnownField(table, field);
+        filters.push_back({field, word.substr(equals + 1)});
+    }
+    return filters;
+}
+
+// Every field; RowToJson leaves out what is zero or empty.
+Json WholeRow(const standin::Row& row)
+{
+    Json whole = Json::object();
+    for (const standin::Field& field : row.Description().fields)
+        whole.emplace(field.name, sources::ValueToJson(field.kind, row.Bytes(field)));
+    const Json sparse = sources::RowToJson(row);
+    for (const standin::List& list : row.Description().lists)
+        if (const auto items = sparse.find(list.name); items != sparse.end())
+            whole.emplace(list.name, Json(*items));
+    return whole;
+}
+
+// The fields that one of the rows has something in.
+std::vector<std::string> UsedFields(const std::vector<standin::Row>& rows)
+{
+    std::vector<std::string> used;
+    for (const standin::Row& row : rows) {
+        const Json sparse = sources::RowToJson(row);
+        for (const auto& member : sparse.items())
+            if (std::ranges::find(used, member.key()) == used.end())
+                used.push_back(member.key());
+    }
+    return used;
+}
+
+std::vector<standin::Row> RowsThatMatch(const standin::Table&      table,
+                                        const std::vector<Filter>& filters)
+{
+    std::vector<standin::Row> rows;
+    standin::ForEachRow(table, [&](const standin::Row& row) {
+        const auto matches = [whole = WholeRow(row)](const Filter& filter) {
+            return OneLine(whole[filter.field]) == filter.value;
+        };
+        if (std::ranges::all_of(filters, matches))
+            rows.push_back(row);
+    });
+    return rows;
+}
+
+// People are spared the fields that are zero or empty in every row.
+Status Show(Shell& shell, Words& words)
+{
+    const standin::Table& table   = KnownTable(words.Take("table"));
+    const auto            filters = TakeFilters(table, words);
+    const auto            rows    = RowsThatMatch(table, filters);
+    const auto            used    = UsedFields(rows);
+    Json                  shown   = Json::array();
+    for (const standin::Row& row : rows) {
+        Json whole = WholeRow(row);
+        for (const standin::Field& field : table.fields)
+            if (!shell.Out().IsJson() &&
+                std::ranges::find(used, std::string(field.name)) == used.end())
+                whole.erase(std::string(field.name));
+        shown.push_back(std::move(whole));
+    }
+    shell.Out().PrintRows(shown);
+    return Status::Good;
+}
+
+struct Walk {
+    std::string_view table;
+    std::string_view value;
+    uint32_t (*first)(uint32_t*);
+    uint32_t (*next)(uint32_t*);
+    uint32_t (*finish)();
+};
+
+constexpr Walk walks[] = {
+    {"if_base", "if_index", QRB_GetFirstIfIndex, QRB_GetNextIfIndex, QRB_ScanIfIndexFinish},
+    {"port", "port_index", QRB_GetFirstPort, QRB_GetNextPort, QRB_ScanPortFinish},
+    {"vlan", "vlan_id", QRB_GetFirstVlan, QRB_GetNextVlan, QRB_ScanVlanFinish},
+};
+
+const Walk& WalkOver(const std::string& table)
+{
+    const auto found = std::ranges::find(walks, table, &Walk::table);
+    if (found == std::end(walks))
+        throw UsageError(NoSuch("walk over", table, {"if_base", "port", "vlan"}));
+    return *found;
+}
+
+Status WalkTable(Shell& shell, Words& words)
+{
+    const Walk& walk = WalkOver(words.Take("table"));
+    words.ExpectEnd();
+    LogCatcher catcher;
+    Json       rows   = Json::array();
+    uint32_t   found  = 0;
+    uint32_t   ret    = walk.first(&found);
+    const bool opened = ret == 0;
+    for (; ret == 0; ret = walk.next(&found))
+        rows.push_back({{walk.value, found}});
+    const uint32_t finished = opened ? walk.finish() : 0;
+    shell.Out().PrintRows(rows);
+    shell.Out().PrintLog(catcher.Take());
+    return finished == 0 ? Status::Good : Status::Failed;
+}
+
+}  // namespace
+
+// clang-format off
+std::vector<Command> TableCommands()
+{
+    return {
+        {"tables", "", "Lists the tables, with their numbers of rows and their fields.", ListTables},
+        {"show", "TABLE [FIELD=VALUE...]", "Shows the rows of a table, or those with these values.", Show},
+        {"walk", "if_base|port|vlan", "Walks a table from first to last, and closes the walk.", WalkTable},
+    };
+}
+// clang-format on
+
+}  // namespace shell

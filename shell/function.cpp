@@ -1,0 +1,45 @@
+#include "shell/function.h"
+
+#include <algorithm>
+
+namespace shell {
+namespace {
+
+std::vector<Function> Assemble()
+{
+    std::vector<Function> all;
+    for (const auto& family : {FrameFunctions, InterfaceFunctions, AddressFunctions,
+                               LayerTwoFunctions, RouteFunctions, FilterFunctions, MemoryFunctions})
+        std::ranges::move(family(), std::back_inserter(all));
+    return all;
+}
+
+}  // namespace
+
+std::string Function::Usage() const
+{
+    std::string usage;
+    for (const Parameter& parameter : parameters) {
+        if (!parameter.TakesWord())
+            continue;
+        const Argument&   argument = parameter.argument;
+        const std::string word     = std::string(argument.name) + (argument.rest ? "..." : "");
+        usage += usage.empty() ? "" : " ";
+        usage += argument.fallback.empty() ? word : "[" + word + "]";
+    }
+    return usage;
+}
+
+const std::vector<Function>& Functions()
+{
+    static const std::vector<Function> functions = Assemble();
+    return functions;
+}
+
+const Function* FindFunction(std::string_view name)
+{
+    const auto found = std::ranges::find(Functions(), name, &Function::name);
+    return found != Functions().end() ? &*found : nullptr;
+}
+
+}  // namespace shell

@@ -1,0 +1,107 @@
+// tarnd-qrb: hosts the library and calls its functions by their names.
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <iostream>
+
+#include "shell/daemon.h"
+#include "shell/prompt.h"
+#include "shell/source.h"
+
+namespace {
+
+using shell::Status;
+
+struct Options {
+    std::string              source;
+    std::vector<std::string> command;
+    bool                     json = false;
+    bool                     echo = false;
+};
+
+constexpr auto examples = R"(
+Examples:
+  tarnd-qrb host                                       a prompt; this host's interfaces
+  tarnd-qrb device.json IF_INTF_GetIfNameByIfIndex 2   one call, and its answer
+  tarnd-qrb device.json < calls.txt                    calls from a file, one a line
+  tarnd-qrb device.json help                           what there is to call
+
+Exit status: 0 every call did what it should; 1 one of them failed, or the source can't be had;
+2 a line could not be understood.
+)";
+
+void Describe(CLI::App& app, Options& options)
+{
+    app.footer(examples);
+    app.add_flag("-j,--json", options.json, "Answers as JSON, one object a line");
+    app.add_flag("-e,--echo", options.echo,
+                 "Repeats each line of standard input before its answer");
+    app.add_option("SOURCE", options.source,
+                   "Where the data comes from: a JSON file, or \"host\" for this host")
+        ->required();
+    app.add_option("COMMAND", options.command,
+                   "A function or command and its arguments; without one, lines are read");
+}
+
+// The words up to the second that is no option: from there on all are the command's.
+int CountOwn(int count, char** words)
+{
+    int own         = 1;
+    int positionals = 0;
+    for (; own < count && positionals < 2; ++own)
+        positionals += words[own][0] == '-' ? 0 : 1;
+    return positionals < 2 ? own : own - 1;
+}
+
+shell::Printer::Style StyleFor(const Options& options)
+{
+    if (options.json)
+        return shell::Printer::Style::JsonLines;
+    const bool colour = isatty(STDOUT_FILENO) != 0 && std::getenv("NO_COLOR") == nullptr;
+    return colour ? shell::Printer::Style::Colour : shell::Printer::Style::Plain;
+}
+
+Status RunInput(shell::Shell& shell, bool echo)
+{
+    Status worst = Status::Good;
+    for (std::string line; !shell.Ended() && std::getline(std::cin, line);) {
+        if (echo)
+            std::cout << "> " << line << '\n';
+        worst = std::max(worst, shell.Execute(line));
+        std::cout.flush();
+    }
+    return worst;
+}
+
+Status Run(const Options& options)
+{
+    const auto source = shell::OpenSource(options.source);
+    shell::StartLibrary();
+    source->Follow();
+    shell::Printer printer(std::cout, StyleFor(options));
+    shell::Shell   shell(*source, printer);
+    if (!options.command.empty())
+        return shell.Execute(options.command);
+    return isatty(STDIN_FILENO) != 0 ? RunPrompt(shell) : RunInput(shell, options.echo);
+}
+
+}  // namespace
+
+int main(int count, char** words)
+{
+    Options  options;
+    CLI::App app("Calls the query functions of libtarnd_qrb by their names.", "tarnd-qrb");
+    Describe(app, options);
+    try {
+        const int own = CountOwn(count, words);
+        app.parse(own, words);
+        options.command.assign(words + own, words + count);
+        return static_cast<int>(Run(options));
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : static_cast<int>(Status::Usage);
+    } catch (const std::exception& error) {
+        std::cerr << "tarnd-qrb: " << error.what() << '\n';
+        return static_cast<int>(Status::Failed);
+    }
+}

@@ -1,0 +1,41 @@
+// What people and programs get to see of a call or a command.
+#pragma once
+
+#include <iosfwd>
+#include <string>
+
+#include "shell/function.h"
+
+namespace shell {
+
+class Printer {
+public:
+    enum class Style : uint8_t { Plain, Colour, JsonLines };
+
+    Printer(std::ostream& output, Style style) : output_(output), style_(style) {}
+
+    bool IsJson() const { return style_ == Style::JsonLines; }
+    void SetStyle(Style style) { style_ = style; }
+
+    // As JSON: one object on one line.
+    void Print(const Function& function, const Answer& answer);
+    // As JSON: the array on one line; else a table.
+    void PrintRows(const Json& rows);
+    // As JSON: {"log": [...]}. Nothing for no lines.
+    void PrintLog(const std::vector<std::string>& lines);
+    // As JSON: {"text": ...}.
+    void PrintText(const std::string& text);
+    void PrintError(const std::string& message);
+
+private:
+    void        PrintReadable(const Function& function, const Answer& answer);
+    void        PrintOutput(const std::string& name, const Json& output, size_t width);
+    void        PrintPair(const std::string& name, const std::string& text, size_t width);
+    void        PrintLine(const Json& value);
+    std::string Coloured(const char* colour, const std::string& text) const;
+
+    std::ostream& output_;
+    Style         style_;
+};
+
+}  // namespace shell

@@ -1,0 +1,64 @@
+#include "shell/shell.h"
+
+#include "shell/command.h"
+#include "shell/nearest.h"
+
+namespace shell {
+namespace {
+
+std::vector<std::string> AllNames()
+{
+    std::vector<std::string> names;
+    for (const Command& command : Commands())
+        names.emplace_back(command.name);
+    for (const Function& function : Functions())
+        names.emplace_back(function.name);
+    return names;
+}
+
+// Carries out the action; what it throws is told.
+template <typename Action>
+Status Told(Printer& printer, const Action& action)
+{
+    try {
+        return action();
+    } catch (const UsageError& error) {
+        printer.PrintError(error.what());
+        return Status::Usage;
+    } catch (const std::exception& error) {
+        printer.PrintError(error.what());
+        return Status::Failed;
+    }
+}
+
+}  // namespace
+
+Status Shell::Execute(std::string_view line)
+{
+    return Told(printer_, [&] { return Execute(SplitLine(line)); });
+}
+
+Status Shell::Execute(const std::vector<std::string>& words)
+{
+    if (words.empty())
+        return Status::Good;
+    return Told(printer_, [&] {
+        Words arguments(std::span<const std::string>(words).subspan(1));
+        return Carry(words[0], arguments);
+    });
+}
+
+Status Shell::Carry(const std::string& name, Words& words)
+{
+    if (const Command* command = FindCommand(name))
+        return command->run(*this, words);
+    const Function* function = FindFunction(name);
+    if (function == nullptr)
+        throw UsageError(NoSuch("function or command", name, AllNames()));
+    const Answer answer = function->call(words);
+    printer_.Print(*function, answer);
+    const bool good = !answer.code || function->result.Of(*answer.code).good;
+    return good ? Status::Good : Status::Failed;
+}
+
+}  // namespace shell

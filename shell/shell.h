@@ -1,0 +1,36 @@
+// The shell: carries out lines, one after another.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "shell/printer.h"
+#include "sources/source.h"
+
+namespace shell {
+
+// As exit codes have it; of several lines, the highest counts.
+enum class Status : uint8_t { Good = 0, Failed = 1, Usage = 2 };
+
+class Shell {
+public:
+    Shell(sources::Source& source, Printer& printer) : source_(source), printer_(printer) {}
+
+    Status Execute(std::string_view line);
+    Status Execute(const std::vector<std::string>& words);
+
+    bool             Ended() const { return ended_; }
+    void             End() { ended_ = true; }
+    Printer&         Out() { return printer_; }
+    sources::Source& Source() { return source_; }
+
+private:
+    Status Carry(const std::string& name, Words& words);
+
+    sources::Source& source_;
+    Printer&         printer_;
+    bool             ended_ = false;
+};
+
+}  // namespace shell

@@ -1,0 +1,31 @@
+#include "shell/source.h"
+
+#include "sources/host.h"
+#include "sources/json_file.h"
+
+namespace shell {
+namespace {
+
+class JsonSource final : public sources::Source {
+public:
+    explicit JsonSource(const std::string& file) { sources::LoadJson(file); }
+};
+
+class HostSource final : public sources::Source {
+public:
+    void Follow() override { host_.Follow(); }
+
+private:
+    sources::Host host_;
+};
+
+}  // namespace
+
+std::unique_ptr<sources::Source> OpenSource(const std::string& name)
+{
+    if (name == "host")
+        return std::make_unique<HostSource>();
+    return std::make_unique<JsonSource>(name);
+}
+
+}  // namespace shell

@@ -1,0 +1,14 @@
+// The sources that the shell can be given.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "sources/source.h"
+
+namespace shell {
+
+// "host", or the path of a JSON file. Throws std::runtime_error.
+std::unique_ptr<sources::Source> OpenSource(const std::string& name);
+
+}  // namespace shell

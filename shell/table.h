@@ -1,0 +1,25 @@
+// The stand-in's tables, by the names that stand on a line.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <standin/database.h>
+
+#include "shell/argument.h"
+
+namespace shell {
+
+// Throws UsageError, with the nearest name, where there is none.
+const standin::Table& KnownTable(std::string_view name);
+const standin::Field& KnownField(const standin::Table& table, std::string_view name);
+
+std::vector<std::string> TableNames();
+
+// The values that stand in a field of a table, or in a field of its lists, without repetition.
+std::vector<std::string> ValuesOf(const standin::Table& table, std::string_view field);
+
+// A value as text: a text bare, everything else as JSON has it.
+std::string Bare(const Json& value);
+
+}  // namespace shell
