@@ -32,15 +32,16 @@ uint32_t ACL_IsACLNodeExistByNumber(uint16_t vsid, uint16_t vsysid, uint32_t acl
 uint32_t ACLIPv6_IsACLNodeExistByNumber(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber,
                                         uint32_t* groupId);
 
-/* The same for an IPv4 and an IPv6 ACL, by name, or by number where name is null; groupId is not
-   checked for null. */
+/* Whether an IPv4 or an IPv6 ACL could be looked for, by name, or by number where name is null. As
+   ACLIPv6_IsACLNodeExistByNumber: 1 when the scan ran, whether or not it met the ACL, 0 for a
+   failure, *groupId written only when the ACL is met. groupId is not checked for null. */
 uint32_t ACL_IsExist(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, const char* name,
                      uint32_t* groupId);
 uint32_t ACLIPv6_IsExist(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, const char* name,
                          uint32_t* groupId);
 
-/* The row step of those scans, a QRB_ENTRY_FUNC: reads the group id (field 0) of the session's
-   current record into groupId, an address of uint32_t. The database's code. */
+/* The row step of the scans for an ACL, a QRB_ENTRY_FUNC: reads the group id (field 0) of the
+   session's current record into groupId, an address of uint32_t. The database's code. */
 uint32_t ACL_DB_ScanAclGroupId(ORM_SESSION session, void* groupId, uint32_t index);
 
 /*
@@ -55,7 +56,7 @@ uint32_t ACL_GetRuleCount(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, ui
 uint32_t ACLIPv6_GetRuleCount(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, uint32_t* count);
 
 /* The name of a group, from "acl_group_id". name holds ACL_GROUP_NAME_SIZE bytes. 0; 1 when there
-   is no such group or for a failure (logged). Both functions are the same. */
+   is no such group or for a failure (logged). */
 uint32_t ACL_GetNameByGroupId(uint32_t groupId, char* name);
 uint32_t ACLIPv6_GetNameByGroupId(uint32_t groupId, char* name);
 

@@ -42,7 +42,8 @@ uint32_t QRB_CreatDbSession(const char* table, uint32_t operation, ORM_SESSION* 
 uint32_t QRB_DB_SESSION_SetKey(ORM_SESSION session, uint32_t operation, const char* table,
                                const void* keyArgument, QRB_SET_KEY_FUNC setKey);
 
-/* The keyed read on an open session: as above, then getFields(session, output). */
+/* The keyed read on an open session: QRB_DB_SESSION_SetKey, then getFields(session, output). 0, or
+   the failing step's own code, which is logged. */
 uint32_t QRB_DB_SESSION_Get(ORM_SESSION session, const char* table, const void* keyArgument,
                             void* output, QRB_SET_KEY_FUNC setKey, QRB_GET_FIELDS_FUNC getFields);
 
@@ -65,7 +66,7 @@ uint32_t QRB_DB_SESSION_Scan(ORM_SESSION session, const char* table, void* conte
                              uint32_t maxCount, QRB_ENTRY_FUNC onEntry, uint32_t* count,
                              const char* condition, QRB_SET_CONDITION_FUNC setCondition);
 
-/* The same scan in a session of its own. */
+/* QRB_DB_SESSION_Scan in a session of its own. */
 uint32_t QRB_DB_Scan(const char* table, void* context, uint32_t maxCount, QRB_ENTRY_FUNC onEntry,
                      uint32_t* count, const char* condition, QRB_SET_CONDITION_FUNC setCondition);
 

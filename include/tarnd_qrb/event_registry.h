@@ -120,18 +120,19 @@ extern const UTIL_LIST_TRAITS_S g_pstIfNotifyFuncHandlerTraits; /* IF_NOTIFY_FUN
 
 /* Layer-2 events. */
 
-/* Builds the table; does nothing when it is built. Registration does so by itself. */
+/* Builds the layer-2 table; does nothing when it is built. Registration does so by itself. */
 void L2IF_SH_EvtCbRegTbl_Init(void);
 
-/* Frees every entry. The table stays built. */
+/* Frees every entry of the layer-2 table, which stays built. */
 void L2IF_SH_EvtCbRegTbl_Deinit(void);
 
-/* Refused: an event id of L2IF_EVT_COUNT or more, a null name, one of more than 63 characters. A
-   null callback is not. The name is copied. */
+/* Registers a callback for an event. Refused: an event id of L2IF_EVT_COUNT or more, a null name,
+   one of more than 63 characters. A null callback is not. The name is copied. */
 uint32_t L2IF_SH_EvtCbFuncReg(const char* pszModuleName, uint32_t eventId, uint16_t priority,
                               L2IF_SH_EVT_CB_FUNC* callback);
 
-/* Removes the first entry with this callback, priority and name (exactly). 1 where none has. */
+/* Removes the event's first entry with this callback, priority and name (exactly). 1 where none
+   has. */
 uint32_t L2IF_SH_EvtCbFuncUnReg(const char* pszModuleName, uint32_t eventId, uint16_t priority,
                                 L2IF_SH_EVT_CB_FUNC* callback);
 
@@ -141,12 +142,12 @@ bool L2IF_SH_EventPriorityComparator(const void* existing, const void* added, ui
 
 /* Interface events. */
 
-/* Builds the tree; does nothing when it is built. Registration does so by itself. Without memory
-   for the events, the tree stays unbuilt and a later call tries again; without memory for an
-   event's sub-events, that event has none until the tree is built anew. */
+/* Builds the interface event tree; does nothing when it is built. Registration does so by itself.
+   Without memory for the events, the tree stays unbuilt and a later call tries again; without
+   memory for an event's sub-events, that event has none until the tree is built anew. */
 void IF_EvtInit(void);
 
-/* Frees the tree and every entry in it. */
+/* Frees the interface event tree and every entry in it. */
 void IF_EvtDeInit(void);
 
 /* Gives ulCnt children to a node that has none. Without memory, children is null and childCount as
@@ -169,8 +170,8 @@ uint32_t IF_EvtRegCbf(IF_EVT_CB_FUNC* callback, uint32_t unused, uint32_t priori
 uint32_t IF_EvtUnRegCbf(IF_EVT_CB_FUNC* callback, uint32_t unused, uint32_t idCount,
                         uint32_t eventId, ...);
 
-/* The same with fixed arguments: subId is IF_EVT_WHOLE for the whole event. They log under the
-   names of the former. */
+/* IF_EvtRegCbf and IF_EvtUnRegCbf with fixed arguments: subId is IF_EVT_WHOLE for the whole event.
+   They log under the names of the former. */
 uint32_t IF_INTF_RegEvtCb(uint32_t eventId, uint32_t subId, IF_EVT_CB_FUNC* callback,
                           uint32_t unused, uint32_t priority);
 uint32_t IF_INTF_UnRegEvtCb(uint32_t eventId, uint32_t subId, IF_EVT_CB_FUNC* callback,
@@ -182,16 +183,17 @@ bool IF_EventPriorityComparator(const void* existing, const void* added, uint64_
 
 /* Interface notifications. */
 
-/* Builds the list; does nothing when it is built. Registration does so by itself. */
+/* Builds the notification list; does nothing when it is built. Registration does so by itself. */
 void IF_NotifyFuncRegTbl_Init(void);
 
-/* Frees every entry. The list stays built. */
+/* Frees every entry of the notification list, which stays built. */
 void IF_NotifyFuncRegTbl_Deinit(void);
 
-/* A null callback is refused. */
+/* Registers a callback under a key of the module's choice. A null callback is refused. */
 uint32_t IF_RegNotifyFunc(uint32_t ulKey, IF_NOTIFY_FUNC* callback);
 
-/* Removes the first entry with this key and callback. 1 where there is none. */
+/* Removes the first entry with this key and callback from the notification list. 1 where there is
+ * none. */
 uint32_t IF_UnRegNotifyFunc(uint32_t ulKey, IF_NOTIFY_FUNC* callback);
 
 #ifdef __cplusplus

@@ -26,10 +26,10 @@ typedef struct {
  * read. */
 uint32_t IF_INTF_GetIfNameByIfIndex(char* output, uint32_t ifIndex);
 
-/* The same. 0, or 1. */
+/* The full name (if_name) of an interface. 0, or 1. */
 uint32_t IF_GetIfNameByIndex(uint32_t ifIndex, char* output);
 
-/* The same. 0, or 1; a null output is refused with 1. */
+/* The full name (if_name) of an interface. 0, or 1; a null output is refused with 1. */
 uint32_t BDS_IfnetGetIfNameByIfIndex(uint32_t ifIndex, char* output);
 
 /* Whether an interface has a record: 1 yes, 0 no (silent). A database that fails answers 1. */
@@ -39,9 +39,10 @@ uint32_t BDS_IfnetIsIfExist(uint32_t ifIndex);
 uint32_t IF_INTF_GetIfByFullName(const char* fullName);
 
 /*
- * The step of that scan: compares the session's current record with a key.
+ * The step of IF_INTF_GetIfByFullName's scan: compares the session's current record with a key.
  *
- * output  receives the record (387 bytes, QRB_IF_BASE_S) when it matches; size is its capacity.
+ * output  receives the record (387 bytes, QRB_IF_BASE_S) when it matches.
+ * size    its capacity in bytes.
  *
  * 1 when the name matches and the record was copied, else 0.
  */

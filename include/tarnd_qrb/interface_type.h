@@ -70,7 +70,8 @@ uint32_t BDS_IfPortTypeSwitch(uint32_t type, uint32_t* portType);
    where the type has none. Null is refused with 1. */
 uint32_t BDS_IfnetGetPortType(uint32_t ifIndex, uint32_t* portType);
 
-/* The same. The port type, or 0xFFFFFFFF. */
+/* The port type of an interface, as BDS_IfnetGetPortType finds it: the type itself, or 0xFFFFFFFF.
+ */
 uint32_t IFPDT_GetPortType(uint32_t ifIndex);
 
 /* The physical type of an interface. 0 to 255; QRB_PHY_TYPE_OTHER for types without a pair, and

@@ -78,10 +78,8 @@ uint32_t SYSAPI_GetIp4AddrNumByIf(uint32_t ifIndex);
 uint32_t SYSAPI_GetIp4AllAddrByIf(uint32_t ifIndex, SYSAPI_IP4_ADDR_S* addresses,
                                   uint32_t capacity);
 
-/*
- * The next three count the addresses and then read them. A read that fails is logged and does not
- * change the result: addresses that were not read count as 0.
- */
+/* In two reads. The addresses are counted and then read. A read that fails is logged and does not
+   change the result: addresses that were not read count as 0. */
 
 /* Whether the address is one of the interface's: 1 yes; 0 no, or a failure. */
 uint32_t BDS_IPIFIsThisIfIpAddr(uint32_t ifIndex, uint32_t address);
@@ -108,6 +106,8 @@ uint32_t BDS_IPGetFirstIpByIfIndex(uint32_t ifIndex, uint32_t* address);
  */
 uint32_t BDS_IPGetIFBestMatchIpAddr(uint32_t ifIndex, uint32_t peer, uint32_t* masklen,
                                     uint32_t* network, uint32_t* address);
+
+/* In one read. */
 
 /* The mask (of the prefix length: 0 gives 0, above 32 gives 0xFFFFFFFF) of one of the interface's
    addresses. 0; or 1: silently when the address is not the interface's. mask stays written where

@@ -17,10 +17,13 @@ extern "C" {
  * Writes one line to the system log: "[TARND_QRB][function:line] text".
  *
  * priority  the system log's levels, 0 emergency to 7 debug. 4 and above are dropped at the price
- * of one comparison, so informational calls may stay in hot paths. function  the reporting
- * function's name; null gives the short form "[TARND_QRB] text". line      any number that
- * identifies the call site. format    as for printf. A text of more than 511 characters is lost,
- * and so is one for which there is no memory; nothing else happens.
+ *           of one comparison, so informational calls may stay in hot paths.
+ * function  the reporting function's name; null gives the short form "[TARND_QRB] text".
+ * line      any number that identifies the call site.
+ * format    as for printf.
+ *
+ * A text of more than 511 characters is lost, and so is one for which there is no memory; nothing
+ * else happens.
  *
  * Any thread. No state is kept.
  */

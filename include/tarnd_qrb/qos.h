@@ -57,8 +57,9 @@ static_assert(offsetof(QOS_PROFILE_INFO_S, dscp1) == 49, "dscp1 is off its posit
    for a name of 64 bytes or more. */
 uint32_t QOS_GetProfileIdByName(uint32_t unused, const char* name, uint32_t* index);
 
-/* The step of that scan: writes the current row's index (field 0) if its name (field 1) is this
-   one. 0; QOS_FAIL, silently, for a name of 64 bytes or more; or the database's code. */
+/* The step of QOS_GetProfileIdByName's scan: writes the current row's index (field 0) if its name
+   (field 1) is this one. 0; QOS_FAIL, silently, for a name of 64 bytes or more; or the database's
+   code. */
 uint32_t QOS_GetIdByName(ORM_SESSION session, const char* name, uint32_t* index);
 
 /* Opens a session positioned on a profile's row. 0: the caller closes it. Else the failing step's

@@ -29,8 +29,9 @@ extern ORM_SCAN    g_PortScanHandle;
 extern ORM_SESSION g_ScanVlanSession;
 extern ORM_SCAN    g_VlanScanHandle;
 
-/* First and Next leave the output untouched when they answer 1. Finish closes the walk whatever
-   happens; 1 when that fails, as it does for a walk that is not open (both logged). */
+/* Under their own names. First and Next leave the output untouched when they answer 1. Finish
+   closes the walk whatever happens; 1 when that fails, as it does for a walk that is not open (both
+   logged). */
 
 /* Interfaces: if_index. */
 uint32_t QRB_GetFirstIfIndex(uint32_t* ifIndex);
@@ -47,14 +48,20 @@ uint32_t QRB_GetFirstVlan(uint32_t* vlanId);
 uint32_t QRB_GetNextVlan(uint32_t* vlanId);
 uint32_t QRB_ScanVlanFinish(void);
 
-/* The same walks under the names of the older modules. Their outputs are 0 when they answer 1. */
+/* Under the names of the older modules. The same walks; outputs are 0 when First and Next answer 1.
+   Finish is the walk's own. */
+
+/* Interfaces: if_index. The walk's position alone decides: current is not looked at. */
 uint32_t IF_INTF_GetFirstIfIndex(uint32_t* ifIndex);
-/* The walk's position alone decides: current is not looked at. */
 uint32_t IF_INTF_GetNextIfIndex(uint32_t current, uint32_t* ifIndex);
 uint32_t IF_INTF_ScanFinish(void);
+
+/* Ports: port_index. */
 uint32_t L2IF_GetFirstPort(uint32_t* portIndex);
 uint32_t L2IF_GetNextPort(uint32_t* portIndex);
 uint32_t L2IF_ScanFinish(void);
+
+/* VLANs: vlan_id. */
 uint32_t L2IF_GetFirstVlan(uint16_t* vlanId);
 uint32_t L2IF_GetNextVlan(uint16_t* vlanId);
 uint32_t L2IF_ScanVlanFinish(void);

@@ -76,6 +76,8 @@ typedef void (*UTIL_LIST_PRINT_FUNC)(const void* element);
 typedef bool (*UTIL_LIST_COMPARE_FUNC)(const void* existing, const void* added, uint64_t context);
 typedef bool (*UTIL_LIST_PREDICATE_FUNC)(const void* element, uint64_t context);
 
+/* Lists. */
+
 /* What a list's elements are. Must outlive the list. */
 typedef struct {
     uint64_t                elemSize; /* bytes */
@@ -157,6 +159,7 @@ void UTIL_LIST_Construct(UTIL_LIST_S* list, const UTIL_LIST_TRAITS_S* traits);
 void UTIL_LIST_Clear(UTIL_LIST_S* list);
 void UTIL_LIST_Destruct(UTIL_LIST_S* list);
 
+/* Whether a list has no element. */
 bool UTIL_LIST_IsEmpty(const UTIL_LIST_S* list);
 
 /* Exchanges two lists, elements and traits. */
@@ -175,9 +178,12 @@ uint32_t UTIL_LIST_ConstructCopy(UTIL_LIST_S* destination, const UTIL_LIST_S* so
    empty. A list appended to itself stays as it is. */
 void UTIL_LIST_ConcatenateMove(UTIL_LIST_S* destination, UTIL_LIST_S* source);
 
-/* Insertion: a new node holding a copy of the value. */
+/* Insertion. The new node holds a copy of the value. */
 
+/* Before the head. */
 uint32_t UTIL_LIST_PushFront(UTIL_LIST_S* list, const void* value);
+
+/* Behind the tail. */
 uint32_t UTIL_LIST_PushBack(UTIL_LIST_S* list, const void* value);
 
 /* Immediately before a node of the list. */
@@ -191,20 +197,23 @@ uint32_t UTIL_LIST_InsertBefore(UTIL_LIST_S* list, UTIL_LIST_NODE_S* position, c
 uint32_t UTIL_LIST_SortedInsert(UTIL_LIST_S* list, const void* value,
                                 UTIL_LIST_COMPARE_FUNC compare, uint64_t context);
 
-/* The same, the value being taken over. */
+/* Insertion by moving. */
 
+/* Takes the value over, in the place where the function without "Move" puts a copy. */
 uint32_t UTIL_LIST_PushFrontMove(UTIL_LIST_S* list, void* value);
 uint32_t UTIL_LIST_PushBackMove(UTIL_LIST_S* list, void* value);
 uint32_t UTIL_LIST_InsertBeforeMove(UTIL_LIST_S* list, UTIL_LIST_NODE_S* position, void* value);
 uint32_t UTIL_LIST_SortedInsertMove(UTIL_LIST_S* list, void* value, UTIL_LIST_COMPARE_FUNC compare,
                                     uint64_t context);
 
-/* Insertion in two halves: first a node, in no list and the caller's, or null for what fails an
-   insertion; then its place in a list with the same traits, whose it becomes. */
+/* Insertion in two halves. First a node, in no list and the caller's; then its place in a list with
+   the same traits, whose it becomes. */
 
+/* A node that holds a copy of the value, or takes it over. Null for what fails an insertion. */
 UTIL_LIST_NODE_S* UTIL_LIST_ConstructNodeCopy(const void* value, const UTIL_LIST_TRAITS_S* traits);
 UTIL_LIST_NODE_S* UTIL_LIST_ConstructNodeMove(void* value, const UTIL_LIST_TRAITS_S* traits);
 
+/* Puts a node in the place where the function without "Impl" puts a new one. */
 void UTIL_LIST_PushFrontImpl(UTIL_LIST_S* list, UTIL_LIST_NODE_S* node);
 void UTIL_LIST_PushBackImpl(UTIL_LIST_S* list, UTIL_LIST_NODE_S* node);
 void UTIL_LIST_InsertBeforeImpl(UTIL_LIST_S* list, UTIL_LIST_NODE_S* position,
@@ -214,7 +223,7 @@ void UTIL_LIST_SortedInsertImpl(UTIL_LIST_S* list, UTIL_LIST_NODE_S* node,
 
 /* Removal. */
 
-/* 0, or 1 when the list was empty. */
+/* Removes the head, or the tail. 0, or 1 when the list was empty. */
 uint32_t UTIL_LIST_PopFront(UTIL_LIST_S* list);
 uint32_t UTIL_LIST_PopBack(UTIL_LIST_S* list);
 
@@ -236,7 +245,10 @@ uint64_t UTIL_LIST_CountIf(const UTIL_LIST_S* list, UTIL_LIST_PREDICATE_FUNC pre
 
 /* Iteration. Next, GetDataPtr and Erase are not for an iterator at the end. */
 
+/* An iterator at the head, or at the end of an empty list. */
 UTIL_LIST_ITER_S UTIL_LIST_Begin(UTIL_LIST_S* list);
+
+/* An iterator at the end, one past the tail. */
 UTIL_LIST_ITER_S UTIL_LIST_End(UTIL_LIST_S* list);
 
 /* Moves the iterator one on, or one back, and returns a copy of it. Back from the end is the tail;
@@ -251,8 +263,10 @@ void* UTIL_LIST_GetDataPtr(const UTIL_LIST_ITER_S* iterator);
  */
 UTIL_LIST_ITER_S UTIL_LIST_Erase(UTIL_LIST_ITER_S* iterator);
 
+/* Lists of lists. */
+
 /*
- * Lists of lists.
+ * Traits for elements that are lists themselves.
  *
  * With g_utilListByValueTraits an element is a UTIL_LIST_S (32 bytes); a copied insertion copies
  * the inner list whole, a moved one empties the caller's, and a removal clears the inner list.
@@ -267,14 +281,14 @@ UTIL_LIST_ITER_S UTIL_LIST_Erase(UTIL_LIST_ITER_S* iterator);
 extern const UTIL_LIST_TRAITS_S g_utilListByValueTraits;
 extern const UTIL_LIST_TRAITS_S g_utilListByPtrTraits;
 
-/* Their callbacks; by value: elements are lists. The status is always 0. */
+/* Callbacks of g_utilListByValueTraits: elements are lists. The status is always 0. Printing prints
+   each inner element, where the inner list's traits can. */
 void     UTIL_LIST_DestructCallback(void* element);
 uint32_t UTIL_LIST_ConstructCopyCallback(void* element, const void* value);
 uint32_t UTIL_LIST_ConstructMoveCallback(void* element, void* value);
-/* Prints each inner element, where the inner list's traits can. */
-void UTIL_LIST_PrintCallback(const void* element);
+void     UTIL_LIST_PrintCallback(const void* element);
 
-/* By pointer: elements are pointers to lists. */
+/* Callbacks of g_utilListByPtrTraits: elements are pointers to lists. */
 void     UTIL_LIST_DeleteCallback(void* element);
 uint32_t UTIL_LIST_ConstructPtrCopyCallback(void* element, const void* value); /* 0, 1 no memory */
 uint32_t UTIL_LIST_ConstructPtrMoveCallback(void* element, void* value);       /* always 0 */

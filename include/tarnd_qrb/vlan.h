@@ -20,24 +20,25 @@ extern "C" {
    or the database failed (logged). */
 uint32_t VLAN_IsVlanActive(uint16_t vlanId);
 
-/* The same: 1 yes, 0 otherwise. */
+/* Whether a VLAN is active, as VLAN_IsVlanActive: 1 yes, 0 otherwise. */
 uint32_t BDS_L2IF_VLAN_IsActive(uint16_t vlanId);
 
-/* Whether a VLAN has a record. 0 yes, 1 otherwise; also an absent record is logged as an error. */
+/* Whether a VLAN has a record in "vlan". 0 yes, 1 otherwise; also an absent record is logged as an
+ * error. */
 uint32_t VLAN_IsVlanUsed(uint16_t vlanId);
 
-/* The same: 1 yes, 0 otherwise. */
+/* Whether a VLAN has a record, as VLAN_IsVlanUsed: 1 yes, 0 otherwise. */
 uint32_t BDS_L2IF_VLAN_IsUsed(uint16_t vlanId);
 
-/* A port's position in the member sets of a VLAN: bits 8 to 15 of its port_index. */
+/* A port's position in the member sets of a VLAN: bits 8 to 15 of its port_index. No database. */
 uint8_t VLAN_PortIndex2PortIdx(uint32_t portIndex);
 
-/* Whether a port is in one of a VLAN's two member sets; scope words and port_index are those of the
-   port's own record. 0 yes; 1 no, or a read failed (logged). An absent port is taken for position 0
-   in scope (0, 0), an absent VLAN has no members. */
+/* Whether a port is in one of a VLAN's two member sets (member_bitmap_1, member_bitmap_2). Scope
+   words and port_index are those of the port's own record. 0 yes; 1 no, or a read failed (logged).
+   An absent port is taken for position 0 in scope (0, 0), an absent VLAN has no members. */
 uint32_t VLAN_IsPortInVlan(uint32_t ifIndex, uint16_t vlanId);
 
-/* The same: 1 yes, 0 otherwise. */
+/* Whether a port is in a VLAN, as VLAN_IsPortInVlan: 1 yes, 0 otherwise. */
 uint32_t BDS_L2IF_VP_PortIsInVlan(uint32_t ifIndex, uint16_t vlanId);
 
 /* A stub: looks at nothing, logs that it is one and answers 0. */
@@ -48,7 +49,7 @@ uint32_t BDS_L2IF_VP_PortIsInVlanWithTag(uint32_t ifIndex, uint16_t vlanId);
 uint32_t L2IF_GetPVIDByIfIndex(uint32_t ifIndex, uint16_t* pvid);
 
 /*
- * A VLAN's description.
+ * A VLAN's description, as stored.
  *
  * description  81 bytes (QRB_VLAN_DESCRIPTION_SIZE). Untouched when the record reader answers 1;
  *              an empty text where nothing was read.
@@ -62,8 +63,8 @@ uint32_t L2IF_VLAN_GetDescript(uint16_t vlanId, char* description);
    when the VLAN is met, even where a later step fails. */
 uint32_t L2IF_SH_VLAN_GetVlanidByName(const char* name, uint16_t* vlanId);
 
-/* The row step of that scan, a QRB_ENTRY_FUNC: reads vlan_id (field 2) of the session's current
-   record into vlanId, an address of uint16_t. The database's code. */
+/* The row step of L2IF_SH_VLAN_GetVlanidByName's scan, a QRB_ENTRY_FUNC: reads vlan_id (field 2) of
+   the session's current record into vlanId, an address of uint16_t. The database's code. */
 uint32_t L2IF_DB_ScanVlanId(ORM_SESSION session, void* vlanId, uint32_t index);
 
 #ifdef __cplusplus

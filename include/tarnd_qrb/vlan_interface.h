@@ -22,8 +22,8 @@ uint32_t BDS_L2IF_VLAN_GetIfIndexByVlanId(uint16_t vlanId, uint32_t* ifIndex);
    0xFFFFFFFF. */
 uint32_t BDS_L2_VlanGetIfIndex(uint16_t vlanId, uint32_t* ifIndex);
 
-/* The same as a value: the index; 0xFFFFFFFF where there is none, 1 where no name can be made (both
-   silent). */
+/* The index of the interface with the VLAN's name, as a value: 0xFFFFFFFF where there is none, 1
+   where no name can be made (both silent). */
 uint32_t BDS_L2IF_VLAN_GetVlanIfIndex(uint16_t vlanId);
 
 /*
