@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Every function and type that the documentation names exists, and every family is in the overview.
+set -euo pipefail
+cd "$1"
+
+failed=0
+named=$(cat docs/*.md docs/man/* | grep -oE '\b(BDS|IF|IFPDT|IP6?|SYSAPI|VLAN|L2IF|FIB6?|ACL|ACLIPv6|QOS|QRB|UTIL_LIST|MEM_EX|Tarn_QRB|Orm|Dbc)[0-9A-Z]*_?[A-Z][A-Za-z0-9_]+\b' | sort -u)
+declared=$(cat include/tarnd_qrb/*.h platform/include/tarnd_platform/*.h | grep -oE '\w+' | sort -u)
+if unknown=$(comm -23 <(echo "$named") <(echo "$declared") | grep .); then
+    echo "named in the documentation, declared nowhere:" $unknown
+    failed=1
+fi
+for header in include/tarnd_qrb/*.h; do
+    family=tarnd_qrb_$(basename "$header" .h)
+    grep -qw "$family" docs/man/tarnd_qrb.7 || { echo "docs/man/tarnd_qrb.7 lacks $family"; failed=1; }
+done
+exit "$failed"
