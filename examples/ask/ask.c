@@ -8,16 +8,21 @@
 #include <stdlib.h>
 
 #include <tarnd_qrb/acl.h>
+#include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/database.h>
+#include <tarnd_qrb/event_publish.h>
+#include <tarnd_qrb/event_registry.h>
 #include <tarnd_qrb/interface_lookup.h>
 #include <tarnd_qrb/interface_state.h>
 #include <tarnd_qrb/interface_type.h>
 #include <tarnd_qrb/ipv4_address.h>
+#include <tarnd_qrb/listener.h>
 #include <tarnd_qrb/log.h>
 #include <tarnd_qrb/memory_map.h>
 #include <tarnd_qrb/qos.h>
 #include <tarnd_qrb/records.h>
 #include <tarnd_qrb/route.h>
+#include <tarnd_qrb/subscription.h>
 #include <tarnd_qrb/table_walk.h>
 #include <tarnd_qrb/util_list.h>
 #include <tarnd_qrb/vlan.h>
