@@ -7,14 +7,41 @@
 
 #include <array>
 #include <atomic>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <new>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <standin/database.h>
+
+namespace {
+
+thread_local unsigned allocationsLeft = 0;  // 0: all that there are
+std::atomic<int>      blocksInUse     = 0;
+
+}  // namespace
+
+void* operator new(size_t size)
+{
+    void* block = allocationsLeft > 0 && --allocationsLeft == 0 ? nullptr : std::malloc(size);
+    blocksInUse += block != nullptr ? 1 : 0;
+    return block != nullptr ? block : throw std::bad_alloc();
+}
+
+void operator delete(void* block) noexcept
+{
+    blocksInUse -= block != nullptr ? 1 : 0;
+    std::free(block);
+}
+
+void operator delete(void* block, size_t /*size*/) noexcept
+{
+    operator delete(block);
+}
 
 namespace {
 
@@ -184,6 +211,59 @@ TEST_F(StandinSubscription, DeliversOnlyWhatADefinitionLists)
     Commit([](Transaction& t) { t.Delete(Phy(1)); });
     EXPECT_EQ(DbcHandleEvent(descriptor), 0U);
     EXPECT_EQ(seen_, std::vector<std::string>{"d 1:0>-"});
+}
+
+// Memory runs out at the first allocation, then at the second, and so on until there is enough.
+TEST_F(StandinSubscription, WithoutMemoryATransactionIsUndoneAndNotTold)
+{
+    ASSERT_EQ(Subscribe(session_, everything), 0U);
+    Commit([](Transaction& t) { t.Insert(Phy(1, 1)); });
+    DbcHandleEvent(descriptor);
+    unsigned attempts = 0;
+    for (bool committed = false; !committed; attempts++) {
+        seen_.clear();
+        Transaction transaction;
+        transaction.Update(Phy(1, 2));
+        transaction.Insert(Phy(2, 2));
+        transaction.Delete(Phy(1));
+        allocationsLeft = attempts + 1;
+        try {
+            transaction.Commit();
+            committed = true;
+        } catch (const std::bad_alloc&) {
+            EXPECT_TRUE(standin::Find(Phy(1)) == Phy(1, 1));
+        }
+        allocationsLeft = 0;
+        EXPECT_EQ(DbcHandleEvent(descriptor), 0U);
+        EXPECT_EQ(seen_, committed ? (std::vector<std::string>{"u 1:1>1:2", "i ->2:2", "d 1:2>-"})
+                                   : std::vector<std::string>{});
+        EXPECT_EQ(standin::Find(Phy(2)).has_value(), committed);
+    }
+    EXPECT_GT(attempts, 10U);
+}
+
+TEST_F(StandinSubscription, GivesBackWhatChangesTookThatWait)
+{
+    constexpr int changes = 1000;
+    const auto    update  = [] { Commit([](Transaction& t) { t.Update(Phy(1)); }); };
+    onMessage             = [](ORM_MESSAGE, uint32_t) {};
+    ASSERT_EQ(Subscribe(session_, everything), 0U);
+    Commit([](Transaction& t) { t.Insert(Phy(1)); });
+    update();
+    DbcHandleEvent(descriptor);
+    const int before = blocksInUse;
+    for (int round = 0; round < 2; round++) {
+        for (int i = 0; i < changes; i++) {
+            update();
+        }
+        EXPECT_LE(blocksInUse, before + 3 * changes);
+        if (round == 0) {
+            DbcHandleEvent(descriptor);
+            EXPECT_EQ(blocksInUse, before);
+        }
+    }
+    EXPECT_EQ(OrmCloseSession(std::exchange(session_, 0)), 0U);
+    EXPECT_LT(blocksInUse, before);
 }
 
 TEST_F(StandinSubscription, MessageDiesWithItsCallback)

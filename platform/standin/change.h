@@ -2,8 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
-#include <vector>
 
 #include "table_store.h"
 
@@ -15,9 +13,5 @@ struct Change {
     const StoredRow* before;  // null where there was none
     const StoredRow* after;   // null where there is none now
 };
-
-// Notes one committed transaction for every subscription that covers it. Called in the order of the
-// transactions, while both rows of each change are alive.
-void Publish(std::span<const Change> changes);
 
 }  // namespace standin

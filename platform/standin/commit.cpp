@@ -4,6 +4,7 @@
 #include <mutex>
 #include <string>
 
+#include "announcement.h"
 #include "gate.h"
 #include "limbo.h"
 #include "tarnd_platform/orm_subscription.h"
@@ -104,10 +105,16 @@ Rooms MakeRooms(const std::vector<PreparedWrite>& writes)
     return rooms;
 }
 
-// Readers are kept out from here to the end.
-std::vector<Change> CarryOut(const std::vector<PreparedWrite>& writes, Rooms& rooms)
-{
+struct Outcome {
     std::vector<Change> changes;
+    Announcement        announcement;
+};
+
+// Readers are kept out from here to the end.
+Outcome CarryOut(const std::vector<PreparedWrite>& writes, Rooms& rooms)
+{
+    Outcome              outcome;
+    std::vector<Change>& changes = outcome.changes;
     changes.reserve(writes.size());
     const Alone alone;
     for (auto& [store, room] : rooms) {
@@ -119,13 +126,14 @@ std::vector<Change> CarryOut(const std::vector<PreparedWrite>& writes, Rooms& ro
             Apply(change);
             changes.push_back(change);
         }
+        outcome.announcement = Announcement(changes);
     } catch (...) {
         for (; !changes.empty(); changes.pop_back()) {
             Undo(changes.back());
         }
         throw;
     }
-    return changes;
+    return outcome;
 }
 
 }  // namespace
@@ -133,14 +141,14 @@ std::vector<Change> CarryOut(const std::vector<PreparedWrite>& writes, Rooms& ro
 void Commit(std::vector<PreparedWrite> writes)
 {
     const std::lock_guard lock(writer);
-    Rooms                 rooms   = MakeRooms(writes);
-    const auto            changes = CarryOut(writes, rooms);
+    Rooms                 rooms  = MakeRooms(writes);
+    auto [changes, announcement] = CarryOut(writes, rooms);
     for (PreparedWrite& write : writes) {
         if (write.event != ORM_EVENT_DELETE) {
             static_cast<void>(write.row.release());  // the table's now
         }
     }
-    Publish(changes);
+    announcement.Post();
     for (const Change& change : changes) {
         if (change.before != nullptr) {
             Release(change.before);

@@ -2,8 +2,8 @@
 // same operation.
 #pragma once
 
+#include <list>
 #include <span>
-#include <utility>
 #include <vector>
 
 #include "change.h"
@@ -21,11 +21,8 @@ public:
         ForEachRow([](const StoredRow* row) { row->references++; });
     }
     ~Delivery() { ForEachRow(Release); }
-    Delivery(Delivery&& other) noexcept
-        : callback_(other.callback_), changes_(std::exchange(other.changes_, {}))
-    {
-    }
-    Delivery& operator=(Delivery&&) = delete;
+    Delivery(const Delivery&)            = delete;
+    Delivery& operator=(const Delivery&) = delete;
 
     const std::vector<Change>& Changes() const { return changes_; }
 
@@ -47,5 +44,8 @@ private:
     ORM_SUB_CALLBACK    callback_;
     std::vector<Change> changes_;  // never empty
 };
+
+// A list holds no memory for deliveries that are gone, and gives one away without needing any.
+using Deliveries = std::list<Delivery>;
 
 }  // namespace standin

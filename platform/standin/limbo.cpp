@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <mutex>
+#include <new>
 #include <vector>
 
 #include "session_pool.h"
@@ -32,22 +33,15 @@ std::vector<const StoredRow*> PinnedRows()
     return pinned;
 }
 
-}  // namespace
-
-void Release(const StoredRow* row)
+void Keep(const StoredRow* row)
 {
-    if (row->references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
-        const std::lock_guard lock(mutex);
-        Rows().push_back(row);
-        empty.store(false, std::memory_order_relaxed);
-    }
+    const std::lock_guard lock(mutex);
+    Rows().push_back(row);
+    empty.store(false, std::memory_order_relaxed);
 }
 
-void SweepLimbo()
+void Sweep()
 {
-    if (empty.load(std::memory_order_relaxed)) {
-        return;
-    }
     const std::lock_guard lock(mutex);
     auto&                 rows     = Rows();
     const auto            pinned   = PinnedRows();
@@ -58,6 +52,32 @@ void SweepLimbo()
     std::for_each(free, rows.end(), DeleteRow);
     rows.erase(free, rows.end());
     empty.store(rows.empty(), std::memory_order_relaxed);
+}
+
+}  // namespace
+
+void Release(const StoredRow* row) noexcept
+{
+    if (row->references.fetch_sub(1, std::memory_order_acq_rel) != 1) {
+        return;
+    }
+    try {
+        Keep(row);
+    } catch (const std::bad_alloc&) {
+        // Better a row too many than a transaction that is neither done nor undone.
+    }
+}
+
+void SweepLimbo() noexcept
+{
+    if (empty.load(std::memory_order_relaxed)) {
+        return;
+    }
+    try {
+        Sweep();
+    } catch (const std::bad_alloc&) {
+        // The next one does it.
+    }
 }
 
 }  // namespace standin

@@ -6,9 +6,9 @@ namespace standin {
 class StoredRow;
 
 // One reference less; the last one sends the row to limbo.
-void Release(const StoredRow* row);
+void Release(const StoredRow* row) noexcept;
 
 // Frees the rows in limbo that nobody stands on; a glance where there are none.
-void SweepLimbo();
+void SweepLimbo() noexcept;
 
 }  // namespace standin

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <system_error>
 
+#include "announcement.h"
 #include "codes.h"
 #include "session_pool.h"
 
@@ -66,7 +67,7 @@ std::vector<std::span<const Change>> RunsOf(std::span<const Change> changes)
 
 }  // namespace
 
-void Publish(std::span<const Change> changes)
+Announcement::Announcement(std::span<const Change> changes)
 {
     const std::lock_guard lock(TheRegistry().mutex);
     if (TheRegistry().subscribers.empty()) {
@@ -74,7 +75,16 @@ void Publish(std::span<const Change> changes)
     }
     const auto runs = RunsOf(changes);
     for (const auto& subscriber : TheRegistry().subscribers) {
-        subscriber->Append(runs);
+        if (auto deliveries = subscriber->DeliveriesOf(runs); !deliveries.empty()) {
+            mail_.emplace_back(subscriber, std::move(deliveries));
+        }
+    }
+}
+
+void Announcement::Post()
+{
+    for (auto& [subscriber, deliveries] : mail_) {
+        subscriber->Append(std::move(deliveries));
     }
 }
 
@@ -110,20 +120,30 @@ void Subscriber::Subscribe(const Definition& definition, ORM_SUB_CALLBACK callba
     subscriptions_.push_back({definition, callback});
 }
 
-void Subscriber::Append(std::span<const std::span<const Change>> runs)
+Deliveries Subscriber::DeliveriesOf(Runs runs)
 {
+    Deliveries            deliveries;
     const std::lock_guard lock(mutex_);
-    const bool            wasEmpty = pending_.empty();
     for (const auto& run : runs) {
         for (const Subscription& subscription : subscriptions_) {
             if (subscription.definition.Covers(*run.front().store, run.front().event)) {
-                pending_.emplace_back(subscription.callback, run);
+                deliveries.emplace_back(subscription.callback, run);
             }
         }
     }
-    if (wasEmpty && !pending_.empty()) {
+    return deliveries;
+}
+
+void Subscriber::Append(Deliveries deliveries)
+{
+    const std::lock_guard lock(mutex_);
+    if (closed_) {
+        return;
+    }
+    if (pending_.empty()) {
         signal_.Raise();
     }
+    pending_.splice(pending_.end(), deliveries);
 }
 
 size_t Subscriber::PendingCount()
@@ -132,14 +152,14 @@ size_t Subscriber::PendingCount()
     return pending_.size();
 }
 
-std::optional<Delivery> Subscriber::TakeFirst()
+Deliveries Subscriber::TakeFirst()
 {
+    Deliveries            first;
     const std::lock_guard lock(mutex_);
     if (pending_.empty()) {
-        return std::nullopt;
+        return first;
     }
-    std::optional<Delivery> first(std::move(pending_.front()));
-    pending_.pop_front();
+    first.splice(first.begin(), pending_, pending_.begin());
     if (pending_.empty() && !closed_) {
         signal_.Lower();
     }
@@ -210,8 +230,8 @@ bool Subscriber::DeliverFirst()
     if (!message.IsOpen()) {
         return false;
     }
-    if (const auto delivery = TakeFirst()) {
-        message.Run(*delivery);
+    for (const Delivery& delivery : TakeFirst()) {
+        message.Run(delivery);
     }
     return true;
 }
@@ -233,7 +253,7 @@ void Subscriber::Close()
 
 void Subscriber::DropPending()
 {
-    std::deque<Delivery>  dropped;
+    Deliveries            dropped;
     const std::lock_guard lock(mutex_);
     closed_ = true;
     dropped.swap(pending_);

@@ -1,10 +1,8 @@
 // A subscription session: what it covers, and what it has yet to be told.
 #pragma once
 
-#include <deque>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <thread>
 
 #include "definition.h"
@@ -39,6 +37,11 @@ public:
 
     void Subscribe(const Definition& definition, ORM_SUB_CALLBACK callback);
 
+    // What it is to be told of changes, which come in runs: neighbours of one table and operation.
+    using Runs = std::span<const std::span<const Change>>;
+    Deliveries DeliveriesOf(Runs runs);
+    void       Append(Deliveries deliveries);
+
     // Runs the callbacks of what is pending now.
     uint32_t Dispatch();
 
@@ -46,8 +49,6 @@ public:
     void Close();
 
 private:
-    friend void Publish(std::span<const Change> changes);
-
     struct Subscription {
         Definition       definition;
         ORM_SUB_CALLBACK callback;
@@ -55,14 +56,13 @@ private:
 
     explicit Subscriber(ORM_FD_CONTROL control) : control_(control) {}
 
-    void                    Append(std::span<const std::span<const Change>> runs);
-    size_t                  PendingCount();
-    std::optional<Delivery> TakeFirst();
-    bool                    DeliverFirst();  // false where there is no handle for the message
-    void                    DropPending();
-    bool                    IsClosed();
-    void                    Serve();
-    void                    StopServing();
+    size_t     PendingCount();
+    Deliveries TakeFirst();     // none or one
+    bool       DeliverFirst();  // false where there is no handle for the message
+    void       DropPending();
+    bool       IsClosed();
+    void       Serve();
+    void       StopServing();
 
     const ORM_FD_CONTROL control_;
     const Signal         signal_;
@@ -73,7 +73,7 @@ private:
 
     std::mutex                mutex_;  // for the rest; the signal is raised while deliveries pend
     std::vector<Subscription> subscriptions_;
-    std::deque<Delivery>      pending_;
+    Deliveries                pending_;
     bool                      closed_ = false;
 };
 
