@@ -24,24 +24,38 @@ SYSAPI_IP4_ADDR_S* FetchAddresses(LOG_SITE_S site, uint32_t ifIndex, uint32_t co
     return fetched;
 }
 
+uint32_t CountAddresses(ORM_SESSION session, uint32_t ifIndex, uint32_t* count, bool* absent)
+{
+    QRB_TRY(PrepareAddressRecord(session, ifIndex));
+    const uint32_t ret = OrmExecute(session);
+    *absent            = ret == ORM_NO_RECORD;
+    QRB_TRY(ret);
+    ORM_NODE list = 0;
+    return GetAddressList(session, &list, count);
+}
+
 }  // namespace
 
+// An interface without a record is no failure: only the read itself finds that, whatever the code
+// of another step says, and how the session then closes is no news either.
 uint32_t SYSAPI_GetIp4AddrNumByIf(uint32_t ifIndex)
 {
-    uint32_t count  = 0;
-    bool     absent = false;
-    InSession(QRB_HERE, CHECKED, [&](ORM_SESSION session) -> uint32_t {
-        QRB_TRY(PrepareAddressRecord(session, ifIndex));
-        const uint32_t ret = OrmExecute(session);
-        absent             = ret == ORM_NO_RECORD;
-        if (ret != OK) {
-            return absent ? OK : ret;
-        }
-        ORM_NODE list = 0;
-        return GetAddressList(session, &list, &count);
-    });
+    ORM_SESSION session = 0;
+    uint32_t    ret     = OrmOpenSessionByDefault(&session);
+    if (ret != OK) {
+        QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
+        return 0;
+    }
+    uint32_t count        = 0;
+    bool     absent       = false;
+    ret                   = CountAddresses(session, ifIndex, &count, &absent);
+    const uint32_t closed = OrmCloseSession(session);
     if (absent) {
         QRB_WARN("DB error : address count is 0\n");
+    } else if (ret != OK) {
+        QRB_ERROR("DB error: %d\n", ret);
+    } else if (closed != OK) {
+        QRB_ERROR("Failed to fetch DB, ret=%d\n", closed);
     }
     return count;
 }

@@ -4,7 +4,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <mutex>
-#include <regex>
+#include <string_view>
 #include <utility>
 
 #include "support/platform.h"
@@ -29,8 +29,14 @@ void Catch(int priority, const char* format, va_list arguments)
 // "[TARND_QRB][function:line] message" becomes "function: message".
 std::string Message(const std::string& text)
 {
-    static const std::regex shape(R"(^\[TARND_QRB\]\[(\w+):\d+\] )");
-    return std::regex_replace(text, shape, "$1: ", std::regex_constants::format_first_only);
+    constexpr std::string_view identity = "[TARND_QRB][";
+
+    const size_t colon = text.find(':');
+    const size_t end   = text.find("] ", colon);
+    if (!text.starts_with(identity) || end == std::string::npos) {
+        return text;
+    }
+    return text.substr(identity.size(), colon - identity.size()) + ": " + text.substr(end + 2);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "support/platform.h"
 
 #include <dlfcn.h>
+#include <link.h>
 
 #include <atomic>
 #include <cstdarg>
@@ -18,6 +19,8 @@ namespace support {
 
 namespace {
 
+constexpr std::string_view ANY_ALLOCATION = "malloc or calloc";
+
 // A call that is going to fail: the nth from now of one operation, or of all where the name is
 // empty.
 struct Planned {
@@ -27,32 +30,32 @@ struct Planned {
     CleanUp     cleanUp   = CleanUp::Works;
 };
 
-std::atomic<bool>        watching = false;
+bool                     watching = false;  // by atomic built-ins, as what malloc looks at
 std::mutex               mutex;
-std::vector<std::string> calls;
+std::vector<std::string> points;
 std::optional<Planned>   planned;
 std::optional<uint32_t>  cleanUpCode;  // set once a fault is to be followed by failing clean-ups
-std::atomic<int>         openSessions    = 0;
-std::atomic<int>         openScans       = 0;
-thread_local unsigned    allocationsLeft = 0;
+std::atomic<int>         openSessions = 0;
+std::atomic<int>         openScans    = 0;
 
-// What a platform call is to answer instead of the platform's answer.
-std::optional<uint32_t> Fault(std::string_view operation, bool counted)
+bool Means(const Planned& fault, std::string_view operation)
 {
-    if (!watching.load(std::memory_order_relaxed)) {
+    return fault.operation.empty() || fault.operation == operation ||
+           (fault.operation == ANY_ALLOCATION && (operation == "malloc" || operation == "calloc"));
+}
+
+// What an operation is to answer instead of its own answer.
+std::optional<uint32_t> Fault(std::string_view operation)
+{
+    if (!__atomic_load_n(&watching, __ATOMIC_RELAXED)) {
         return std::nullopt;
     }
     const std::lock_guard lock(mutex);
-    if (counted) {
-        calls.emplace_back(operation);
-    }
-    const bool isCleanUp = operation == "OrmScanEnd" || operation == "OrmCloseSession";
-    if (isCleanUp && cleanUpCode) {
+    points.emplace_back(operation);
+    if (IsCleanUp(operation) && cleanUpCode) {
         return cleanUpCode;
     }
-    const bool meant =
-        planned && (planned->operation.empty() ? counted : planned->operation == operation);
-    if (!meant || --planned->remaining > 0) {
+    if (!planned || !Means(*planned, operation) || --planned->remaining > 0) {
         return std::nullopt;
     }
     const Planned fault = *std::exchange(planned, std::nullopt);
@@ -78,7 +81,7 @@ template <auto Operation>
 template <auto Operation, typename... Arguments>
 uint32_t Pass(const char* name, Arguments... arguments)
 {
-    const std::optional<uint32_t> fault = Fault(name, true);
+    const std::optional<uint32_t> fault = Fault(name);
     return fault ? *fault : Next<Operation>(name)(arguments...);
 }
 
@@ -86,7 +89,7 @@ uint32_t Pass(const char* name, Arguments... arguments)
 template <auto Operation, typename... Arguments>
 uint32_t PassCleanUp(const char* name, std::atomic<int>& open, Arguments... arguments)
 {
-    const std::optional<uint32_t> fault  = Fault(name, true);
+    const std::optional<uint32_t> fault  = Fault(name);
     const uint32_t                result = Next<Operation>(name)(arguments...);
     open -= result == 0 ? 1 : 0;
     return fault.value_or(result);
@@ -101,7 +104,7 @@ uint32_t Opened(uint32_t result, std::atomic<int>& open)
 template <auto Operation, typename... Arguments>
 int PassBounded(const char* name, Arguments... arguments)
 {
-    const std::optional<uint32_t> fault = Fault(name, false);
+    const std::optional<uint32_t> fault = Fault(name);
     return fault ? static_cast<int>(*fault) : Next<Operation>(name)(arguments...);
 }
 
@@ -111,26 +114,96 @@ void Plan(const Planned& fault)
     planned = fault;
 }
 
+// Everybody's malloc and calloc come to the test program, the library's by the address that they
+// return to.
+uintptr_t codeBegin = 0;
+uintptr_t codeEnd   = 0;
+
+int FindLibraryCode(dl_phdr_info* object, size_t /*size*/, void* /*context*/)
+{
+    if (std::string_view(object->dlpi_name).find("libtarnd_qrb.so") == std::string_view::npos) {
+        return 0;
+    }
+    for (int i = 0; i < object->dlpi_phnum; i++) {
+        const ElfW(Phdr)& segment = object->dlpi_phdr[i];
+        if (segment.p_type == PT_LOAD && (segment.p_flags & PF_X) != 0) {
+            codeBegin = object->dlpi_addr + segment.p_vaddr;
+            codeEnd   = codeBegin + segment.p_memsz;
+        }
+    }
+    return 1;
+}
+
+[[gnu::no_sanitize_thread]] bool IsLibrary(const void* returnAddress)
+{
+    const auto address = reinterpret_cast<uintptr_t>(returnAddress);
+    return __atomic_load_n(&watching, __ATOMIC_RELAXED) && address >= codeBegin &&
+           address < codeEnd;
+}
+
+// The library's blocks. They are few at a time, and keeping them must not allocate.
+std::atomic<void*> blocks[64];
+int                blockCount = 0;
+
+void* Taken(void* block)
+{
+    for (std::atomic<void*>& slot : blocks) {
+        void* empty = nullptr;
+        if (block != nullptr && slot.compare_exchange_strong(empty, block)) {
+            __atomic_add_fetch(&blockCount, 1, __ATOMIC_RELAXED);
+            break;
+        }
+    }
+    return block;
+}
+
+void GivenBack(void* block)
+{
+    for (std::atomic<void*>& slot : blocks) {
+        void* same = block;
+        if (block != nullptr && slot.compare_exchange_strong(same, nullptr)) {
+            __atomic_sub_fetch(&blockCount, 1, __ATOMIC_RELAXED);
+            return;
+        }
+    }
+}
+
 }  // namespace
+
+bool IsCleanUp(std::string_view operation)
+{
+    return operation == "OrmScanEnd" || operation == "OrmCloseSession";
+}
+
+std::vector<std::string> FaultPoints()
+{
+    const std::lock_guard lock(mutex);
+    return points;
+}
 
 std::vector<std::string> PlatformCalls()
 {
-    const std::lock_guard lock(mutex);
+    std::vector<std::string> calls = FaultPoints();
+    std::erase_if(calls, [](std::string_view call) {
+        return !call.starts_with("Orm") && !call.starts_with("Dbc");
+    });
     return calls;
 }
 
 void ResetPlatform()
 {
     const std::lock_guard lock(mutex);
-    calls.clear();
+    points.clear();
     planned.reset();
     cleanUpCode.reset();
-    allocationsLeft = 0;
 }
 
 void WatchPlatform(bool on)
 {
-    watching = on;
+    if (codeEnd == 0) {
+        dl_iterate_phdr(FindLibraryCode, nullptr);
+    }
+    __atomic_store_n(&watching, on, __ATOMIC_RELAXED);
 }
 
 void FailCall(std::string_view operation, unsigned nth, uint32_t code)
@@ -145,7 +218,7 @@ void FailCallNumber(unsigned nth, uint32_t code, CleanUp cleanUp)
 
 void FailAllocation(unsigned nth)
 {
-    allocationsLeft = nth;
+    FailCall(ANY_ALLOCATION, nth, 0);
 }
 
 int OpenSessions()
@@ -155,6 +228,10 @@ int OpenSessions()
 int OpenScans()
 {
     return openScans;
+}
+int LibraryBlocks()
+{
+    return __atomic_load_n(&blockCount, __ATOMIC_RELAXED);
 }
 
 void PlatformTest::SetUp()
@@ -301,13 +378,13 @@ int strcat_s(char* to, size_t size, const char* from)
 
 int vsprintf_s(char* to, size_t size, const char* format, va_list arguments)
 {
-    const std::optional<uint32_t> fault = Fault("vsprintf_s", false);
+    const std::optional<uint32_t> fault = Fault("vsprintf_s");
     return fault ? -1 : Next<&vsprintf_s>("vsprintf_s")(to, size, format, arguments);
 }
 
 int sprintf_s(char* to, size_t size, const char* format, ...)
 {
-    if (Fault("sprintf_s", false)) {
+    if (Fault("sprintf_s")) {
         return -1;
     }
     va_list arguments;
@@ -319,20 +396,38 @@ int sprintf_s(char* to, size_t size, const char* format, ...)
 
 void* malloc_ex(uint16_t handle, const char* file, uint32_t line, size_t size)
 {
-    return Fault("malloc_ex", false) ? nullptr
-                                     : Next<&malloc_ex>("malloc_ex")(handle, file, line, size);
+    return Fault("malloc_ex") ? nullptr
+                              : Taken(Next<&malloc_ex>("malloc_ex")(handle, file, line, size));
 }
 
-// The library's own allocations come here as everybody's do; only a planned one fails.
+void free_ex(uint16_t handle, void* block)
+{
+    GivenBack(block);
+    Next<&free_ex>("free_ex")(handle, block);
+}
+
 [[gnu::no_sanitize_thread]] void* malloc(size_t size)
 {
-    return allocationsLeft > 0 && --allocationsLeft == 0 ? nullptr : Next<&malloc>("malloc")(size);
+    if (!IsLibrary(__builtin_return_address(0))) {
+        return Next<&malloc>("malloc")(size);
+    }
+    return Fault("malloc") ? nullptr : Taken(Next<&malloc>("malloc")(size));
 }
 
 [[gnu::no_sanitize_thread]] void* calloc(size_t count, size_t size)
 {
-    return allocationsLeft > 0 && --allocationsLeft == 0 ? nullptr
-                                                         : Next<&calloc>("calloc")(count, size);
+    if (!IsLibrary(__builtin_return_address(0))) {
+        return Next<&calloc>("calloc")(count, size);
+    }
+    return Fault("calloc") ? nullptr : Taken(Next<&calloc>("calloc")(count, size));
+}
+
+[[gnu::no_sanitize_thread]] void free(void* block)
+{
+    if (__atomic_load_n(&blockCount, __ATOMIC_RELAXED) != 0) {
+        GivenBack(block);
+    }
+    Next<&free>("free")(block);
 }
 
 }  // extern "C"

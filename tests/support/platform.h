@@ -11,8 +11,9 @@
 
 namespace support {
 
-// The operations called since the last ResetPlatform, by name, in order. Only Orm*, Ormg* and
-// DbcHandleEvent; on any thread.
+// The operations called since the last ResetPlatform, by name, in order, on any thread: everything
+// that can be made to fail; and of these only Orm*, Ormg* and DbcHandleEvent.
+std::vector<std::string> FaultPoints();
 std::vector<std::string> PlatformCalls();
 
 // Forgets the calls and whatever was to fail.
@@ -22,22 +23,29 @@ void ResetPlatform();
 // call, so tests under load turn it off. PlatformTest turns it on.
 void WatchPlatform(bool on);
 
-// The nth call (from 1) of this operation, counted from now, does nothing and answers code. Also
-// for "malloc_ex" (code is not used, the answer is null) and for "strcpy_s" and its kin.
+// The nth call (from 1) of this operation, counted from now, does nothing and answers code. For
+// "strcpy_s" and its kin too, and for "malloc", "calloc" and "malloc_ex", which answer null. Of
+// malloc and calloc only the library's own calls count.
 void FailCall(std::string_view operation, unsigned nth, uint32_t code);
 
 enum class CleanUp { Works, FailsToo };
 
-// The nth call (from 1) of all those that PlatformCalls lists, counted from now. With FailsToo,
-// every later OrmScanEnd and OrmCloseSession fails as well, after having done its work.
+// The nth call (from 1) of all those that FaultPoints lists, counted from now. With FailsToo, every
+// later clean-up fails as well, after having done its work.
 void FailCallNumber(unsigned nth, uint32_t code, CleanUp cleanUp = CleanUp::Works);
 
-// The nth malloc or calloc (from 1) on this thread, counted from now, finds no memory.
+bool IsCleanUp(std::string_view operation);
+
+// The nth malloc or calloc (from 1) of the library, counted from now, finds no memory.
 void FailAllocation(unsigned nth);
 
 // Opened less closed, since the program started.
 int OpenSessions();
 int OpenScans();
+
+// Blocks that the library took while it was watched, of malloc, calloc and malloc_ex, and has not
+// given back.
+int LibraryBlocks();
 
 struct LogLine {
     int         priority;

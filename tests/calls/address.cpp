@@ -1,0 +1,159 @@
+// IPv4 addresses. Interface 1 has 10.0.0.1/24 of type 6 and 10.0.0.2/25 of type 1.
+#include <tarnd_qrb/ipv4_address.h>
+
+#include "calls/calls.h"
+
+namespace calls {
+
+namespace {
+
+constexpr uint32_t IF_INDEX = 1;
+constexpr uint32_t SECOND   = 0x0A000002;
+
+struct OutItem {
+    BDS_IPV4_ADDR_ITEM_S  item = {UNTOUCHED, UNTOUCHED, UNTOUCHED};
+    BDS_IPV4_ADDR_ITEM_S* Argument() { return &item; }
+    std::string           Output() const
+    {
+        return Text(item.address) + ' ' + Text(item.masklen) + ' ' + Text(item.type);
+    }
+};
+
+struct OutBoth {
+    SYSAPI_IP4_ADDR_S  both[2] = {{UNTOUCHED, UNTOUCHED}, {UNTOUCHED, UNTOUCHED}};
+    SYSAPI_IP4_ADDR_S* Argument() { return both; }
+    std::string        Output() const
+    {
+        return Text(both[0].address) + ' ' + Text(both[0].masklen) + ' ' + Text(both[1].address) +
+               ' ' + Text(both[1].masklen);
+    }
+};
+
+struct OutPair {
+    uint32_t    pair[2] = {UNTOUCHED, UNTOUCHED};
+    uint32_t*   Argument() { return pair; }
+    std::string Output() const { return Text(pair[0]) + ' ' + Text(pair[1]); }
+};
+
+void OnItem()
+{
+    ORM_NODE list = 0;
+    EXPECT_EQ(BDS_IPGetIpv4AddrTblByIfIndex(&session, &IF_INDEX), 0U);
+    EXPECT_EQ(OrmNodeGetChild(session, 0, "ipv4_address_list", &list), 0U);
+    EXPECT_EQ(OrmNodeGetItemByIdx(list, 0, &node), 0U);
+}
+
+// clang-format off
+constexpr char OWNER[] = R"(0 1
+    reporter  IP_GetIfindexbyIpAddr
+    closing   1 -
+    session   1 -)";
+
+// The calls that count the addresses in a first session and read them in a second.
+constexpr char COUNTING[] = R"(
+    memory    $memory | Failed to calloc fetched addrs\n
+    reporter  SYSAPI_GetIp4AddrNumByIf
+    close@1!  = | Failed to fetch DB, ret=%\n | SYSAPI_GetIp4AllAddrByIf: Failed to fetch DB, ret=%\n | $caller: Failed to get all addresses by if, ifIndex=1, ret=1\n
+    close@1   = | Failed to fetch DB, ret=%\n
+    behind    $quiet
+    open@1    $none | Failed to fetch DB, ret=%\n
+    execute@1=1001000  $none
+    any@1     $none | DB error: %\n
+    reporter  SYSAPI_GetIp4AllAddrByIf
+    behind    Failed to get all addresses by if, ifIndex=1, ret=1\n
+    closing   =
+    value#4   = | DB error: %\n
+    value#2-3 $half | DB error: %\n
+    item#2    $half | DB error: %\n
+    session   $unread)";
+
+}  // namespace
+
+Calls AddressCalls()
+{
+    return {
+        {"BDS_IPGetIpv4AddrTblByIfIndex", [] {
+             session            = 0;
+             const uint32_t ret = BDS_IPGetIpv4AddrTblByIfIndex(&session, &IF_INDEX);
+             session            = ret == 0 ? session : 0;
+             return Text(ret);
+         }, R"(0
+            open      NONE | get main ipv4 addr create db session fail, ret=%\n
+            prepare   NONE | get main ipv4 addr prepare am_ipv4_address fail, ret=%\n
+            any       NONE | get main ipv4 addr set primary am_ipv4_address fail, ret=%\n)",
+            {}, Closed},
+        {CALL(BDS_IPGetIpv4AddrTblItem, node, OutItem()), R"(0 0xa000001 24 6
+            value#1   NONE - - -          | get ipv4 addr item address fail, ret=%\n
+            value#2   NONE 0xa000001 - -  | get ipv4 addr item masklen fail, ret=%\n
+            value#3   NONE 0xa000001 24 - | get ipv4 addr item type fail, ret=%\n)",
+            OnItem, Closed},
+        {CALL(BDS_IPGetMainIpByIfIndex, 1U, Out32(), Out32()), R"(0 0xa000002 25
+            reporter  BDS_IPGetIpv4AddrTblByIfIndex
+            behind    get main ipv4 get db session fail ret=4294967295, ifIndex=1\n
+            open      NONE - - | get main ipv4 addr create db session fail, ret=%\n
+            prepare   NONE - - | get main ipv4 addr prepare am_ipv4_address fail, ret=%\n
+            key       NONE - - | get main ipv4 addr set primary am_ipv4_address fail, ret=%\n
+            execute   NONE - - | get main ipv4 addr set primary am_ipv4_address fail, ret=%\n
+            reporter  BDS_IPGetMainIpByIfIndex
+            behind    -
+            list      NONE - - | get main ipv4 get addr list fail ret=%, ifIndex=1\n
+            size      NONE - - | get main ipv4 get addr list len is zero ret=%, ifIndex=1\n
+            item#1    = | get node item by index fail, ret=%\n
+            item#2    NONE - - | get node item by index fail, ret=%\n | get main ipv4 fail, ret=%, ifIndex=1\n
+            close     =
+            reporter  BDS_IPGetIpv4AddrTblItem
+            behind    get ipv4 address fail, ret=4294967295\n
+            value#1   = | get ipv4 addr item address fail, ret=%\n
+            value#2   = | get ipv4 addr item masklen fail, ret=%\n
+            value#3   = | get ipv4 addr item type fail, ret=%\n
+            behind    get ipv4 address fail, ret=4294967295\n | get main ipv4 fail, ret=4294967295, ifIndex=1\n
+            value#4   NONE - - | get ipv4 addr item address fail, ret=%\n
+            value#5   NONE - - | get ipv4 addr item masklen fail, ret=%\n
+            value#6   NONE - - | get ipv4 addr item type fail, ret=%\n)"},
+
+        {CALL(IP_GetMainIpAddr, 1U, Out32(), Out32()), R"(0 0xa000002 25
+            closing   1 - -
+            session   1 - -)"},
+        {CALL(IP_GetMask, 1U, SECOND, Out32()), R"(0 0xffffff80
+            closing   1 0xffffff80
+            session   1 -)"},
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 1U, 0x0A000009U, Out32(), Out32(), Out32()), R"(0 25 0xa000000 0xa000002
+            closing   1 25 0xa000000 0xa000002
+            item#2    1 24 0xa000000 0xa000001 | DB error: %\n
+            value#3-4 1 24 0xa000000 0xa000001 | DB error: %\n
+            session   1 - - -)"},
+        {CALL(BDS_IPv6GetValidGlobalAddrByIfIndex, 1U, Out8()), "1 -"},
+        {CALL(IP6_Addr_GetValidGlobalAddrOnIf, 1U, Out8()), "0 -"},
+
+        {CALL(SYSAPI_GetIp4AddrNumByIf, 1U), R"(2
+            execute=1001000  0
+            closing   2
+            session   0)"},
+        {CALL(SYSAPI_GetIp4AllAddrByIf, 1U, OutBoth(), 2U), R"(0 0xa000001 24 0xa000002 25
+            closing   1 0xa000001 24 0xa000002 25
+            value#2   1 0xa000001 - - - | DB error: %\n
+            item#2    1 0xa000001 24 - - | DB error: %\n
+            value#3   1 0xa000001 24 - - | DB error: %\n
+            value#4   1 0xa000001 24 0xa000002 - | DB error: %\n
+            session   1 - - - -)"},
+        {CALL(BDS_IPIFIsThisIfIpAddr, 1U, SECOND), "1" + Fill(COUNTING, {
+            {"$caller", "BDS_IPIFIsThisIfIpAddr"}, {"$none", "0"}, {"$quiet", "Interface 1 without addresses passed\\n"},
+            {"$memory", "0"}, {"$unread", "0"}, {"$half", "0"}})},
+        {CALL(BDS_IPIFGetThisIfIpAddr, 1U, OutPair(), 2U, Out32()), "0 0xa000001 0xa000002 2" + Fill(COUNTING, {
+            {"$caller", "BDS_IPIFGetThisIfIpAddr"}, {"$none", "0 - - 0"}, {"$quiet", "-"},
+            {"$memory", "1 - - -"}, {"$unread", "0 0 0 2"}, {"$half", "0 0xa000001 0 2"}})},
+        {CALL(BDS_IPGetFirstIpByIfIndex, 1U, Out32()), "0 0xa000001" + Fill(COUNTING, {
+            {"$caller", "BDS_IPGetFirstIpByIfIndex"}, {"$none", "1 -"}, {"$quiet", "-"},
+            {"$memory", "1 -"}, {"$unread", "0 0"}, {"$half", "="}})},
+
+        {CALL(IP_GetIfindexbyIpAddr, SECOND, 0U, Out32()), OWNER},
+        {CALL(BDS_IPGetIfindexbyIpAddr, SECOND, 0U, Out32()), OWNER},
+        {CALL(BDS_IPIsLocalIfAddr, SECOND, 0U), R"(1
+            reporter  IP_GetIfindexbyIpAddr
+            closing   0
+            session   0)"},
+    };
+}
+// clang-format on
+
+}  // namespace calls

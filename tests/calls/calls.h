@@ -1,0 +1,185 @@
+// Every exported call with example arguments on a small device: what it answers and logs, and what
+// it comes to when one of its steps fails. Expectations are written after what the headers promise,
+// one a line:
+//
+//     0 2                                     answers 0, and 2 in its output, and logs nothing
+//     reporter Other_Function                 from here on, another function logs the lines
+//     behind   text                           and then the call itself logs this; "-": no more
+//     open      1 - | no session, ret=%       where the session can't be opened: answers 1, writes
+//                                             nothing, logs this with the code of the failure
+//     field#3   1 2 | Other_Function: text    the third such step; the line is another function's
+//     next@2    1 -                           a step in the second session that is opened
+//     read=1    1 -                           a step that fails with the code 1
+//     size!     0 - | ...                     a step behind which the clean-ups fail as well
+//     close     =                             nobody asks: as if nothing had failed
+//     any       1 - | ...                     every step that is not told before
+//
+// Steps go by what they do (see StepOf), or by the operation's own name. Of several that fit, the
+// first counts. Outputs that were left alone are "-", 0xFFFFFFFF is "NONE". "%+8" stands for the
+// code and 8; a line that begins with "/" is reported by nobody. Three shapes stand for more lines:
+//
+//     session A             open, and any: A, "Failed to fetch DB" and "DB error"
+//     closing A             close: A, "Failed to fetch DB"
+//     scan A; B             a scan by QRB_DB_Scan: A, and B once the entry is read
+#pragma once
+
+#include <climits>
+#include <cstdint>
+#include <functional>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include <tarnd_platform/orm.h>
+
+#include "support/platform.h"
+
+namespace calls {
+
+struct Call {
+    std::string                  name;
+    std::function<std::string()> run;  // the answer
+    std::string                  expectations;
+    std::function<void()>        before = {};  // what run needs; not watched
+    std::function<void()>        after  = {};
+};
+using Calls = std::vector<Call>;
+using Lines = std::vector<std::string>;
+
+Calls DatabaseCalls();
+Calls InterfaceCalls();
+Calls AddressCalls();
+Calls Layer2Calls();
+Calls RouteCalls();
+Calls AclCalls();
+Calls QosCalls();
+Calls AllCalls();
+
+// The device that the answers are those of.
+class DeviceTest : public support::PlatformTest {
+protected:
+    void SetUp() override;
+};
+
+struct Fault {
+    unsigned         number;  // of the step, from 1
+    uint32_t         code;
+    support::CleanUp cleanUps;
+};
+
+// What a call comes to, and what it leaves behind: more open sessions and scans, more blocks taken.
+struct Outcome {
+    std::string answer;
+    Lines       lines;
+    int         sessions = 0;
+    int         scans    = 0;
+    int         blocks   = 0;
+
+    friend bool operator==(const Outcome&, const Outcome&) = default;
+};
+void PrintTo(const Outcome& outcome, std::ostream* out);
+
+struct Step {
+    std::string                     operation;
+    unsigned                        from     = 1;
+    unsigned                        to       = UINT_MAX;
+    unsigned                        session  = 0;  // 0: in each
+    uint32_t                        code     = 0;  // 0: whatever it is
+    std::optional<support::CleanUp> cleanUps = {};
+    Outcome                         outcome;
+};
+
+struct Expectation {
+    Outcome           good;
+    std::vector<Step> steps;
+};
+
+Outcome Perform(const Call& call, const Fault* fault = nullptr);
+
+// Calls that only have to come to what their first lines say.
+void Expect(const Calls& calls);
+
+Expectation Read(const Call& call);
+// points: the operations of the call when nothing fails.
+Outcome WithFault(const Expectation& expectation, const Lines& points, const Fault& fault);
+
+// An expectation with values for the names in it.
+using Values = std::vector<std::pair<const char*, std::string>>;
+std::string Fill(std::string text, const Values& values);
+
+// The session that a call works in or hands out, and a place in it. Positioned moves to the first
+// row of a table; Closed closes what is open.
+extern ORM_SESSION session;
+extern ORM_SCAN    scan;
+extern ORM_NODE    node;
+void               Opened();
+void               Positioned(const char* table);
+void               Closed();
+
+inline constexpr uint32_t UNTOUCHED = 77;
+
+std::string Text(uint32_t number);
+std::string Text(const char* text);
+
+// Arguments of a call that are outputs.
+template <typename Value>
+struct Out {
+    Value       value = UNTOUCHED;
+    Value*      Argument() { return &value; }
+    std::string Output() const { return Text(value); }
+};
+using Out32 = Out<uint32_t>;
+using Out16 = Out<uint16_t>;
+using Out8  = Out<uint8_t>;
+struct OutText {
+    char        text[128] = "untouched";
+    char*       Argument() { return text; }
+    std::string Output() const { return Text(text); }
+};
+template <typename Handle, Handle* handle>
+struct OutHandle {
+    Handle*     Argument() { return handle; }
+    std::string Output() const { return *handle != 0 ? "open" : "closed"; }
+};
+using OutSession = OutHandle<ORM_SESSION, &session>;
+using OutScan    = OutHandle<ORM_SCAN, &scan>;
+
+template <typename Argument>
+decltype(auto) Passed(Argument& argument)
+{
+    if constexpr (requires { argument.Argument(); }) {
+        return argument.Argument();
+    } else {
+        return (argument);
+    }
+}
+template <typename Argument>
+std::string Written([[maybe_unused]] const Argument& argument)
+{
+    if constexpr (requires { argument.Output(); }) {
+        return ' ' + argument.Output();
+    } else {
+        return {};
+    }
+}
+
+// The result code, if there is one, and the outputs.
+template <typename Function, typename... Arguments>
+std::string Run(Function function, Arguments... arguments)
+{
+    std::string answer;
+    if constexpr (std::is_void_v<decltype(function(Passed(arguments)...))>) {
+        function(Passed(arguments)...);
+    } else {
+        answer = Text(function(Passed(arguments)...));
+    }
+    return (answer + ... + Written(arguments));
+}
+
+}  // namespace calls
+
+// The name and the run of a call, with its arguments.
+#define CALL(function, ...) #function, [] { return Run(function __VA_OPT__(, ) __VA_ARGS__); }

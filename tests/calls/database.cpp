@@ -1,0 +1,93 @@
+// The frame: log lines, sessions, the generic keyed read and scan, literals.
+#include <tarnd_qrb/database.h>
+#include <tarnd_qrb/log.h>
+#include <tarnd_qrb/vlan.h>
+
+#include "calls/calls.h"
+
+namespace calls {
+
+namespace {
+
+constexpr uint32_t IF_INDEX = 1;
+
+uint32_t SetIfIndex(ORM_SESSION in, const void* key)
+{
+    const uint32_t named = OrmSetKeyName(in, "primary_key");
+    return named != 0 ? named : OrmSetIndexKeyValue(in, 0, QRB_KEY_TYPE_U32, key, 4);
+}
+
+uint32_t GetSlot(ORM_SESSION in, void* slot)
+{
+    return OrmGetField(in, "slot_id", slot, 4);
+}
+
+uint32_t Unscoped(ORM_SESSION in, void* /*context*/)
+{
+    return OrmSetScanCond(in, "vlan_scope0 = 0");
+}
+
+// clang-format off
+const std::string KEYED = R"(
+    prepare   % | QRB_DB_SESSION_SetKey: Table: if_phy prepare failed.
+    key       % | QRB_DB_SESSION_SetKey: Table: if_phy set key failed.
+    execute   % | QRB_DB_SESSION_SetKey: Table: if_phy execute failed.)";
+
+// Outputs: the last entry, then the count.
+constexpr char SCANNED[] = R"(0 10 2
+    next#1    1 - -  | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n
+    field#1   1 - -  | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n
+    next#2    1 20 - | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n
+    field#2   1 20 - | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n
+    next#3    1 10 - | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n
+    end       1 10 - | Failed to fetch DB, ret=%\n
+    any       1 - -  | Failed to fetch DB, ret=%\n)";
+
+}  // namespace
+
+Calls DatabaseCalls()
+{
+    return {
+        {CALL(Tarn_QRB_Log_Printf, 3U, "Tarn_QRB_Log_Printf", 1U, "%u\n", 5U), R"( | 5\n)"},
+        {CALL(QRB_DB_InitOrm), R"(0
+            OrmInit   1 | [Error]: Orm init failed, ret=%\n)"},
+        {CALL(QRB_CreatDbSession, "if_base", QRB_ORM_OP_SCAN, OutSession()), R"(1 open
+            open      0 closed | Database error, info: open session failed\n
+            prepare   0 closed | Database error, info: prepare session failed\n)",
+            {}, Closed},
+        {CALL(QRB_DB_SESSION_SetKey, session, QRB_ORM_OP_READ, "if_phy", &IF_INDEX, SetIfIndex),
+            "0" + KEYED, Opened, Closed},
+        {CALL(QRB_DB_SESSION_Get, session, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), R"(0 3
+            prepare   % - | QRB_DB_SESSION_SetKey: Table: if_phy prepare failed.
+            key       % - | QRB_DB_SESSION_SetKey: Table: if_phy set key failed.
+            execute   % - | QRB_DB_SESSION_SetKey: Table: if_phy execute failed.
+            field     % - | Table: if_phy get fields failed.)",
+            Opened, Closed},
+        {CALL(QRB_DB_Get, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), R"(0 3
+            open      % - | Table: if_phy open session failed.
+            prepare   % - | QRB_DB_SESSION_SetKey: Table: if_phy prepare failed.
+            key       % - | QRB_DB_SESSION_SetKey: Table: if_phy set key failed.
+            execute   % - | QRB_DB_SESSION_SetKey: Table: if_phy execute failed.
+            field     % - | QRB_DB_SESSION_Get: Table: if_phy get fields failed.
+            close     % 3)"},
+        {CALL(QRB_DB_SESSION_Scan, session, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(),
+              "vlan_scope0 = 0", nullptr), SCANNED, Opened, Closed},
+        {CALL(QRB_DB_SESSION_Scan, session, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(),
+              nullptr, Unscoped), SCANNED, Opened, Closed},
+        {CALL(QRB_DB_Scan, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(), nullptr, nullptr), R"(0 10 2
+            close     1 10 2 | Failed to fetch DB, ret=%\n
+            next#2    1 20 - | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n | DB error: 1\n
+            field#2   1 20 - | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n | DB error: 1\n
+            next#3    1 10 - | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n | DB error: 1\n
+            scan      1 - -; 1 10 -)"},
+        {"QRB_DB_TransStringToHexNumString", [] {
+             char           literal[7] = "";
+             const uint32_t ret        = QRB_DB_TransStringToHexNumString("ab", literal, 2);
+             return Text(ret) + (ret == 0 ? literal + 1 : "");
+         }, R"(0x6162
+            any       1)"},
+    };
+}
+// clang-format on
+
+}  // namespace calls

@@ -1,0 +1,205 @@
+// VLANs, VLAN interfaces and the walks.
+#include <tarnd_qrb/table_walk.h>
+#include <tarnd_qrb/vlan.h>
+#include <tarnd_qrb/vlan_interface.h>
+
+#include "calls/calls.h"
+
+namespace calls {
+
+namespace {
+
+void OnVlan()
+{
+    Positioned("vlan");
+}
+
+// A walk, and how its messages name it.
+struct Walk {
+    uint32_t (*first)(uint32_t*);
+    uint32_t (*finish)();
+    const ORM_SESSION* session;
+    const ORM_SCAN*    scan;
+    Values             words;
+};
+
+std::string State(const Walk& walk)
+{
+    return *walk.session != 0 && *walk.scan != 0   ? " open"
+           : *walk.session == 0 && *walk.scan == 0 ? " closed"
+                                                   : " torn";
+}
+
+// clang-format off
+constexpr char FIRST[] = R"(0 $1st open
+    reporter  QRB_GetFirst$kind
+    open      1 $none closed | Database error: %, open $name $variable fail
+    prepare   1 $none closed | Database error: %, OrmPrepare $name fail
+    start     1 $none closed | Database error: %, OrmScanStart $name fail
+    next!     1 $none closed | OrmScanNext ret:%, isEof:0 | OrmScanEnd fail ret:%
+    next      1 $none closed | OrmScanNext ret:%, isEof:0
+    row!      1 $none closed | $row fail ret:% | OrmScanEnd fail ret:%
+    row       1 $none closed | $row fail ret:%)";
+constexpr char NEXT[] = R"(0 $2nd open
+    reporter  QRB_GetNext$kind
+    next      1 $none open | OrmScanNext ret:%, isEof:0
+    row       1 $none open | $row fail ret:%)";
+constexpr char FINISH[] = R"(0 closed
+    reporter  QRB_Scan$kindFinish
+    end       1 closed | OrmScanEnd fail ret:%
+    close     1 closed | OrmCloseSession fail ret:%)";
+// clang-format on
+
+// One step of a walk, under one of its names.
+template <typename Function, typename... Arguments>
+Call StepOf(const Walk& walk, const char* name, const char* expectations, const char* none,
+            Function function, Arguments... arguments)
+{
+    Values words = walk.words;
+    words.emplace_back("$none", none);
+    const bool isFirst = expectations == FIRST;
+    return {name,
+            [=] {
+                const std::string answer = Run(function, arguments...);
+                return answer + State(walk);
+            },
+            Fill(expectations, words),
+            [=] {
+                uint32_t value = 0;
+                EXPECT_EQ(isFirst ? 0 : walk.first(&value), 0U);
+            },
+            [=] {
+                if (*walk.session != 0) {
+                    walk.finish();
+                }
+            }};
+}
+
+const Walk IF_INDEXES = {QRB_GetFirstIfIndex,
+                         QRB_ScanIfIndexFinish,
+                         &g_ScanIndexSession,
+                         &g_IndexScanHandle,
+                         {{"$kind", "IfIndex"},
+                          {"$name", "index"},
+                          {"$variable", "g_ScanIndexSession"},
+                          {"$row", "OrmgIfBaseGetAllFields"},
+                          {"$1st", "1"},
+                          {"$2nd", "2"}}};
+const Walk PORTS      = {QRB_GetFirstPort,
+                         QRB_ScanPortFinish,
+                         &g_ScanPortSession,
+                         &g_PortScanHandle,
+                         {{"$kind", "Port"},
+                          {"$name", "port"},
+                          {"$variable", "g_ScanPortSession"},
+                          {"$row", "OrmgportGetAllFields"},
+                          {"$1st", "256"},
+                          {"$2nd", "512"}}};
+const Walk VLANS      = {QRB_GetFirstVlan,
+                         QRB_ScanVlanFinish,
+                         &g_ScanVlanSession,
+                         &g_VlanScanHandle,
+                         {{"$kind", "Vlan"},
+                          {"$name", "vlan"},
+                          {"$variable", "g_ScanVlanSession"},
+                          {"$row", "OrmgVlanGetAllFields"},
+                          {"$1st", "20"},
+                          {"$2nd", "10"}}};
+
+// clang-format off
+constexpr char IS_ACTIVE[] = R"($yes
+    reporter  VLAN_IsVlanActive
+    end       =
+    close     =
+    session   $no)";
+constexpr char IS_USED[] = R"($yes
+    reporter  VLAN_IsVlanUsed
+    read      $no | Failed to fetch vlan msg for VlanId =10, ret =%)";
+// An absent port stands in position 0, of which VLAN 10 is no member.
+constexpr char IS_MEMBER[] = R"($yes
+    reporter  VLAN_IsPortInVlan
+    read=1001000  $no
+    read#1    $no | Failed to fetch port status for ifIndex=1, ret=%
+    read#2    $no | Failed to fetch vlan status for ifIndex=1, ret=%)";
+
+const Values STATUS_FORM  = {{"$yes", "0"}, {"$no", "1"}};
+const Values BOOLEAN_FORM = {{"$yes", "1"}, {"$no", "0"}};
+
+}  // namespace
+
+Calls Layer2Calls()
+{
+    return {
+        {CALL(VLAN_IsVlanActive, uint16_t{10}), Fill(IS_ACTIVE, STATUS_FORM)},
+        {CALL(BDS_L2IF_VLAN_IsActive, uint16_t{10}), Fill(IS_ACTIVE, BOOLEAN_FORM)},
+        {CALL(VLAN_IsVlanUsed, uint16_t{10}), Fill(IS_USED, STATUS_FORM)},
+        {CALL(BDS_L2IF_VLAN_IsUsed, uint16_t{10}), Fill(IS_USED, BOOLEAN_FORM)},
+        {CALL(VLAN_IsPortInVlan, 1U, uint16_t{10}), Fill(IS_MEMBER, STATUS_FORM)},
+        {CALL(BDS_L2IF_VP_PortIsInVlan, 1U, uint16_t{10}), Fill(IS_MEMBER, BOOLEAN_FORM)},
+        {CALL(BDS_L2IF_VP_PortIsInVlanWithTag, 1U, uint16_t{10}),
+            R"(0 | STUB for BDS_L2IF_VP_PortIsInVlanWithTag\n)"},
+        {CALL(VLAN_PortIndex2PortIdx, 0x100U), "1"},
+        {CALL(L2IF_GetPVIDByIfIndex, 1U, Out16()), R"(0 10
+            read=1    1 -
+            read      % 0)"},
+        {CALL(L2IF_VLAN_GetDescript, uint16_t{10}, OutText()), R"(0 red floor
+            read=1    0 -
+            read      0 ""
+            copy      1 - | strcpy_s failed, error = %\n)"},
+        // The name is formatted byte by byte, 32 of them, and then the condition.
+        {CALL(L2IF_SH_VLAN_GetVlanidByName, "red", Out16()), R"(0 10
+            format#33 1 - | sprintf_s failed\n
+            format    1 - | Trans string to hexadecimal num string failed\n
+            memory    1 - | Trans string to hexadecimal num string failed\n
+            copy      1 - | Trans string to hexadecimal num string failed\n
+            behind    QRB_DB_Scan failed, ret = 1\n
+            scan      1 -; 1 10)"},
+        {CALL(L2IF_DB_ScanVlanId, session, Out16(), 0U), R"(0 20
+            field     % -)", OnVlan, Closed},
+
+        {CALL(BDS_L2IF_VLAN_GetIfIndexByVlanId, uint16_t{10}, Out32()), "0 10010"},
+        {CALL(BDS_L2_VlanGetIfIndex, uint16_t{10}, Out32()), R"(0 2
+            close     =
+            format    1 - | sprintf failed\n
+            behind    Get if index by ifname failed\n
+            open      1 NONE | QRB_CreatDbSession: Database error, info: open session failed\n
+            prepare   1 NONE | QRB_CreatDbSession: Database error, info: prepare session failed\n
+            any       1 NONE)"},
+        {CALL(BDS_L2IF_VLAN_GetVlanIfIndex, uint16_t{10}), R"(2
+            close     =
+            format    1
+            open      NONE | QRB_CreatDbSession: Database error, info: open session failed\n
+            prepare   NONE | QRB_CreatDbSession: Database error, info: prepare session failed\n
+            any       NONE)"},
+        {CALL(BDS_IfnetGetVlanIdByIfName, "Vlanif10", OutText(), 64U), R"(0 10
+            copy      1 - | memcpy failed, ret=%\n)"},
+        {CALL(BDS_IfnetGetVlanIdByIfIndex, 2U, Out32()), R"(0 10
+            read      1 - | BDS_IfnetGetIfNameByIfIndex: Failed to fetch if_base, ret=%\n | Get ifName by ifIndex fail, ret=1
+            copy#1    1 - | BDS_IfnetGetIfNameByIfIndex: Failed to copy ifName from db struct to output\n | Get ifName by ifIndex fail, ret=1
+            copy#2    1 - | BDS_IfnetGetVlanIdByIfName: memcpy failed, ret=%\n | Get vlanId by ifName fail, ret=1
+            closing   1 -
+            session   1 -)"},
+
+        StepOf(IF_INDEXES, "QRB_GetFirstIfIndex", FIRST, "-", QRB_GetFirstIfIndex, Out32()),
+        StepOf(IF_INDEXES, "QRB_GetNextIfIndex", NEXT, "-", QRB_GetNextIfIndex, Out32()),
+        StepOf(IF_INDEXES, "QRB_ScanIfIndexFinish", FINISH, "-", QRB_ScanIfIndexFinish),
+        StepOf(IF_INDEXES, "IF_INTF_GetFirstIfIndex", FIRST, "0", IF_INTF_GetFirstIfIndex, Out32()),
+        StepOf(IF_INDEXES, "IF_INTF_GetNextIfIndex", NEXT, "0", IF_INTF_GetNextIfIndex, 9U, Out32()),
+        StepOf(IF_INDEXES, "IF_INTF_ScanFinish", FINISH, "0", IF_INTF_ScanFinish),
+        StepOf(PORTS, "QRB_GetFirstPort", FIRST, "-", QRB_GetFirstPort, Out32()),
+        StepOf(PORTS, "QRB_GetNextPort", NEXT, "-", QRB_GetNextPort, Out32()),
+        StepOf(PORTS, "QRB_ScanPortFinish", FINISH, "-", QRB_ScanPortFinish),
+        StepOf(PORTS, "L2IF_GetFirstPort", FIRST, "0", L2IF_GetFirstPort, Out32()),
+        StepOf(PORTS, "L2IF_GetNextPort", NEXT, "0", L2IF_GetNextPort, Out32()),
+        StepOf(PORTS, "L2IF_ScanFinish", FINISH, "0", L2IF_ScanFinish),
+        StepOf(VLANS, "QRB_GetFirstVlan", FIRST, "-", QRB_GetFirstVlan, Out32()),
+        StepOf(VLANS, "QRB_GetNextVlan", NEXT, "-", QRB_GetNextVlan, Out32()),
+        StepOf(VLANS, "QRB_ScanVlanFinish", FINISH, "-", QRB_ScanVlanFinish),
+        StepOf(VLANS, "L2IF_GetFirstVlan", FIRST, "0", L2IF_GetFirstVlan, Out16()),
+        StepOf(VLANS, "L2IF_GetNextVlan", NEXT, "0", L2IF_GetNextVlan, Out16()),
+        StepOf(VLANS, "L2IF_ScanVlanFinish", FINISH, "0", L2IF_ScanVlanFinish),
+    };
+}
+// clang-format on
+
+}  // namespace calls
