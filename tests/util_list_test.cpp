@@ -200,7 +200,8 @@ protected:
         }
         const bool fails = Below(8) == 0;
         if (fails) {
-            FailAllocation(1);
+            support::FailCall(pair.traits == &PLAIN && Below(2) == 0 ? "memcpy_s" : "malloc_ex", 1,
+                              1);
         }
         uint32_t   given[3] = {value, 0, ~value};
         const Node before   = way.place == BEFORE ? NodeAt(&pair.list, at) : nullptr;

@@ -40,8 +40,9 @@ UTIL_LIST_NODE_S* BuildNode(Value* value, const UTIL_LIST_TRAITS_S* traits,
     }
     if (traits->*construct != nullptr) {
         (traits->*construct)(UTIL_LIST_Data(node), value);
-    } else {
-        memcpy_s(UTIL_LIST_Data(node), traits->elemSize, value, traits->elemSize);
+    } else if (memcpy_s(UTIL_LIST_Data(node), traits->elemSize, value, traits->elemSize) != 0) {
+        free_ex(ListHandle(), node);
+        return nullptr;
     }
     return node;
 }

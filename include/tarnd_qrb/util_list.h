@@ -41,9 +41,10 @@
  * UTIL_LIST_Clear keeps that charge.
  *
  * Results: 0 is success, 1 is failure, after which the list is as it was; nothing is logged. An
- * insertion fails when there is no memory, for a null value, and for a list without traits. Other
- * pointers are not checked: lists must be constructed, callbacks present, and every node and
- * iterator must be one of the list it is used with.
+ * insertion fails when there is no memory, for a null value, for a list without traits, and for
+ * bytes that the platform refuses to copy. Other pointers are not checked: lists must be
+ * constructed, callbacks present, and every node and iterator must be one of the list it is used
+ * with.
  *
  * Threads: one at a time, or a lock of the owner's. No callback may change the list that calls it.
  *
