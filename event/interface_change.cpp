@@ -77,12 +77,8 @@ void QRB_EVENT_IfPhyTableCallback(ORM_MESSAGE message, uint32_t eventType)
             QRB_EVENT_IfPhyInsert(message, &newRow, &notice);
             return NEXT_MESSAGE;
         }
-        if (QRB_EVENT_IfPhyOrmGetOldData(message, &oldRow) != OK) {
-            QRB_ERROR_AT(here, "Failed to get old orm phy data.\n");
-            return END_DELIVERY;
-        }
-        if (QRB_EVENT_IfPhyOrmGetNewData(message, &newRow) != OK) {
-            QRB_ERROR_AT(here, "Failed to get new orm phy data.\n");
+        if (!ExtractBoth(here, message, "phy", QRB_EVENT_IfPhyOrmGetOldData, &oldRow,
+                         QRB_EVENT_IfPhyOrmGetNewData, &newRow)) {
             return END_DELIVERY;
         }
         QRB_EVENT_IfPhyUpdate(&oldRow, &newRow, &notice);
@@ -145,12 +141,8 @@ void QRB_EVENT_IfRouteTableCallback(ORM_MESSAGE message, uint32_t eventType)
     QRB_IF_ROUTE_S   oldRow = {};
     QRB_IF_ROUTE_S   newRow = {};
     ForEachMessage(here, message, eventType, {ORM_EVENT_UPDATE, ORM_EVENT_REPLACE}, [&] {
-        if (QRB_EVENT_IfRouteOrmGetOldData(message, &oldRow) != OK) {
-            QRB_ERROR_AT(here, "Failed to get old orm if_route data.\n");
-            return END_DELIVERY;
-        }
-        if (QRB_EVENT_IfRouteOrmGetNewData(message, &newRow) != OK) {
-            QRB_ERROR_AT(here, "Failed to get new orm if_route data.\n");
+        if (!ExtractBoth(here, message, "if_route", QRB_EVENT_IfRouteOrmGetOldData, &oldRow,
+                         QRB_EVENT_IfRouteOrmGetNewData, &newRow)) {
             return END_DELIVERY;
         }
         QRB_EVENT_IfRouteUpdate(&oldRow, &newRow);

@@ -48,12 +48,8 @@ void QRB_EVENT_PortTableCallback(ORM_MESSAGE message, uint32_t eventType)
             QRB_EVENT_PortDelete(message, &oldRow);
             return NEXT_MESSAGE;
         }
-        if (QRB_EVENT_PortOrmGetOldData(message, &oldRow) != OK) {
-            QRB_ERROR_AT(here, "Failed to get old orm port data.\n");
-            return END_DELIVERY;
-        }
-        if (QRB_EVENT_PortOrmGetNewData(message, &newRow) != OK) {
-            QRB_ERROR_AT(here, "Failed to get new orm port data.\n");
+        if (!ExtractBoth(here, message, "port", QRB_EVENT_PortOrmGetOldData, &oldRow,
+                         QRB_EVENT_PortOrmGetNewData, &newRow)) {
             return END_DELIVERY;
         }
         QRB_EVENT_PortUpdateSwitchPortUse(&oldRow, &newRow);

@@ -63,6 +63,23 @@ uint32_t ExtractRow(LOG_SITE_S site, ORM_MESSAGE message, uint32_t object, Acces
     return OK;
 }
 
+// The rows of an update. False, and logged, where one can't be had; name is the table's there.
+template <typename Row>
+bool ExtractBoth(LOG_SITE_S site, ORM_MESSAGE message, const char* name,
+                 uint32_t (*getOld)(ORM_MESSAGE, Row*), Row* oldRow,
+                 uint32_t (*getNew)(ORM_MESSAGE, Row*), Row* newRow)
+{
+    if (getOld(message, oldRow) != OK) {
+        QRB_ERROR_AT(site, "Failed to get old orm %s data.\n", name);
+        return false;
+    }
+    if (getNew(message, newRow) != OK) {
+        QRB_ERROR_AT(site, "Failed to get new orm %s data.\n", name);
+        return false;
+    }
+    return true;
+}
+
 // A change of a state that is 0 or 1. Other values are no state: they neither rise nor fall.
 enum TRANSITION { STAYED, ROSE, FELL };
 
