@@ -1,11 +1,14 @@
 /*
- * A module of the daemon, in C: builds a list, registers callbacks, publishes events. Prints what
- * went wrong; the exit status tells whether anything did.
+ * A module of the daemon, in C: builds a list, registers callbacks, publishes events; and the
+ * daemon itself, which starts and stops the listener. Prints what went wrong; the exit status tells
+ * whether anything did.
  */
 #include <stdio.h>
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/event_registry.h>
+#include <tarnd_qrb/listener.h>
 #include <tarnd_qrb/memory_map.h>
+#include <tarnd_qrb/subscription.h>
 
 /* The example of tarnd_qrb/util_list.h, taken from there. */
 #include "util_list_example.h"
@@ -84,6 +87,14 @@ static void TryNotifications(void)
     EXPECT(IF_UnRegNotifyFunc(1, OnNotification) == 0);
 }
 
+static void TryListener(void)
+{
+    EXPECT(BDS_InitStart() == 0);
+    __atomic_store_n(&g_epollDbListenerThreadExit, 1, __ATOMIC_RELEASE);
+    EXPECT(pthread_join(g_epollDbListenerThreadId, NULL) == 0);
+    EXPECT(g_epollDbListenerFd == -1);
+}
+
 int main(void)
 {
     const uint32_t values[] = {3, 9, 4};
@@ -92,5 +103,6 @@ int main(void)
     TryLayer2();
     TryInterface();
     TryNotifications();
+    TryListener();
     return g_failures != 0;
 }

@@ -44,54 +44,58 @@
 extern "C" {
 #endif
 
-/* What an interface notification from if_phy is about: the new row's. */
+/* What an interface notification from "if_phy" is about, from the new row. */
 typedef struct {
     uint32_t ifIndex;
     uint32_t phyState;
 } QRB_IF_PHY_NOTICE_S;
 
-/* Table "if_base". */
+/* The callback of "if_base": handles insert and delete. */
 void QRB_EVENT_IfBaseTableCallback(ORM_MESSAGE message, uint32_t eventType);
 
 /* The if_index and if_name of one object (ORM_OBJECT_OLD or ORM_OBJECT_NEW) of the current message;
    the rest of the row is left alone. 0, or 1 on a failure. */
 uint32_t QRB_EVENT_GetIfBaseFromSession(ORM_MESSAGE message, uint32_t object, QRB_IF_BASE_S* row);
 
-/* Table "if_phy". */
+/* The callback of "if_phy": handles insert, update and replace. */
 void QRB_EVENT_IfPhyTableCallback(ORM_MESSAGE message, uint32_t eventType);
 
-/* One object of the current message, whole; what the database leaves out reads as zero. 0, or 1 on
-   a failure. */
+/* The current message's old or new row of "if_phy". What the database leaves out of it reads as
+   zero. 0, or 1 on a failure. */
 uint32_t QRB_EVENT_IfPhyOrmGetOldData(ORM_MESSAGE message, QRB_IF_PHY_S* row);
 uint32_t QRB_EVENT_IfPhyOrmGetNewData(ORM_MESSAGE message, QRB_IF_PHY_S* row);
 
-/* Publishes an insertion. row and notice are filled from the current message's new object. */
+/* Publishes an insertion into "if_phy". row and notice are filled from the current message's new
+   row. */
 void QRB_EVENT_IfPhyInsert(ORM_MESSAGE message, QRB_IF_PHY_S* row, QRB_IF_PHY_NOTICE_S* notice);
 
 /* Publishes a change of phy_state; notice is filled where there is one. */
 void QRB_EVENT_IfPhyUpdate(const QRB_IF_PHY_S* oldRow, const QRB_IF_PHY_S* newRow,
                            QRB_IF_PHY_NOTICE_S* notice);
 
-/* Table "if_route". */
+/* The callback of "if_route": handles update and replace. */
 void QRB_EVENT_IfRouteTableCallback(ORM_MESSAGE message, uint32_t eventType);
 
-/* As for "if_phy". */
+/* The current message's old or new row of "if_route". What the database leaves out of it reads as
+   zero. 0, or 1 on a failure. */
 uint32_t QRB_EVENT_IfRouteOrmGetOldData(ORM_MESSAGE message, QRB_IF_ROUTE_S* row);
 uint32_t QRB_EVENT_IfRouteOrmGetNewData(ORM_MESSAGE message, QRB_IF_ROUTE_S* row);
 
 /* Publishes a change of route_state. */
 void QRB_EVENT_IfRouteUpdate(const QRB_IF_ROUTE_S* oldRow, const QRB_IF_ROUTE_S* newRow);
 
-/* Table "port". */
+/* The callback of "port": handles insert, delete, update and replace. */
 void QRB_EVENT_PortTableCallback(ORM_MESSAGE message, uint32_t eventType);
 
-/* As for "if_phy". */
+/* The current message's old or new row of "port". What the database leaves out of it reads as zero.
+   0, or 1 on a failure. */
 uint32_t QRB_EVENT_PortOrmGetOldData(ORM_MESSAGE message, QRB_PORT_S* row);
 uint32_t QRB_EVENT_PortOrmGetNewData(ORM_MESSAGE message, QRB_PORT_S* row);
 
-/* Publish an insertion and a deletion. row is filled from the current message's new or old object.
- */
+/* Publishes an insertion into "port". row is filled from the current message's new row. */
 void QRB_EVENT_PortInsert(ORM_MESSAGE message, QRB_PORT_S* row);
+
+/* Publishes a deletion from "port". row is filled from the current message's old row. */
 void QRB_EVENT_PortDelete(ORM_MESSAGE message, QRB_PORT_S* row);
 
 /* Publishes a change of switch_port. */
@@ -109,7 +113,7 @@ void QRB_EVENT_PortUpdateSwitchPortUse(const QRB_PORT_S* oldRow, const QRB_PORT_
 uint32_t QRB_EVENT_PortCheckIsVlanBitMapChange(const QRB_PORT_S* newRow, const QRB_PORT_S* oldRow,
                                                int32_t length, uint8_t which);
 
-/* Hooks that do nothing. */
+/* A hook that does nothing. */
 void QRB_EVENT_PrintIfLink(const QRB_IF_LINK_S* row);
 void QRB_EVENT_PrintIfPhy(const QRB_IF_PHY_S* row);
 void QRB_EVENT_PrintIfRoute(const QRB_IF_ROUTE_S* row);

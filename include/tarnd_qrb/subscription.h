@@ -28,7 +28,8 @@ extern "C" {
  */
 uint32_t BDS_InitStart(void);
 
-/* One subscription each. Every call subscribes anew: each change is then delivered once more. */
+/* Subscribes to the table that its name says. Every call subscribes anew: the callbacks then run
+   once more for each change. */
 uint32_t QRB_EVENT_SubToPortTable(void);
 uint32_t QRB_EVENT_SubToIfRouteTable(void);
 uint32_t QRB_EVENT_SubToIfPhyTable(void);
