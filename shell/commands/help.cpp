@@ -1,4 +1,7 @@
 // help, json, quit.
+#include <algorithm>
+#include <cctype>
+
 #include "shell/command.h"
 #include "shell/nearest.h"
 
@@ -93,8 +96,9 @@ Status Help(Shell& shell, Words& words)
 
 bool Mentions(std::string_view text, std::string_view word)
 {
-    const auto lower = [](char c) { return static_cast<char>(std::tolower(c)); };
-    return !std::ranges::search(text, word, {}, lower, lower).empty();
+    const auto lower = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
+    const auto same  = [=](char one, char other) { return lower(one) == lower(other); };
+    return std::search(text.begin(), text.end(), word.begin(), word.end(), same) != text.end();
 }
 
 Status ListFunctions(Shell& shell, Words& words)
