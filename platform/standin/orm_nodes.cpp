@@ -107,10 +107,11 @@ uint32_t OrmNodeGetFieldById(ORM_NODE item, uint32_t field, void* destination, u
     if (destination == nullptr) {
         return Refusal::NullArgument;
     }
-    const Node list = FindNode(HandleKind::Item, item);
-    if (list.position == nullptr) {
+    const Node   list  = FindNode(HandleKind::Item, item);
+    const size_t index = NodeUse::Of(item).item;
+    if (list.position == nullptr || index >= Count(list)) {
         return Refusal::UnknownHandle;
     }
-    const uint8_t* bytes = list.items.data() + NodeUse::Of(item).item * list.list->itemSize;
+    const uint8_t* bytes = list.items.data() + index * list.list->itemSize;
     return CopyFieldOf(FieldOfNumber(list.list->fields, field), bytes, destination, size);
 }
