@@ -32,10 +32,14 @@ size_t Distance(std::string_view a, std::string_view b)
 std::string NoSuch(std::string_view kind, std::string_view name,
                    const std::vector<std::string>& names)
 {
-    std::string message  = "there is no " + std::string(kind) + " " + std::string(name);
-    const auto  distance = [&](const std::string& other) { return Distance(name, other); };
-    const auto  nearest  = std::ranges::min_element(names, {}, distance);
-    if (nearest != names.end() && distance(*nearest) <= std::max<size_t>(name.size() / 3, 1))
+    std::string  message  = "there is no " + std::string(kind) + " " + std::string(name);
+    const size_t most     = std::max<size_t>(name.size() / 3, 1);
+    const auto   distance = [&](const std::string& other) {
+        const size_t longer = std::max(name.size(), other.size());
+        return longer - std::min(name.size(), other.size()) > most ? longer : Distance(name, other);
+    };
+    const auto nearest = std::ranges::min_element(names, {}, distance);
+    if (nearest != names.end() && distance(*nearest) <= most)
         message += "; do you mean " + *nearest + "?";
     return message;
 }
