@@ -1,13 +1,9 @@
 #include "sources/host.h"
 
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <syslog.h>
-#include <unistd.h>
 
-#include <cerrno>
 #include <exception>
-#include <system_error>
 
 #include "sources/host_mirror.h"
 
@@ -28,22 +24,6 @@ void MirrorChange(const LinkChange& change)
 }
 
 }  // namespace
-
-StopEvent::StopEvent() : descriptor_(eventfd(0, EFD_CLOEXEC))
-{
-    if (descriptor_ < 0)
-        throw std::system_error(errno, std::generic_category(), "cannot open an event descriptor");
-}
-
-StopEvent::~StopEvent()
-{
-    close(descriptor_);
-}
-
-void StopEvent::Raise() const
-{
-    eventfd_write(descriptor_, 1);
-}
 
 Host::Host(int receiveBuffer) : notifications_(receiveBuffer)
 {

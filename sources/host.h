@@ -7,23 +7,9 @@
 
 #include "sources/host_kernel.h"
 #include "sources/host_rows.h"
+#include "sources/wake_event.h"
 
 namespace sources {
-
-// Ends a wait in poll.
-class StopEvent {
-public:
-    StopEvent();
-    ~StopEvent();
-    StopEvent(const StopEvent&)            = delete;
-    StopEvent& operator=(const StopEvent&) = delete;
-
-    void Raise() const;
-    int  Descriptor() const { return descriptor_; }
-
-private:
-    int descriptor_;
-};
 
 // Mirrors the network namespace of the thread that makes it. The tables that it fills are its own:
 // rows that others put there go.
@@ -50,7 +36,7 @@ private:
     Kernel        kernel_;
     Forwarding    forwarding_;
     bool          mustReadEverything_ = false;
-    StopEvent     stopEvent_;
+    WakeEvent     stopEvent_;
     std::jthread  follower_;  // last: it ends before what it uses
 };
 

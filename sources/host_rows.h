@@ -8,13 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include <standin/database.h>
-
 #include "sources/host_kernel.h"
+#include "sources/mirror.h"
 
 namespace sources {
-
-using Rows = std::vector<standin::Row>;
 
 // The tables that have a row for each link.
 inline constexpr std::array linkTables = {"if_base", "if_phy", "if_link", "if_route", "port"};
