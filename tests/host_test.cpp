@@ -18,6 +18,7 @@
 #include "sources/host_mirror.h"
 #include "support/network.h"
 #include "support/platform.h"
+#include "support/rows.h"
 
 namespace {
 
@@ -33,9 +34,7 @@ class HostTest : public support::PlatformTest {};
 
 std::vector<Row> RowsOf(const char* table)
 {
-    std::vector<Row> rows;
-    standin::ForEachRow(*standin::FindTable(table), [&](const Row& row) { rows.push_back(row); });
-    return rows;
+    return support::RowsOf(*standin::FindTable(table));
 }
 
 uint64_t NumberIn(const char* table, uint64_t interface, const char* field)

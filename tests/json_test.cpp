@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <regex>
 #include <sstream>
 
@@ -13,6 +12,7 @@
 
 #include "sources/json_value.h"
 #include "support/platform.h"
+#include "support/rows.h"
 
 namespace {
 
@@ -20,6 +20,7 @@ using standin::Field;
 using standin::Kind;
 using standin::Row;
 using standin::Table;
+using support::RowsOf;
 
 const std::filesystem::path projectRoot = TARND_PROJECT_ROOT;
 
@@ -50,81 +51,6 @@ std::string RefusalOf(const std::string& text)
     }
 }
 
-std::vector<Row> RowsOf(const Table& table)
-{
-    std::vector<Row> rows;
-    standin::ForEachRow(table, [&](const Row& row) { rows.push_back(row); });
-    return rows;
-}
-
-// Rows by the description alone: whatever a table can hold.
-class RandomRows {
-public:
-    Row Next(const Table& table)
-    {
-        Row row(table);
-        for (const Field& field : table.fields)
-            Fill(row, field);
-        for (const standin::List& list : table.lists)
-            FillList(row, list);
-        return row;
-    }
-
-private:
-    void Fill(Row& row, const Field& field)
-    {
-        switch (field.kind) {
-            case Kind::Number:
-            case Kind::Ipv4:
-                row.Set(field.name, Number(field));
-                break;
-            case Kind::Mac:
-            case Kind::Set:
-                row.SetBytes(field.name, Bytes(field.width));
-                break;
-            case Kind::Text:
-                row.Set(field.name, Text(standin::LongestText(field)));
-                break;
-        }
-    }
-
-    void FillList(Row& row, const standin::List& list)
-    {
-        const auto items = Below(4);
-        if (items > 0)
-            row.MakeList(list.name);
-        for (uint64_t i = 1; i < items; ++i) {
-            std::vector<uint64_t> values;
-            for (const Field& field : list.fields)
-                values.push_back(Number(field));
-            row.AddItem(list.name, values);
-        }
-    }
-
-    uint64_t Below(uint64_t end) { return random_() % end; }
-    uint64_t Number(const Field& field) { return random_() >> (64 - 8 * field.width); }
-
-    // Runs of equal bytes as well: long ranges, and none.
-    std::vector<uint8_t> Bytes(size_t size)
-    {
-        std::vector<uint8_t> bytes(size, Below(2) == 0 ? 0 : 0xff);
-        for (size_t i = Below(size); i < size; i += 1 + Below(size))
-            bytes[i] = static_cast<uint8_t>(Below(256));
-        return bytes;
-    }
-
-    std::string Text(size_t longest)
-    {
-        constexpr std::string_view characters = "aZ0/ \"\\\t\x7f{}[],:";
-        std::string                text       = Below(2) == 0 ? "\xc3\xbc" : "";
-        for (size_t i = text.size(), size = Below(longest + 1); i < size; ++i)
-            text += characters[Below(characters.size())];
-        return text;
-    }
-
-    std::mt19937_64 random_{20};
-};
-
 class JsonTest : public support::PlatformTest {
 protected:
     void TearDown() override
@@ -136,7 +62,7 @@ protected:
 
 TEST_F(JsonTest, LoadingADumpGivesTheSameRows)
 {
-    RandomRows                    random;
+    support::RandomRows           random(20);
     standin::Transaction          fill;
     std::vector<std::vector<Row>> before;
     for (const Table& table : standin::Tables()) {

@@ -1,0 +1,92 @@
+// Rows of the database, for comparing.
+#pragma once
+
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <standin/database.h>
+
+namespace support {
+
+inline std::vector<standin::Row> RowsOf(const standin::Table& table)
+{
+    std::vector<standin::Row> rows;
+    standin::ForEachRow(table, [&](const standin::Row& row) { rows.push_back(row); });
+    return rows;
+}
+
+// Rows by the description alone: whatever a table can hold.
+class RandomRows {
+public:
+    explicit RandomRows(uint64_t seed) : random_(seed) {}
+
+    standin::Row Next(const standin::Table& table)
+    {
+        standin::Row row(table);
+        for (const standin::Field& field : table.fields)
+            Fill(row, field);
+        for (const standin::List& list : table.lists)
+            FillList(row, list);
+        return row;
+    }
+
+    uint64_t Below(uint64_t end) { return random_() % end; }
+
+    void Fill(standin::Row& row, const standin::Field& field)
+    {
+        using standin::Kind;
+        switch (field.kind) {
+            case Kind::Number:
+            case Kind::Ipv4:
+                row.Set(field.name, Number(field));
+                break;
+            case Kind::Mac:
+            case Kind::Set:
+                row.SetBytes(field.name, Bytes(field.width));
+                break;
+            case Kind::Text:
+                row.Set(field.name, Text(standin::LongestText(field)));
+                break;
+        }
+    }
+
+private:
+    void FillList(standin::Row& row, const standin::List& list)
+    {
+        const auto items = Below(4);
+        if (items > 0)
+            row.MakeList(list.name);
+        for (uint64_t i = 1; i < items; ++i) {
+            std::vector<uint64_t> values;
+            for (const standin::Field& field : list.fields)
+                values.push_back(Number(field));
+            row.AddItem(list.name, values);
+        }
+    }
+
+    uint64_t Number(const standin::Field& field) { return random_() >> (64 - 8 * field.width); }
+
+    // Runs of equal bytes as well: long ranges, and none.
+    std::vector<uint8_t> Bytes(size_t size)
+    {
+        std::vector<uint8_t> bytes(size, Below(2) == 0 ? 0 : 0xff);
+        for (size_t i = Below(size); i < size; i += 1 + Below(size))
+            bytes[i] = static_cast<uint8_t>(Below(256));
+        return bytes;
+    }
+
+    std::string Text(size_t longest)
+    {
+        constexpr std::string_view characters = "aZ0/ \"\\\t\x7f{}[],:";
+        std::string                text       = Below(2) == 0 ? "\xc3\xbc" : "";
+        for (size_t i = text.size(), size = Below(longest + 1); i < size; ++i)
+            text += characters[Below(characters.size())];
+        return text;
+    }
+
+    std::mt19937_64 random_;
+};
+
+}  // namespace support
