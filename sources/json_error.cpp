@@ -33,7 +33,7 @@ uint64_t WholeNumber(const Json& value, uint64_t highest)
 {
     if (!value.is_number_integer())
         RefuseType(value, "a whole number");
-    if (!value.is_number_unsigned() || value.get<uint64_t>() > highest)
+    if (value < 0 || value.get<uint64_t>() > highest)
         RefuseRange(Shown(value), highest);
     return value.get<uint64_t>();
 }

@@ -24,6 +24,17 @@ private:
     std::string path_;
 };
 
+// Does the action; what it refuses is told with the path from here.
+template <typename Action>
+void At(const std::string& step, const Action& action)
+{
+    try {
+        action();
+    } catch (const JsonError& error) {
+        throw error.Under("/" + step);
+    }
+}
+
 [[noreturn]] void RefuseType(const Json& value, const std::string& expected);
 [[noreturn]] void RefuseRange(const std::string& number, uint64_t highest);
 

@@ -12,17 +12,6 @@ using standin::Field;
 using standin::List;
 using standin::Table;
 
-// Does the action; what it refuses is told with the path from here.
-template <typename Action>
-void At(const std::string& step, const Action& action)
-{
-    try {
-        action();
-    } catch (const JsonError& error) {
-        throw error.Under("/" + step);
-    }
-}
-
 const Field& KnownField(std::span<const Field> fields, const std::string& name)
 {
     const Field* field = standin::FindField(fields, name);
