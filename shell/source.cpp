@@ -1,5 +1,6 @@
 #include "shell/source.h"
 
+#include "sources/cluster.h"
 #include "sources/host.h"
 #include "sources/json_file.h"
 
@@ -25,6 +26,9 @@ std::unique_ptr<sources::Source> OpenSource(const std::string& name)
 {
     if (name == "host")
         return std::make_unique<HostSource>();
+    constexpr std::string_view ovsdb = "ovsdb:";
+    if (name.starts_with(ovsdb))
+        return std::make_unique<sources::Cluster>(name.substr(ovsdb.size()));
     return std::make_unique<JsonSource>(name);
 }
 

@@ -8,7 +8,8 @@
 
 namespace shell {
 
-// "host", or the path of a JSON file. Throws std::runtime_error.
+// "host", "ovsdb:" with servers behind it as sources/ovsdb_servers.h has them, or the path of a
+// JSON file. Throws std::runtime_error.
 std::unique_ptr<sources::Source> OpenSource(const std::string& name);
 
 }  // namespace shell

@@ -1,0 +1,83 @@
+// What is said with one server, from the first question to the end of the connection.
+#pragma once
+
+#include <future>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "sources/ovsdb_connection.h"
+#include "sources/ovsdb_replica.h"
+
+namespace sources::ovsdb {
+
+// How far the replica has come. It outlives connections: the next server goes on from here.
+struct Position {
+    std::string transaction = none;  // the last one that was taken over
+    Json        cluster;             // null: none, or a server that stands alone
+    int64_t     index   = 0;         // in the cluster's log, as far as it is known
+    bool        doubted = false;     // a server did not know the transaction, and was not believed
+
+    static constexpr const char* none = "00000000-0000-0000-0000-000000000000";
+
+    // Takes over what comes with a transaction. Where that fails everything is to be compared anew.
+    template <typename Action>
+    void Take(const std::string& upTo, const Action& action)
+    {
+        transaction = none;
+        action();
+        transaction = upTo;
+    }
+};
+
+// A transaction for the servers.
+struct Request {
+    std::string        parameters;
+    std::promise<Json> results;
+};
+
+class Session {
+public:
+    // onlyLeader: of a cluster, only the leader is followed.
+    Session(Connection connection, Replica& replica, Position& position, bool onlyLeader);
+    // Whoever waits for results is told that they can't be had any more.
+    ~Session();
+    Session(const Session&)            = delete;
+    Session& operator=(const Session&) = delete;
+
+    // Waits for what comes next, and deals with it. Throws where the server is not, or no longer,
+    // one to follow. wake, stop: descriptors that end the wait; wake only while following.
+    void Attend(int wake, int stop);
+
+    // Whether the replica has had the server's contents.
+    bool IsFollowing() const { return following_; }
+
+    void Send(std::shared_ptr<Request> request);
+
+private:
+    void    Call(const Json& id, const char* method, const std::string& parameters);
+    void    Take(const Json& message);
+    void    TakeAnswer(const Json& id, const Json& message);
+    void    TakeResults(const Json& id, const Json& message, const std::string& refusal);
+    void    TakeServer(const Json& tables);
+    void    JudgeServer();
+    void    TakeContents(const Json& result);
+    bool    IsDoubtful() const;
+    bool    IsOfCluster() const;
+    bool    IsOfKnownCluster() const;
+    int64_t Index() const;
+
+    Connection connection_;
+    Replica&   replica_;
+    Position&  position_;
+    const bool onlyLeader_;
+    bool       following_ = false;
+    Json       server_;  // its row in the server's own database
+    uint64_t   lastRequest_ = 0;
+
+    const Clock::time_point begun_ = Clock::now();
+
+    std::map<uint64_t, std::shared_ptr<Request>> unanswered_;
+};
+
+}  // namespace sources::ovsdb
