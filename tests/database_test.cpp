@@ -1,24 +1,17 @@
-// The frame: log lines, sessions, the generic keyed read and scan, hexadecimal literals.
+// The frame: log lines, sessions, the generic scan's limits and conditions, hexadecimal literals.
 #include <tarnd_qrb/database.h>
 #include <tarnd_qrb/log.h>
 
-#include <standin/database.h>
-
-#include "support/platform.h"
+#include "calls/calls.h"
 
 namespace {
 
-using support::FailCall;
-using support::PlatformTest;
+using namespace calls;
+using standin::Row;
 using support::TakeLog;
-using support::TakeMessages;
-using testing::Test;
 
-using Messages = std::vector<std::string>;
-using Calls    = std::vector<std::string>;
-
-class Log : public PlatformTest {};
-class Database : public PlatformTest {};
+class Log : public support::PlatformTest {};
+class Database : public support::PlatformTest {};
 
 TEST_F(Log, WritesOnlyErrorsAndWorse)
 {
@@ -36,104 +29,13 @@ TEST_F(Log, WritesOnlyErrorsAndWorse)
     EXPECT_EQ(TakeLog().at(0).text, "[TARND_QRB] short form");
 }
 
-TEST_F(Log, LosesOnlyALineThatDoesNotFitOrHasNoMemory)
+TEST_F(Log, LosesALineThatDoesNotFit)
 {
     const std::string longest(511, 'x');
     Tarn_QRB_Log_Printf(3, nullptr, 0, "%s", longest.c_str());
     EXPECT_EQ(TakeLog().at(0).text, "[TARND_QRB] " + longest);
     Tarn_QRB_Log_Printf(3, nullptr, 0, "%sx", longest.c_str());
     EXPECT_TRUE(TakeLog().empty());
-
-    support::FailAllocation(1);
-    Tarn_QRB_Log_Printf(3, "Function", 1, "lost");
-    EXPECT_TRUE(TakeLog().empty());
-    Tarn_QRB_Log_Printf(3, "Function", 1, "kept");
-    EXPECT_EQ(TakeLog().size(), 1U);
-}
-
-TEST_F(Database, StartUpReportsTheLayersCode)
-{
-    EXPECT_EQ(QRB_DB_InitOrm(), 0U);
-    FailCall("OrmInit", 1, 77);
-    EXPECT_EQ(QRB_DB_InitOrm(), 1U);
-    EXPECT_EQ(TakeMessages(), Messages{"QRB_DB_InitOrm: [Error]: Orm init failed, ret=77\n"});
-}
-
-TEST_F(Database, CreatedSessionIsOpenAndPreparedOrNotThere)
-{
-    ORM_SESSION session = 5;
-    EXPECT_EQ(QRB_CreatDbSession("if_base", QRB_ORM_OP_SCAN, &session), 1U);
-    EXPECT_NE(session, 0U);
-    EXPECT_EQ(OrmCloseSession(session), 0U);
-
-    EXPECT_EQ(QRB_CreatDbSession(nullptr, QRB_ORM_OP_SCAN, &session), 0U);
-    EXPECT_EQ(QRB_CreatDbSession("if_base", QRB_ORM_OP_SCAN, nullptr), 0U);
-    EXPECT_TRUE(TakeLog().empty());
-
-    EXPECT_EQ(QRB_CreatDbSession("no_such_table", QRB_ORM_OP_SCAN, &session), 0U);
-    EXPECT_EQ(session, 0U);
-    EXPECT_EQ(TakeMessages(),
-              Messages{"QRB_CreatDbSession: Database error, info: prepare session failed\n"});
-    FailCall("OrmOpenSessionByDefault", 1, 9);
-    EXPECT_EQ(QRB_CreatDbSession("if_base", QRB_ORM_OP_SCAN, &session), 0U);
-    EXPECT_EQ(TakeMessages(),
-              Messages{"QRB_CreatDbSession: Database error, info: open session failed\n"});
-}
-
-uint32_t SetIfIndex(ORM_SESSION session, const void* key)
-{
-    const uint32_t named = OrmSetKeyName(session, "primary_key");
-    return named != 0 ? named : OrmSetIndexKeyValue(session, 0, QRB_KEY_TYPE_U32, key, 4);
-}
-
-uint32_t GetSlot(ORM_SESSION session, void* slot)
-{
-    return OrmGetField(session, "slot_id", slot, 4);
-}
-
-uint32_t ReadSlot(uint32_t ifIndex, uint32_t* slot)
-{
-    return QRB_DB_Get("if_phy", &ifIndex, slot, SetIfIndex, GetSlot);
-}
-
-TEST_F(Database, KeyedReadPassesEveryStepsOwnCodeThrough)
-{
-    standin::Transaction fill;
-    fill.Insert(standin::Row("if_phy").Set("if_index", 4).Set("slot_id", 3));
-    fill.Commit();
-    uint32_t slot = 0;
-    EXPECT_EQ(ReadSlot(4, &slot), 0U);
-    EXPECT_EQ(slot, 3U);
-    EXPECT_TRUE(TakeLog().empty());
-
-    EXPECT_EQ(ReadSlot(5, &slot), ORM_NO_RECORD);
-    EXPECT_EQ(TakeMessages(), Messages{"QRB_DB_SESSION_SetKey: Table: if_phy execute failed."});
-
-    const struct {
-        const char* operation;
-        Messages    messages;
-    } steps[] = {
-        {"OrmOpenSessionByDefault", {"QRB_DB_Get: Table: if_phy open session failed."}},
-        {"OrmPrepare", {"QRB_DB_SESSION_SetKey: Table: if_phy prepare failed."}},
-        {"OrmSetIndexKeyValue", {"QRB_DB_SESSION_SetKey: Table: if_phy set key failed."}},
-        {"OrmExecute", {"QRB_DB_SESSION_SetKey: Table: if_phy execute failed."}},
-        {"OrmGetField", {"QRB_DB_SESSION_Get: Table: if_phy get fields failed."}},
-        {"OrmCloseSession", {}},
-    };
-    for (const auto& step : steps) {
-        FailCall(step.operation, 1, 4711);
-        EXPECT_EQ(ReadSlot(4, &slot), 4711U) << step.operation;
-        EXPECT_EQ(TakeMessages(), step.messages);
-    }
-}
-
-void FillVlans(uint16_t count)
-{
-    standin::Transaction fill;
-    for (uint16_t id = 1; id <= count; id++) {
-        fill.Insert(standin::Row("vlan").Set("vlan_id", id).Set("vlan_scope0", id % 2));
-    }
-    fill.Commit();
 }
 
 // Collects VLAN ids; refuses the record with the number that failAt says.
@@ -142,19 +44,19 @@ struct Collector {
     uint32_t              failAt = UINT32_MAX;
 };
 
-uint32_t Collect(ORM_SESSION session, void* context, uint32_t index)
+uint32_t Collect(ORM_SESSION in, void* context, uint32_t index)
 {
     Collector& collector = *static_cast<Collector*>(context);
     if (index == collector.failAt) {
         return 55;
     }
     collector.ids.push_back(0);
-    return OrmGetFieldById(session, 2, &collector.ids.back(), 2);
+    return OrmGetFieldById(in, 2, &collector.ids.back(), 2);
 }
 
-uint32_t OnlyOdd(ORM_SESSION session, void* /*context*/)
+uint32_t OnlyOdd(ORM_SESSION in, void* /*context*/)
 {
-    return OrmSetScanCond(session, "vlan_scope0 = 1");
+    return OrmSetScanCond(in, "vlan_scope0 = 1");
 }
 
 TEST_F(Database, ScanDeliversWhatTheConditionAndTheLimitAllow)
@@ -164,7 +66,9 @@ TEST_F(Database, ScanDeliversWhatTheConditionAndTheLimitAllow)
     EXPECT_EQ(QRB_DB_Scan("vlan", &none, 10, Collect, &count, nullptr, nullptr), 0U);
     EXPECT_EQ(count, 0U);
 
-    FillVlans(5);
+    for (uint32_t id = 1; id <= 5; id++) {
+        Insert({Row("vlan").Set("vlan_id", id).Set("vlan_scope0", id % 2)});
+    }
     const struct {
         uint32_t               maxCount;
         const char*            condition;
@@ -188,58 +92,22 @@ TEST_F(Database, ScanDeliversWhatTheConditionAndTheLimitAllow)
         EXPECT_EQ(count, c.ids.size());
     }
     EXPECT_TRUE(TakeLog().empty());
+
+    Collector failing{.failAt = 2};
+    EXPECT_EQ(QRB_DB_Scan("vlan", &failing, 10, Collect, nullptr, nullptr, nullptr), 1U);
+    EXPECT_EQ(failing.ids, (std::vector<uint16_t>{1, 2}));
 }
 
-TEST_F(Database, FailingEntryEndsTheScanAndLeavesTheCount)
+TEST_F(Database, HexadecimalLiteralPadsAndCuts)
 {
-    FillVlans(5);
-    support::ResetPlatform();
-    Collector collector{.failAt = 2};
-    uint32_t  count = 99;
-    EXPECT_EQ(QRB_DB_Scan("vlan", &collector, 10, Collect, &count, nullptr, nullptr), 1U);
-    EXPECT_EQ(collector.ids, (std::vector<uint16_t>{1, 2}));
-    EXPECT_EQ(count, 99U);
-    const Calls calls = support::PlatformCalls();
-    ASSERT_GE(calls.size(), 2U);
-    EXPECT_EQ(Calls(calls.end() - 2, calls.end()), (Calls{"OrmScanEnd", "OrmCloseSession"}));
-    EXPECT_EQ(TakeMessages(),
-              (Messages{"QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=55\n",
-                        "QRB_DB_Scan: DB error: 1\n"}));
-}
-
-TEST_F(Database, FailingScanEndLeavesTheCount)
-{
-    FillVlans(2);
-    FailCall("OrmScanEnd", 1, 66);
-    Collector collector;
-    uint32_t  count = 99;
-    EXPECT_EQ(QRB_DB_Scan("vlan", &collector, 10, Collect, &count, nullptr, nullptr), 1U);
-    EXPECT_EQ(count, 99U);
-    EXPECT_EQ(TakeMessages(), (Messages{"QRB_DB_SESSION_Scan: Failed to fetch DB, ret=66\n",
-                                        "QRB_DB_Scan: DB error: 1\n"}));
-}
-
-TEST_F(Database, HexadecimalLiteralPadsCutsAndRefuses)
-{
-    const struct {
-        const char* text;
-        int32_t     size;
-        const char* literal;
-    } cases[] = {
-        {"ab", 4, "0x61620000"}, {"\xFF", 1, "0xff"}, {"abcdef", 3, "0x616263"},
-        {"", 2, "0x0000"},       {"x", 0, "0x"},
-    };
-    for (const auto& c : cases) {
-        std::string output(static_cast<size_t>(2 * c.size + 3), '?');
-        EXPECT_EQ(QRB_DB_TransStringToHexNumString(c.text, output.data(), c.size), 0U);
-        EXPECT_STREQ(output.c_str(), c.literal);
-    }
-    char output[8];
-    EXPECT_EQ(QRB_DB_TransStringToHexNumString("a", output, -1), 1U);
-    support::FailAllocation(1);
-    EXPECT_EQ(QRB_DB_TransStringToHexNumString("a", output, 1), 1U);
-    FailCall("strcat_s", 1, 34);
-    EXPECT_EQ(QRB_DB_TransStringToHexNumString("a", output, 1), 1U);
+    Expect({
+        {CALL(QRB_DB_TransStringToHexNumString, "ab", OutText(), 4), "0 0x61620000"},
+        {CALL(QRB_DB_TransStringToHexNumString, "\xFF", OutText(), 1), "0 0xff"},
+        {CALL(QRB_DB_TransStringToHexNumString, "abcdef", OutText(), 3), "0 0x616263"},
+        {CALL(QRB_DB_TransStringToHexNumString, "", OutText(), 2), "0 0x0000"},
+        {CALL(QRB_DB_TransStringToHexNumString, "x", OutText(), 0), "0 0x"},
+        {CALL(QRB_DB_TransStringToHexNumString, "x", OutText(), -1), "1 -"},
+    });
 }
 
 }  // namespace

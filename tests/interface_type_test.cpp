@@ -5,21 +5,12 @@
 
 #include <tarnd_qrb/interface_type.h>
 
-#include <standin/database.h>
-
-#include "support/platform.h"
+#include "calls/calls.h"
 
 namespace {
 
-using support::FailAllocation;
-using support::FailCall;
-using support::TakeLog;
-using support::TakeMessages;
-
-using Messages = std::vector<std::string>;
-
-constexpr uint32_t NONE      = 0xFFFFFFFF;
-constexpr uint32_t UNTOUCHED = 77;
+using namespace calls;
+using standin::Row;
 
 const BDS_IF_TYPE_INFO_S* Published()
 {
@@ -39,109 +30,52 @@ protected:
     {
         PlatformTest::SetUp();
         ForgetTable();
-        standin::Transaction fill;
-        for (const uint32_t type : {0U, 1U, 3U, 8U, 16U, 257U, 300U}) {
-            fill.Insert(standin::Row("if_base")
-                            .Set("if_index", INDEX_OF_TYPE + type)
-                            .Set("if_name", "if" + std::to_string(type))
-                            .Set("if_type", type));
-        }
-        fill.Commit();
     }
-
-    static constexpr uint32_t INDEX_OF_TYPE = 1000;  // interface 1000 + t has type t
 };
 
-TEST_F(InterfaceType, PortTypeOfACode)
+TEST_F(InterfaceType, FromCodeToType)
 {
-    const struct {
-        uint32_t type;
-        uint32_t portType;
-    } cases[] = {{0, 25}, {3, 0}, {6, 0}, {9, 11}, {10, 41}, {16, 1}};
-    for (const auto& c : cases) {
-        uint32_t portType = UNTOUCHED;
-        EXPECT_EQ(BDS_IfPortTypeSwitch(c.type, &portType), 0U);
-        EXPECT_EQ(portType, c.portType) << c.type;
+    for (const uint32_t type : {0U, 3U, 8U, 16U, 257U, 300U}) {
+        Insert({Row("if_base")
+                    .Set("if_index", type)
+                    .Set("if_name", std::to_string(type))
+                    .Set("if_type", type)});
     }
-    uint32_t portType = UNTOUCHED;
-    EXPECT_EQ(BDS_IfPortTypeSwitch(17, &portType), 1U);
-    EXPECT_EQ(BDS_IfPortTypeSwitch(NONE, &portType), 1U);
-    EXPECT_EQ(portType, UNTOUCHED);
-    EXPECT_TRUE(TakeLog().empty());
+    ASSERT_EQ(BDS_InitIfTypeInfo(), 0U);
+    Expect({
+        {CALL(BDS_IfPortTypeSwitch, 0U, Out32()), "0 25"},
+        {CALL(BDS_IfPortTypeSwitch, 3U, Out32()), "0 0"},
+        {CALL(BDS_IfPortTypeSwitch, 6U, Out32()), "0 0"},
+        {CALL(BDS_IfPortTypeSwitch, 9U, Out32()), "0 11"},
+        {CALL(BDS_IfPortTypeSwitch, 10U, Out32()), "0 41"},
+        {CALL(BDS_IfPortTypeSwitch, 16U, Out32()), "0 1"},
+        {CALL(BDS_IfPortTypeSwitch, 17U, Out32()), "1 -"},
+        {CALL(BDS_IfPortTypeSwitch, UINT32_MAX, Out32()), "1 -"},
+        {CALL(IFPDT_GetPortType, 3U), "0"},
+        {CALL(IFPDT_GetPortType, 16U), "1"},
+        {CALL(IFPDT_GetPortType, 300U), "NONE"},
+        {CALL(BDS_IfnetGetPortType, 300U, Out32()), "1 -"},
+        {CALL(IF_INTF_GetPhyTypeByIndex, 0U), "38"},
+        {CALL(IF_INTF_GetPhyTypeByIndex, 3U), "101"},
+        {CALL(IF_INTF_GetPhyTypeByIndex, 8U), "101"},
+        {CALL(IF_INTF_GetPhyTypeByIndex, 16U), "1"},
+        {CALL(IF_INTF_GetPhyTypeByIndex, 257U), "101"},  // not 1, though its low byte is
+        {CALL(IF_INTF_GetPhyTypeByIndex, 300U), "101"},
+    });
 }
 
-TEST_F(InterfaceType, PortTypeOfAnInterface)
+TEST_F(InterfaceType, OnlyAnExplicitBuildReplacesATable)
 {
-    uint32_t portType = UNTOUCHED;
-    EXPECT_EQ(BDS_IfnetGetPortType(INDEX_OF_TYPE + 8, &portType), 0U);
-    EXPECT_EQ(portType, 41U);
-    EXPECT_EQ(support::PlatformCalls(),
-              (std::vector<std::string>{"OrmOpenSessionByDefault", "OrmPrepare", "OrmSetKeyName",
-                                        "OrmSetIndexKeyValue", "OrmExecute", "OrmGetField",
-                                        "OrmCloseSession"}));
-    EXPECT_EQ(IFPDT_GetPortType(INDEX_OF_TYPE + 3), 0U);
-    EXPECT_EQ(IFPDT_GetPortType(INDEX_OF_TYPE + 16), 1U);
-
-    // A type that the table does not know is no news.
-    portType = UNTOUCHED;
-    EXPECT_EQ(BDS_IfnetGetPortType(INDEX_OF_TYPE + 300, &portType), 1U);
-    EXPECT_EQ(IFPDT_GetPortType(INDEX_OF_TYPE + 300), NONE);
-    EXPECT_TRUE(TakeLog().empty());
-
-    EXPECT_EQ(IFPDT_GetPortType(9), NONE);
-    EXPECT_EQ(TakeMessages(), Messages{"BDS_IfnetGetPortType: DB error: 1001000\n"});
-    EXPECT_EQ(BDS_IfnetGetPortType(INDEX_OF_TYPE, nullptr), 1U);
-    EXPECT_EQ(TakeMessages(), Messages{"BDS_IfnetGetPortType: Null value provided\n"});
-    FailCall("OrmCloseSession", 1, 41);
-    EXPECT_EQ(BDS_IfnetGetPortType(INDEX_OF_TYPE, &portType), 1U);
-    EXPECT_EQ(TakeMessages(), Messages{"BDS_IfnetGetPortType: Failed to fetch DB, ret=41\n"});
-    EXPECT_EQ(portType, UNTOUCHED);
-}
-
-TEST_F(InterfaceType, PhysicalType)
-{
-    EXPECT_EQ(IF_INTF_GetPhyTypeByIndex(INDEX_OF_TYPE + 0), 38U);
-    EXPECT_EQ(IF_INTF_GetPhyTypeByIndex(INDEX_OF_TYPE + 1), 6U);
-    EXPECT_EQ(IF_INTF_GetPhyTypeByIndex(INDEX_OF_TYPE + 16), 1U);
-    // 257 is not 1, though its low byte is.
-    for (const uint32_t other : {3U, 8U, 257U, 300U}) {
-        EXPECT_EQ(IF_INTF_GetPhyTypeByIndex(INDEX_OF_TYPE + other), QRB_PHY_TYPE_OTHER) << other;
-    }
-    EXPECT_TRUE(TakeLog().empty());
-    EXPECT_EQ(IF_INTF_GetPhyTypeByIndex(9), QRB_PHY_TYPE_OTHER);
-    EXPECT_EQ(TakeMessages(), Messages{"IF_INTF_GetPhyTypeByIndex: get phy tyep orm read "
-                                       "ifIndex[9] failed, ret = 1001000.\n"});
-}
-
-TEST_F(InterfaceType, FirstQuestionBuildsAndLaterOnesDoNot)
-{
-    uint32_t portType = UNTOUCHED;
-    FailAllocation(1);
-    EXPECT_EQ(BDS_IfPortTypeSwitch(1, &portType), 1U);
-    EXPECT_EQ(TakeMessages(), Messages{"BDS_InitIfTypeInfo: g_pstBDSIfTypeInfo malloc fail\n"});
-    EXPECT_EQ(portType, UNTOUCHED);
-    EXPECT_EQ(Published(), nullptr);
-
+    uint32_t portType = 0;
     EXPECT_EQ(BDS_IfPortTypeSwitch(1, &portType), 0U);
-    const BDS_IF_TYPE_INFO_S* const built = Published();
-    ASSERT_NE(built, nullptr);
-    EXPECT_EQ(BDS_IfPortTypeSwitch(16, &portType), 0U);
-    EXPECT_EQ(Published(), built);
-}
-
-TEST_F(InterfaceType, EveryExplicitBuildReplacesTheTable)
-{
-    EXPECT_EQ(BDS_InitIfTypeInfo(), 0U);
     auto* const first = const_cast<BDS_IF_TYPE_INFO_S*>(Published());
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(BDS_IfPortTypeSwitch(16, &portType), 0U);
+    EXPECT_EQ(Published(), first);
     EXPECT_EQ(BDS_InitIfTypeInfo(), 0U);
-    auto* const second = const_cast<BDS_IF_TYPE_INFO_S*>(Published());
-    EXPECT_NE(first, second);
-    FailAllocation(1);
-    EXPECT_EQ(BDS_InitIfTypeInfo(), 1U);
-    EXPECT_EQ(Published(), nullptr);
+    EXPECT_NE(Published(), first);
     EXPECT_EQ(first[15].third_value, 72);  // whoever still reads an old table may
     free(first);
-    free(second);
 }
 
 TEST_F(InterfaceType, SecondGroupNeedsAWholeTable)

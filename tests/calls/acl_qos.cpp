@@ -1,51 +1,11 @@
 // Access control lists and quality of service.
 #include <tarnd_qrb/acl.h>
-#include <tarnd_qrb/qos.h>
 
-#include "calls/calls.h"
+#include "calls/records.h"
 
 namespace calls {
 
 namespace {
-
-// A profile's record, every member untouched; its remarks or its CAR entries are shown.
-struct Info {
-    QOS_PROFILE_INFO_S  info = {.valid = UNTOUCHED,
-                                .car0  = {UNTOUCHED, UNTOUCHED, UNTOUCHED, UNTOUCHED, UNTOUCHED},
-                                .car1  = {UNTOUCHED, UNTOUCHED, UNTOUCHED, UNTOUCHED, UNTOUCHED},
-                                .pri8021pValid = UNTOUCHED,
-                                .pri8021p0     = UNTOUCHED,
-                                .pri8021p1     = UNTOUCHED,
-                                .dscpValid     = UNTOUCHED,
-                                .dscp0         = UNTOUCHED,
-                                .dscp1         = UNTOUCHED};
-    QOS_PROFILE_INFO_S* Argument() { return &info; }
-};
-
-std::string Texts(std::initializer_list<uint32_t> numbers)
-{
-    std::string texts;
-    for (const uint32_t number : numbers) {
-        texts += (texts.empty() ? "" : " ") + Text(number);
-    }
-    return texts;
-}
-
-struct OutRemarks : Info {
-    std::string Output() const
-    {
-        return Texts({info.valid, info.dscpValid, info.dscp0, info.dscp1, info.pri8021pValid,
-                      info.pri8021p0, info.pri8021p1});
-    }
-};
-
-struct OutCars : Info {
-    std::string Output() const
-    {
-        return Texts({info.valid, info.car0.present, info.car0.field1, info.car0.field3,
-                      info.car0.field2, info.car0.field4, info.car1.present, info.car1.field4});
-    }
-};
 
 // The profile "gold", and one of its lists.
 void OnList(const char* list)
@@ -189,23 +149,23 @@ Calls QosCalls()
             item#2    0 1 1 40 - - - -    | get remark desp list failed. ret: 2002
             value#1   0 - - - - - - -     | get remark desp list failed. ret: %
             value#2   0 1 1 40 - - - -    | get remark desp list failed. ret: %)"},
-        {CALL(QOS_GetCarInfo, 0U, 1U, OutCars()), R"(0 1 1 10 30 20 40 1 41
+        {CALL(QOS_GetCarInfo, 0U, 1U, OutCars()), R"(0 1 1 10 30 20 40 1 11 31 21 41
             close     = | orm close session failed
-            list=10058   0 - - - - - - - -        | car list is not exist. ret = %
-            list      0 - - - - - - - -        | orm prepare for scan failed.ret = %
-            size!     0 - - - - - - - -        | orm close session failed
-            size      0 - - - - - - - -
-            item#1    0 - - - - - - - -        | orm prepare for scan failed. ret = %+8008
-            item#2    0 1 1 10 30 20 40 - -    | orm prepare for scan failed. ret = %+8008
-            value#1-4 0 - - - - - - - -        | orm prepare for scan failed. ret = %
-            value     0 1 1 10 30 20 40 - -    | orm prepare for scan failed. ret = %
+            list=10058   0 - - - - - - - - - - -  | car list is not exist. ret = %
+            list      0 - - - - - - - - - - -  | orm prepare for scan failed.ret = %
+            size!     0 - - - - - - - - - - -  | orm close session failed
+            size      0 - - - - - - - - - - -
+            item#1    0 - - - - - - - - - - -  | orm prepare for scan failed. ret = %+8008
+            item#2    0 1 1 10 30 20 40 - - - - - | orm prepare for scan failed. ret = %+8008
+            value#1-4 0 - - - - - - - - - - -  | orm prepare for scan failed. ret = %
+            value     0 1 1 10 30 20 40 - - - - - | orm prepare for scan failed. ret = %
             reporter  QOS_SetQosIntePk
             behind    qos read db in car info failed.
-            open      0 - - - - - - - -        | [qrb qos]error : open session failed. ret: %
-            prepare   0 - - - - - - - -        | [qrb qos]error : prepare failed. ret: %
-            key       0 - - - - - - - -        | [qrb qos]error : set key failed. ret: %
-            execute   0 - - - - - - - -        | [qrb qos]error : execute failed. ret: %)"},
-        {CALL(QOS_AssignCars, OutCars(), 0U, 10U, 20U, 30U, 40U), " - 1 10 30 20 40 - -"},
+            open      0 - - - - - - - - - - -  | [qrb qos]error : open session failed. ret: %
+            prepare   0 - - - - - - - - - - -  | [qrb qos]error : prepare failed. ret: %
+            key       0 - - - - - - - - - - -  | [qrb qos]error : set key failed. ret: %
+            execute   0 - - - - - - - - - - -  | [qrb qos]error : execute failed. ret: %)"},
+        {CALL(QOS_AssignCars, OutCars(), 0U, 10U, 20U, 30U, 40U), " - 1 10 30 20 40 - - - - -"},
     };
 }
 // clang-format on

@@ -1,7 +1,5 @@
 // IPv4 addresses. Interface 1 has 10.0.0.1/24 of type 6 and 10.0.0.2/25 of type 1.
-#include <tarnd_qrb/ipv4_address.h>
-
-#include "calls/calls.h"
+#include "calls/records.h"
 
 namespace calls {
 
@@ -13,26 +11,13 @@ constexpr uint32_t SECOND   = 0x0A000002;
 struct OutItem {
     BDS_IPV4_ADDR_ITEM_S  item = {UNTOUCHED, UNTOUCHED, UNTOUCHED};
     BDS_IPV4_ADDR_ITEM_S* Argument() { return &item; }
-    std::string           Output() const
-    {
-        return Text(item.address) + ' ' + Text(item.masklen) + ' ' + Text(item.type);
-    }
-};
-
-struct OutBoth {
-    SYSAPI_IP4_ADDR_S  both[2] = {{UNTOUCHED, UNTOUCHED}, {UNTOUCHED, UNTOUCHED}};
-    SYSAPI_IP4_ADDR_S* Argument() { return both; }
-    std::string        Output() const
-    {
-        return Text(both[0].address) + ' ' + Text(both[0].masklen) + ' ' + Text(both[1].address) +
-               ' ' + Text(both[1].masklen);
-    }
+    std::string           Output() const { return Texts({item.address, item.masklen, item.type}); }
 };
 
 struct OutPair {
     uint32_t    pair[2] = {UNTOUCHED, UNTOUCHED};
     uint32_t*   Argument() { return pair; }
-    std::string Output() const { return Text(pair[0]) + ' ' + Text(pair[1]); }
+    std::string Output() const { return Texts({pair[0], pair[1]}); }
 };
 
 void OnItem()
@@ -82,12 +67,12 @@ Calls AddressCalls()
             prepare   NONE | get main ipv4 addr prepare am_ipv4_address fail, ret=%\n
             any       NONE | get main ipv4 addr set primary am_ipv4_address fail, ret=%\n)",
             {}, Closed},
-        {CALL(BDS_IPGetIpv4AddrTblItem, node, OutItem()), R"(0 0xa000001 24 6
+        {CALL(BDS_IPGetIpv4AddrTblItem, node, OutItem()), R"(0 10.0.0.1 24 6
             value#1   NONE - - -          | get ipv4 addr item address fail, ret=%\n
-            value#2   NONE 0xa000001 - -  | get ipv4 addr item masklen fail, ret=%\n
-            value#3   NONE 0xa000001 24 - | get ipv4 addr item type fail, ret=%\n)",
+            value#2   NONE 10.0.0.1 - -  | get ipv4 addr item masklen fail, ret=%\n
+            value#3   NONE 10.0.0.1 24 - | get ipv4 addr item type fail, ret=%\n)",
             OnItem, Closed},
-        {CALL(BDS_IPGetMainIpByIfIndex, 1U, Out32(), Out32()), R"(0 0xa000002 25
+        {CALL(BDS_IPGetMainIpByIfIndex, 1U, Out32(), Out32()), R"(0 10.0.0.2 25
             reporter  BDS_IPGetIpv4AddrTblByIfIndex
             behind    get main ipv4 get db session fail ret=4294967295, ifIndex=1\n
             open      NONE - - | get main ipv4 addr create db session fail, ret=%\n
@@ -111,16 +96,16 @@ Calls AddressCalls()
             value#5   NONE - - | get ipv4 addr item masklen fail, ret=%\n
             value#6   NONE - - | get ipv4 addr item type fail, ret=%\n)"},
 
-        {CALL(IP_GetMainIpAddr, 1U, Out32(), Out32()), R"(0 0xa000002 25
+        {CALL(IP_GetMainIpAddr, 1U, Out32(), Out32()), R"(0 10.0.0.2 25
             closing   1 - -
             session   1 - -)"},
-        {CALL(IP_GetMask, 1U, SECOND, Out32()), R"(0 0xffffff80
-            closing   1 0xffffff80
+        {CALL(IP_GetMask, 1U, SECOND, Out32()), R"(0 255.255.255.128
+            closing   1 255.255.255.128
             session   1 -)"},
-        {CALL(BDS_IPGetIFBestMatchIpAddr, 1U, 0x0A000009U, Out32(), Out32(), Out32()), R"(0 25 0xa000000 0xa000002
-            closing   1 25 0xa000000 0xa000002
-            item#2    1 24 0xa000000 0xa000001 | DB error: %\n
-            value#3-4 1 24 0xa000000 0xa000001 | DB error: %\n
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 1U, 0x0A000009U, Out32(), Out32(), Out32()), R"(0 25 10.0.0.0 10.0.0.2
+            closing   1 25 10.0.0.0 10.0.0.2
+            item#2    1 24 10.0.0.0 10.0.0.1 | DB error: %\n
+            value#3-4 1 24 10.0.0.0 10.0.0.1 | DB error: %\n
             session   1 - - -)"},
         {CALL(BDS_IPv6GetValidGlobalAddrByIfIndex, 1U, Out8()), "1 -"},
         {CALL(IP6_Addr_GetValidGlobalAddrOnIf, 1U, Out8()), "0 -"},
@@ -129,20 +114,20 @@ Calls AddressCalls()
             execute=1001000  0
             closing   2
             session   0)"},
-        {CALL(SYSAPI_GetIp4AllAddrByIf, 1U, OutBoth(), 2U), R"(0 0xa000001 24 0xa000002 25
-            closing   1 0xa000001 24 0xa000002 25
-            value#2   1 0xa000001 - - - | DB error: %\n
-            item#2    1 0xa000001 24 - - | DB error: %\n
-            value#3   1 0xa000001 24 - - | DB error: %\n
-            value#4   1 0xa000001 24 0xa000002 - | DB error: %\n
+        {CALL(SYSAPI_GetIp4AllAddrByIf, 1U, OutAddresses(), 2U), R"(0 10.0.0.1 24 10.0.0.2 25
+            closing   1 10.0.0.1 24 10.0.0.2 25
+            value#2   1 10.0.0.1 - - - | DB error: %\n
+            item#2    1 10.0.0.1 24 - - | DB error: %\n
+            value#3   1 10.0.0.1 24 - - | DB error: %\n
+            value#4   1 10.0.0.1 24 10.0.0.2 - | DB error: %\n
             session   1 - - - -)"},
         {CALL(BDS_IPIFIsThisIfIpAddr, 1U, SECOND), "1" + Fill(COUNTING, {
             {"$caller", "BDS_IPIFIsThisIfIpAddr"}, {"$none", "0"}, {"$quiet", "Interface 1 without addresses passed\\n"},
             {"$memory", "0"}, {"$unread", "0"}, {"$half", "0"}})},
-        {CALL(BDS_IPIFGetThisIfIpAddr, 1U, OutPair(), 2U, Out32()), "0 0xa000001 0xa000002 2" + Fill(COUNTING, {
+        {CALL(BDS_IPIFGetThisIfIpAddr, 1U, OutPair(), 2U, Out32()), "0 10.0.0.1 10.0.0.2 2" + Fill(COUNTING, {
             {"$caller", "BDS_IPIFGetThisIfIpAddr"}, {"$none", "0 - - 0"}, {"$quiet", "-"},
-            {"$memory", "1 - - -"}, {"$unread", "0 0 0 2"}, {"$half", "0 0xa000001 0 2"}})},
-        {CALL(BDS_IPGetFirstIpByIfIndex, 1U, Out32()), "0 0xa000001" + Fill(COUNTING, {
+            {"$memory", "1 - - -"}, {"$unread", "0 0 0 2"}, {"$half", "0 10.0.0.1 0 2"}})},
+        {CALL(BDS_IPGetFirstIpByIfIndex, 1U, Out32()), "0 10.0.0.1" + Fill(COUNTING, {
             {"$caller", "BDS_IPGetFirstIpByIfIndex"}, {"$none", "1 -"}, {"$quiet", "-"},
             {"$memory", "1 -"}, {"$unread", "0 0"}, {"$half", "="}})},
 

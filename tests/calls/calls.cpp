@@ -2,9 +2,6 @@
 #include "calls/calls.h"
 
 #include <array>
-#include <cstdio>
-
-#include <standin/database.h>
 
 namespace calls {
 
@@ -12,18 +9,37 @@ ORM_SESSION session = 0;
 ORM_SCAN    scan    = 0;
 ORM_NODE    node    = 0;
 
-// Addresses in hexadecimal.
 std::string Text(uint32_t number)
 {
-    char text[16];
-    std::snprintf(text, sizeof(text), number < 0x1000000 ? "%u" : "%#x", number);
-    return number == UNTOUCHED ? "-" : number == UINT32_MAX ? "NONE" : text;
+    const auto octet = [number](int shift) { return std::to_string(number >> shift & 0xFF); };
+    return number == UNTOUCHED    ? "-"
+           : number == UINT32_MAX ? "NONE"
+           : number < 1U << 24    ? std::to_string(number)
+                                  : octet(24) + '.' + octet(16) + '.' + octet(8) + '.' + octet(0);
+}
+
+std::string Texts(std::initializer_list<uint32_t> numbers)
+{
+    std::string texts;
+    for (const uint32_t number : numbers) {
+        texts += (texts.empty() ? "" : " ") + Text(number);
+    }
+    return texts;
 }
 
 std::string Text(const char* text)
 {
     const std::string_view view = text;
     return view == "untouched" ? "-" : view.empty() ? R"("")" : text;
+}
+
+void Insert(const std::vector<standin::Row>& rows)
+{
+    standin::Transaction write;
+    for (const standin::Row& row : rows) {
+        write.Insert(row);
+    }
+    write.Commit();
 }
 
 void Opened()
@@ -72,8 +88,8 @@ void Interfaces(standin::Transaction& fill)
     fill.Insert(Row("if_phy")
                     .Set("if_index", 1)
                     .Set("phy_state", 1)
-                    .Set("slot_id", 3)
-                    .Set("port_id", 4)
+                    .Set("slot_id", 0x01020304)
+                    .Set("port_id", 0xF1F2F3F4)
                     .SetBytes("mac_addr", mac));
     fill.Insert(Row("if_link").Set("if_index", 1).Set("link_state", 1));
     fill.Insert(Row("if_route").Set("if_index", 1).Set("route_state", 1));

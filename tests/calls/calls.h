@@ -26,6 +26,7 @@
 #include <climits>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -34,6 +35,8 @@
 #include <vector>
 
 #include <tarnd_platform/orm.h>
+
+#include <standin/database.h>
 
 #include "support/platform.h"
 
@@ -110,6 +113,8 @@ Outcome WithFault(const Expectation& expectation, const Lines& points, const Fau
 using Values = std::vector<std::pair<const char*, std::string>>;
 std::string Fill(std::string text, const Values& values);
 
+void Insert(const std::vector<standin::Row>& rows);
+
 // The session that a call works in or hands out, and a place in it. Positioned moves to the first
 // row of a table; Closed closes what is open.
 extern ORM_SESSION session;
@@ -121,8 +126,10 @@ void               Closed();
 
 inline constexpr uint32_t UNTOUCHED = 77;
 
+// Of numbers from 2^24 on, the four octets.
 std::string Text(uint32_t number);
 std::string Text(const char* text);
+std::string Texts(std::initializer_list<uint32_t> numbers);
 
 // Arguments of a call that are outputs.
 template <typename Value>
@@ -182,4 +189,5 @@ std::string Run(Function function, Arguments... arguments)
 }  // namespace calls
 
 // The name and the run of a call, with its arguments.
-#define CALL(function, ...) #function, [] { return Run(function __VA_OPT__(, ) __VA_ARGS__); }
+#define CALL(function, ...) \
+#function, [] { return ::calls::Run(function __VA_OPT__(, ) __VA_ARGS__); }

@@ -57,19 +57,19 @@ Calls DatabaseCalls()
             {}, Closed},
         {CALL(QRB_DB_SESSION_SetKey, session, QRB_ORM_OP_READ, "if_phy", &IF_INDEX, SetIfIndex),
             "0" + KEYED, Opened, Closed},
-        {CALL(QRB_DB_SESSION_Get, session, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), R"(0 3
+        {CALL(QRB_DB_SESSION_Get, session, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), R"(0 1.2.3.4
             prepare   % - | QRB_DB_SESSION_SetKey: Table: if_phy prepare failed.
             key       % - | QRB_DB_SESSION_SetKey: Table: if_phy set key failed.
             execute   % - | QRB_DB_SESSION_SetKey: Table: if_phy execute failed.
             field     % - | Table: if_phy get fields failed.)",
             Opened, Closed},
-        {CALL(QRB_DB_Get, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), R"(0 3
+        {CALL(QRB_DB_Get, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), R"(0 1.2.3.4
             open      % - | Table: if_phy open session failed.
             prepare   % - | QRB_DB_SESSION_SetKey: Table: if_phy prepare failed.
             key       % - | QRB_DB_SESSION_SetKey: Table: if_phy set key failed.
             execute   % - | QRB_DB_SESSION_SetKey: Table: if_phy execute failed.
             field     % - | QRB_DB_SESSION_Get: Table: if_phy get fields failed.
-            close     % 3)"},
+            close     % 1.2.3.4)"},
         {CALL(QRB_DB_SESSION_Scan, session, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(),
               "vlan_scope0 = 0", nullptr), SCANNED, Opened, Closed},
         {CALL(QRB_DB_SESSION_Scan, session, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(),
@@ -80,12 +80,12 @@ Calls DatabaseCalls()
             field#2   1 20 - | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n | DB error: 1\n
             next#3    1 10 - | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n | DB error: 1\n
             scan      1 - -; 1 10 -)"},
-        {"QRB_DB_TransStringToHexNumString", [] {
-             char           literal[7] = "";
-             const uint32_t ret        = QRB_DB_TransStringToHexNumString("ab", literal, 2);
-             return Text(ret) + (ret == 0 ? literal + 1 : "");
-         }, R"(0x6162
-            any       1)"},
+        {CALL(QRB_DB_TransStringToHexNumString, "ab", OutText(), 2), R"(0 0x6162
+            memory    1 -
+            copy#1    1 -
+            format#1  1 0x
+            copy#2    1 0x
+            any       1 0x61)"},
     };
 }
 // clang-format on

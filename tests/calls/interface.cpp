@@ -19,9 +19,12 @@ struct OutBase {
 };
 
 struct OutMac {
-    uint8_t     mac[6] = {UNTOUCHED, 0, 0, 0, 0, UNTOUCHED};
+    uint8_t     mac[7] = {UNTOUCHED, 0, 0, 0, 0, UNTOUCHED, UNTOUCHED};
     uint8_t*    Argument() { return mac; }
-    std::string Output() const { return Text(mac[0]) + ' ' + Text(mac[5]); }
+    std::string Output() const
+    {
+        return Texts({mac[0], mac[1], mac[2], mac[3], mac[4], mac[5], mac[6]});
+    }
 };
 
 struct OutTypes {
@@ -138,16 +141,16 @@ Calls InterfaceCalls()
         {CALL(BDS_IfnetIsSwitchPort, 1U), R"(1
             read=1001000  0
             read      0 | Failed to fetch port status for ifIndex=1, ret=%)"},
-        {CALL(IF_INTF_GetSlotByIndex, 1U), R"(3
+        {CALL(IF_INTF_GetSlotByIndex, 1U), R"(1.2.3.4
             read      NONE | Database error: [%], info: read if phy failed\n)"},
-        {CALL(IF_INTF_GetPortByIndex, 1U), R"(4
+        {CALL(IF_INTF_GetPortByIndex, 1U), R"(241.242.243.244
             read      NONE | Database error: [%], info: read if phy failed\n)"},
-        {CALL(BDS_IfnetGetCardByIfIndex, 1U, Out32()), R"(0 4
+        {CALL(BDS_IfnetGetCardByIfIndex, 1U, Out32()), R"(0 241.242.243.244
             read      1 - | Failed to fetch if_phy, ret=%\n)"},
-        {CALL(BDS_IfnetGetIfMacByIfIndex, 1U, OutMac()), R"(0 2 48
-            any       1 - -)"},
-        {CALL(IF_GetMacAddrByIfIndex, 1U, OutMac()), R"(0 2 48
-            any       1 - -)"},
+        {CALL(BDS_IfnetGetIfMacByIfIndex, 1U, OutMac()), R"(0 2 0 94 16 32 48 -
+            any       1 - 0 0 0 0 - -)"},
+        {CALL(IF_GetMacAddrByIfIndex, 1U, OutMac()), R"(0 2 0 94 16 32 48 -
+            any       1 - 0 0 0 0 - -)"},
         {CALL(IF_GetSlotStrBySlotId, -5, OutText()), R"(0 -5
             format    1 - | sprintf_s failed\n
             copy      1 - | strcpy_s failed\n)"},

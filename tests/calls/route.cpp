@@ -17,7 +17,7 @@ constexpr FIB_PREFIX_S PROBE       = {DESTINATION, 32};
 struct OutIndexes {
     uint32_t    indexes[2] = {UNTOUCHED, UNTOUCHED};
     uint32_t*   Argument() { return indexes; }
-    std::string Output() const { return Text(indexes[0]) + ' ' + Text(indexes[1]); }
+    std::string Output() const { return Texts({indexes[0], indexes[1]}); }
 };
 
 struct OutNextHops {
@@ -25,8 +25,8 @@ struct OutNextHops {
     FIB_NHP_S*  Argument() { return nextHops; }
     std::string Output() const
     {
-        std::string text = Text(nextHops[0].firstValue) + ' ' + Text(nextHops[0].secondValue);
-        return text + ' ' + Text(nextHops[1].firstValue) + ' ' + Text(nextHops[1].secondValue);
+        return Texts({nextHops[0].firstValue, nextHops[0].secondValue, nextHops[1].firstValue,
+                      nextHops[1].secondValue});
     }
 };
 
