@@ -1,5 +1,7 @@
 // The three scans of a route inquiry: destination to group, group to next-hop indexes, index to
 // next hop.
+#include <bit>
+
 #include <tarnd_qrb/route.h>
 
 #include "db/access.h"
@@ -53,8 +55,9 @@ void Finish(const SCAN_S& scan)
     OrmCloseSession(scan.session);
 }
 
-// False, and logged, at the end of the table as after a failure.
-bool Advance(LOG_SITE_S site, const SCAN_S& scan)
+// False, and logged, at the end of the table as after a failure. Inline, for it is done for each
+// row of a table that may have a million.
+inline bool Advance(LOG_SITE_S site, const SCAN_S& scan)
 {
     uint8_t        end = 0;
     const uint32_t ret = OrmScanNext(scan.session, scan.scan, &end);
@@ -134,6 +137,15 @@ bool FindNextHop(LOG_SITE_S site, const SCAN_S& scan, uint32_t nhpIndex, FIB_NHP
 }
 
 }  // namespace
+
+uint32_t FIB_AM_PrefixMatch(const FIB_PREFIX_S* prefix, const FIB_PREFIX_S* probe)
+{
+    // The leading zeros of the difference are the bits that both share: 32 for equal addresses.
+    return prefix->prefixLen <= probe->prefixLen &&
+                   prefix->prefixLen <= std::countl_zero(prefix->address ^ probe->address)
+               ? 1
+               : 0;
+}
 
 uint32_t FIB_ScanIp4Forward(uint32_t destination, uint32_t* groupId)
 {
