@@ -17,6 +17,11 @@ size_t BucketsFor(size_t rows, size_t smallest)
 
 }  // namespace
 
+KeyIndex::KeyIndex(const Key& key, size_t buckets)
+    : key_(&key), buckets_(buckets), homeShift_(64 - std::countr_zero(buckets))
+{
+}
+
 size_t KeyIndex::BucketOf(const StoredRow& row) const
 {
     size_t at = Home(HashOf(KeyOf(row)));
@@ -66,8 +71,7 @@ bool KeyIndex::Fits(size_t more) const
 
 KeyIndex KeyIndex::Resized(size_t more) const
 {
-    KeyIndex resized(*key_);
-    resized.buckets_.assign(BucketsFor(count_ + more, smallest), empty);
+    KeyIndex resized(*key_, BucketsFor(count_ + more, smallest));
     for (const Bucket bucket : buckets_) {
         if (bucket != empty) {
             resized.Insert(*RowIn(bucket));
