@@ -168,9 +168,9 @@ void EmptyTables()
         }
     }
     for (const RowOrder& order : taken) {
-        for (size_t place = 0; place < order.SlotCount(); place++) {
-            if (const StoredRow* row = order.At(place).row) {
-                Release(row);
+        for (const RowOrder::Slot& slot : order.Slots()) {
+            if (slot.row != nullptr) {
+                Release(slot.row);
             }
         }
     }

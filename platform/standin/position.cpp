@@ -50,6 +50,28 @@ uint32_t Position::Copy(const Field* field, void* destination, uint32_t size) co
     return CopyFieldOf(field, row_->Record(), destination, size);
 }
 
+namespace {
+
+// Most fields are numbers: known sizes make no calls.
+void CopyBytes(void* to, const void* from, uint32_t size)
+{
+    switch (size) {
+        case 1:
+            std::memcpy(to, from, 1);
+            break;
+        case 2:
+            std::memcpy(to, from, 2);
+            break;
+        case 4:
+            std::memcpy(to, from, 4);
+            break;
+        default:
+            std::memcpy(to, from, size);
+    }
+}
+
+}  // namespace
+
 uint32_t CopyFieldOf(const Field* field, const uint8_t* bytes, void* destination, uint32_t size)
 {
     if (field == nullptr) {
@@ -58,7 +80,7 @@ uint32_t CopyFieldOf(const Field* field, const uint8_t* bytes, void* destination
     if (size != field->width) {
         return Refusal::WrongSize;
     }
-    std::memcpy(destination, bytes + field->offset, size);
+    CopyBytes(destination, bytes + field->offset, size);
     return ORM_OK;
 }
 

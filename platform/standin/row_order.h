@@ -23,10 +23,9 @@ public:
     // The first slot of at least this sequence; guess is looked at first.
     size_t PlaceOf(uint64_t sequence, size_t guess) const;
 
-    size_t      SlotCount() const { return slots_.size(); }
-    size_t      RowCount() const { return rows_; }
-    const Slot& At(size_t place) const { return slots_[place]; }
-    uint64_t    NextSequence() const { return nextSequence_; }
+    const std::deque<Slot>& Slots() const { return slots_; }
+    size_t                  RowCount() const { return rows_; }
+    uint64_t                NextSequence() const { return nextSequence_; }
 
     // Whether most slots are of deleted rows; then the same without them.
     bool     IsSparse() const;

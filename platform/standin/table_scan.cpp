@@ -46,27 +46,22 @@ void TableScan::Fetch()
 
 void TableScan::FetchBatch()
 {
-    const RowOrder& order = store_->Order();
-    const size_t    slots = order.SlotCount();
-    size_t          place = order.PlaceOf(next_, place_);
-    for (size_t looks = 0; looks < mostLooks && fetched_ < Pins::capacity; looks++, place++) {
-        if (place == slots || order.At(place).sequence >= end_) {
+    const auto& slots = store_->Order().Slots();
+    place_            = store_->Order().PlaceOf(next_, place_);
+    auto slot         = slots.begin() + static_cast<ptrdiff_t>(place_);
+    for (size_t looks = 0; looks < mostLooks && fetched_ < Pins::capacity; looks++) {
+        if (slot == slots.end() || slot->sequence >= end_) {
             next_ = end_;
             return;
         }
-        const StoredRow* row = order.At(place).row;
-        if (Wants(row)) {
-            pins_.Set(fetched_++, *row);
-            Prefetch(*row);
+        if (slot->row != nullptr && condition_->Matches(slot->row->Record())) {
+            pins_.Set(fetched_++, *slot->row);
+            Prefetch(*slot->row);
         }
+        ++slot;
+        ++place_;
     }
-    next_  = place == slots ? end_ : order.At(place).sequence;
-    place_ = place;
-}
-
-bool TableScan::Wants(const StoredRow* row) const
-{
-    return row != nullptr && (condition_->IsEmpty() || condition_->Matches(row->Record()));
+    next_ = slot == slots.end() ? end_ : slot->sequence;
 }
 
 }  // namespace standin

@@ -30,7 +30,6 @@ public:
 private:
     void Fetch();
     void FetchBatch();
-    bool Wants(const StoredRow* row) const;
 
     Pins&             pins_;
     const TableStore* store_     = nullptr;
