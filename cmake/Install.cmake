@@ -3,14 +3,13 @@ include(CMakePackageConfigHelpers)
 
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/tarnd_qrb)
-set(standin_include_dir ${CMAKE_INSTALL_INCLUDEDIR}/tarnd_standin)
 
 # Libraries. Outside a system's own folders they find each other, and the shell them, wherever the
 # whole is moved.
 if(NOT CMAKE_INSTALL_PREFIX MATCHES "^/usr/?$")
   set_target_properties(tarnd_qrb PROPERTIES INSTALL_RPATH "$ORIGIN")
   file(RELATIVE_PATH libraries /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
-  set(shell_rpath "$ORIGIN/${libraries}")
+  set_target_properties(tarnd-qrb PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
 endif()
 set_target_properties(tarnd_qrb PROPERTIES EXPORT_NAME qrb)
 set_target_properties(tarnd_platform PROPERTIES EXPORT_NAME platform)
@@ -24,7 +23,7 @@ install(TARGETS tarnd_contract EXPORT tarnd_qrb)
 # Headers: the library's, the platform contract's, and the stand-in's writing side.
 install(DIRECTORY include/tarnd_qrb platform/include/tarnd_platform
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(DIRECTORY platform/standin/include/ DESTINATION ${standin_include_dir})
+install(DIRECTORY platform/standin/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarnd_standin)
 
 # For find_package and pkg-config.
 install(EXPORT tarnd_qrb NAMESPACE tarnd:: DESTINATION ${package_dir} FILE tarnd_qrb-config.cmake)
@@ -39,10 +38,8 @@ foreach(name tarnd_qrb tarnd_platform)
 endforeach()
 
 # The shell, and devices for it.
-if(TARGET tarnd-qrb)
-  set_target_properties(tarnd-qrb PROPERTIES INSTALL_RPATH "${shell_rpath}")
-  install(TARGETS tarnd-qrb RUNTIME COMPONENT shell)
-endif()
+install(TARGETS tarnd-qrb RUNTIME COMPONENT shell)
+install(FILES docs/man/tarnd-qrb.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT shell)
 install(DIRECTORY data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/tarnd_qrb COMPONENT shell)
 
 # To read.

@@ -1,0 +1,95 @@
+// A module that watches ports join and leave VLANs; and, to have something to see, the daemon that
+// starts the library and a device that changes.
+#include <semaphore>
+
+#include <cinttypes>
+#include <cstdio>
+
+#include <standin/database.h>
+#include <tarnd_qrb/event_publish.h>
+#include <tarnd_qrb/event_registry.h>
+#include <tarnd_qrb/interface_lookup.h>
+#include <tarnd_qrb/listener.h>
+#include <tarnd_qrb/memory_map.h>
+#include <tarnd_qrb/records.h>
+#include <tarnd_qrb/subscription.h>
+
+namespace {
+
+// The module.
+
+constexpr char     moduleName[] = "watch";
+constexpr uint16_t priority     = 100;
+
+std::counting_semaphore seen(0);
+
+void Report(const QRB_PORT_S& port, const char* what)
+{
+    const uint32_t ifIndex                = port.if_index;
+    char           name[QRB_IF_NAME_SIZE] = "?";
+    IF_GetIfNameByIndex(ifIndex, name);  // a callback may ask
+    std::printf("%s (%" PRIu32 ") %s\n", name, ifIndex, what);
+    seen.release();
+}
+
+// Runs on the library's listener thread, and should be quick: all that comes later waits for it.
+uint32_t OnVlanAddPort(const void* data, uint32_t, void*, uint64_t*)
+{
+    Report(*static_cast<const QRB_PORT_S*>(data), "joined a VLAN");
+    return 0;
+}
+
+uint32_t OnVlanDelPort(const void* data, uint32_t, void*, uint64_t*)
+{
+    Report(*static_cast<const QRB_PORT_S*>(data), "left a VLAN");
+    return 0;
+}
+
+bool RegisterModule()
+{
+    return L2IF_SH_EvtCbFuncReg(moduleName, L2IF_EVT_VLAN_ADD_PORT, priority, OnVlanAddPort) == 0 &&
+           L2IF_SH_EvtCbFuncReg(moduleName, L2IF_EVT_VLAN_DEL_PORT, priority, OnVlanDelPort) == 0;
+}
+
+// The device.
+
+void Write(const standin::Row& row)
+{
+    standin::Transaction transaction;
+    transaction.Replace(row);
+    transaction.Commit();
+}
+
+standin::Row Port()
+{
+    standin::Row port("port");
+    port.Set("if_index", 7).Set("switch_port", 1);
+    return port;
+}
+
+}  // namespace
+
+// The daemon.
+
+int main()
+{
+    Write(standin::Row("if_base").Set("if_index", 7).Set("if_name", "Ethernet0/0/7"));
+    Write(Port());
+
+    // Modules register before the changes arrive that they care about.
+    MEM_EX_Init();
+    if (!RegisterModule() || BDS_InitStart() != 0) {
+        std::fputs("the library did not start; see the system log\n", stderr);
+        return 1;
+    }
+
+    Write(Port().AddToSet("vlan_bitmap_1", 10, 10));
+    seen.acquire();
+    Write(Port());
+    seen.acquire();
+
+    // The listener ends within two seconds.
+    __atomic_store_n(&g_epollDbListenerThreadExit, 1, __ATOMIC_RELEASE);
+    pthread_join(g_epollDbListenerThreadId, nullptr);
+    return 0;
+}
