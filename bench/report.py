@@ -55,7 +55,8 @@ TIMES = [
     ("list push and pop, over malloc, copy, free", "list_push_pop/util_list", "list_push_pop/malloc_copy_free", AT_MOST, 1.5),
     ("list push and pop, over std::list", "list_push_pop/util_list", "list_push_pop/std_list", None, None),
     ("list push and pop, over GQueue", "list_push_pop/util_list", "list_push_pop/gqueue", LESS, 1),
-    ("sorted insert of 100, over std::list", "list_sorted_insert/util_list", "list_sorted_insert/std_list", AT_MOST, 1),
+    ("sorted insert of 100, over std::list by the same comparator", "list_sorted_insert/util_list", "list_sorted_insert/std_list", AT_MOST, 1),
+    ("the same, its comparator inlined", "list_sorted_insert/util_list", "list_sorted_insert/std_list_inlined", None, None),
     ("sorted insert of 100, over GQueue", "list_sorted_insert/util_list", "list_sorted_insert/gqueue", None, None),
     *[
         (f"publishing to {callbacks}, over {name}", f"publish/registry/{callbacks}", f"publish/{other}/{callbacks}", *aim)
@@ -65,6 +66,9 @@ TIMES = [
             ("GList", "glist", None, None),
         ]
     ],
+    ("write to callback, over bare eventfd and epoll_wait", "write_to_callback/library/manual_time", "write_to_callback/bare/manual_time", AT_MOST, 1.5),
+    ("one of 10,000 queued changes, over the same", "write_to_callback/queued_10000/manual_time", "write_to_callback/bare/manual_time", AT_MOST, 1),
+    ("port update that changes nothing watched, over the same by hand", "port_unchanged/library/manual_time", "port_unchanged/by_hand/manual_time", AT_MOST, 1.3),
     ("inquiry of the last of a million routes, a row, over the same by hand", "last_route/library/1000000", "last_route/by_hand/1000000", AT_MOST, 1.05),
     ("the same, a million routes over a thousand", "last_route/library/1000000", "last_route/library/1000", None, None),
     ("loading the library, over an empty one", "load/library", "load/empty", None, None),
