@@ -1,0 +1,323 @@
+// What following a server costs. bench/cluster starts the server and runs this against it:
+//
+//   fill COUNT   puts rows there: COUNT routes, and an interface to ask for
+//   start        how long it takes until they are here, beside only receiving them
+//   storm        how many changes a second come, and what queries cost meanwhile
+//   delay        how long a change takes to its callback, beside ovsdb-client monitor
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+#include <stdexcept>
+#include <thread>
+
+#include <tarnd_platform/orm_subscription.h>
+#include <tarnd_qrb/interface_lookup.h>
+
+#include "sources/cluster.h"
+
+namespace {
+
+using sources::Cluster;
+using sources::Write;
+using sources::ovsdb::Json;
+using standin::Row;
+using Clock   = std::chrono::steady_clock;
+using Seconds = std::chrono::duration<double>;
+
+double SecondsSince(Clock::time_point begin)
+{
+    return Seconds(Clock::now() - begin).count();
+}
+
+double ThreadSeconds()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+// A client without any of ours: requests out, answers in.
+class BareClient {
+public:
+    explicit BareClient(const std::string& path) : socket_(socket(AF_UNIX, SOCK_STREAM, 0))
+    {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+        if (connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0)
+            throw std::runtime_error(path + " does not answer");
+    }
+    ~BareClient() { close(socket_); }
+    BareClient(const BareClient&)            = delete;
+    BareClient& operator=(const BareClient&) = delete;
+
+    void Send(const char* method, const Json& parameters)
+    {
+        const std::string text = Json{{"id", 1}, {"method", method}, {"params", parameters}}.dump();
+        if (write(socket_, text.data(), text.size()) != static_cast<ssize_t>(text.size()))
+            throw std::runtime_error("a request was not sent");
+    }
+
+    // The size of the next message.
+    size_t Receive()
+    {
+        for (;;) {
+            if (const auto message = framing_.Next())
+                return message->size();
+            char          bytes[1 << 16];
+            const ssize_t size = read(socket_, bytes, sizeof bytes);
+            if (size <= 0)
+                throw std::runtime_error("the server ended the connection");
+            framing_.Add({bytes, static_cast<size_t>(size)});
+        }
+    }
+
+    void SetSpeed(uint64_t speed)
+    {
+        const Json where = Json::array({Json::array({"if_index", "==", 1})});
+        Send("transact", Json::array({sources::ovsdb::database,
+                                      {{"op", "update"},
+                                       {"table", "if_phy"},
+                                       {"where", where},
+                                       {"row", {{"speed", speed}}}}}));
+    }
+
+private:
+    int                     socket_;
+    sources::ovsdb::Framing framing_;
+};
+
+// ---- callbacks ----
+
+std::atomic<uint64_t> callbacks;
+std::atomic<uint32_t> lastSpeed;
+std::atomic<int64_t>  lastCallback;  // of the steady clock
+
+void OnChange(ORM_MESSAGE message, uint32_t)
+{
+    uint32_t speed = 0;
+    for (uint8_t end = 0; OrmSubFetchNext(message, &end) == 0 && end == 0;) {
+        OrmSubExtractData(message, ORM_OBJECT_NEW, 0);
+        OrmGetFieldById(message, 1, &speed, sizeof speed);
+        ++callbacks;
+    }
+    lastCallback = Clock::now().time_since_epoch().count();
+    lastSpeed    = speed;
+}
+
+void Subscribe()
+{
+    ORM_SESSION_PARAM parameter = 0;
+    ORM_SESSION       session   = 0;
+    OrmCreateSessionParam("channel:", "osc", &parameter);
+    OrmOpenSubSession(parameter, nullptr, &session);
+    OrmDestroySessionParam(parameter);
+    OrmSubscribe(session, "bench", R"({"label_name":"if_phy","events":[{"type":"update"}]})",
+                 OnChange, nullptr, "bench");
+}
+
+// ---- fill, start ----
+
+void Fill(const std::string& path, uint64_t count)
+{
+    constexpr uint64_t atOnce = 10'000;
+    Cluster            cluster("unix:" + path);
+    cluster.Follow();
+    std::vector<Write> writes = {
+        {Write::Kind::Insert, Row("if_phy").Set("if_index", 1)},
+        {Write::Kind::Insert, Row("if_base").Set("if_index", 1).Set("if_name", "Ethernet0/0/1")}};
+    for (uint64_t i = 0; i < count; ++i) {
+        writes.push_back({Write::Kind::Insert, Row("Fib.ConfigIpv4Fwd")
+                                                   .Set("destAddr", 0x0a000000 + (i << 8))
+                                                   .Set("prefixLen", 24)
+                                                   .Set("nhpGroupId", i % 1000)});
+        if (writes.size() >= atOnce || i + 1 == count)
+            cluster.Commit(std::exchange(writes, {}));
+    }
+}
+
+void Start(const std::string& path)
+{
+    BareClient bare(path);
+    Json       tables;
+    for (const standin::Table& table : standin::Tables())
+        tables[sources::ovsdb::ColumnsOf(table).name] = Json::array({Json::object()});
+    const auto bareBegin = Clock::now();
+    bare.Send("monitor_cond", Json::array({sources::ovsdb::database, "bare", tables}));
+    const size_t size        = bare.Receive();
+    const double bareSeconds = SecondsSince(bareBegin);
+
+    const auto    begin = Clock::now();
+    const double  own   = ThreadSeconds();
+    const Cluster cluster("unix:" + path);
+    const double  seconds = SecondsSince(begin);
+    const double  spent   = ThreadSeconds() - own;
+    std::printf(
+        "start with %zu routes: %.2f s, %.2f s of them here; only receiving the %zu MB: %.2f s; "
+        "ratio %.2f\n",
+        standin::CountRows(*standin::FindTable("Fib.ConfigIpv4Fwd")), seconds, spent, size >> 20,
+        bareSeconds, seconds / bareSeconds);
+}
+
+// ---- storm ----
+
+struct QueryCost {
+    double wall;  // nanoseconds
+    double own;   // of the thread's processor time
+    double worst;
+};
+
+// By queries until the flag rises; the worst is that of 999 in 1000.
+QueryCost AskWhile(const std::atomic<bool>& goOn)
+{
+    char                name[64];
+    std::vector<double> walls;
+    const double        own = ThreadSeconds();
+    while (goOn) {
+        const auto begin = Clock::now();
+        IF_INTF_GetIfNameByIfIndex(name, 1);
+        walls.push_back(SecondsSince(begin) * 1e9);
+    }
+    const double spent = (ThreadSeconds() - own) * 1e9 / static_cast<double>(walls.size());
+    std::ranges::sort(walls);
+    return {walls[walls.size() / 2], spent, walls[walls.size() * 999 / 1000]};
+}
+
+void Print(const char* when, const QueryCost& cost)
+{
+    std::printf("a query %s: median %.0f ns, 999 in 1000 below %.0f ns, processor time %.0f ns\n",
+                when, cost.wall, cost.worst, cost.own);
+}
+
+constexpr uint64_t stormChanges = 20'000;
+
+// So many changes, as fast as the server takes them.
+void Blow(const std::string& path)
+{
+    constexpr uint64_t inFlight = 64;
+    BareClient         client(path);
+    for (uint64_t sent = 0, done = 0; done < stormChanges; ++done) {
+        for (; sent < stormChanges && sent < done + inFlight; ++sent)
+            client.SetSpeed(sent + 1);
+        client.Receive();
+    }
+}
+
+void Storm(const std::string& path)
+{
+    double alone = 0, followed = 0;  // the best of several rounds, in changes a second
+    Subscribe();
+    for (int round = 0; round < 5; ++round) {
+        auto begin = Clock::now();
+        Blow(path);
+        alone = std::max(alone, stormChanges / SecondsSince(begin));
+
+        Cluster cluster("unix:" + path);
+        cluster.Follow();
+        callbacks = 0;
+        lastSpeed = 0;
+        begin     = Clock::now();
+        Blow(path);
+        while (lastSpeed != stormChanges)
+            std::this_thread::yield();
+        followed = std::max(followed, stormChanges / SecondsSince(begin));
+    }
+    std::printf(
+        "changes: %.0f a second to %lu callbacks of %lu; %.0f a second with nobody "
+        "following; ratio %.2f\n",
+        followed, callbacks.load(), stormChanges, alone, followed / alone);
+
+    Cluster cluster("unix:" + path);
+    cluster.Follow();
+    std::atomic<bool> goOn = true;
+    std::jthread      calm([&] {
+        std::this_thread::sleep_for(std::chrono::seconds(1));
+        goOn = false;
+    });
+    Print("in calm", AskWhile(goOn));
+    calm.join();
+    goOn = true;
+    std::jthread storm([&] {
+        Blow(path);
+        goOn = false;
+    });
+    Print("in the storm", AskWhile(goOn));
+}
+
+// ---- delay ----
+
+double Median(std::vector<double> values)
+{
+    std::ranges::sort(values);
+    return values[values.size() / 2];
+}
+
+void Delay(const std::string& path)
+{
+    constexpr uint32_t changes = 2000, first = 1'000'000;
+    Cluster            cluster("unix:" + path);
+    Subscribe();
+    cluster.Follow();
+    const std::string command =
+        "exec ovsdb-client --no-headings --format=csv monitor unix:" + path + " " +
+        sources::ovsdb::database + " if_phy speed 2>/dev/null";
+    FILE* const         monitor = popen(command.c_str(), "r");
+    BareClient          client(path);
+    char                line[512];
+    std::vector<double> callback, printed, answered;
+    for (uint32_t i = 0; i < changes; ++i) {
+        const auto begin = Clock::now();
+        client.SetSpeed(first + i);
+        client.Receive();
+        answered.push_back(SecondsSince(begin));
+        const std::string wanted = ',' + std::to_string(first + i) + '\n';
+        do {
+            if (fgets(line, sizeof line, monitor) == nullptr)
+                throw std::runtime_error("ovsdb-client monitor ended");
+        } while (!std::string_view(line).ends_with(wanted));
+        printed.push_back(SecondsSince(begin));
+        while (lastSpeed != first + i)
+            std::this_thread::yield();
+        callback.push_back(
+            Seconds(Clock::duration(lastCallback.load()) - begin.time_since_epoch()).count());
+    }
+    std::printf(
+        "from a request: %.0f us to its answer, %.0f us to the callback, %.0f us to the line "
+        "of ovsdb-client monitor\n",
+        Median(answered) * 1e6, Median(callback) * 1e6, Median(printed) * 1e6);
+    // The monitor ends with its server; to wait for it here would be to wait for ever.
+}
+
+int Run(int count, char** words)
+{
+    const std::string what = count > 2 ? words[2] : "";
+    if (what == "fill" && count == 4)
+        Fill(words[1], std::stoull(words[3]));
+    else if (what == "start")
+        Start(words[1]);
+    else if (what == "storm")
+        Storm(words[1]);
+    else if (what == "delay")
+        Delay(words[1]);
+    else
+        throw std::runtime_error("usage: tarnd_cluster_bench SOCKET fill COUNT|start|storm|delay");
+    return 0;
+}
+
+}  // namespace
+
+int main(int count, char** words)
+{
+    try {
+        return Run(count, words);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
+    }
+}
