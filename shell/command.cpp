@@ -8,7 +8,7 @@ namespace {
 std::vector<Command> Assemble()
 {
     std::vector<Command> all;
-    for (const auto& subject : {TableCommands, HelpCommands})
+    for (const auto& subject : {TableCommands, WriteCommands, FileCommands, HelpCommands})
         std::ranges::move(subject(), std::back_inserter(all));
     return all;
 }

@@ -23,5 +23,7 @@ const Command* FindCommand(std::string_view name);
 // By subject, in commands/.
 std::vector<Command> HelpCommands();
 std::vector<Command> TableCommands();
+std::vector<Command> WriteCommands();
+std::vector<Command> FileCommands();
 
 }  // namespace shell

@@ -56,6 +56,14 @@ void Printer::PrintReadable(const Function& function, const Answer& answer)
         PrintPair("log", Coloured(faint, line), width);
 }
 
+void Printer::PrintDone(const char* done, size_t rows)
+{
+    if (IsJson())
+        PrintLine({{"done", done}, {"rows", rows}});
+    else
+        output_ << rows << (rows == 1 ? " row " : " rows ") << done << '\n';
+}
+
 void Printer::PrintLog(const std::vector<std::string>& lines)
 {
     if (IsJson() && !lines.empty())
@@ -96,6 +104,11 @@ void Printer::PrintText(const std::string& text)
         PrintLine({{"text", text}});
     else
         output_ << text;
+}
+
+void Printer::PrintRaw(const std::string& text)
+{
+    output_ << text;
 }
 
 void Printer::PrintError(const std::string& message)

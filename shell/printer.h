@@ -21,10 +21,14 @@ public:
     void Print(const Function& function, const Answer& answer);
     // As JSON: the array on one line; else a table.
     void PrintRows(const Json& rows);
+    // "2 rows deleted"; as JSON: {"done": "deleted", "rows": 2}.
+    void PrintDone(const char* done, size_t rows);
     // As JSON: {"log": [...]}. Nothing for no lines.
     void PrintLog(const std::vector<std::string>& lines);
     // As JSON: {"text": ...}.
     void PrintText(const std::string& text);
+    // As it stands, in every style.
+    void PrintRaw(const std::string& text);
     void PrintError(const std::string& message);
 
 private:

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "shell/printer.h"
-#include "sources/source.h"
+#include "shell/transaction.h"
 
 namespace shell {
 
@@ -15,22 +15,22 @@ enum class Status : uint8_t { Good = 0, Failed = 1, Usage = 2 };
 
 class Shell {
 public:
-    Shell(sources::Source& source, Printer& printer) : source_(source), printer_(printer) {}
+    Shell(sources::Source& source, Printer& printer) : writes_(source), printer_(printer) {}
 
     Status Execute(std::string_view line);
     Status Execute(const std::vector<std::string>& words);
 
-    bool             Ended() const { return ended_; }
-    void             End() { ended_ = true; }
-    Printer&         Out() { return printer_; }
-    sources::Source& Source() { return source_; }
+    bool         Ended() const { return ended_; }
+    void         End() { ended_ = true; }
+    Printer&     Out() { return printer_; }
+    Transaction& Writes() { return writes_; }
 
 private:
     Status Carry(const std::string& name, Words& words);
 
-    sources::Source& source_;
-    Printer&         printer_;
-    bool             ended_ = false;
+    Transaction writes_;
+    Printer&    printer_;
+    bool        ended_ = false;
 };
 
 }  // namespace shell

@@ -1,5 +1,6 @@
 #include "shell/source.h"
 
+#include "shell/progress.h"
 #include "sources/cluster.h"
 #include "sources/host.h"
 #include "sources/json_file.h"
@@ -9,7 +10,11 @@ namespace {
 
 class JsonSource final : public sources::Source {
 public:
-    explicit JsonSource(const std::string& file) { sources::LoadJson(file); }
+    explicit JsonSource(const std::string& file)
+    {
+        Progress progress("rows read from " + file);
+        sources::LoadJson(file, [&] { progress.Step(); });
+    }
 };
 
 class HostSource final : public sources::Source {

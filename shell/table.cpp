@@ -29,12 +29,20 @@ const standin::Table& KnownTable(std::string_view name)
     return *table;
 }
 
-const standin::Field& KnownField(const standin::Table& table, std::string_view name)
+const standin::Field* FieldOrList(const standin::Table& table, std::string_view name)
 {
     const standin::Field* field = standin::FindField(table.fields, name);
-    if (field == nullptr)
-        throw UsageError(NoSuch("field", name, NamesOf(table.fields)));
-    return *field;
+    if (field == nullptr &&
+        std::ranges::find(table.lists, name, &standin::List::name) == table.lists.end())
+        throw UsageError(NoSuch("field", name, FieldNames(table)));
+    return field;
+}
+
+std::vector<std::string> FieldNames(const standin::Table& table)
+{
+    std::vector<std::string> names = NamesOf(table.fields);
+    std::ranges::move(NamesOf(table.lists), std::back_inserter(names));
+    return names;
 }
 
 std::vector<std::string> TableNames()

@@ -12,9 +12,12 @@ namespace shell {
 
 // Throws UsageError, with the nearest name, where there is none.
 const standin::Table& KnownTable(std::string_view name);
-const standin::Field& KnownField(const standin::Table& table, std::string_view name);
+// Null for a list. Throws UsageError where there is neither of that name.
+const standin::Field* FieldOrList(const standin::Table& table, std::string_view name);
 
 std::vector<std::string> TableNames();
+// Fields, then lists.
+std::vector<std::string> FieldNames(const standin::Table& table);
 
 // The values that stand in a field of a table, or in a field of its lists, without repetition.
 std::vector<std::string> ValuesOf(const standin::Table& table, std::string_view field);

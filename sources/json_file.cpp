@@ -11,10 +11,12 @@ namespace {
 
 using standin::Table;
 
+using RowSink = std::function<void(standin::Row)>;
+
 // Makes rows while the text is read, so that a large table never stands in memory as JSON.
 class Reader final : public nlohmann::json_sax<Json> {
 public:
-    explicit Reader(standin::Transaction& transaction) : transaction_(transaction) {}
+    explicit Reader(const RowSink& onRow) : onRow_(onRow) {}
 
     bool null() override { return Add(nullptr); }
     bool boolean(bool value) override { return Add(value); }
@@ -50,9 +52,9 @@ private:
     std::string       Path() const;
     [[noreturn]] void Refuse(const std::string& reason) const { throw JsonError(reason, Path()); }
 
-    standin::Transaction& transaction_;
-    const Table*          table_ = nullptr;
-    std::vector<Level>    levels_;
+    const RowSink&     onRow_;
+    const Table*       table_ = nullptr;
+    std::vector<Level> levels_;
 };
 
 bool Reader::key(string_t& name)
@@ -108,7 +110,7 @@ bool Reader::Add(Json value)
 
 void Reader::AddRow(const Json& value)
 {
-    Here([&] { transaction_.Insert(RowFromJson(*table_, value)); });
+    Here([&] { onRow_(RowFromJson(*table_, value)); });
 }
 
 void Reader::Check(const Json& value) const
@@ -172,21 +174,38 @@ std::string Dump(std::span<const Table> tables)
     return text + "\n}\n";
 }
 
-}  // namespace
-
-void LoadJson(const std::filesystem::path& file)
+// Does the action; what it refuses is told with the file's name.
+template <typename Action>
+void NamingFile(const std::filesystem::path& file, const Action& action)
 {
     try {
-        std::ifstream text(file, std::ios::binary);
-        if (!text)
-            throw standin::Error(std::strerror(errno));
-        standin::Transaction transaction;
-        Reader               reader(transaction);
-        Json::sax_parse(text, &reader);
-        transaction.Commit();
+        action();
     } catch (const std::runtime_error& error) {
         throw standin::Error(file.string() + ": " + error.what());
     }
+}
+
+}  // namespace
+
+void ReadJson(const std::filesystem::path& file, const RowSink& onRow)
+{
+    NamingFile(file, [&] {
+        std::ifstream text(file, std::ios::binary);
+        if (!text)
+            throw standin::Error(std::strerror(errno));
+        Reader reader(onRow);
+        Json::sax_parse(text, &reader);
+    });
+}
+
+void LoadJson(const std::filesystem::path& file, const std::function<void()>& onRow)
+{
+    standin::Transaction transaction;
+    ReadJson(file, [&](standin::Row row) {
+        transaction.Insert(std::move(row));
+        onRow();
+    });
+    NamingFile(file, [&] { transaction.Commit(); });
 }
 
 std::string DumpJson()

@@ -3,11 +3,11 @@
 
 #include <tarnd_qrb/table_walk.h>
 
+#include "shell/assignment.h"
 #include "shell/command.h"
 #include "shell/log_catcher.h"
 #include "shell/nearest.h"
 #include "shell/table.h"
-#include "shell/text_table.h"
 #include "sources/json_row.h"
 #include "sources/json_value.h"
 
@@ -19,33 +19,12 @@ Status ListTables(Shell& shell, Words& words)
     words.ExpectEnd();
     Json rows = Json::array();
     for (const standin::Table& table : standin::Tables()) {
-        std::string fields;
-        for (const standin::Field& field : table.fields)
-            fields += (fields.empty() ? "" : " ") + std::string(field.name);
+        const Json fields = FieldNames(table);
         rows.push_back(
             {{"table", table.name}, {"rows", standin::CountRows(table)}, {"fields", fields}});
     }
     shell.Out().PrintRows(rows);
     return Status::Good;
-}
-
-struct Filter {
-    std::string field;
-    std::string value;
-};
-
-std::vector<Filter> TakeFilters(const standin::Table& table, Words& words)
-{
-    std::vector<Filter> filters;
-    for (const std::string& word : words.TakeAll()) {
-        const size_t equals = word.find('=');
-        if (equals == std::string::npos)
-            throw UsageError("\"" + word + "\" is not of the form FIELD=VALUE");
-        const std::string field = word.substr(0, equals);
-        KnownField(table, field);
-        filters.push_back({field, word.substr(equals + 1)});
-    }
-    return filters;
 }
 
 // Every field; RowToJson leaves out what is zero or empty.
@@ -74,15 +53,12 @@ std::vector<std::string> UsedFields(const std::vector<standin::Row>& rows)
     return used;
 }
 
-std::vector<standin::Row> RowsThatMatch(const standin::Table&      table,
-                                        const std::vector<Filter>& filters)
+std::vector<standin::Row> RowsThatHave(const standin::Table&          table,
+                                       const std::vector<Assignment>& wanted)
 {
     std::vector<standin::Row> rows;
     standin::ForEachRow(table, [&](const standin::Row& row) {
-        const auto matches = [whole = WholeRow(row)](const Filter& filter) {
-            return OneLine(whole[filter.field]) == filter.value;
-        };
-        if (std::ranges::all_of(filters, matches))
+        if (Has(row, wanted))
             rows.push_back(row);
     });
     return rows;
@@ -91,11 +67,10 @@ std::vector<standin::Row> RowsThatMatch(const standin::Table&      table,
 // People are spared the fields that are zero or empty in every row.
 Status Show(Shell& shell, Words& words)
 {
-    const standin::Table& table   = KnownTable(words.Take("table"));
-    const auto            filters = TakeFilters(table, words);
-    const auto            rows    = RowsThatMatch(table, filters);
-    const auto            used    = UsedFields(rows);
-    Json                  shown   = Json::array();
+    const standin::Table& table = KnownTable(words.Take("table"));
+    const auto            rows  = RowsThatHave(table, TakeAssignments(table, words));
+    const auto            used  = UsedFields(rows);
+    Json                  shown = Json::array();
     for (const standin::Row& row : rows) {
         Json whole = WholeRow(row);
         for (const standin::Field& field : table.fields)

@@ -54,10 +54,12 @@ uint32_t ReadRow(ORM_SESSION session, const standin::Table& table, Json& row)
 
 RowKey::RowKey(const char* table, Rest words)
 {
-    const auto known = KnownTable(table).keys[0].members;
+    const auto  known = KnownTable(table).keys[0].members;
+    std::string names;
+    for (const standin::Field* member : known)
+        names += " " + std::string(member->name);
     if (words.size() != known.size())
-        throw UsageError(std::string("the key of ") + table + " has " +
-                         std::to_string(known.size()) + " members");
+        throw UsageError(std::string("the key of ") + table + " is:" + names);
     for (size_t i = 0; i < known.size(); ++i) {
         const Argument member{
             .name = known[i]->name,

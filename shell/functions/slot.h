@@ -3,7 +3,6 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <concepts>
 #include <cstring>
 #include <limits>
@@ -144,9 +143,8 @@ private:
 
     static bool IsWritten(const T& element)
     {
-        std::array<unsigned char, sizeof(T)> untouched;
-        untouched.fill(pattern);
-        return std::memcmp(&element, untouched.data(), sizeof(T)) != 0;
+        const auto* const bytes = reinterpret_cast<const unsigned char*>(&element);
+        return std::any_of(bytes, bytes + sizeof(T), [](auto byte) { return byte != pattern; });
     }
 
     static Json ShowElement(const Argument& argument, const T& element)
