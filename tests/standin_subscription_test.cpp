@@ -7,6 +7,7 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
@@ -16,6 +17,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <standin/changes.h>
 #include <standin/database.h>
 
 namespace {
@@ -156,6 +158,28 @@ protected:
     ORM_SESSION              session_ = 0;
     std::vector<std::string> seen_;
 };
+
+TEST_F(StandinSubscription, TellsWhenAChangeWasCommittedAndWhenAllAreDelivered)
+{
+    using namespace std::chrono_literals;
+    using Clock = std::chrono::steady_clock;
+    ASSERT_EQ(Subscribe(session_, everything), 0U);
+    EXPECT_TRUE(standin::AwaitDeliveries(0ms));
+    const auto        before   = Clock::now();
+    std::atomic<bool> returned = false;
+    onMessage                  = [&](ORM_MESSAGE, uint32_t) {
+        EXPECT_GE(standin::CommitTime(), before);
+        EXPECT_LE(standin::CommitTime(), Clock::now());
+        std::this_thread::sleep_for(20ms);
+        returned = true;
+    };
+    Commit([](Transaction& t) { t.Insert(Phy(1)); });
+    EXPECT_FALSE(standin::AwaitDeliveries(1ms));
+    const std::jthread listener([] { DbcHandleEvent(descriptor); });
+    EXPECT_TRUE(standin::AwaitDeliveries(10s));
+    EXPECT_TRUE(returned);
+    standin::BetweenDeliveries([] { EXPECT_EQ(standin::CommitTime(), Clock::time_point()); });
+}
 
 TEST_F(StandinSubscription, DeliversNeighboursTogetherAndEachChangeOnce)
 {

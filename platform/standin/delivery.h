@@ -2,6 +2,7 @@
 // same operation.
 #pragma once
 
+#include <chrono>
 #include <list>
 #include <span>
 #include <vector>
@@ -15,8 +16,10 @@ namespace standin {
 // Holds on to the rows, before and after.
 class Delivery {
 public:
-    Delivery(ORM_SUB_CALLBACK callback, std::span<const Change> changes)
-        : callback_(callback), changes_(changes.begin(), changes.end())
+    using Time = std::chrono::steady_clock::time_point;
+
+    Delivery(ORM_SUB_CALLBACK callback, std::span<const Change> changes, Time committed)
+        : callback_(callback), changes_(changes.begin(), changes.end()), committed_(committed)
     {
         ForEachRow([](const StoredRow* row) { row->references++; });
     }
@@ -25,6 +28,7 @@ public:
     Delivery& operator=(const Delivery&) = delete;
 
     const std::vector<Change>& Changes() const { return changes_; }
+    Time                       Committed() const { return committed_; }
 
     void Run(ORM_MESSAGE message) const { callback_(message, changes_.front().event); }
 
@@ -43,6 +47,7 @@ private:
 
     ORM_SUB_CALLBACK    callback_;
     std::vector<Change> changes_;  // never empty
+    Time                committed_;
 };
 
 // A list holds no memory for deliveries that are gone, and gives one away without needing any.

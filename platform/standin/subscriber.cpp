@@ -10,6 +10,7 @@
 #include "announcement.h"
 #include "codes.h"
 #include "session_pool.h"
+#include "standin/changes.h"
 
 namespace standin {
 
@@ -104,6 +105,12 @@ std::shared_ptr<Subscriber> Subscriber::Open(ORM_FD_CONTROL control)
     return opened;
 }
 
+std::vector<std::shared_ptr<Subscriber>> Subscriber::All()
+{
+    const std::lock_guard lock(TheRegistry().mutex);
+    return TheRegistry().subscribers;
+}
+
 std::shared_ptr<Subscriber> Subscriber::Find(int descriptor)
 {
     const std::lock_guard lock(TheRegistry().mutex);
@@ -123,11 +130,12 @@ void Subscriber::Subscribe(const Definition& definition, ORM_SUB_CALLBACK callba
 Deliveries Subscriber::DeliveriesOf(Runs runs)
 {
     Deliveries            deliveries;
+    const auto            now = std::chrono::steady_clock::now();
     const std::lock_guard lock(mutex_);
     for (const auto& run : runs) {
         for (const Subscription& subscription : subscriptions_) {
             if (subscription.definition.Covers(*run.front().store, run.front().event)) {
-                deliveries.emplace_back(subscription.callback, run);
+                deliveries.emplace_back(subscription.callback, run, now);
             }
         }
     }
@@ -162,11 +170,14 @@ Deliveries Subscriber::TakeFirst()
     first.splice(first.begin(), pending_, pending_.begin());
     if (pending_.empty() && !closed_) {
         signal_.Lower();
+        drained_.notify_all();
     }
     return first;
 }
 
 namespace {
+
+thread_local Delivery::Time committed;  // of the message whose callback runs on this thread
 
 // The session behind a message's handle, which is good for as long as the callback runs.
 class Message {
@@ -185,7 +196,9 @@ public:
     void Run(const Delivery& delivery)
     {
         session_->delivery = &delivery;
+        const auto outer   = std::exchange(committed, delivery.Committed());
         delivery.Run(handle_);
+        committed = outer;
         CloseSession(*std::exchange(session_, nullptr));
     }
 
@@ -222,6 +235,18 @@ uint32_t Subscriber::Dispatch()
         SweepLimbo();
     }
     return ORM_OK;
+}
+
+bool Subscriber::AwaitQuiet(std::chrono::steady_clock::time_point deadline)
+{
+    {
+        std::unique_lock lock(mutex_);
+        if (!drained_.wait_until(lock, deadline, [this] { return pending_.empty(); })) {
+            return false;
+        }
+    }
+    const auto untilCallbackEnds = HoldCallbacks();
+    return true;
 }
 
 bool Subscriber::DeliverFirst()
@@ -295,6 +320,28 @@ uint32_t CloseSubscriptionSession(uint64_t handle)
     subscriber->Close();
     SweepLimbo();
     return ORM_OK;
+}
+
+std::chrono::steady_clock::time_point CommitTime()
+{
+    return committed;
+}
+
+void BetweenDeliveries(const std::function<void()>& action)
+{
+    std::vector<std::unique_lock<std::recursive_mutex>> held;
+    for (const auto& subscriber : Subscriber::All()) {
+        held.push_back(subscriber->HoldCallbacks());
+    }
+    action();
+}
+
+bool AwaitDeliveries(std::chrono::milliseconds longest)
+{
+    const auto deadline = std::chrono::steady_clock::now() + longest;
+    return std::ranges::all_of(Subscriber::All(), [=](const auto& subscriber) {
+        return subscriber->AwaitQuiet(deadline);
+    });
 }
 
 }  // namespace standin

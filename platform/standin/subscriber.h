@@ -1,6 +1,7 @@
 // A subscription session: what it covers, and what it has yet to be told.
 #pragma once
 
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -32,6 +33,7 @@ public:
     // thread of the stand-in's own waits on it.
     static std::shared_ptr<Subscriber> Open(ORM_FD_CONTROL control);
 
+    static std::vector<std::shared_ptr<Subscriber>> All();
     // The open one with this descriptor, or null.
     static std::shared_ptr<Subscriber> Find(int descriptor);
 
@@ -44,6 +46,15 @@ public:
 
     // Runs the callbacks of what is pending now.
     uint32_t Dispatch();
+
+    // Waits until nothing pends and no callback runs; false where that takes until the deadline.
+    bool AwaitQuiet(std::chrono::steady_clock::time_point deadline);
+
+    // No callback runs while this is held.
+    std::unique_lock<std::recursive_mutex> HoldCallbacks()
+    {
+        return std::unique_lock(dispatching_);
+    }
 
     // No callback runs afterwards, and none is running, unless it is the one that closes.
     void Close();
@@ -71,6 +82,7 @@ private:
     std::recursive_mutex dispatching_;  // held while callbacks run
     bool                 isDispatching_ = false;
 
+    std::condition_variable   drained_;
     std::mutex                mutex_;  // for the rest; the signal is raised while deliveries pend
     std::vector<Subscription> subscriptions_;
     Deliveries                pending_;
