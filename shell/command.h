@@ -25,5 +25,6 @@ std::vector<Command> HelpCommands();
 std::vector<Command> TableCommands();
 std::vector<Command> WriteCommands();
 std::vector<Command> FileCommands();
+std::vector<Command> EventCommands();
 
 }  // namespace shell

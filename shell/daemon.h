@@ -3,7 +3,15 @@
 
 namespace shell {
 
-// Starts it in the specified order. Throws std::runtime_error where it does not start.
-void StartLibrary();
+class Library {
+public:
+    // Starts it in the specified order, and waits until its listener is there. Throws
+    // std::runtime_error, with what was logged, where it does not start.
+    Library();
+    // Afterwards no callback runs.
+    ~Library();
+    Library(const Library&)            = delete;
+    Library& operator=(const Library&) = delete;
+};
 
 }  // namespace shell

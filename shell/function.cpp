@@ -8,8 +8,9 @@ namespace {
 std::vector<Function> Assemble()
 {
     std::vector<Function> all;
-    for (const auto& family : {FrameFunctions, InterfaceFunctions, AddressFunctions,
-                               LayerTwoFunctions, RouteFunctions, FilterFunctions, MemoryFunctions})
+    for (const auto& family :
+         {FrameFunctions, InterfaceFunctions, AddressFunctions, LayerTwoFunctions, RouteFunctions,
+          FilterFunctions, EventFunctions, ListenerFunctions, MemoryFunctions})
         std::ranges::move(family(), std::back_inserter(all));
     return all;
 }

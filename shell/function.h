@@ -58,6 +58,8 @@ std::vector<Function> AddressFunctions();
 std::vector<Function> LayerTwoFunctions();
 std::vector<Function> RouteFunctions();
 std::vector<Function> FilterFunctions();
+std::vector<Function> EventFunctions();
+std::vector<Function> ListenerFunctions();
 std::vector<Function> MemoryFunctions();
 
 }  // namespace shell

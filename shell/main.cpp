@@ -2,10 +2,15 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <clocale>
+#include <csignal>
 #include <cstdlib>
 #include <iostream>
 
 #include "shell/daemon.h"
+#include "shell/events/event.h"
+#include "shell/events/queue.h"
+#include "shell/log_catcher.h"
 #include "shell/prompt.h"
 #include "shell/source.h"
 
@@ -74,11 +79,24 @@ Status RunInput(shell::Shell& shell, bool echo)
     return worst;
 }
 
+// An interrupt is for the thread that waits for it: threads that start while it is blocked never
+// get it.
+void BlockInterrupts(int how)
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    pthread_sigmask(how, &signals, nullptr);
+}
+
 Status Run(const Options& options)
 {
-    const auto source = shell::OpenSource(options.source);
-    shell::StartLibrary();
+    shell::SetLogSink([](const std::string& line) { shell::Events().Push(shell::LogEvent(line)); });
+    BlockInterrupts(SIG_BLOCK);
+    const auto           source = shell::OpenSource(options.source);
+    const shell::Library library;
     source->Follow();
+    BlockInterrupts(SIG_UNBLOCK);
     shell::Printer printer(std::cout, StyleFor(options));
     shell::Shell   shell(*source, printer);
     if (!options.command.empty())
@@ -90,6 +108,7 @@ Status Run(const Options& options)
 
 int main(int count, char** words)
 {
+    std::setlocale(LC_CTYPE, "");
     Options  options;
     CLI::App app("Calls the query functions of libtarnd_qrb by their names.", "tarnd-qrb");
     Describe(app, options);

@@ -3,14 +3,17 @@
 #include <algorithm>
 #include <iostream>
 
+#include "shell/events/event.h"
+#include "shell/table.h"
 #include "shell/text_table.h"
 
 namespace shell {
 namespace {
 
-constexpr const char* green = "\033[32m";
-constexpr const char* red   = "\033[31m";
-constexpr const char* faint = "\033[2m";
+constexpr const char* green  = "\033[32m";
+constexpr const char* red    = "\033[31m";
+constexpr const char* yellow = "\033[33m";
+constexpr const char* faint  = "\033[2m";
 
 bool IsTable(const Json& value)
 {
@@ -20,6 +23,13 @@ bool IsTable(const Json& value)
 bool IsGood(const Function& function, const Answer& answer)
 {
     return !answer.code || function.result.Of(*answer.code).good;
+}
+
+bool IsIfIndex(const Function& function, const std::string& name)
+{
+    return std::ranges::any_of(function.parameters, [&](const Parameter& parameter) {
+        return parameter.argument.name == name && parameter.argument.field == "if_index";
+    });
 }
 
 }  // namespace
@@ -51,7 +61,10 @@ void Printer::PrintReadable(const Function& function, const Answer& answer)
         PrintPair("result", Coloured(colour, CodeText(*answer.code) + shown), width);
     }
     for (const auto& output : answer.outputs.items())
-        PrintOutput(output.key(), output.value(), width);
+        if (IsIfIndex(function, output.key()) && output.value().is_number())
+            PrintOutput(output.key(), WithInterfaceName(output.value()), width);
+        else
+            PrintOutput(output.key(), output.value(), width);
     for (const std::string& line : answer.log)
         PrintPair("log", Coloured(faint, line), width);
 }
@@ -96,6 +109,14 @@ void Printer::PrintRows(const Json& rows)
         PrintLine(rows);
     else
         output_ << TextTable(rows);
+}
+
+void Printer::PrintEvent(const Json& event)
+{
+    if (IsJson())
+        PrintLine(event);
+    else
+        output_ << Coloured(yellow, EventText(event)) << '\n';
 }
 
 void Printer::PrintText(const std::string& text)

@@ -25,6 +25,8 @@ public:
     void PrintDone(const char* done, size_t rows);
     // As JSON: {"log": [...]}. Nothing for no lines.
     void PrintLog(const std::vector<std::string>& lines);
+    // As events/event.h has it; else as a text.
+    void PrintEvent(const Json& event);
     // As JSON: {"text": ...}.
     void PrintText(const std::string& text);
     // As it stands, in every style.

@@ -1,11 +1,18 @@
 #include "shell/prompt.h"
 
 #include <histedit.h>
+#include <poll.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <cwchar>
 #include <filesystem>
 #include <iostream>
 #include <memory>
+
+#include "shell/complete.h"
+#include "shell/events/queue.h"
 
 namespace shell {
 namespace {
@@ -53,21 +60,119 @@ private:
     std::filesystem::path file_;
 };
 
-char* PromptText(EditLine* /*editor*/)
+// What the editor's functions work with.
+struct Prompt {
+    explicit Prompt(Shell& runningShell) : shell(runningShell) {}
+
+    Shell&      shell;
+    std::string text;
+};
+
+Prompt& PromptOf(EditLine* editor)
 {
-    static char text[] = "qrb> ";
-    return text;
+    Prompt* prompt = nullptr;
+    el_get(editor, EL_CLIENTDATA, &prompt);
+    return *prompt;
+}
+
+char* PromptText(EditLine* editor)
+{
+    Prompt& prompt = PromptOf(editor);
+    prompt.text    = prompt.shell.Writes().IsOpen() ? "qrb*> " : "qrb> ";
+    return prompt.text.data();
+}
+
+std::string_view CommonStart(const std::vector<std::string>& words)
+{
+    std::string_view start = words.front();
+    for (const std::string& word : words)
+        start = start.substr(
+            0, static_cast<size_t>(std::ranges::mismatch(start, word).in1 - start.begin()));
+    return start;
+}
+
+// In columns as wide as the terminal has room for.
+void ListWords(const std::vector<std::string>& words, size_t terminalWidth)
+{
+    const auto   longest = std::ranges::max(words, {}, &std::string::size).size();
+    const size_t columns = std::max<size_t>(terminalWidth / (longest + 2), 1);
+    std::cout << '\n';
+    for (size_t i = 0; i < words.size(); ++i) {
+        const bool endsLine = (i + 1) % columns == 0 || i + 1 == words.size();
+        std::cout << words[i]
+                  << (endsLine ? "\n" : std::string(longest + 2 - words[i].size(), ' '));
+    }
+    std::cout << std::flush;
+}
+
+size_t TerminalWidth(EditLine* editor)
+{
+    char  name[]  = "co";
+    int   columns = 80;
+    void* unused  = nullptr;
+    el_get(editor, EL_GETTC, name, &columns, unused);
+    return static_cast<size_t>(columns);
+}
+
+// Adds what all candidates have in common; where that is nothing, lists them.
+unsigned char OnTab(EditLine* editor, int /*key*/)
+{
+    constexpr size_t most = 200;
+    const LineInfo*  line = el_line(editor);
+    const auto [begun, candidates] =
+        Complete({line->buffer, static_cast<size_t>(line->cursor - line->buffer)});
+    if (candidates.empty())
+        return CC_REFRESH_BEEP;
+    const std::string_view start = CommonStart(candidates);
+    std::string            added(start.substr(begun.size()));
+    if (candidates.size() == 1 && !start.ends_with('=') && !start.ends_with('/'))
+        added += ' ';
+    if (!added.empty())
+        return el_insertstr(editor, added.c_str()) == 0 ? CC_REFRESH : CC_ERROR;
+    if (candidates.size() <= most)
+        ListWords(candidates, TerminalWidth(editor));
+    else
+        std::cout << '\n' << candidates.size() << " possibilities\n" << std::flush;
+    return CC_REDISPLAY;
+}
+
+// Waits for a key. Events that come meanwhile are printed above the line.
+int ReadKey(EditLine* editor, wchar_t* key)
+{
+    pollfd waitedFor[] = {{STDIN_FILENO, POLLIN, 0}, {Events().Descriptor(), POLLIN, 0}};
+    while (poll(waitedFor, std::size(waitedFor), -1) < 0 || waitedFor[0].revents == 0) {
+        if (waitedFor[1].revents == 0)
+            continue;
+        std::cout << "\r\033[K";
+        PromptOf(editor).shell.PrintEvents();
+        std::cout << std::flush;
+        el_set(editor, EL_REFRESH);
+    }
+    std::mbstate_t state{};
+    for (char byte = 0; read(STDIN_FILENO, &byte, 1) == 1;) {
+        const size_t used = std::mbrtowc(key, &byte, 1, &state);
+        if (used != static_cast<size_t>(-2))
+            return used == static_cast<size_t>(-1) ? -1 : 1;
+    }
+    return 0;
 }
 
 using Editor = std::unique_ptr<EditLine, decltype(&el_end)>;
 
-Editor MakeEditor(History& history)
+Editor MakeEditor(History& history, Prompt& prompt)
 {
     Editor editor(el_init("tarnd-qrb", stdin, stdout, stderr), el_end);
+    el_set(editor.get(), EL_CLIENTDATA, &prompt);
     el_set(editor.get(), EL_PROMPT, PromptText);
     el_set(editor.get(), EL_EDITOR, "emacs");
-    el_set(editor.get(), EL_SIGNAL, 1);
     el_set(editor.get(), EL_HIST, ::history, history.Get());
+    el_set(editor.get(), EL_GETCFN, ReadKey);
+    el_set(editor.get(), EL_ADDFN, "complete", "Completes a word", OnTab);
+    el_set(editor.get(), EL_BIND, "^I", "complete", nullptr);
+    el_set(editor.get(), EL_BIND, "^R", "em-inc-search-prev", nullptr);
+    // Ctrl-C gives up the line, not the shell.
+    el_set(editor.get(), EL_SETTY, "-d", "-isig", nullptr);
+    el_set(editor.get(), EL_BIND, "^C", "em-kill-line", nullptr);
     el_source(editor.get(), nullptr);
     return editor;
 }
@@ -77,7 +182,8 @@ Editor MakeEditor(History& history)
 Status RunPrompt(Shell& shell)
 {
     History      history;
-    const Editor editor = MakeEditor(history);
+    Prompt       prompt(shell);
+    const Editor editor = MakeEditor(history, prompt);
     Status       worst  = Status::Good;
     while (!shell.Ended()) {
         int               length = 0;

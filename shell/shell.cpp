@@ -1,10 +1,17 @@
 #include "shell/shell.h"
 
+#include <chrono>
+
+#include <standin/changes.h>
+
 #include "shell/command.h"
+#include "shell/events/queue.h"
 #include "shell/nearest.h"
 
 namespace shell {
 namespace {
+
+constexpr std::chrono::seconds longestWait(1);
 
 std::vector<std::string> AllNames()
 {
@@ -42,10 +49,20 @@ Status Shell::Execute(const std::vector<std::string>& words)
 {
     if (words.empty())
         return Status::Good;
-    return Told(printer_, [&] {
+    const Status status = Told(printer_, [&] {
         Words arguments(std::span<const std::string>(words).subspan(1));
         return Carry(words[0], arguments);
     });
+    // What a write brought about stands behind it.
+    standin::AwaitDeliveries(longestWait);
+    PrintEvents();
+    return status;
+}
+
+void Shell::PrintEvents()
+{
+    while (const auto event = Events().Pop())
+        printer_.PrintEvent(*event);
 }
 
 Status Shell::Carry(const std::string& name, Words& words)
@@ -55,7 +72,9 @@ Status Shell::Carry(const std::string& name, Words& words)
     const Function* function = FindFunction(name);
     if (function == nullptr)
         throw UsageError(NoSuch("function or command", name, AllNames()));
-    const Answer answer = function->call(words);
+    // Registries are changed only while nothing is published.
+    Answer answer;
+    standin::BetweenDeliveries([&] { answer = function->call(words); });
     printer_.Print(*function, answer);
     const bool good = !answer.code || function->result.Of(*answer.code).good;
     return good ? Status::Good : Status::Failed;

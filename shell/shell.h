@@ -20,6 +20,9 @@ public:
     Status Execute(std::string_view line);
     Status Execute(const std::vector<std::string>& words);
 
+    // Those that wait in the queue.
+    void PrintEvents();
+
     bool         Ended() const { return ended_; }
     void         End() { ended_ = true; }
     Printer&     Out() { return printer_; }

@@ -69,6 +69,12 @@ std::vector<std::string> ValuesOf(const standin::Table& table, std::string_view 
     return values;
 }
 
+std::string WithInterfaceName(uint32_t ifIndex)
+{
+    const auto row = standin::Find(standin::Row("if_base").Set("if_index", ifIndex));
+    return std::to_string(ifIndex) + (row ? " (" + std::string(row->Text("if_name")) + ")" : "");
+}
+
 std::string Bare(const Json& value)
 {
     return value.is_string() ? value.get<std::string>()

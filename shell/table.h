@@ -22,6 +22,9 @@ std::vector<std::string> FieldNames(const standin::Table& table);
 // The values that stand in a field of a table, or in a field of its lists, without repetition.
 std::vector<std::string> ValuesOf(const standin::Table& table, std::string_view field);
 
+// "5 (Ethernet0/0/5)", or the index alone where no interface has it.
+std::string WithInterfaceName(uint32_t ifIndex);
+
 // A value as text: a text bare, everything else as JSON has it.
 std::string Bare(const Json& value);
 

@@ -8,32 +8,59 @@ namespace {
 
 constexpr std::string_view blanks = " \t\r\n";
 
-// Takes one character of a quoted text off the line; quote: what closes it.
-char TakeQuoted(std::string_view& line, char quote)
+// The length of the JSON object or array that the text begins with.
+size_t JsonLength(std::string_view text)
 {
-    if (line.size() > 1 && line.front() == '\\' && quote == '"')
-        line.remove_prefix(1);
-    const char character = line.front();
-    line.remove_prefix(1);
-    return character;
+    int  depth    = 0;
+    bool inString = false;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (inString && c == '\\')
+            ++i;
+        else if (c == '"')
+            inString = !inString;
+        else if (!inString && (c == '{' || c == '['))
+            ++depth;
+        else if (!inString && (c == '}' || c == ']') && --depth == 0)
+            return i + 1;
+    }
+    throw UsageError(std::string("what ") + text.front() + " opens is not closed");
+}
+
+// Takes what stands between quotes off the line.
+std::string TakeQuoted(std::string_view& line)
+{
+    const char  quote = line.front();
+    std::string text;
+    for (size_t i = 1; i < line.size(); ++i) {
+        if (line[i] == quote) {
+            line.remove_prefix(i + 1);
+            return text;
+        }
+        if (line[i] == '\\' && quote == '"' && i + 1 < line.size())
+            ++i;
+        text += line[i];
+    }
+    throw UsageError(std::string("a closing ") + quote + " is missing");
+}
+
+std::string Take(std::string_view& line, size_t count)
+{
+    const std::string text(line.substr(0, count));
+    line.remove_prefix(count);
+    return text;
 }
 
 std::string TakeWord(std::string_view& line)
 {
     std::string word;
-    char        quote = '\0';
-    while (!line.empty() &&
-           (quote != '\0' || blanks.find(line.front()) == std::string_view::npos)) {
+    while (!line.empty() && blanks.find(line.front()) == std::string_view::npos) {
         const char front = line.front();
-        if (front == quote || (quote == '\0' && (front == '"' || front == '\''))) {
-            quote = quote == '\0' ? front : '\0';
-            line.remove_prefix(1);
-        } else {
-            word += TakeQuoted(line, quote);
-        }
+        if (front == '"' || front == '\'')
+            word += TakeQuoted(line);
+        else
+            word += Take(line, front == '{' || front == '[' ? JsonLength(line) : 1);
     }
-    if (quote != '\0')
-        throw UsageError(std::string("a closing ") + quote + " is missing");
     return word;
 }
 

@@ -16,8 +16,9 @@ public:
 };
 
 // Words stand between blanks. Quotes, "..." or '...', keep blanks together; within "..." a
-// backslash keeps the next character as it is. "#" begins a comment where a word could begin.
-// Throws UsageError where a quote is not closed.
+// backslash keeps the next character as it is. JSON stays as it stands: {"a": 1} is one word, and
+// so is list=[{"a": 1}]. "#" begins a comment where a word could begin. Throws UsageError where
+// something is not closed.
 std::vector<std::string> SplitLine(std::string_view line);
 
 // The words of a call, taken one after another.

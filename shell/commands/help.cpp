@@ -3,6 +3,7 @@
 #include <cctype>
 
 #include "shell/command.h"
+#include "shell/complete.h"
 #include "shell/nearest.h"
 
 namespace shell {
@@ -115,6 +116,15 @@ Status ListFunctions(Shell& shell, Words& words)
     return Status::Good;
 }
 
+Status ListCompletions(Shell& shell, Words& words)
+{
+    std::string text;
+    for (const std::string& candidate : Complete(words.TakeRest()).candidates)
+        text += candidate + "\n";
+    shell.Out().PrintText(text);
+    return Status::Good;
+}
+
 Status Quit(Shell& shell, Words& /*words*/)
 {
     shell.End();
@@ -129,6 +139,7 @@ std::vector<Command> HelpCommands()
     return {
         {"functions", "[WORD]", "Lists the library's functions, or those that have to do with a word.", ListFunctions},
         {"help", "[NAME]", "Tells about a command or a function.", Help},
+        {"complete", "'LINE'", "Lists what could stand where a line breaks off; Tab does so at the prompt.", ListCompletions},
         {"quit", "", "Ends the shell.", Quit},
     };
 }

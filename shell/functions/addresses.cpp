@@ -10,16 +10,6 @@ namespace {
 
 constexpr uint32_t most = 64;  // addresses that one call can give
 
-// clang-format off
-constexpr Argument addresses  {.name = "addresses", .form = Form::Ipv4, .size = most};
-constexpr Argument capacity   {.name = "capacity", .highest = most, .fallback = "64"};
-constexpr Argument instanceId = {.name = "instanceId", .table = "am_ipv4_address", .field = "instance_id", .fallback = "0"};
-constexpr Argument peer       = {.name = "peer", .form = Form::Ipv4};
-constexpr Argument mask       = {.name = "mask", .form = Form::Ipv4};
-constexpr Argument network    = {.name = "network", .form = Form::Ipv4};
-constexpr Argument address6   = {.name = "address", .size = 16};
-// clang-format on
-
 // The record is open as long as the call lasts.
 uint32_t OpenRecord(uint32_t ifIndex)
 {
@@ -44,11 +34,22 @@ uint32_t ReadItem(uint32_t ifIndex, uint32_t number, BDS_IPV4_ADDR_ITEM_S* item)
     return ret;
 }
 
+// clang-format off
+constexpr Argument addresses  {.name = "addresses", .form = Form::Ipv4, .size = most};
+constexpr Argument capacity   {.name = "capacity", .highest = most, .fallback = "64"};
+constexpr Argument instanceId = {.name = "instanceId", .table = "am_ipv4_address", .field = "instance_id", .fallback = "0"};
+constexpr Argument peer       = {.name = "peer", .form = Form::Ipv4};
+constexpr Argument mask       = {.name = "mask", .form = Form::Ipv4};
+constexpr Argument network    = {.name = "network", .form = Form::Ipv4};
+constexpr Argument address6   = {.name = "address", .size = 16};
+// clang-format on
+
 }  // namespace
 
 // clang-format off
 std::vector<Function> AddressFunctions()
 {
+    using namespace arguments;
     constexpr auto table = "am_ipv4_address";
     return {
         Define("BDS_IPGetIpv4AddrTblByIfIndex", OpenRecord, okOrAllOnes, table, "Opens a session on the address record of an interface; here, closes it too.", ifIndex),

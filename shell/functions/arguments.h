@@ -3,7 +3,7 @@
 
 #include "shell/argument.h"
 
-namespace shell {
+namespace shell::arguments {
 
 // clang-format off
 inline constexpr Argument ifIndex    {.name = "ifIndex", .table = "if_base", .field = "if_index"};
@@ -41,4 +41,4 @@ constexpr Argument Required(Argument argument)
     return argument;
 }
 
-}  // namespace shell
+}  // namespace shell::arguments

@@ -10,21 +10,6 @@
 namespace shell {
 namespace {
 
-// clang-format off
-constexpr Argument vsid      {.name = "vsid", .table = "acl_group", .field = "vsid"};
-constexpr Argument vsysid    {.name = "vsysid", .table = "acl_group", .field = "vsysid"};
-constexpr Argument aclNumber {.name = "aclNumber", .table = "acl_group", .field = "acl_number"};
-constexpr Argument aclName   {.name = "name", .table = "acl_group_id", .field = "name", .fallback = nullWord};
-constexpr Argument groupId   {.name = "groupId", .table = "acl_group", .field = "acl_group_id"};
-constexpr Argument groupName {.name = "name", .size = ACL_GROUP_NAME_SIZE};
-constexpr Argument ruleCount {.name = "count", .fallback = "0"};
-constexpr Argument kind      {.name = "kind", .table = "acl_group_id", .field = "kind", .fallback = "0"};
-constexpr Argument unused    {.name = "unused", .ignored = true};
-constexpr Argument profile   {.name = "name", .table = "qos_integration", .field = "name"};
-constexpr Argument index     {.name = "index", .table = "qos_integration", .field = "index"};
-constexpr Argument info      {.name = "info", .zeroed = true};
-// clang-format on
-
 // The row step, on each row that the condition matches: the last one's group stays.
 uint32_t ScanGroupIds(const char* rows, uint32_t* group)
 {
@@ -78,11 +63,27 @@ uint32_t PriorityOf(uint32_t wanted, QOS_PROFILE_INFO_S* found)
     return OfList("remark_8021p_list", QOS_Get8021, wanted, found);
 }
 
+// clang-format off
+constexpr Argument vsid      {.name = "vsid", .table = "acl_group", .field = "vsid"};
+constexpr Argument vsysid    {.name = "vsysid", .table = "acl_group", .field = "vsysid"};
+constexpr Argument aclNumber {.name = "aclNumber", .table = "acl_group", .field = "acl_number"};
+constexpr Argument aclName   {.name = "name", .table = "acl_group_id", .field = "name", .fallback = nullWord};
+constexpr Argument groupId   {.name = "groupId", .table = "acl_group", .field = "acl_group_id"};
+constexpr Argument groupName {.name = "name", .size = ACL_GROUP_NAME_SIZE};
+constexpr Argument ruleCount {.name = "count", .fallback = "0"};
+constexpr Argument kind      {.name = "kind", .table = "acl_group_id", .field = "kind", .fallback = "0"};
+constexpr Argument unused    {.name = "unused", .ignored = true};
+constexpr Argument profile   {.name = "name", .table = "qos_integration", .field = "name"};
+constexpr Argument index     {.name = "index", .table = "qos_integration", .field = "index"};
+constexpr Argument info      {.name = "info", .zeroed = true};
+// clang-format on
+
 }  // namespace
 
 // clang-format off
 std::vector<Function> FilterFunctions()
 {
+    using namespace arguments;
     constexpr auto qos = "qos_integration";
     return {
         FUNCTION(ACL_IsACLNodeExistByNumber, oneIsYes, "acl_group", "Whether an IPv4 ACL with a number exists, and its group.", vsid, vsysid, aclNumber, groupId),

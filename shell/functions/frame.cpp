@@ -10,17 +10,6 @@
 namespace shell {
 namespace {
 
-// clang-format off
-constexpr Argument table     {.name = "table", .table = "tables"};
-constexpr Argument key       {.name = "key", .rest = true};
-constexpr Argument record    {.name = "record"};
-constexpr Argument records   {.name = "records"};
-constexpr Argument operation {.name = "operation", .fallback = "7"};
-constexpr Argument hexSize   {.name = "size", .highest = 256};
-constexpr Argument hexText   {.name = "output", .size = 2 * 256 + 3};
-constexpr Argument message   {.name = "text", .rest = true};
-// clang-format on
-
 // The session is open as long as the call lasts.
 uint32_t CreateSession(const char* name, uint32_t access)
 {
@@ -88,11 +77,23 @@ void Log(uint32_t priority, const char* function, uint32_t line, const char* tex
     Tarn_QRB_Log_Printf(priority, function, line, "%s", text);
 }
 
+// clang-format off
+constexpr Argument table     {.name = "table", .table = "tables"};
+constexpr Argument key       {.name = "key", .rest = true};
+constexpr Argument record    {.name = "record"};
+constexpr Argument records   {.name = "records"};
+constexpr Argument operation {.name = "operation", .fallback = "7"};
+constexpr Argument hexSize   {.name = "size", .highest = 256};
+constexpr Argument hexText   {.name = "output", .size = 2 * 256 + 3};
+constexpr Argument message   {.name = "text", .rest = true};
+// clang-format on
+
 }  // namespace
 
 // clang-format off
 std::vector<Function> FrameFunctions()
 {
+    using namespace arguments;
     return {
         Define("Tarn_QRB_Log_Printf", Log, value, "", "Writes a line to the system log; priorities above 3 are dropped.", Number("priority"), Number("function"), Number("line"), message),
         FUNCTION(QRB_DB_InitOrm, okOr1, "", "Initialises the access layer. Done at start-up."),

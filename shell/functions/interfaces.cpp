@@ -12,15 +12,6 @@
 namespace shell {
 namespace {
 
-// clang-format off
-constexpr Argument inputName  {.name = "input", .table = "if_base", .field = "if_name", .highest = 1023};
-constexpr Argument inputCopy  {.name = "output", .size = 1024};
-constexpr Argument typeCode   {.name = "type", .table = "if_base", .field = "if_type"};
-constexpr Argument numberText {.name = "output", .size = 64};
-constexpr Argument textSize   {.name = "size", .highest = 64, .fallback = "64"};
-constexpr Argument typeTable  {.name = "table", .size = QRB_IF_TYPE_COUNT};
-// clang-format on
-
 // Offers the record of each interface until one matches.
 uint32_t CompareRecords(const char* name, uint8_t selector, Json* record)
 {
@@ -55,11 +46,21 @@ void TranslationTable(Json* entries)
         entries->push_back({{"if_type", ifType}, {"phy_type", phyType}});
 }
 
+// clang-format off
+constexpr Argument inputName  {.name = "input", .table = "if_base", .field = "if_name", .highest = 1023};
+constexpr Argument inputCopy  {.name = "output", .size = 1024};
+constexpr Argument typeCode   {.name = "type", .table = "if_base", .field = "if_type"};
+constexpr Argument numberText {.name = "output", .size = 64};
+constexpr Argument textSize   {.name = "size", .highest = 64, .fallback = "64"};
+constexpr Argument typeTable  {.name = "table", .size = QRB_IF_TYPE_COUNT};
+// clang-format on
+
 }  // namespace
 
 // clang-format off
 std::vector<Function> InterfaceFunctions()
 {
+    using namespace arguments;
     return {
         FUNCTION(IF_INTF_GetIfNameByIfIndex, okOrAllOnes, "if_base", "The full name of an interface.", ifName, ifIndex),
         FUNCTION(IF_GetIfNameByIndex, okOr1, "if_base", "The full name of an interface.", ifIndex, ifName),

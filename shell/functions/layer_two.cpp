@@ -11,16 +11,6 @@
 namespace shell {
 namespace {
 
-// clang-format off
-constexpr Argument portIndex   {.name = "portIndex", .table = "port", .field = "port_index"};
-constexpr Argument pvid        {.name = "pvid"};
-constexpr Argument description {.name = "description", .size = 81};
-constexpr Argument vlanName    {.name = "name", .table = "vlan", .field = "name"};
-constexpr Argument digits      {.name = "output", .size = 64};
-constexpr Argument textSize    {.name = "size", .highest = 64, .fallback = "64"};
-constexpr Argument cursor      {.name = "handle", .form = Form::Hex};
-// clang-format on
-
 // The row step, on each row that the condition matches: the last one's id stays.
 uint32_t ScanVlanIds(const char* condition, uint16_t* id)
 {
@@ -33,11 +23,22 @@ void Handle(uintptr_t* shown)
     *shown = *handle;
 }
 
+// clang-format off
+constexpr Argument portIndex   {.name = "portIndex", .table = "port", .field = "port_index"};
+constexpr Argument pvid        {.name = "pvid"};
+constexpr Argument description {.name = "description", .size = 81};
+constexpr Argument vlanName    {.name = "name", .table = "vlan", .field = "name"};
+constexpr Argument digits      {.name = "output", .size = 64};
+constexpr Argument textSize    {.name = "size", .highest = 64, .fallback = "64"};
+constexpr Argument cursor      {.name = "handle", .form = Form::Hex};
+// clang-format on
+
 }  // namespace
 
 // clang-format off
 std::vector<Function> LayerTwoFunctions()
 {
+    using namespace arguments;
     return {
         FUNCTION(VLAN_IsVlanActive, zeroIsYes, "vlan", "Whether a VLAN is active in any scope.", vlanId),
         FUNCTION(BDS_L2IF_VLAN_IsActive, oneIsYes, "vlan", "Whether a VLAN is active in any scope.", vlanId),

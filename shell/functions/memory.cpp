@@ -10,23 +10,24 @@ namespace {
 
 constexpr uint32_t most = 64;
 
-// clang-format off
-constexpr Argument module    {.name = "module"};
-constexpr Argument entries   {.name = "entries", .size = most};
-constexpr Argument entryCount{.name = "count", .highest = most, .fallback = "32"};
-// clang-format on
-
 void ModuleMap(Json* modules)
 {
     for (const auto& [name, handle] : g_memExModuleMap)
         modules->push_back({{"name", name}, {"handle", handle}});
 }
 
+// clang-format off
+constexpr Argument module    {.name = "module"};
+constexpr Argument entries   {.name = "entries", .size = most};
+constexpr Argument entryCount{.name = "count", .highest = most, .fallback = "32"};
+// clang-format on
+
 }  // namespace
 
 // clang-format off
 std::vector<Function> MemoryFunctions()
 {
+    using namespace arguments;
     return {
         Define("g_memExModuleMap", ModuleMap, value, "", "The daemon's modules, by module id.", Number("modules")),
         FUNCTION(MEM_EX_Init, value, "", "Asks the accounting service for every handle."),

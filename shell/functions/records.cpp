@@ -47,6 +47,11 @@ Json RecordToJson(const BDS_IPV4_ADDR_ITEM_S& record)
             {"type", record.type}};
 }
 
+Json RecordToJson(const QRB_IF_PHY_NOTICE_S& record)
+{
+    return {{"ifIndex", record.ifIndex}, {"phyState", record.phyState}};
+}
+
 Json RecordToJson(const QOS_PROFILE_INFO_S& record)
 {
     return {{"valid", record.valid},          {"car0", CarToJson(record.car0)},

@@ -1,6 +1,7 @@
 // The library's records, to and from what stands on a line.
 #pragma once
 
+#include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/interface_type.h>
 #include <tarnd_qrb/ipv4_address.h>
 #include <tarnd_qrb/memory_map.h>
@@ -15,6 +16,7 @@ Json RecordToJson(const BDS_IF_TYPE_INFO_S& record);
 Json RecordToJson(const FIB_NHP_S& record);
 Json RecordToJson(const SYSAPI_IP4_ADDR_S& record);
 Json RecordToJson(const BDS_IPV4_ADDR_ITEM_S& record);
+Json RecordToJson(const QRB_IF_PHY_NOTICE_S& record);
 Json RecordToJson(const QOS_PROFILE_INFO_S& record);
 Json RecordToJson(const MEM_EX_DETAILED_INFO_S& record);
 

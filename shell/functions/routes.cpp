@@ -10,18 +10,6 @@ namespace {
 
 constexpr uint32_t mostHops = 16;
 
-// clang-format off
-constexpr Argument destination {.name = "destination", .form = Form::Ipv4, .table = "Fib.ConfigIpv4Fwd", .field = "destAddr"};
-constexpr Argument nextHop     {.name = "nextHop"};
-constexpr Argument nextHops    {.name = "nextHops", .size = mostHops};
-constexpr Argument hopCount    {.name = "count", .highest = mostHops, .fallback = "8"};
-constexpr Argument prefix      {.name = "prefix", .form = Form::Ipv4};
-constexpr Argument groupId     {.name = "groupId", .table = "Fib.ConfigNhpGroupNode", .field = "nhpGroupId"};
-constexpr Argument nhpIndex    {.name = "nhpIndex", .table = "Fib.ConfigNhpStandard", .field = "nhpIndex"};
-constexpr Argument nhpIndexes  {.name = "nhpIndexes", .size = FIB_GROUP_MEMBERS_MAX};
-constexpr Argument firstValue  {.name = "firstValue", .form = Form::Ipv4};
-// clang-format on
-
 uint32_t Inquire6()
 {
     return FIB6_InquiryRe6(nullptr, nullptr);
@@ -38,11 +26,24 @@ uint32_t StartGroupScan()
     return ret;
 }
 
+// clang-format off
+constexpr Argument destination {.name = "destination", .form = Form::Ipv4, .table = "Fib.ConfigIpv4Fwd", .field = "destAddr"};
+constexpr Argument nextHop     {.name = "nextHop"};
+constexpr Argument nextHops    {.name = "nextHops", .size = mostHops};
+constexpr Argument hopCount    {.name = "count", .highest = mostHops, .fallback = "8"};
+constexpr Argument prefix      {.name = "prefix", .form = Form::Ipv4};
+constexpr Argument groupId     {.name = "groupId", .table = "Fib.ConfigNhpGroupNode", .field = "nhpGroupId"};
+constexpr Argument nhpIndex    {.name = "nhpIndex", .table = "Fib.ConfigNhpStandard", .field = "nhpIndex"};
+constexpr Argument nhpIndexes  {.name = "nhpIndexes", .size = FIB_GROUP_MEMBERS_MAX};
+constexpr Argument firstValue  {.name = "firstValue", .form = Form::Ipv4};
+// clang-format on
+
 }  // namespace
 
 // clang-format off
 std::vector<Function> RouteFunctions()
 {
+    using namespace arguments;
     constexpr auto all = "Fib.ConfigIpv4Fwd, Fib.ConfigNhpGroupNode, Fib.ConfigNhpStandard";
     return {
         FUNCTION(FIB_InquiryRoute, okOr1, all, "One next hop of a destination.", destination, nextHop),
