@@ -1,5 +1,6 @@
 // Writing, as the rest of a device does: insert, update, replace, delete; begin, commit, abort.
 #include <algorithm>
+#include <functional>
 
 #include "shell/assignment.h"
 #include "shell/command.h"
@@ -50,13 +51,14 @@ Status Update(Shell& shell, Words& words)
 {
     const Table& table   = KnownTable(words.Take("table"));
     Assignments  changes = TakeAssignments(table, words);
-    const auto   rest    = std::ranges::stable_partition(changes, &Assignment::isKey);
-    const auto   rows    = Chosen(shell, table, {changes.begin(), rest.begin()});
+    const auto   rest =
+        std::stable_partition(changes.begin(), changes.end(), std::mem_fn(&Assignment::isKey));
+    const auto rows = Chosen(shell, table, {changes.begin(), rest});
     if (rows.size() > 1)
         throw UsageError(std::to_string(rows.size()) + " rows have this; give the whole key");
-    if (rest.empty())
+    if (rest == changes.end())
         throw UsageError("what is to change? FIELD=VALUE is missing");
-    return Do(shell, {{Kind::Update, Changed(rows[0], {rest.begin(), rest.end()})}}, "updated");
+    return Do(shell, {{Kind::Update, Changed(rows[0], {rest, changes.end()})}}, "updated");
 }
 
 Status Delete(Shell& shell, Words& words)
