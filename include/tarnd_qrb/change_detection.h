@@ -31,7 +31,8 @@
  *
  * Threads: the database client runs the callbacks on the listener thread, one after another, and
  * everything is published from there. Nothing is kept between messages. Message handles are good
- * during the callback that got them; rows and buffers are the caller's. Null is not checked.
+ * during the callback that got them; rows and buffers are the caller's. Null is checked where a
+ * comment says so.
  */
 #ifndef TARND_QRB_CHANGE_DETECTION_H
 #define TARND_QRB_CHANGE_DETECTION_H

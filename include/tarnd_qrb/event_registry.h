@@ -10,7 +10,8 @@
  * of times; each is an entry of its own, is called for itself and is unregistered for itself.
  *
  * Results: 0, or 1 for a failure, which leaves the registry as it was and is logged, but for two:
- * unregistering what is not registered, and a null notification callback.
+ * unregistering what is not registered, and a null notification callback. Null is checked where a
+ * comment says so.
  *
  * Threads: no lock. Modules register before the changes arrive that they care about; afterwards
  * a registry is changed only on the thread that publishes to it, which for the library's own events
@@ -132,7 +133,7 @@ uint32_t L2IF_SH_EvtCbFuncReg(const char* pszModuleName, uint32_t eventId, uint1
                               L2IF_SH_EVT_CB_FUNC* callback);
 
 /* Removes the event's first entry with this callback, priority and name (exactly). 1 where none
-   has. */
+   has, as for a null name. */
 uint32_t L2IF_SH_EvtCbFuncUnReg(const char* pszModuleName, uint32_t eventId, uint16_t priority,
                                 L2IF_SH_EVT_CB_FUNC* callback);
 

@@ -79,8 +79,9 @@ extern ORM_FD_CONTROL g_regDbListenerInfo;
  * so far; the next registration opens a new one. Without a thread (it could not be created) the
  * session is opened without a control function, and the platform says how it serves that one.
  *
- * Any thread but the listener: a callback must not register, since a registration that fails
- * closes the session, which waits for the callback.
+ * argument may be null; the others are not checked for it. Any thread but the listener: a callback
+ * must not register, since a registration that fails closes the session, which waits for the
+ * callback.
  */
 uint32_t QrbDbListenerRegisterEvent(const char* subscriptionName, const char* connectionName,
                                     const char* definition, ORM_SUB_CALLBACK callback,

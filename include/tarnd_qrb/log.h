@@ -20,7 +20,7 @@ extern "C" {
  *           of one comparison, so informational calls may stay in hot paths.
  * function  the reporting function's name; null gives the short form "[TARND_QRB] text".
  * line      any number that identifies the call site.
- * format    as for printf.
+ * format    as for printf; not null.
  *
  * A text of more than 511 characters is lost, and so is one for which there is no memory; nothing
  * else happens.

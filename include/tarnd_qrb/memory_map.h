@@ -3,7 +3,7 @@
  *
  * MEM_EX_Init runs once at start-up, before other threads use the map and before anything is put
  * into a list (tarnd_qrb/util_list.h); until then every handle is 0, "nobody". Afterwards the map
- * is only read, from any thread. Nothing is logged.
+ * is only read, from any thread. Nothing is logged. Null is checked where a comment says so.
  */
 #ifndef TARND_QRB_MEMORY_MAP_H
 #define TARND_QRB_MEMORY_MAP_H
@@ -61,8 +61,8 @@ uint32_t MEM_EX_GetDetailedInfoSize(uint64_t* count);
  * entries  the caller's array.
  * count    its capacity in entries; becomes 32 where that is enough, and else stays.
  *
- * 0; 1 for a null pointer; 2 for a capacity below 32, nothing written; or MEM_EX_CopyDetailedInfo's
- * code.
+ * 0; 1 where either pointer is null; 2 for a capacity below 32, nothing written; or the code of
+ * MEM_EX_CopyDetailedInfo.
  */
 uint32_t MEM_EX_GetDetailedInfo(MEM_EX_DETAILED_INFO_S* entries, uint64_t* count);
 
