@@ -8,12 +8,6 @@ namespace {
 constexpr uint32_t IF_INDEX = 1;
 constexpr uint32_t SECOND   = 0x0A000002;
 
-struct OutItem {
-    BDS_IPV4_ADDR_ITEM_S  item = {UNTOUCHED, UNTOUCHED, UNTOUCHED};
-    BDS_IPV4_ADDR_ITEM_S* Argument() { return &item; }
-    std::string           Output() const { return Texts({item.address, item.masklen, item.type}); }
-};
-
 struct OutPair {
     uint32_t    pair[2] = {UNTOUCHED, UNTOUCHED};
     uint32_t*   Argument() { return pair; }

@@ -3,10 +3,17 @@
 
 #include <tarnd_qrb/ipv4_address.h>
 #include <tarnd_qrb/qos.h>
+#include <tarnd_qrb/route.h>
 
 #include "calls/calls.h"
 
 namespace calls {
+
+struct OutItem {
+    BDS_IPV4_ADDR_ITEM_S  item = {UNTOUCHED, UNTOUCHED, UNTOUCHED};
+    BDS_IPV4_ADDR_ITEM_S* Argument() { return &item; }
+    std::string           Output() const { return Texts({item.address, item.masklen, item.type}); }
+};
 
 // Room for two addresses.
 struct OutAddresses {
@@ -15,6 +22,17 @@ struct OutAddresses {
     std::string        Output() const
     {
         return Texts({both[0].address, both[0].masklen, both[1].address, both[1].masklen});
+    }
+};
+
+// Room for two.
+struct OutNextHops {
+    FIB_NHP_S   nextHops[2] = {{UNTOUCHED, UNTOUCHED, {}}, {UNTOUCHED, UNTOUCHED, {}}};
+    FIB_NHP_S*  Argument() { return nextHops; }
+    std::string Output() const
+    {
+        return Texts({nextHops[0].firstValue, nextHops[0].secondValue, nextHops[1].firstValue,
+                      nextHops[1].secondValue});
     }
 };
 

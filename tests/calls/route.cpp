@@ -1,9 +1,7 @@
 // Route inquiry. The second forwarding entry covers the destination and leads to group 1, of which
 // the second and the third member are; the first of them has the second next hop, and the other way
 // round.
-#include <tarnd_qrb/route.h>
-
-#include "calls/calls.h"
+#include "calls/records.h"
 
 namespace calls {
 
@@ -18,16 +16,6 @@ struct OutIndexes {
     uint32_t    indexes[2] = {UNTOUCHED, UNTOUCHED};
     uint32_t*   Argument() { return indexes; }
     std::string Output() const { return Texts({indexes[0], indexes[1]}); }
-};
-
-struct OutNextHops {
-    FIB_NHP_S   nextHops[2] = {{UNTOUCHED, UNTOUCHED, {}}, {UNTOUCHED, UNTOUCHED, {}}};
-    FIB_NHP_S*  Argument() { return nextHops; }
-    std::string Output() const
-    {
-        return Texts({nextHops[0].firstValue, nextHops[0].secondValue, nextHops[1].firstValue,
-                      nextHops[1].secondValue});
-    }
 };
 
 // clang-format off

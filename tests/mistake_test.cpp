@@ -1,0 +1,156 @@
+// Callers' mistakes: null for every pointer that is checked for it, and walks and sessions in wrong
+// states, which end in a code.
+#include <tarnd_qrb/acl.h>
+#include <tarnd_qrb/change_detection.h>
+#include <tarnd_qrb/database.h>
+#include <tarnd_qrb/event_registry.h>
+#include <tarnd_qrb/interface_lookup.h>
+#include <tarnd_qrb/interface_state.h>
+#include <tarnd_qrb/interface_type.h>
+#include <tarnd_qrb/memory_map.h>
+#include <tarnd_qrb/route.h>
+#include <tarnd_qrb/table_walk.h>
+#include <tarnd_qrb/vlan.h>
+#include <tarnd_qrb/vlan_interface.h>
+
+#include "calls/records.h"
+
+namespace {
+
+using namespace calls;
+
+class Mistakes : public DeviceTest {};
+
+constexpr uint16_t      VLAN     = 10;
+constexpr FIB_KEY_S     KEY      = {};
+constexpr IF_NAME_KEY_S NAME     = {"E1", 0};
+constexpr uint32_t      IF_INDEX = 1;
+
+const std::string IS_NULL     = R"( | Null value provided\n)";
+const std::string REFUSED     = "1" + IS_NULL;
+const std::string REFUSED_OUT = "1 -" + IS_NULL;
+
+// clang-format off
+TEST_F(Mistakes, NullIsRefused)
+{
+    Expect({
+        {CALL(QRB_CreatDbSession, nullptr, QRB_ORM_OP_SCAN, OutSession()), "0 closed"},
+        {CALL(QRB_CreatDbSession, "vlan", QRB_ORM_OP_SCAN, nullptr), "0"},
+        {CALL(BDS_IfnetGetIfNameByIfIndex, 1U, nullptr), REFUSED},
+        {CALL(IF_INTF_GetIfIndexByFullName, nullptr), "NONE" + IS_NULL},
+        {CALL(BDS_Ifname2IfGetIndexByname, nullptr, Out32()), REFUSED_OUT},
+        {CALL(BDS_Ifname2IfGetIndexByname, "x", nullptr), REFUSED},
+        {CALL(IF_INTF_GetSimpleName, nullptr, OutText()), REFUSED_OUT},
+        {CALL(IF_INTF_GetSimpleName, "x", nullptr), REFUSED},
+        {CALL(BDS_IfnetGetNumStrFromName, nullptr, OutText(), 4U), "0 -" + IS_NULL},
+        {CALL(BDS_IfnetGetNumStrFromName, "Trunk1", nullptr, 4U), "0" + IS_NULL},
+        {CALL(BDS_IfnetGetNumStrFromName, "Trunk1", OutText(), 0U), "0 -" + IS_NULL},
+        {CALL(BDS_IfnetGetPortType, 1U, nullptr), REFUSED},
+        {CALL(IF_INTF_GetIfLineState, 1U, nullptr), REFUSED},
+        {CALL(IF_INTF_GetIfLinkState, 1U, nullptr), REFUSED},
+        {CALL(BDS_IfnetGetCardByIfIndex, 1U, nullptr), REFUSED},
+        {CALL(BDS_IfnetGetIfMacByIfIndex, 1U, nullptr), REFUSED},
+        {CALL(BDS_IfnetGetSlotIdBySlotStr, nullptr), REFUSED},
+        {CALL(IP_GetMainIpAddr, 1U, nullptr, Out32()), REFUSED_OUT},
+        {CALL(IP_GetMainIpAddr, 1U, Out32(), nullptr), REFUSED_OUT},
+        {CALL(SYSAPI_GetIp4AllAddrByIf, 1U, nullptr, 3U), REFUSED},
+        {CALL(SYSAPI_GetIp4AllAddrByIf, 1U, OutAddresses(), 0U), "1 - - - -" + IS_NULL},
+        {CALL(BDS_IPIFGetThisIfIpAddr, 1U, nullptr, 1U, Out32()), REFUSED_OUT},
+        {CALL(BDS_IPIFGetThisIfIpAddr, 1U, Out32(), 1U, nullptr), REFUSED_OUT},
+        {CALL(BDS_IPGetFirstIpByIfIndex, 1U, nullptr), REFUSED},
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 1U, 0U, nullptr, Out32(), Out32()), "1 - -" + IS_NULL},
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 1U, 0U, Out32(), nullptr, Out32()), "1 - -" + IS_NULL},
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 1U, 0U, Out32(), Out32(), nullptr), "1 - -" + IS_NULL},
+        {CALL(IP_GetMask, 1U, 0U, nullptr), REFUSED},
+        {CALL(IP_GetIfindexbyIpAddr, 0U, 0U, nullptr), REFUSED},
+        {CALL(BDS_L2IF_VLAN_GetIfIndexByVlanId, VLAN, nullptr), REFUSED},
+        {CALL(BDS_IfnetGetVlanIdByIfName, nullptr, OutText(), 8U), REFUSED_OUT},
+        {CALL(BDS_IfnetGetVlanIdByIfName, "Vlanif1", nullptr, 8U), REFUSED},
+        {CALL(BDS_IfnetGetVlanIdByIfName, "Vlanif1", OutText(), 0U), REFUSED_OUT},
+        {CALL(BDS_IfnetGetVlanIdByIfIndex, 1U, nullptr), REFUSED},
+        {CALL(ACLIPv6_IsACLNodeExistByNumber, VLAN, VLAN, 1U, nullptr), "0"},
+        {CALL(FIB_InquiryRoute, nullptr, nullptr), "1 | [FIB Inquiry Route] parameter failed"},
+        {CALL(FIB_InquiryRoute, &KEY, nullptr), "1 | [FIB Inquiry Route] parameter failed"},
+        {CALL(FIB_InquiryRoutes, nullptr, nullptr, Out32()), "1 - | [FIB Inquiry Routes] parameter failed, pstFibKey:1, pstFibNhp:1, count:0"},
+        {CALL(FIB_InquiryRoutes, &KEY, nullptr, nullptr), "1 | [FIB Inquiry Routes] parameter failed, pstFibKey:0, pstFibNhp:1, count:1"},
+        {CALL(FIB_InquiryRoutes, &KEY, OutNextHops(), Out32{0}), "1 - - - - 0 | [FIB Inquiry Routes] parameter failed, pstFibKey:0, pstFibNhp:0, count:0"},
+        {CALL(IF_RegNotifyFunc, 1U, nullptr), "1"},
+        {CALL(QRB_EVENT_PortCheckIsVlanBitMapChange, nullptr, nullptr, 512, uint8_t{0}), R"(1 | Input parameter is NULL.\n)"},
+        {CALL(MEM_EX_GetDetailedInfoSize, nullptr), "1"},
+        {CALL(MEM_EX_GetDetailedInfo, nullptr, nullptr), "1"},
+        // What has a fixed answer, or works without, doesn't mind.
+        {CALL(QRB_DB_Scan, "acl_adv", nullptr, 1U, nullptr, nullptr, "rule_id = 9", nullptr), "0"},
+        {CALL(IF_INTF_GetSlotByIfName, nullptr), "0"},
+        {CALL(BDS_TrunkGetTrunkIndex, 1U, nullptr), "1"},
+        {CALL(BDS_QINQ_INTF_GetEthType, 1U, nullptr), "1"},
+        {CALL(BDS_IPv6GetValidGlobalAddrByIfIndex, 1U, nullptr), "1"},
+        {CALL(IP6_Addr_GetValidGlobalAddrOnIf, 1U, nullptr), "0"},
+    });
+}
+
+// 2002 and 2003 are the stand-in's: no such handle, and a call that is not due.
+TEST_F(Mistakes, WalksInWrongStatesAnswerOne)
+{
+    for (int again = 0; again < 2; again++) {
+        Expect({
+            {CALL(QRB_GetNextIfIndex, Out32()), "1 -"},
+            {CALL(QRB_GetNextPort, Out32()), "1 -"},
+            {CALL(QRB_GetNextVlan, Out32()), "1 -"},
+            {CALL(IF_INTF_GetNextIfIndex, 1U, Out32()), "1 0"},
+            {CALL(L2IF_GetNextPort, Out32()), "1 0"},
+            {CALL(L2IF_GetNextVlan, Out16()), "1 0"},
+            {CALL(QRB_ScanIfIndexFinish), "1 | OrmScanEnd fail ret:2002"},
+            {CALL(QRB_ScanPortFinish), "1 | OrmScanEnd fail ret:2002"},
+            {CALL(QRB_ScanVlanFinish), "1 | OrmScanEnd fail ret:2002"},
+        });
+    }
+    // A session that has ended behind the walk's back.
+    uint32_t value = 0;
+    ASSERT_EQ(QRB_GetFirstVlan(&value), 0U);
+    ASSERT_EQ(OrmCloseSession(g_ScanVlanSession), 0U);
+    Expect({
+        {CALL(QRB_GetFirstVlan, Out32()), "1 -"},
+        {CALL(QRB_GetNextVlan, Out32()), "1 - | OrmScanNext ret:2002, isEof:0"},
+        {CALL(L2IF_ScanVlanFinish), "1 | QRB_ScanVlanFinish: OrmScanEnd fail ret:2002"},
+        {CALL(QRB_GetFirstVlan, Out32()), "0 20", {}, [] { QRB_ScanVlanFinish(); }},
+    });
+}
+
+uint32_t Scanned(ORM_SESSION in)
+{
+    uint16_t id = 0;
+    return QRB_DB_SESSION_Scan(in, "vlan", &id, 1, L2IF_DB_ScanVlanId, nullptr, nullptr, nullptr);
+}
+
+void ExpectRefusals(const std::string& code)
+{
+    Expect({
+        {CALL(IF_CmpIfBaseRecord, session, &NAME, OutText(), 387), "0 - | get all field if_base fail for cmp " + code + R"(\n)"},
+        {CALL(ACL_DB_ScanAclGroupId, session, Out32(), 0U), code + " -"},
+        {CALL(L2IF_DB_ScanVlanId, session, Out16(), 0U), code + " -"},
+        {CALL(QOS_GetIdByName, session, "gold", Out32()), code + " - | orm get ProfileName failed. ret = " + code},
+    });
+}
+
+TEST_F(Mistakes, SessionsInWrongStatesEndInACode)
+{
+    session = 0;
+    ExpectRefusals("2002");
+    Opened();
+    ExpectRefusals("2003");
+    ASSERT_EQ(OrmCloseSession(session), 0U);
+    ExpectRefusals("2002");
+    Expect({
+        {CALL(Scanned, session), R"(1 | QRB_DB_SESSION_Scan: Failed to fetch DB, ret=2002\n)"},
+        {CALL(QRB_DB_SESSION_SetKey, session, QRB_ORM_OP_READ, "if_phy", &IF_INDEX, nullptr), "2002 | Table: if_phy prepare failed."},
+        {CALL(QRB_DB_SESSION_Get, session, "if_phy", &IF_INDEX, Out32(), nullptr, nullptr), "2002 - | QRB_DB_SESSION_SetKey: Table: if_phy prepare failed."},
+        {CALL(BDS_IPGetIpv4AddrTblItem, ORM_NODE{0}, OutItem()), R"(NONE - - - | get ipv4 addr item address fail, ret=2002\n)"},
+        {CALL(QOS_GetDscp, ORM_NODE{0}, OutRemarks()), "0 - - - - - - -"},
+        {CALL(QOS_Get8021, session, OutRemarks()), "0 - - - - - - -"},
+        {CALL(QRB_CreatDbSession, "no_such_table", QRB_ORM_OP_SCAN, OutSession()), R"(0 closed | Database error, info: prepare session failed\n)"},
+        {CALL(QRB_CreatDbSession, "vlan", 99U, OutSession()), R"(0 closed | Database error, info: prepare session failed\n)"},
+    });
+}
+// clang-format on
+
+}  // namespace

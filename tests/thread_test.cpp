@@ -1,0 +1,114 @@
+// Every query from several threads, while others write, walk and are told of changes.
+#include <atomic>
+#include <thread>
+
+#include <tarnd_qrb/event_publish.h>
+#include <tarnd_qrb/listener.h>
+#include <tarnd_qrb/subscription.h>
+#include <tarnd_qrb/table_walk.h>
+
+#include "calls/calls.h"
+#include "support/events.h"
+#include "support/listener.h"
+#include "support/network.h"
+
+namespace {
+
+using namespace calls;
+using standin::Row;
+using standin::Transaction;
+
+class Threads : public DeviceTest {
+protected:
+    void SetUp() override
+    {
+        DeviceTest::SetUp();
+        support::WatchPlatform(false);
+    }
+    void TearDown() override
+    {
+        support::StopListener();
+        support::ForgetEvents();
+        DeviceTest::TearDown();
+    }
+};
+
+// What needs something made ready has it in common with all threads.
+bool IsIndependent(const Call& call)
+{
+    return !call.before && !call.after && !call.name.starts_with("BDS_InitStart");
+}
+
+// Rows that no call asks for come and go, and the rows of a table are replaced by the same.
+void Write(const std::atomic<bool>& stop)
+{
+    for (uint32_t round = 0; !stop; round++) {
+        Transaction transaction;
+        for (uint32_t index = 50; index < 60; index++) {
+            const Row phy  = Row("if_phy").Set("if_index", index).Set("phy_state", round / 2 % 2);
+            const Row port = Row("port").Set("if_index", index).Set("switch_port", round / 2 % 2);
+            if (round % 2 == 0) {
+                transaction.Replace(phy);
+                transaction.Replace(port);
+            } else {
+                transaction.Delete(phy);
+                transaction.Delete(port);
+            }
+        }
+        for (const char* table : {"if_base", "vlan", "am_ipv4_address", "Fib.ConfigNhpStandard"}) {
+            standin::ForEachRow(*standin::FindTable(table),
+                                [&](const Row& row) { transaction.Replace(row); });
+        }
+        transaction.Commit();
+    }
+}
+
+void WalkInterfaces(const std::atomic<bool>& stop)
+{
+    while (!stop) {
+        uint32_t index = 0;
+        EXPECT_EQ(QRB_GetFirstIfIndex(&index), 0U);
+        EXPECT_EQ(index, 1U);
+        EXPECT_EQ(QRB_GetNextIfIndex(&index), 0U);
+        EXPECT_EQ(QRB_GetNextIfIndex(&index), 1U);
+        EXPECT_EQ(QRB_ScanIfIndexFinish(), 0U);
+    }
+}
+
+void Ask(const Calls& calls, int rounds)
+{
+    for (int round = 0; round < rounds; round++) {
+        for (const Call& call : calls) {
+            EXPECT_EQ(call.run(), call.expectations) << call.name;
+        }
+    }
+}
+
+TEST_F(Threads, AnswerAlikeWhileOthersWriteWalkAndAreTold)
+{
+    static std::atomic<uint32_t> told;
+    told = 0;
+    IF_RegNotifyFunc(1, [](auto...) { return ++told; });
+    ASSERT_EQ(BDS_InitStart(), 0U);
+    Calls calls = AllCalls();
+    std::erase_if(calls, [](const Call& call) { return !IsIndependent(call); });
+    for (Call& call : calls) {
+        call.expectations = Read(call).good.answer;
+    }
+    ASSERT_GT(calls.size(), 80U);
+
+    std::atomic<bool>         stop = false;
+    std::vector<std::jthread> others;
+    others.emplace_back(Write, std::cref(stop));
+    others.emplace_back(WalkInterfaces, std::cref(stop));
+    std::vector<std::jthread> askers;
+    for (int asker = 0; asker < 3; asker++) {
+        askers.emplace_back(Ask, std::cref(calls), 50);
+    }
+    askers.clear();
+    stop = true;
+    others.clear();
+    EXPECT_TRUE(support::Eventually([] { return told > 0; }));
+}
+
+}  // namespace
