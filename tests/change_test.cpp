@@ -23,7 +23,6 @@ using standin::Transaction;
 using support::AwaitEvents;
 using support::Events;
 using support::Eventually;
-using support::FailCall;
 using support::TakeMessages;
 
 using Messages = std::vector<std::string>;
@@ -206,101 +205,6 @@ TEST_F(Change, RowsOfOneDeliveryAnswerForThemselves)
     EXPECT_EQ(AwaitEvents(), Events{});
 }
 
-// What a failing step does to its own message and to those behind it in the delivery.
-struct Fault {
-    const char* operation;
-    unsigned    nth;
-    Write       write;
-    Row (*row)(uint64_t interface, uint64_t state);
-    Events   events;
-    Messages complaints;
-};
-
-Row BaseOf(uint64_t interface, uint64_t /*state*/)
-{
-    return Row("if_base").Set("if_index", interface).Set("if_name", std::to_string(interface));
-}
-Row PhyOf(uint64_t interface, uint64_t state)
-{
-    return Phy(state, interface);
-}
-Row RouteOf(uint64_t interface, uint64_t state)
-{
-    return Route(state).Set("if_index", interface);
-}
-Row PortOf(uint64_t interface, uint64_t state)
-{
-    return Port(1, state, {}, interface);
-}
-
-// clang-format off
-const Fault faults[] = {
-    {"OrmSubFetchNext", 2, Write::Insert, PortOf, {"36 if 1 pvid 1"},
-     {"QRB_EVENT_PortTableCallback: Failed to fetch DB, ret=9\n"}},
-    {"OrmSubExtractData", 2, Write::Insert, BaseOf, {"notify 0 if 1"},
-     {"QRB_EVENT_GetIfBaseFromSession: OrmSubExtractData fail, ret=9.\n",
-      "QRB_EVENT_IfBaseTableCallback: get if base data from db sub session fail.\n"}},
-    {"OrmGetFieldById", 3, Write::Insert, BaseOf, {"notify 0 if 1"},
-     {"QRB_EVENT_GetIfBaseFromSession: get ifindex from db sub session fail, ret=9.\n",
-      "QRB_EVENT_IfBaseTableCallback: get if base data from db sub session fail.\n"}},
-    {"OrmGetFieldById", 4, Write::Delete, BaseOf, {"notify 1 if 1"},
-     {"QRB_EVENT_GetIfBaseFromSession: get ifname from db sub session fail, ret=9.\n",
-      "QRB_EVENT_IfBaseTableCallback: get if base data from db sub session fail.\n"}},
-    {"OrmgIfPhyGetAllFieldsInner", 2, Write::Insert, PhyOf, {"notify 4 if 1", "notify 4 if 3"},
-     {"QRB_EVENT_IfPhyOrmGetNewData: Failed to fetch DB, ret=9\n",
-      "QRB_EVENT_IfPhyInsert: Failed to get new orm phy data.\n"}},
-    {"OrmSubExtractData", 3, Write::Update, PhyOf, {"9/2 flag 1 if 1", "notify 4 if 1"},
-     {"QRB_EVENT_IfPhyOrmGetOldData: Failed to fetch DB, ret=9\n",
-      "QRB_EVENT_IfPhyTableCallback: Failed to get old orm phy data.\n"}},
-    {"OrmgIfPhyGetAllFieldsInner", 4, Write::Replace, PhyOf, {"9/2 flag 1 if 1", "notify 4 if 1"},
-     {"QRB_EVENT_IfPhyOrmGetNewData: Failed to fetch DB, ret=9\n",
-      "QRB_EVENT_IfPhyTableCallback: Failed to get new orm phy data.\n"}},
-    {"OrmSubExtractData", 1, Write::Replace, PhyOf,
-     {"notify 4 if 1", "9/2 flag 1 if 2", "notify 4 if 2", "9/2 flag 1 if 3", "notify 4 if 3"}, {}},
-    {"OrmgIfRouteGetAllFieldsInner", 3, Write::Update, RouteOf, {"9/3 flag 1 if 1 with 1, 0"},
-     {"QRB_EVENT_IfRouteOrmGetOldData: Failed to fetch DB, ret=9\n",
-      "QRB_EVENT_IfRouteTableCallback: Failed to get old orm if_route data.\n"}},
-    {"OrmSubExtractData", 4, Write::Update, RouteOf, {"9/3 flag 1 if 1 with 1, 0"},
-     {"QRB_EVENT_IfRouteOrmGetNewData: Failed to fetch DB, ret=9\n",
-      "QRB_EVENT_IfRouteTableCallback: Failed to get new orm if_route data.\n"}},
-    {"OrmSubExtractData", 2, Write::Insert, PortOf, {"36 if 1 pvid 1", "36 if 3 pvid 1"},
-     {"QRB_EVENT_PortOrmGetNewData: Failed to fetch DB, ret=9\n",
-      "QRB_EVENT_PortInsert: Failed to get new orm port data.\n"}},
-    {"OrmgPortGetAllFieldsInner", 2, Write::Delete, PortOf, {"37 if 1 pvid 1", "37 if 3 pvid 1"},
-     {"QRB_EVENT_PortOrmGetOldData: Failed to fetch DB, ret=9\n",
-      "QRB_EVENT_PortDelete: Failed to get old orm port data.\n"}},
-    {"OrmgPortGetAllFieldsInner", 3, Write::Update, PortOf, {"14 if 1 use 0"},
-     {"QRB_EVENT_PortOrmGetOldData: Failed to fetch DB, ret=9\n",
-      "QRB_EVENT_PortTableCallback: Failed to get old orm port data.\n"}},
-    {"OrmgPortGetAllFieldsInner", 4, Write::Update, PortOf, {"14 if 1 use 0"},
-     {"QRB_EVENT_PortOrmGetNewData: Failed to fetch DB, ret=9\n",
-      "QRB_EVENT_PortTableCallback: Failed to get new orm port data.\n"}},
-};
-// clang-format on
-
-std::vector<Row> ThreeRows(const Fault& fault, uint64_t state)
-{
-    return {fault.row(1, state), fault.row(2, state), fault.row(3, state)};
-}
-
-TEST_F(Change, AFailureEndsItsMessageOrItsDelivery)
-{
-    for (const Fault& fault : faults) {
-        SCOPED_TRACE(std::string(fault.operation) + " of " +
-                     std::string(fault.row(1, 0).Description().name));
-        standin::Reset();
-        if (fault.write != Write::Insert) {
-            Do(Write::Insert, ThreeRows(fault, 1));
-        }
-        AwaitEvents();
-        TakeMessages();
-        FailCall(fault.operation, fault.nth, 9);
-        Do(fault.write, ThreeRows(fault, 0));
-        EXPECT_EQ(AwaitEvents(), fault.events);
-        EXPECT_EQ(Complaints(), fault.complaints);
-    }
-}
-
 // With an entry that has no callback ahead of all others, or with nobody to notify.
 TEST_F(Change, AFailedPublicationIsReportedAndTheRestGoesOn)
 {
@@ -350,43 +254,6 @@ TEST_F(Change, WithoutANotificationListEachChangeSaysSo)
         return seen.size() >= expected.size();
     });
     EXPECT_EQ(seen, expected);
-}
-
-class Start : public support::PlatformTest {
-protected:
-    void TearDown() override
-    {
-        support::StopListener();
-        support::ForgetEvents();
-        PlatformTest::TearDown();
-    }
-};
-
-TEST_F(Start, EndsAtTheFirstFailure)
-{
-    const auto count = [](const char* operation) {
-        return std::ranges::count(support::PlatformCalls(), operation);
-    };
-    FailCall("OrmInit", 1, 9);
-    EXPECT_EQ(BDS_InitStart(), 1U);
-    EXPECT_EQ(g_isL2IFEvtInited + g_isIFEvtInited, 2);
-    EXPECT_EQ(count("OrmCreateSessionParam"), 0);
-
-    const char* const tables[] = {"Port", "IfRoute", "IfPhy", "IfBase"};
-    const char* const names[]  = {"port", "if_route", "if_phy", "if_base"};
-    for (unsigned nth = 1; nth <= 4; nth++) {
-        support::ResetPlatform();
-        TakeMessages();
-        FailCall("OrmSubscribe", nth, 9);
-        EXPECT_EQ(BDS_InitStart(), 1U);
-        EXPECT_EQ(count("OrmSubscribe"), nth);
-        EXPECT_EQ(g_isDbListenerSubOpened, 0);
-        EXPECT_EQ(Complaints(),
-                  (Messages{"QrbDbListenerRegisterEvent: [DEBUG]: OrmSubscribe fail, ret=9\n",
-                            std::string("QRB_EVENT_SubTo") + tables[nth - 1] +
-                                "Table: Failed to subscribe to \"" + names[nth - 1] + "\".\n"}));
-    }
-    EXPECT_EQ(BDS_InitStart(), 0U);
 }
 
 // Against a slow model: bitmaps that share their first bytes, compared whole and in part.

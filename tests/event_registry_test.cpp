@@ -7,7 +7,6 @@
 
 namespace {
 
-using support::FailCall;
 using support::TakeMessages;
 
 using Messages = std::vector<std::string>;
@@ -223,44 +222,6 @@ TEST_F(EventRegistry, StartsAfreshAfterDeinit)
         EXPECT_EQ(IF_EvtUnRegCbf(InterfaceA, UNUSED, 2, SUB_EVENTS, 2U), 1U);
         EXPECT_EQ(TakeMessages(), Messages{"IF_EvtUnRegCbf: Failed to find event node.\n"});
     }
-}
-
-TEST_F(EventRegistry, IsAsItWasWhenThereIsNoMemoryForAnEntry)
-{
-    const auto fails = [](uint32_t (*registration)(), const char* message) {
-        FailCall("malloc_ex", 1, 0);
-        EXPECT_EQ(registration(), 1U);
-        EXPECT_EQ(TakeMessages(), Messages{message});
-        EXPECT_EQ(registration(), 0U);
-    };
-    fails([] { return L2IF_SH_EvtCbFuncReg("m", 2, 1, Layer2A); },
-          "L2IF_SH_EvtCbFuncReg: Failed to make sorted insert, ret=1\n");
-    fails([] { return IF_EvtRegCbf(InterfaceA, UNUSED, 1, 1, SUB_EVENTS); },
-          "IF_EvtRegCbf: Failed to add callback to list.\n");
-    fails([] { return IF_RegNotifyFunc(1, NotifyA); },
-          "IF_RegNotifyFunc: Failed to add callback to list.\n");
-    EXPECT_EQ(Layer2(2) + Interface(SUB_EVENTS, IF_EVT_WHOLE) + Notified(), "m 1, A 1, A 1, ");
-}
-
-TEST_F(EventRegistry, BuildsTheTreeAsFarAsThereIsMemory)
-{
-    support::FailAllocation(1);
-    EXPECT_EQ(IF_EvtRegCbf(InterfaceA, UNUSED, 1, 2, SUB_EVENTS, 2U), 1U);
-    EXPECT_EQ(TakeMessages(), Messages{"IF_EvtRegCbf: Failed to find event node.\n"});
-    EXPECT_EQ(g_isIFEvtInited, 0);
-
-    for (unsigned nth = 2; nth <= 17; nth++) {
-        support::FailAllocation(nth);
-        IF_EvtInit();
-        unsigned barren = 0;
-        for (uint32_t eventId = 0; eventId < IF_EVT_COUNT; eventId++) {
-            EXPECT_EQ(IF_INTF_RegEvtCb(eventId, IF_EVT_WHOLE, InterfaceA, UNUSED, 1), 0U);
-            barren += IF_INTF_RegEvtCb(eventId, 0, InterfaceA, UNUSED, 1);
-        }
-        EXPECT_EQ(barren, 76U - 16 + 1) << nth;
-        IF_EvtDeInit();
-    }
-    EXPECT_EQ(IF_EvtRegCbf(InterfaceA, UNUSED, 1, 2, SUB_EVENTS, 2U), 0U);
 }
 
 TEST_F(EventRegistry, GivesAnyNodeChildren)

@@ -1,6 +1,7 @@
 // The device, and places in it.
 #include "calls/calls.h"
 
+#include <algorithm>
 #include <array>
 
 namespace calls {
@@ -210,7 +211,7 @@ void PrintTo(const Outcome& outcome, std::ostream* out)
          << " blocks";
 }
 
-Outcome Perform(const Call& call, const Fault* fault)
+Outcome Perform(const Call& call, const Lines& points, const Fault* fault)
 {
     const int sessions = support::OpenSessions();
     const int scans    = support::OpenScans();
@@ -222,13 +223,18 @@ Outcome Perform(const Call& call, const Fault* fault)
     support::TakeLog();
     support::ResetPlatform();
     if (fault != nullptr) {
-        support::FailCallNumber(fault->number, fault->code, fault->cleanUps);
+        const auto& operation = points[fault->number - 1];
+        const auto  nth = std::count(points.begin(), points.begin() + fault->number, operation);
+        support::FailCall(operation, static_cast<unsigned>(nth), fault->code, fault->cleanUps);
     }
     support::WatchPlatform(true);
     Outcome outcome = {call.run(), support::TakeMessages()};
     support::WatchPlatform(false);
     if (call.after) {
         call.after();
+    }
+    if (call.tidy != nullptr) {
+        call.tidy(outcome.lines);
     }
     outcome.sessions = support::OpenSessions() - sessions;
     outcome.scans    = support::OpenScans() - scans;
@@ -247,7 +253,7 @@ Calls AllCalls()
 {
     Calls all;
     for (const auto family : {DatabaseCalls, InterfaceCalls, AddressCalls, Layer2Calls, RouteCalls,
-                              AclCalls, QosCalls}) {
+                              AclCalls, QosCalls, EventCalls}) {
         const Calls calls = family();
         all.insert(all.end(), calls.begin(), calls.end());
     }

@@ -42,15 +42,17 @@
 
 namespace calls {
 
+using Lines = std::vector<std::string>;
+
 struct Call {
     std::string                  name;
     std::function<std::string()> run;  // the answer
     std::string                  expectations;
     std::function<void()>        before = {};  // what run needs; not watched
     std::function<void()>        after  = {};
+    void (*tidy)(Lines& lines)          = nullptr;  // what is logged, before it is compared
 };
 using Calls = std::vector<Call>;
-using Lines = std::vector<std::string>;
 
 Calls DatabaseCalls();
 Calls InterfaceCalls();
@@ -59,6 +61,7 @@ Calls Layer2Calls();
 Calls RouteCalls();
 Calls AclCalls();
 Calls QosCalls();
+Calls EventCalls();
 Calls AllCalls();
 
 // The device that the answers are those of.
@@ -100,7 +103,7 @@ struct Expectation {
     std::vector<Step> steps;
 };
 
-Outcome Perform(const Call& call, const Fault* fault = nullptr);
+Outcome Perform(const Call& call, const Lines& points = {}, const Fault* fault = nullptr);
 
 // Calls that only have to come to what their first lines say.
 void Expect(const Calls& calls);

@@ -38,6 +38,8 @@ constexpr struct {
     {"str", "_s", "copy"},
     {"mem", "_s", "copy"},
     {"sprintf_s", "", "format"},
+    {"OrmSubFetchNext", "", "fetch"},
+    {"OrmSubExtractData", "", "extract"},
     {"calloc", "", "memory"},
     {"malloc_ex", "", "memory"},
 };
@@ -139,7 +141,7 @@ private:
 
     static std::string Named(const std::string& reporter, const std::string& line)
     {
-        static const std::regex named(R"([A-Za-z0-9]+_\w+: .*)");
+        static const std::regex named(R"((\w+_\w+|DbListener\w+): .*)");
         static const std::regex newline(R"(\\n)");
         const std::string       text = std::regex_replace(line, newline, "\n");
         return line[0] == '/'                  ? text.substr(1)
@@ -209,7 +211,9 @@ Outcome WithFault(const Expectation& expectation, const Lines& points, const Fau
     const std::string& operation = points[fault.number - 1];
     if (operation == "malloc" || operation == "vsprintf_s") {  // a line that is lost
         const auto lost = std::count(points.begin(), points.begin() + fault.number - 1, operation);
-        outcome.lines.erase(outcome.lines.begin() + lost);
+        if (lost < std::ssize(outcome.lines)) {
+            outcome.lines.erase(outcome.lines.begin() + lost);
+        }
         return outcome;
     }
     for (const Step& step : expectation.steps) {

@@ -1,4 +1,4 @@
-// The listener thread, from outside: stopped as a daemon would, and kept from starting.
+// The listener thread, from outside: stopped as a daemon would.
 #pragma once
 
 namespace support {
@@ -6,9 +6,5 @@ namespace support {
 // Closes the session, stops and joins the thread, and sets everything back, so that a registration
 // starts anew. Nothing where nothing runs.
 void StopListener();
-
-// The next thread that this thread creates, or the next epoll instance, fails with this error.
-void FailThreadCreation(int error);
-void FailEpollCreation(int error);
 
 }  // namespace support

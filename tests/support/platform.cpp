@@ -3,8 +3,12 @@
 
 #include <dlfcn.h>
 #include <link.h>
+#include <pthread.h>
+#include <sys/epoll.h>
+#include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <cstdarg>
 #include <mutex>
 #include <optional>
@@ -19,10 +23,7 @@ namespace support {
 
 namespace {
 
-constexpr std::string_view ANY_ALLOCATION = "malloc or calloc";
-
-// A call that is going to fail: the nth from now of one operation, or of all where the name is
-// empty.
+// A call that is going to fail: the nth from now of one operation.
 struct Planned {
     std::string operation;
     unsigned    remaining = 0;
@@ -38,12 +39,6 @@ std::optional<uint32_t>  cleanUpCode;  // set once a fault is to be followed by 
 std::atomic<int>         openSessions = 0;
 std::atomic<int>         openScans    = 0;
 
-bool Means(const Planned& fault, std::string_view operation)
-{
-    return fault.operation.empty() || fault.operation == operation ||
-           (fault.operation == ANY_ALLOCATION && (operation == "malloc" || operation == "calloc"));
-}
-
 // What an operation is to answer instead of its own answer.
 std::optional<uint32_t> Fault(std::string_view operation)
 {
@@ -55,7 +50,7 @@ std::optional<uint32_t> Fault(std::string_view operation)
     if (IsCleanUp(operation) && cleanUpCode) {
         return cleanUpCode;
     }
-    if (!planned || !Means(*planned, operation) || --planned->remaining > 0) {
+    if (!planned || planned->operation != operation || --planned->remaining > 0) {
         return std::nullopt;
     }
     const Planned fault = *std::exchange(planned, std::nullopt);
@@ -108,12 +103,6 @@ int PassBounded(const char* name, Arguments... arguments)
     return fault ? static_cast<int>(*fault) : Next<Operation>(name)(arguments...);
 }
 
-void Plan(const Planned& fault)
-{
-    const std::lock_guard lock(mutex);
-    planned = fault;
-}
-
 // Everybody's malloc and calloc come to the test program, the library's by the address that they
 // return to.
 uintptr_t codeBegin = 0;
@@ -139,6 +128,18 @@ int FindLibraryCode(dl_phdr_info* object, size_t /*size*/, void* /*context*/)
     const auto address = reinterpret_cast<uintptr_t>(returnAddress);
     return __atomic_load_n(&watching, __ATOMIC_RELAXED) && address >= codeBegin &&
            address < codeEnd;
+}
+
+template <auto Operation, typename... Arguments>
+int PassSystem(const char* name, const void* returnAddress, Arguments... arguments)
+{
+    if (IsLibrary(returnAddress)) {
+        if (const auto error = Fault(name)) {
+            errno = static_cast<int>(*error);
+            return -1;
+        }
+    }
+    return Next<Operation>(name)(arguments...);
 }
 
 // The library's blocks. They are few at a time, and keeping them must not allocate.
@@ -172,7 +173,7 @@ void GivenBack(void* block)
 
 bool IsCleanUp(std::string_view operation)
 {
-    return operation == "OrmScanEnd" || operation == "OrmCloseSession";
+    return operation == "OrmScanEnd" || operation == "OrmCloseSession" || operation == "close";
 }
 
 std::vector<std::string> FaultPoints()
@@ -206,19 +207,10 @@ void WatchPlatform(bool on)
     __atomic_store_n(&watching, on, __ATOMIC_RELAXED);
 }
 
-void FailCall(std::string_view operation, unsigned nth, uint32_t code)
+void FailCall(std::string_view operation, unsigned nth, uint32_t code, CleanUp later)
 {
-    Plan({std::string(operation), nth, code, CleanUp::Works});
-}
-
-void FailCallNumber(unsigned nth, uint32_t code, CleanUp cleanUp)
-{
-    Plan({"", nth, code, cleanUp});
-}
-
-void FailAllocation(unsigned nth)
-{
-    FailCall(ANY_ALLOCATION, nth, 0);
+    const std::lock_guard lock(mutex);
+    planned = {std::string(operation), nth, code, later};
 }
 
 int OpenSessions()
@@ -294,8 +286,6 @@ OPERATION(OrmNodeGetSize, (ORM_NODE node, uint32_t* count), node, count)
 OPERATION(OrmNodeGetItemByIdx, (ORM_NODE node, uint32_t index, ORM_NODE* item), node, index, item)
 OPERATION(OrmNodeGetFieldById, (ORM_NODE item, uint32_t field, void* to, uint32_t size), item,
           field, to, size)
-OPERATION(OrmCreateSessionParam, (const char* channel, const char* kind, ORM_SESSION_PARAM* param),
-          channel, kind, param)
 OPERATION(OrmSessionParamSetConnName, (ORM_SESSION_PARAM param, const char* name), param, name)
 OPERATION(OrmSubscribe,
           (ORM_SESSION session, const char* name, const char* definition, ORM_SUB_CALLBACK callback,
@@ -328,6 +318,18 @@ extern "C" {
 uint32_t OrmOpenSessionByDefault(ORM_SESSION* session)
 {
     return Opened(Pass<&OrmOpenSessionByDefault>("OrmOpenSessionByDefault", session), openSessions);
+}
+
+uint32_t OrmCreateSessionParam(const char* channel, const char* kind, ORM_SESSION_PARAM* param)
+{
+    return Opened(Pass<&OrmCreateSessionParam>("OrmCreateSessionParam", channel, kind, param),
+                  openSessions);
+}
+
+void OrmDestroySessionParam(ORM_SESSION_PARAM param)
+{
+    openSessions -= param != 0 ? 1 : 0;
+    Next<&OrmDestroySessionParam>("OrmDestroySessionParam")(param);
 }
 
 uint32_t OrmOpenSubSession(ORM_SESSION_PARAM param, ORM_FD_CONTROL control, ORM_SESSION* session)
@@ -428,6 +430,42 @@ void free_ex(uint16_t handle, void* block)
         GivenBack(block);
     }
     Next<&free>("free")(block);
+}
+
+[[gnu::no_sanitize_thread]] int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                                               void* (*entry)(void*), void*             argument)
+{
+    if (IsLibrary(__builtin_return_address(0))) {
+        if (const auto error = Fault("pthread_create")) {
+            *thread = 1;  // as the system may leave it
+            return static_cast<int>(*error);
+        }
+    }
+    return Next<&pthread_create>("pthread_create")(thread, attributes, entry, argument);
+}
+
+int epoll_create(int size) noexcept
+{
+    return PassSystem<&epoll_create>("epoll_create", __builtin_return_address(0), size);
+}
+
+int epoll_ctl(int epollFd, int operation, int descriptor, epoll_event* event) noexcept
+{
+    return PassSystem<&epoll_ctl>("epoll_ctl", __builtin_return_address(0), epollFd, operation,
+                                  descriptor, event);
+}
+
+int epoll_wait(int epollFd, epoll_event* events, int count, int timeout)
+{
+    return PassSystem<&epoll_wait>("epoll_wait", __builtin_return_address(0), epollFd, events,
+                                   count, timeout);
+}
+
+int close(int descriptor)
+{
+    const bool fails  = IsLibrary(__builtin_return_address(0)) && Fault("close");
+    const int  result = Next<&close>("close")(descriptor);
+    return fails ? -1 : result;
 }
 
 }  // extern "C"

@@ -23,23 +23,19 @@ void ResetPlatform();
 // call, so tests under load turn it off. PlatformTest turns it on.
 void WatchPlatform(bool on);
 
-// The nth call (from 1) of this operation, counted from now, does nothing and answers code. For
-// "strcpy_s" and its kin too, and for "malloc", "calloc" and "malloc_ex", which answer null. Of
-// malloc and calloc only the library's own calls count.
-void FailCall(std::string_view operation, unsigned nth, uint32_t code);
-
 enum class CleanUp { Works, FailsToo };
 
-// The nth call (from 1) of all those that FaultPoints lists, counted from now. With FailsToo, every
-// later clean-up fails as well, after having done its work.
-void FailCallNumber(unsigned nth, uint32_t code, CleanUp cleanUp = CleanUp::Works);
+// The nth call (from 1) of this operation, counted from now, does nothing and answers code; with
+// FailsToo, so does every later clean-up, after having done its work. Also "strcpy_s" and its kin,
+// "malloc", "calloc" and "malloc_ex", which answer null, and "pthread_create", "epoll_create",
+// "epoll_ctl", "epoll_wait" and "close", whose error is code. Of what belongs to the system only
+// the library's own calls count.
+void FailCall(std::string_view operation, unsigned nth, uint32_t code,
+              CleanUp later = CleanUp::Works);
 
 bool IsCleanUp(std::string_view operation);
 
-// The nth malloc or calloc (from 1) of the library, counted from now, finds no memory.
-void FailAllocation(unsigned nth);
-
-// Opened less closed, since the program started.
+// Opened less closed, since the program started. Session parameters count as sessions.
 int OpenSessions();
 int OpenScans();
 
