@@ -1,0 +1,291 @@
+// A device under load for a given time: writers, readers, a walk that is held open, and callbacks
+// through the library's listener. Reports what was done, and fails where a notification is lost or
+// out of order, a reader sees half a write, or memory grows.
+//
+//   soak [SECONDS [ROWS]]     a minute, a million rows
+#include <tarnd_platform/orm_accessors.h>
+#include <tarnd_qrb/event_publish.h>
+#include <tarnd_qrb/interface_lookup.h>
+#include <tarnd_qrb/interface_state.h>
+#include <tarnd_qrb/listener.h>
+#include <tarnd_qrb/memory_map.h>
+#include <tarnd_qrb/records.h>
+#include <tarnd_qrb/subscription.h>
+#include <tarnd_qrb/table_walk.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cinttypes>
+#include <cstdio>
+#include <cstdlib>
+#include <deque>
+#include <fstream>
+#include <mutex>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <standin/database.h>
+
+namespace {
+
+using namespace std::chrono_literals;
+using standin::Row;
+using standin::Transaction;
+using Clock = std::chrono::steady_clock;
+
+constexpr uint32_t writerCount = 2;
+constexpr size_t   mostAwaited = 1000;  // notifications of one writer that are under way
+
+std::atomic<bool>     running = true;
+std::atomic<uint64_t> writes  = 0;
+std::atomic<uint64_t> reads   = 0;
+std::atomic<uint64_t> steps   = 0;  // of walks
+std::atomic<uint64_t> walks   = 0;
+std::atomic<uint64_t> wrong   = 0;  // answers
+
+// Half of the rows are interfaces, the other half their physical sides.
+uint32_t interfaces = 0;
+
+std::string NameOf(uint32_t ifIndex)
+{
+    return "Eth" + std::to_string(ifIndex);
+}
+
+Row Base(uint32_t ifIndex)
+{
+    return Row("if_base").Set("if_index", ifIndex).Set("if_name", NameOf(ifIndex));
+}
+
+// One value stands in two places, so that half a write would be seen.
+Row Physical(uint32_t ifIndex, uint32_t state, uint32_t value)
+{
+    return Row("if_phy")
+        .Set("if_index", ifIndex)
+        .Set("phy_state", state)
+        .Set("slot_id", value)
+        .Set("port_id", value);
+}
+
+void Fill()
+{
+    for (uint32_t next = 0; next < interfaces;) {
+        Transaction transaction;
+        for (uint32_t left = 1000; left > 0 && next < interfaces; left--, next++) {
+            transaction.Insert(Base(next));
+            transaction.Insert(Physical(next, 0, 0));
+        }
+        transaction.Commit();
+    }
+}
+
+// What a writer's changes are to be told as, in order.
+class Awaited {
+public:
+    void Add(uint32_t ifIndex, uint32_t command)
+    {
+        const std::lock_guard lock(mutex_);
+        pending_.push_back({ifIndex, command, Clock::now()});
+    }
+    void Tell(uint32_t ifIndex, uint32_t command)
+    {
+        const std::lock_guard lock(mutex_);
+        const auto            found = std::ranges::find_if(pending_, [=](const Change& change) {
+            return change.ifIndex == ifIndex && change.command == command;
+        });
+        if (found == pending_.end()) {
+            surplus++;
+            return;
+        }
+        reordered += found != pending_.begin() ? 1U : 0U;
+        told++;
+        longest = std::max(longest, Clock::now() - found->when);
+        pending_.erase(found);
+    }
+    size_t Size()
+    {
+        const std::lock_guard lock(mutex_);
+        return pending_.size();
+    }
+
+    // The listener's, until it has ended.
+    uint64_t        told      = 0;
+    uint64_t        reordered = 0;
+    uint64_t        surplus   = 0;
+    Clock::duration longest   = {};
+
+private:
+    struct Change {
+        uint32_t          ifIndex;
+        uint32_t          command;
+        Clock::time_point when;
+    };
+
+    std::mutex         mutex_;
+    std::deque<Change> pending_;
+};
+Awaited awaited[writerCount];
+
+// A writer's interfaces are those that leave its number.
+uint32_t Notified(uint32_t ifIndex, uint32_t command, uint32_t, uint32_t)
+{
+    awaited[ifIndex % writerCount].Tell(ifIndex, command);
+    return 0;
+}
+
+void Commit(Transaction transaction)
+{
+    transaction.Commit();
+    writes++;
+}
+
+// Turns interfaces up and down, and has others come and go.
+void WriteFor(uint32_t writer)
+{
+    std::mt19937      random(writer);
+    std::vector<bool> up(interfaces);
+    const uint32_t    visitor = interfaces + writer;
+    for (uint32_t round = 0; running; round++) {
+        while (awaited[writer].Size() >= mostAwaited) {
+            std::this_thread::sleep_for(100us);
+        }
+        Transaction transaction;
+        for (uint32_t left = 1 + round % 8; left > 0; left--) {
+            const auto     chosen  = static_cast<uint32_t>(random() % interfaces);
+            const uint32_t ifIndex = chosen - chosen % writerCount + writer;
+            up[ifIndex]            = !up[ifIndex];
+            awaited[writer].Add(ifIndex, up[ifIndex] ? IF_NOTIFY_UP : IF_NOTIFY_DOWN);
+            transaction.Update(Physical(ifIndex, up[ifIndex] ? 1 : 0, round));
+        }
+        Commit(std::move(transaction));
+        if (round % 16 == 0) {
+            const bool  comes = round % 32 == 0;
+            Transaction visit;
+            comes ? visit.Insert(Base(visitor)) : visit.Delete(Base(visitor));
+            awaited[writer].Add(visitor, comes ? IF_NOTIFY_CREATED : IF_NOTIFY_DELETED);
+            Commit(std::move(visit));
+        }
+    }
+}
+
+void ReadFor(uint32_t reader)
+{
+    std::mt19937 random(100 + reader);
+    while (running) {
+        const uint32_t ifIndex = static_cast<uint32_t>(random() % interfaces);
+        char           name[QRB_IF_NAME_SIZE];
+        uint8_t        state = 2;
+        QRB_IF_PHY_S   row   = {};
+        wrong += IF_INTF_GetIfNameByIfIndex(name, ifIndex) != 0 || name != NameOf(ifIndex);
+        wrong += IF_INTF_GetIfIndexByFullName(name) != ifIndex;
+        wrong += BDS_IfnetGetIfPhyState(ifIndex, &state) != 0 || state > 1;
+        wrong += OrmgIfPhyReadInner(&ifIndex, sizeof(ifIndex), &row, sizeof(row)) != 0 ||
+                 row.slot_id != row.port_id;
+        reads += 4;
+    }
+}
+
+// Each walk meets every interface once, in order; the first stays open for the first half of the
+// time.
+void WalkFor(Clock::duration half)
+{
+    const auto until = Clock::now() + half;
+    while (running) {
+        uint32_t ifIndex  = 0;
+        uint32_t expected = 0;
+        uint32_t ret      = QRB_GetFirstIfIndex(&ifIndex);
+        for (; ret == 0; ret = QRB_GetNextIfIndex(&ifIndex), steps++) {
+            wrong += ifIndex < interfaces && ifIndex != expected++;
+            while (running && walks == 0 && expected == interfaces / 2 && Clock::now() < until) {
+                std::this_thread::sleep_for(10ms);
+            }
+        }
+        wrong += expected != interfaces || QRB_ScanIfIndexFinish() != 0;
+        walks++;
+    }
+}
+
+double ResidentMegabytes()
+{
+    std::ifstream statm("/proc/self/statm");
+    double        total = 0;
+    double        pages = 0;
+    statm >> total >> pages;
+    return pages * 4096 / 1e6;
+}
+
+// As a daemon does, once everything has been told that will be.
+void StopListener()
+{
+    for (int left = 1000; left > 0 && awaited[0].Size() + awaited[1].Size() > 0; left--) {
+        std::this_thread::sleep_for(10ms);
+    }
+    OrmCloseSession(g_dbListenerSubSession);
+    std::atomic_ref(g_epollDbListenerThreadExit).store(1, std::memory_order_release);
+    pthread_join(g_epollDbListenerThreadId, nullptr);
+}
+
+// 1 where something went wrong.
+int Report(std::chrono::seconds seconds, double before, double after)
+{
+    uint64_t        told      = 0;
+    uint64_t        lost      = 0;
+    uint64_t        surplus   = 0;
+    uint64_t        reordered = 0;
+    Clock::duration longest   = {};
+    for (Awaited& each : awaited) {
+        told += each.told;
+        lost += each.Size();
+        surplus += each.surplus;
+        reordered += each.reordered;
+        longest = std::max(longest, each.longest);
+    }
+    std::printf("transactions   %12" PRIu64 "\n", writes.load());
+    std::printf("notifications  %12" PRIu64 "\n", told);
+    std::printf("  lost         %12" PRIu64 "\n", lost);
+    std::printf("  unexpected   %12" PRIu64 "\n", surplus);
+    std::printf("  out of order %12" PRIu64 "\n", reordered);
+    std::printf("  longest time %12.3f ms, from write to callback\n",
+                std::chrono::duration<double, std::milli>(longest).count());
+    std::printf("reads          %12" PRIu64 "\n", reads.load());
+    std::printf("steps of walks %12" PRIu64 ", in %" PRIu64 " walks\n", steps.load(), walks.load());
+    std::printf("wrong answers  %12" PRIu64 "\n", wrong.load());
+    std::printf("memory         %12.1f MB, at the end %.1f MB\n", before, after);
+    // A short run ends before everything has its size.
+    const bool flat = seconds < 30s || after <= before * 1.01;
+    return lost + surplus + reordered + wrong == 0 && flat ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int count, char** words)
+{
+    const auto seconds = std::chrono::seconds(count > 1 ? std::strtoul(words[1], nullptr, 10) : 60);
+    const auto rows    = count > 2 ? std::strtoul(words[2], nullptr, 10) : 1000000;
+    interfaces         = static_cast<uint32_t>(rows / 2 / writerCount * writerCount);
+
+    MEM_EX_Init();
+    Fill();
+    if (IF_RegNotifyFunc(1, Notified) != 0 || BDS_InitStart() != 0) {
+        std::puts("The library does not start.");
+        return 1;
+    }
+    std::vector<std::thread> threads;
+    for (uint32_t number = 0; number < writerCount; number++) {
+        threads.emplace_back(WriteFor, number);
+        threads.emplace_back(ReadFor, number);
+    }
+    threads.emplace_back(WalkFor, seconds / 2);
+
+    // What is kept for good has been taken after a while.
+    std::this_thread::sleep_for(seconds / 5);
+    const double before = ResidentMegabytes();
+    std::this_thread::sleep_for(seconds - seconds / 5);
+    const double after = ResidentMegabytes();
+    running            = false;
+    std::ranges::for_each(threads, [](std::thread& thread) { thread.join(); });
+    StopListener();
+    return Report(seconds, before, after);
+}
