@@ -65,6 +65,7 @@ TEST_F(Database, ScanDeliversWhatTheConditionAndTheLimitAllow)
     uint32_t  count = 99;
     EXPECT_EQ(QRB_DB_Scan("vlan", &none, 10, Collect, &count, nullptr, nullptr), 0U);
     EXPECT_EQ(count, 0U);
+    EXPECT_EQ(QRB_DB_Scan("vlan", &none, 10, Collect, nullptr, nullptr, nullptr), 0U);
 
     for (uint32_t id = 1; id <= 5; id++) {
         Insert({Row("vlan").Set("vlan_id", id).Set("vlan_scope0", id % 2)});

@@ -100,7 +100,7 @@ TEST_F(InterfaceLookup, NumericTail)
         {CALL(BDS_IfnetGetNumStrFromName, "Ethernet", OutText(), 64U), "0 -"},
         {CALL(BDS_IfnetGetNumStrFromName, "Trunk10", OutText(), 4U), "2 10"},
         {CALL(BDS_IfnetGetNumStrFromName, "Trunk10", OutText(), 3U), "0 -"},
-        {CALL(BDS_IfnetGetNumStrFromName, "Trunk10", OutText(), 1U), "0 -"},
+        {CALL(BDS_IfnetGetNumStrFromName, "Trunk-10", OutText(), 64U), "2 10"},
         {CALL(BDS_IfnetGetNumStrFromName, DIGITS.c_str(), OutText(), 64U), "0 -"},
         {CALL(BDS_IfnetGetNumStrFromName, DIGITS.c_str(), OutText(), 65U), "63 " + DIGITS.substr(2)},
     });

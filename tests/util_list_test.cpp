@@ -445,6 +445,8 @@ TEST_F(UtilList, PrintsInnerElementsWhereTheirTraitsCan)
         g_utilListByPtrTraits.print(&pointers[1]);
         UTIL_LIST_Destruct(&list);
     }
+    const UTIL_LIST_S unmade = {};
+    g_utilListByValueTraits.print(&unmade);
     EXPECT_EQ(printed, "abab");
 }
 
