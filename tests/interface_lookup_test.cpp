@@ -86,25 +86,4 @@ TEST_F(InterfaceLookup, RecordComparisonSelectsTheName)
     EXPECT_EQ(uint32_t{record.if_index}, 2U);
 }
 
-// clang-format off
-TEST_F(InterfaceLookup, NumericTail)
-{
-    Expect({
-        {CALL(BDS_IfnetGetNumStrFromName, "Trunk10", OutText(), 64U), "2 10"},
-        {CALL(BDS_IfnetGetNumStrFromName, "Vlanif100", OutText(), 64U), "3 100"},
-        {CALL(BDS_IfnetGetNumStrFromName, "Port0/0/1:2.10", OutText(), 64U), "10 0/0/1:2.10"},
-        {CALL(BDS_IfnetGetNumStrFromName, "X1", OutText(), 64U), "0 -"},
-        {CALL(BDS_IfnetGetNumStrFromName, "XY1", OutText(), 64U), "1 1"},
-        {CALL(BDS_IfnetGetNumStrFromName, "100", OutText(), 64U), "0 -"},
-        {CALL(BDS_IfnetGetNumStrFromName, "", OutText(), 64U), "0 -"},
-        {CALL(BDS_IfnetGetNumStrFromName, "Ethernet", OutText(), 64U), "0 -"},
-        {CALL(BDS_IfnetGetNumStrFromName, "Trunk10", OutText(), 4U), "2 10"},
-        {CALL(BDS_IfnetGetNumStrFromName, "Trunk10", OutText(), 3U), "0 -"},
-        {CALL(BDS_IfnetGetNumStrFromName, "Trunk-10", OutText(), 64U), "2 10"},
-        {CALL(BDS_IfnetGetNumStrFromName, DIGITS.c_str(), OutText(), 64U), "0 -"},
-        {CALL(BDS_IfnetGetNumStrFromName, DIGITS.c_str(), OutText(), 65U), "63 " + DIGITS.substr(2)},
-    });
-}
-// clang-format on
-
 }  // namespace

@@ -1,6 +1,4 @@
-// States of interfaces, slot texts, index classes.
-#include <climits>
-
+// States of interfaces, index classes.
 #include <tarnd_qrb/interface_state.h>
 
 #include "calls/calls.h"
@@ -48,25 +46,6 @@ TEST_F(InterfaceState, OfPortsIsAsStored)
         {CALL(BDS_IfnetGetIfPhyState, 200U, Out8()), "0 200"},
         {CALL(BDS_IfnetIsSwitchPort, 0U), "0"},
         {CALL(BDS_IfnetIsSwitchPort, 200U), "1"},
-    });
-}
-
-TEST_F(InterfaceState, SlotTexts)
-{
-    for (const int32_t slot : {0, 3, -1, INT_MIN, INT_MAX}) {
-        char text[QRB_SLOT_TEXT_SIZE] = "untouched";
-        EXPECT_EQ(IF_GetSlotStrBySlotId(slot, text), 0U);
-        EXPECT_EQ(text, std::to_string(slot));
-        EXPECT_EQ(BDS_IfnetGetSlotIdBySlotStr(text), static_cast<uint32_t>(slot));
-    }
-    static const std::string longest = std::string(62, ' ') + "8";
-    static const std::string tooLong = longest + "0";
-    Expect({
-        {CALL(BDS_IfnetGetSlotIdBySlotStr, " +7x"), "7"},
-        {CALL(BDS_IfnetGetSlotIdBySlotStr, "slot"), "0"},
-        {CALL(BDS_IfnetGetSlotIdBySlotStr, ""), "0"},
-        {CALL(BDS_IfnetGetSlotIdBySlotStr, longest.c_str()), "8"},
-        {CALL(BDS_IfnetGetSlotIdBySlotStr, tooLong.c_str()), R"(1 | strcpy_s failed\n)"},
     });
 }
 

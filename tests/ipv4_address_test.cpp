@@ -69,44 +69,6 @@ TEST_F(Ipv4Address, WholeList)
     });
 }
 
-// Outputs: prefix length, network, address.
-TEST_F(Ipv4Address, BestMatch)
-{
-    Has(1, {{Ip(10, 0, 0, 1), 24, 1}, {Ip(192, 168, 1, 1), 24, 2}, {Ip(192, 168, 1, 2), 16, 2}});
-    Has(2, {{Ip(10, 0, 0, 1), 24, 1}, {0, 0, 2}});
-    Has(3, {{Ip(10, 0, 0, 1), 24, 1}, {Ip(172, 16, 0, 1), 0, 2}});
-    Has(4, {{Ip(10, 0, 0, 1), 24, 1}, {Ip(10, 0, 0, 2), 200, 2}});
-    Has(5, {});
-#define BEST(ifIndex, ...) \
-    CALL(BDS_IPGetIFBestMatchIpAddr, ifIndex, Ip(__VA_ARGS__), Out32(), Out32(), Out32())
-    Expect({
-        {BEST(1U, 192, 168, 1, 9), "0 16 192.168.0.0 192.168.1.2"},  // last, not longest
-        {BEST(1U, 10, 0, 0, 9), "0 24 10.0.0.0 10.0.0.1"},
-        {BEST(1U, 1, 1, 1, 1), "0 24 10.0.0.0 10.0.0.1"},    // for want of another
-        {BEST(2U, 1, 1, 1, 1), "0 24 10.0.0.0 10.0.0.1"},    // 0.0.0.0 never fits
-        {BEST(3U, 1, 1, 1, 1), "0 0 0 172.16.0.1"},          // length 0 fits everybody
-        {BEST(4U, 10, 0, 0, 2), "0 200 10.0.0.2 10.0.0.2"},  // above 32 fits only itself
-        {BEST(4U, 10, 0, 0, 3), "0 24 10.0.0.0 10.0.0.1"},
-        {BEST(5U, 10, 0, 0, 9), "1 - - - | There is no ip address on interface!"},
-    });
-#undef BEST
-}
-
-TEST_F(Ipv4Address, Mask)
-{
-    Has(1, {{1, 0, 2}, {2, 1, 2}, {3, 24, 2}, {4, 32, 2}, {5, 33, 2}, {6, 255, 2}, {3, 8, 1}});
-    Expect({
-        {CALL(IP_GetMask, 1U, 1U, Out32()), "0 0"},
-        {CALL(IP_GetMask, 1U, 2U, Out32()), "0 128.0.0.0"},
-        {CALL(IP_GetMask, 1U, 3U, Out32()),
-         "0 255.255.255.0"},  // the first with the address counts
-        {CALL(IP_GetMask, 1U, 4U, Out32()), "0 NONE"},
-        {CALL(IP_GetMask, 1U, 5U, Out32()), "0 NONE"},
-        {CALL(IP_GetMask, 1U, 6U, Out32()), "0 NONE"},
-        {CALL(IP_GetMask, 1U, 7U, Out32()), "1 -"},
-    });
-}
-
 TEST_F(Ipv4Address, Owner)
 {
     Has(5, {{1, 24, 1}, {2, 24, 1}}, 7);

@@ -1,13 +1,9 @@
-// The generic list: random operations against a vector, with every node accounted for; lists of
-// lists; and what neither reaches.
+// The generic list: lists of lists, and what random operations against a vector don't reach.
 #include <tarnd_platform/memory.h>
 #include <tarnd_qrb/memory_map.h>
 #include <tarnd_qrb/util_list.h>
 
-#include <algorithm>
-#include <array>
 #include <cstring>
-#include <random>
 
 #include "support/platform.h"
 
@@ -64,11 +60,6 @@ bool StaysAhead(const void* existing, const void* added, uint64_t order)
     return order == 0 ? a > b : a >= b;
 }
 
-bool IsMultiple(const void* element, uint64_t divisor)
-{
-    return *static_cast<const uint32_t*>(element) % divisor == 0;
-}
-
 Charge Charged()
 {
     Charge         charge;
@@ -80,15 +71,6 @@ Charge Charged()
 void FailAllocation(size_t nth)
 {
     support::FailCall("malloc_ex", static_cast<unsigned>(nth), 0);
-}
-
-Node NodeAt(List list, size_t index)
-{
-    Node node = list->head;
-    for (; index > 0; index--) {
-        node = node->next;
-    }
-    return node;
 }
 
 // By iterators, once each way.
@@ -128,14 +110,8 @@ protected:
     Charge before_;
 };
 
-enum PLACE { FRONT, BACK, BEFORE, SORTED };
-
 // A way into a list.
-struct Insertion {
-    PLACE place;
-    bool  moves;
-    uint32_t (*insert)(List list, Node before, void* value, uint64_t order);
-};
+using Insertion = uint32_t (*)(List list, Node before, void* value, uint64_t order);
 
 // The second half of an insertion.
 template <typename Link>
@@ -153,186 +129,41 @@ uint32_t Then(Node built, Link link)
 #define BY(...) [](List l, [[maybe_unused]] Node at, void* v, [[maybe_unused]] uint64_t order) { return __VA_ARGS__; }
 #define LINK(...) [&](Node n) { __VA_ARGS__; }
 const Insertion INSERTIONS[] = {
-    {FRONT,  false, BY(UTIL_LIST_PushFront(l, v))},
-    {FRONT,  true,  BY(UTIL_LIST_PushFrontMove(l, v))},
-    {FRONT,  false, BY(Then(UTIL_LIST_ConstructNodeCopy(v, l->traits), LINK(UTIL_LIST_PushFrontImpl(l, n))))},
-    {BACK,   false, BY(UTIL_LIST_PushBack(l, v))},
-    {BACK,   true,  BY(UTIL_LIST_PushBackMove(l, v))},
-    {BACK,   true,  BY(Then(UTIL_LIST_ConstructNodeMove(v, l->traits), LINK(UTIL_LIST_PushBackImpl(l, n))))},
-    {BEFORE, false, BY(UTIL_LIST_InsertBefore(l, at, v))},
-    {BEFORE, true,  BY(UTIL_LIST_InsertBeforeMove(l, at, v))},
-    {BEFORE, false, BY(Then(UTIL_LIST_ConstructNodeCopy(v, l->traits), LINK(UTIL_LIST_InsertBeforeImpl(l, at, n))))},
-    {SORTED, false, BY(UTIL_LIST_SortedInsert(l, v, StaysAhead, order))},
-    {SORTED, true,  BY(UTIL_LIST_SortedInsertMove(l, v, StaysAhead, order))},
-    {SORTED, true,  BY(Then(UTIL_LIST_ConstructNodeMove(v, l->traits),
-                            LINK(UTIL_LIST_SortedInsertImpl(l, n, StaysAhead, order))))},
+    BY(UTIL_LIST_PushFront(l, v)),
+    BY(UTIL_LIST_PushFrontMove(l, v)),
+    BY(Then(UTIL_LIST_ConstructNodeCopy(v, l->traits), LINK(UTIL_LIST_PushFrontImpl(l, n)))),
+    BY(UTIL_LIST_PushBack(l, v)),
+    BY(UTIL_LIST_PushBackMove(l, v)),
+    BY(Then(UTIL_LIST_ConstructNodeMove(v, l->traits), LINK(UTIL_LIST_PushBackImpl(l, n)))),
+    BY(UTIL_LIST_InsertBefore(l, at, v)),
+    BY(UTIL_LIST_InsertBeforeMove(l, at, v)),
+    BY(Then(UTIL_LIST_ConstructNodeCopy(v, l->traits), LINK(UTIL_LIST_InsertBeforeImpl(l, at, n)))),
+    BY(UTIL_LIST_SortedInsert(l, v, StaysAhead, order)),
+    BY(UTIL_LIST_SortedInsertMove(l, v, StaysAhead, order)),
+    BY(Then(UTIL_LIST_ConstructNodeMove(v, l->traits), LINK(UTIL_LIST_SortedInsertImpl(l, n, StaysAhead, order)))),
 };
 // clang-format on
 
-// Lists beside the vectors that they should equal. They stay short: there the cases are.
-class BesideAVector : public UtilList {
-protected:
-    struct Pair {
-        UTIL_LIST_S list;
-        Traits      traits;
-        Values      model;
-
-        auto At(size_t index) { return model.begin() + static_cast<ptrdiff_t>(index); }
-    };
-
-    uint32_t Below(size_t limit) { return static_cast<uint32_t>(random_() % limit); }
-
-    void Insert(Pair& pair)
-    {
-        const Insertion& way   = INSERTIONS[Below(std::size(INSERTIONS))];
-        const uint32_t   value = Below(20);
-        const uint64_t   order = Below(2);
-        size_t           at    = way.place == BACK ? pair.model.size() : 0;
-        if (way.place == BEFORE) {
-            if (pair.model.empty()) {
-                return;
-            }
-            at = Below(pair.model.size());
-        }
-        while (way.place == SORTED && at < pair.model.size() &&
-               StaysAhead(&pair.model[at], &value, order)) {
-            at++;
-        }
-        const bool fails = Below(8) == 0;
-        if (fails) {
-            support::FailCall(pair.traits == &PLAIN && Below(2) == 0 ? "memcpy_s" : "malloc_ex", 1,
-                              1);
-        }
-        uint32_t   given[3] = {value, 0, ~value};
-        const Node before   = way.place == BEFORE ? NodeAt(&pair.list, at) : nullptr;
-        EXPECT_EQ(way.insert(&pair.list, before, given, order), fails ? 1U : 0U);
-        EXPECT_EQ(given[0], way.moves && pair.traits == &COUNTED && !fails ? GONE : value);
-        if (!fails) {
-            pair.model.insert(pair.At(at), value);
-        }
-    }
-
-    void Remove(Pair& pair)
-    {
-        const size_t   size = pair.model.size();
-        const uint32_t way  = Below(5);
-        const size_t   at   = size == 0 || way == 0 ? 0 : way == 1 ? size - 1 : Below(size);
-        const Node     node = NodeAt(&pair.list, at);
-        if (way < 2) {
-            EXPECT_EQ((way == 0 ? UTIL_LIST_PopFront : UTIL_LIST_PopBack)(&pair.list), size == 0);
-        }
-        if (size == 0) {
-            return;
-        }
-        pair.model.erase(pair.At(at));
-        // An iterator may bring methods of its own.
-        static const UTIL_LIST_ITER_METHODS_S BACKWARD = {UTIL_LIST_Prev, nullptr, nullptr,
-                                                          nullptr};
-        UTIL_LIST_ITER_S                      iterator = {node, &pair.list,
-                                     way == 3 ? &g_UTIL_ListIteratorMethods : &BACKWARD};
-        const Node after = way < 2 ? node : way == 4 ? node->prev : node->next;
-        if (way == 2) {
-            EXPECT_EQ(UTIL_LIST_DeleteNode(&pair.list, node), after);
-        } else if (way > 2) {
-            EXPECT_EQ(UTIL_LIST_Erase(&iterator).node, after);
-            EXPECT_EQ(iterator.node, after);
-        }
-    }
-
-    void Select(Pair& pair)
-    {
-        const uint64_t divisor = 1 + Below(9);
-        const auto     matches = [&](uint32_t value) { return value % divisor == 0; };
-        const auto     found   = std::find_if(pair.At(0), pair.model.end(), matches);
-        EXPECT_EQ(UTIL_LIST_FindIf(&pair.list, IsMultiple, divisor),
-                  NodeAt(&pair.list, static_cast<size_t>(found - pair.At(0))));
-        EXPECT_EQ(UTIL_LIST_CountIf(&pair.list, IsMultiple, divisor),
-                  static_cast<uint64_t>(std::count_if(found, pair.model.end(), matches)));
-        if (Below(3) == 0) {
-            UTIL_LIST_RemoveIf(&pair.list, IsMultiple, divisor);
-            std::erase_if(pair.model, matches);
-        }
-    }
-
-    // To itself: nothing happens. Then a copy, whole or up to an allocation that fails, is taken
-    // over, to and fro.
-    void CopyAndMove(Pair& pair)
-    {
-        const size_t copied = Below(pair.model.size() + 1);
-        const bool   fails  = copied < pair.model.size();
-        UTIL_LIST_S  copy;
-        UTIL_LIST_S  moved;
-        if (fails) {
-            FailAllocation(copied + 1);
-        }
-        UTIL_LIST_ConstructMove(&pair.list, &pair.list);
-        EXPECT_EQ(UTIL_LIST_ConstructCopy(&pair.list, &pair.list), 0U);
-        EXPECT_EQ(UTIL_LIST_ConstructCopy(&copy, &pair.list), fails ? 1U : 0U);
-        UTIL_LIST_ConstructMove(&moved, &copy);
-        EXPECT_EQ(ValuesOf(&moved), Values(pair.At(0), pair.At(copied)));
-        UTIL_LIST_ConcatenateMove(&copy, &moved);
-        EXPECT_EQ(copy.count, copied);
-        UTIL_LIST_Destruct(&copy);
-        EXPECT_TRUE(ValuesOf(&copy).empty() && ValuesOf(&moved).empty());
-    }
-
-    void Join(Pair& pair, Pair& other)
-    {
-        if (Below(2) == 0) {
-            UTIL_LIST_Swap(&pair.list, &other.list);
-            std::swap(pair, other);
-            std::swap(pair.list, other.list);
-        } else if (pair.traits == other.traits) {
-            UTIL_LIST_ConcatenateMove(&pair.list, &other.list);
-            const Values appended = &pair != &other ? std::exchange(other.model, {}) : Values{};
-            pair.model.insert(pair.model.end(), appended.begin(), appended.end());
-        }
-    }
-
-    void Check(const std::array<Pair, 4>& pairs)
-    {
-        Charge expected = before_;
-        size_t counted  = 0;
-        for (Pair pair : pairs) {
-            const size_t size = pair.model.size();
-            EXPECT_EQ(ValuesOf(&pair.list), pair.model);
-            EXPECT_EQ(pair.list.count, size);
-            EXPECT_EQ(pair.list.traits, pair.traits);
-            EXPECT_EQ(UTIL_LIST_IsEmpty(&pair.list), size == 0);
-            expected.first += size * (pair.traits->elemSize + 16);
-            expected.second += size;
-            counted += pair.traits == &COUNTED ? size : 0;
-        }
-        EXPECT_EQ(Charged(), expected);
-        EXPECT_EQ(alive, static_cast<int>(counted));
-    }
-
-    std::mt19937 random_;
-};
-
-TEST_F(BesideAVector, AfterEveryRandomOperation)
+// What random operations leave out: plain bytes, the way back, and an iterator's own methods.
+TEST_F(UtilList, TakesElementsInEveryWayAndGoesBothWays)
 {
-    for (unsigned seed = 20261124; seed < 20261128; seed++) {
-        random_.seed(seed);
-        std::array<Pair, 4> pairs;
-        for (Pair& pair : pairs) {
-            pair.traits = &pair < &pairs[2] ? &COUNTED : &PLAIN;
-            UTIL_LIST_Construct(&pair.list, pair.traits);
-        }
-        for (int step = 0; step < 2500 && !HasFailure(); step++) {
-            SCOPED_TRACE("step " + std::to_string(step) + " of seed " + std::to_string(seed));
-            Pair&          pair = pairs[Below(4)];
-            const uint32_t kind = Below(100);
-            support::ResetPlatform();
-            kind < 50   ? Insert(pair)
-            : kind < 70 ? Remove(pair)
-            : kind < 80 ? Select(pair)
-            : kind < 90 ? CopyAndMove(pair)
-                        : Join(pair, pairs[Below(4)]);
-            Check(pairs);
-        }
-        for (Pair& pair : pairs) {
-            UTIL_LIST_Clear(&pair.list);
+    static const UTIL_LIST_ITER_METHODS_S BACKWARD = {UTIL_LIST_Prev, nullptr, nullptr, nullptr};
+    for (const Traits traits : {&COUNTED, &PLAIN}) {
+        for (const Insertion insert : INSERTIONS) {
+            UTIL_LIST_S list;
+            uint32_t    first[] = {9, 0, ~9U};
+            UTIL_LIST_Construct(&list, traits);
+            EXPECT_EQ(UTIL_LIST_PushBack(&list, first), 0U);
+            for (const uint32_t value : {8U, 7U}) {
+                uint32_t given[] = {value, 0, ~value};
+                EXPECT_EQ(insert(&list, list.head, given, 0), 0U);
+            }
+            const Values values = ValuesOf(&list);
+            EXPECT_EQ(values.size(), 3U);
+            UTIL_LIST_ITER_S iterator = {list.tail, &list, &BACKWARD};
+            EXPECT_EQ(UTIL_LIST_Erase(&iterator).node, list.tail);
+            EXPECT_EQ(ValuesOf(&list), Values(values.begin(), values.end() - 1));
+            UTIL_LIST_Clear(&list);
         }
     }
 }
@@ -345,8 +176,8 @@ TEST_F(UtilList, RefusesWhatCannotBeAnElement)
     for (const Traits traits : {&COUNTED, Traits{&absurd}, Traits{nullptr}}) {
         UTIL_LIST_S list;
         UTIL_LIST_Construct(&list, traits);
-        for (const Insertion& way : INSERTIONS) {
-            EXPECT_EQ(way.insert(&list, nullptr, traits == &COUNTED ? nullptr : &value, 0), 1U);
+        for (const Insertion insert : INSERTIONS) {
+            EXPECT_EQ(insert(&list, nullptr, traits == &COUNTED ? nullptr : &value, 0), 1U);
         }
         EXPECT_TRUE(UTIL_LIST_IsEmpty(&list) && list.count == 0);
     }

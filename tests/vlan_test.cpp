@@ -117,19 +117,4 @@ TEST_F(Vlan, InterfaceIsFoundByNameAndNumberedByRule)
     });
 }
 
-TEST_F(Vlan, DigitsAtTheEndOfAName)
-{
-    Expect({
-        {CALL(BDS_IfnetGetVlanIdByIfName, "Vlanif4094", OutText(), 5U), "0 4094"},
-        {CALL(BDS_IfnetGetVlanIdByIfName, "Vlanif4094", OutText(), 4U), "1 -"},
-        {CALL(BDS_IfnetGetVlanIdByIfName, "Vlanif", OutText(), 64U), "1 -"},
-        {CALL(BDS_IfnetGetVlanIdByIfName, "12", OutText(), 64U), "1 -"},
-        {CALL(BDS_IfnetGetVlanIdByIfName, "V12", OutText(), 64U), "1 -"},
-        {CALL(BDS_IfnetGetVlanIdByIfName, "Vl12", OutText(), 64U), "0 12"},
-        {CALL(BDS_IfnetGetVlanIdByIfName, "Eth0/1:2.10", OutText(), 3U), "0 10"},
-        {CALL(BDS_IfnetGetVlanIdByIfName, "", OutText(), 64U), "1 -"},
-        {CALL(BDS_IfnetGetVlanIdByIfName, "Vlanif12x", OutText(), 64U), "1 -"},
-    });
-}
-
 }  // namespace
