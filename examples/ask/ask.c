@@ -16,6 +16,7 @@
 #include <tarnd_qrb/interface_state.h>
 #include <tarnd_qrb/interface_type.h>
 #include <tarnd_qrb/ipv4_address.h>
+#include <tarnd_qrb/layout.h>
 #include <tarnd_qrb/listener.h>
 #include <tarnd_qrb/log.h>
 #include <tarnd_qrb/memory_map.h>

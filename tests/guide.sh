@@ -1,0 +1,75 @@
+#!/usr/bin/env bash
+# Follows a guide as its reader would, in a copy of the tree.
+#
+#   guide.sh GUIDE [BUILD]     BUILD is installed for it; without one, the system's packages serve
+#
+# Blocks are taken in order. One that is marked with a language and a file name, such as
+# "```c module.c", is written to that file. One marked "```sh" is run, and must succeed; a block
+# "```text" right behind it shows what it prints, where "..." stands for any text.
+set -euo pipefail
+guide=$(realpath "$1")
+build=${2:+$(realpath "$2")}
+tree=$(realpath "$(dirname "$0")/..")
+
+scratch=$(mktemp -d)
+block=
+finish() {
+    if [ -n "$block" ]; then
+        printf '%s: these commands:\n%s\nprinted:\n%s\n' "$(basename "$guide")" "$(cat "$block.sh")" "$(cat "$block.printed")"
+        [ ! -f "$block.expected" ] || printf 'instead of:\n%s\n' "$(cat "$block.expected")"
+    fi >&3
+    rm -rf "$scratch"
+}
+exec 3>&1
+trap finish EXIT
+mkdir "$scratch/tree" "$scratch/blocks"
+tar -C "$tree" --exclude=./build --exclude=./.git -cf - . | tar -C "$scratch/tree" -xf -
+
+if [ -n "$build" ]; then
+    cmake --install "$build" --prefix "$scratch/installed" >/dev/null
+    export PATH=$scratch/installed/bin:$PATH
+    export CMAKE_PREFIX_PATH=$scratch/installed
+    PKG_CONFIG_PATH=$(dirname "$(find "$scratch/installed" -name tarnd_qrb.pc)")
+    LD_LIBRARY_PATH=$(dirname "$PKG_CONFIG_PATH")
+    export PKG_CONFIG_PATH LD_LIBRARY_PATH
+fi
+
+# Each block becomes a file that is numbered in order: 3.sh and 3.expected, or 4.write and 4.name.
+awk -v blocks="$scratch/blocks" '
+    /^```/ && !inside { inside = 1; language = substr($1, 4); name = $2; body = ""; next }
+    /^```/ {
+        inside = 0
+        if (language == "sh") { file = ++count ".sh" }
+        else if (language == "text" && adjacent) { file = count ".expected" }
+        else if (name != "") { file = ++count ".write"; print name > (blocks "/" count ".name") }
+        else { next }
+        printf "%s", body > (blocks "/" file)
+        adjacent = language == "sh"
+        next
+    }
+    inside { body = body $0 "\n"; next }
+    /[^ ]/ { adjacent = 0 }
+    END { print count + 0 > (blocks "/count") }
+' "$guide"
+
+# Whether the text in file $2 is that in $1, but for what "..." stands for.
+matches() {
+    local pattern
+    pattern=$(sed 's/[][*?\\]/\\&/g; s/\.\.\./*/g' "$1")
+    # shellcheck disable=SC2053
+    [[ $(cat "$2") == $pattern ]]
+}
+
+cd "$scratch/tree"
+for ((number = 1; number <= $(cat "$scratch/blocks/count"); ++number)); do
+    block=$scratch/blocks/$number
+    if [ -f "$block.write" ]; then
+        mkdir -p "$(dirname "$(cat "$block.name")")"
+        cp "$block.write" "$(cat "$block.name")"
+        continue
+    fi
+    # shellcheck disable=SC1090
+    . "$block.sh" >"$block.printed" 2>&1 </dev/null
+    [ ! -f "$block.expected" ] || matches "$block.expected" "$block.printed"
+done
+block=
