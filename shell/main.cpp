@@ -72,7 +72,7 @@ Status RunInput(shell::Shell& shell, bool echo)
     Status worst = Status::Good;
     for (std::string line; !shell.Ended() && std::getline(std::cin, line);) {
         if (echo)
-            std::cout << "> " << line << '\n';
+            std::cout << (line.starts_with('#') ? "" : "> ") << line << '\n';
         worst = std::max(worst, shell.Execute(line));
         std::cout.flush();
     }

@@ -185,6 +185,7 @@ Status RunPrompt(Shell& shell)
     Prompt       prompt(shell);
     const Editor editor = MakeEditor(history, prompt);
     Status       worst  = Status::Good;
+    std::cout << "help tells what there is, Tab completes, Ctrl-D ends.\n";
     while (!shell.Ended()) {
         int               length = 0;
         const char* const text   = el_gets(editor.get(), &length);

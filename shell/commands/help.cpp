@@ -54,13 +54,19 @@ std::string CommandHelp(const Command& command)
            std::string(command.arguments) + "\n  " + std::string(command.does) + "\n";
 }
 
+// The beginning, up to the first stop.
+std::string Short(std::string_view does)
+{
+    return std::string(does.substr(0, does.find_first_of(":;,.")));
+}
+
 std::string Overview()
 {
-    std::string text = "Commands:\n";
+    std::string text = "Commands, more about each with help NAME:\n";
     for (const Command& command : Commands()) {
         std::string line = "  " + std::string(command.name) + " " + std::string(command.arguments);
         line.resize(std::max<size_t>(line.size() + 2, 36), ' ');
-        text += line + std::string(command.does) + "\n";
+        text += line + Short(command.does) + "\n";
     }
     return text +
            "\nA function is called by its name with its inputs: IF_INTF_GetIfNameByIfIndex 2\n"

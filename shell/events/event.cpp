@@ -179,7 +179,9 @@ std::string EventText(const Json& event)
             left.erase(usuallyZero);
     text += take("sub", "/") + take("name", " ");
     const std::string after = take("microseconds", "  ");
-    const std::string by    = take("module", "  ") + take("priority", " ") + take("key", " ");
+    const std::string name  = take("module", "  ");
+    const std::string by    = name + take("priority", name.empty() ? "  priority " : " ") +
+                           take("key", name.empty() ? "  key " : " ");
     if (left.contains("ifIndex"))
         left["ifIndex"] = WithInterfaceName(left["ifIndex"]);
     return text + "  " + OneLine(left) + after + (after.empty() ? "" : " us") + by;
