@@ -19,6 +19,8 @@
 #include <tarnd_platform/orm_accessors.h>
 #include <tarnd_platform/orm_subscription.h>
 
+#define UNWATCHED __attribute__((no_sanitize("address", "thread", "undefined")))
+
 namespace support {
 
 namespace {
@@ -60,9 +62,9 @@ std::optional<uint32_t> Fault(std::string_view operation)
     return fault.code;
 }
 
-// malloc comes here too, and the thread sanitizer allocates before it can watch anybody.
+// malloc comes here too, and sanitizers allocate before they can watch anybody.
 template <auto Operation>
-[[gnu::no_sanitize_thread]] auto Next(const char* name)
+UNWATCHED auto Next(const char* name)
 {
     static decltype(Operation) next  = nullptr;
     auto                       found = __atomic_load_n(&next, __ATOMIC_RELAXED);
@@ -123,7 +125,7 @@ int FindLibraryCode(dl_phdr_info* object, size_t /*size*/, void* /*context*/)
     return 1;
 }
 
-[[gnu::no_sanitize_thread]] bool IsLibrary(const void* returnAddress)
+UNWATCHED bool IsLibrary(const void* returnAddress)
 {
     const auto address = reinterpret_cast<uintptr_t>(returnAddress);
     return __atomic_load_n(&watching, __ATOMIC_RELAXED) && address >= codeBegin &&
@@ -143,14 +145,15 @@ int PassSystem(const char* name, const void* returnAddress, Arguments... argumen
 }
 
 // The library's blocks. They are few at a time, and keeping them must not allocate.
-std::atomic<void*> blocks[64];
-int                blockCount = 0;
+void* blocks[64];
+int   blockCount = 0;
 
 void* Taken(void* block)
 {
-    for (std::atomic<void*>& slot : blocks) {
+    for (void*& slot : blocks) {
         void* empty = nullptr;
-        if (block != nullptr && slot.compare_exchange_strong(empty, block)) {
+        if (block != nullptr && __atomic_compare_exchange_n(&slot, &empty, block, false,
+                                                            __ATOMIC_ACQ_REL, __ATOMIC_RELAXED)) {
             __atomic_add_fetch(&blockCount, 1, __ATOMIC_RELAXED);
             break;
         }
@@ -158,11 +161,12 @@ void* Taken(void* block)
     return block;
 }
 
-void GivenBack(void* block)
+UNWATCHED void GivenBack(void* block)
 {
-    for (std::atomic<void*>& slot : blocks) {
+    for (void*& slot : blocks) {
         void* same = block;
-        if (block != nullptr && slot.compare_exchange_strong(same, nullptr)) {
+        if (block != nullptr && __atomic_compare_exchange_n(&slot, &same, nullptr, false,
+                                                            __ATOMIC_ACQ_REL, __ATOMIC_RELAXED)) {
             __atomic_sub_fetch(&blockCount, 1, __ATOMIC_RELAXED);
             return;
         }
@@ -408,7 +412,7 @@ void free_ex(uint16_t handle, void* block)
     Next<&free_ex>("free_ex")(handle, block);
 }
 
-[[gnu::no_sanitize_thread]] void* malloc(size_t size)
+UNWATCHED void* malloc(size_t size)
 {
     if (!IsLibrary(__builtin_return_address(0))) {
         return Next<&malloc>("malloc")(size);
@@ -416,7 +420,7 @@ void free_ex(uint16_t handle, void* block)
     return Fault("malloc") ? nullptr : Taken(Next<&malloc>("malloc")(size));
 }
 
-[[gnu::no_sanitize_thread]] void* calloc(size_t count, size_t size)
+UNWATCHED void* calloc(size_t count, size_t size)
 {
     if (!IsLibrary(__builtin_return_address(0))) {
         return Next<&calloc>("calloc")(count, size);
@@ -424,12 +428,18 @@ void free_ex(uint16_t handle, void* block)
     return Fault("calloc") ? nullptr : Taken(Next<&calloc>("calloc")(count, size));
 }
 
-[[gnu::no_sanitize_thread]] void free(void* block)
+UNWATCHED void free(void* block)
 {
     if (__atomic_load_n(&blockCount, __ATOMIC_RELAXED) != 0) {
         GivenBack(block);
     }
-    Next<&free>("free")(block);
+    // Looking for the next one may free something itself, which is let go.
+    static thread_local bool looking = false;
+    if (!looking) {
+        looking = true;
+        Next<&free>("free")(block);
+        looking = false;
+    }
 }
 
 [[gnu::no_sanitize_thread]] int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
