@@ -33,7 +33,7 @@ std::string NoSuch(std::string_view kind, std::string_view name,
                    const std::vector<std::string>& names)
 {
     std::string  message  = "there is no " + std::string(kind) + " " + std::string(name);
-    const size_t most     = std::max<size_t>(name.size() / 3, 1);
+    const size_t most     = std::max<size_t>(name.size() / 3, name.size() > 3 ? 2 : 1);
     const auto   distance = [&](const std::string& other) {
         const size_t longer = std::max(name.size(), other.size());
         return longer - std::min(name.size(), other.size()) > most ? longer : Distance(name, other);

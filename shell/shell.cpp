@@ -11,7 +11,7 @@
 namespace shell {
 namespace {
 
-constexpr std::chrono::seconds longestWait(1);
+constexpr std::chrono::seconds longestWait(3);
 
 std::vector<std::string> AllNames()
 {
@@ -21,6 +21,17 @@ std::vector<std::string> AllNames()
     for (const Function& function : Functions())
         names.emplace_back(function.name);
     return names;
+}
+
+// What is wrong with the words is told together with those that would be right.
+Answer CallWith(const Function& function, Words& words)
+{
+    try {
+        return function.call(words);
+    } catch (const UsageError& error) {
+        throw UsageError(std::string(error.what()) + "\nusage: " + std::string(function.name) +
+                         " " + function.Usage());
+    }
 }
 
 // Carries out the action; what it throws is told.
@@ -74,7 +85,7 @@ Status Shell::Carry(const std::string& name, Words& words)
         throw UsageError(NoSuch("function or command", name, AllNames()));
     // Registries are changed only while nothing is published.
     Answer answer;
-    standin::BetweenDeliveries([&] { answer = function->call(words); });
+    standin::BetweenDeliveries([&] { answer = CallWith(*function, words); });
     printer_.Print(*function, answer);
     const bool good = !answer.code || function->result.Of(*answer.code).good;
     return good ? Status::Good : Status::Failed;

@@ -1,50 +1,133 @@
 // The shell, run as a program on the example device.
 #include <array>
 #include <cstdio>
+#include <fstream>
+#include <regex>
+#include <set>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using Json  = nlohmann::ordered_json;
+using Names = std::set<std::string>;
 
 struct Outcome {
     std::string output;
     int         status;
 };
 
-// The input may hold no single quotes.
+const std::string root   = TARND_PROJECT_ROOT;
+const std::string device = root + "/data/access-switch.json ";
+
+std::string TextOf(const std::string& file)
+{
+    std::ostringstream text;
+    text << std::ifstream(file).rdbuf();
+    return text.str();
+}
+
 Outcome RunShell(const std::string& arguments, const std::string& input = "")
 {
-    const std::string command =
-        "printf %s '" + input + "' | " TARND_SHELL " " + arguments + " 2>&1";
-    FILE* const            pipe = popen(command.c_str(), "r");
+    const std::string file = testing::TempDir() + "shell-input-" + std::to_string(getpid());
+    std::ofstream(file) << input;
+    const std::string      command = TARND_SHELL " " + arguments + " 2>&1 <" + file;
+    FILE* const            pipe    = popen(command.c_str(), "r");
     Outcome                run;
     std::array<char, 4096> part{};
     for (size_t size = 0; (size = fread(part.data(), 1, part.size(), pipe)) > 0;)
         run.output.append(part.data(), size);
     run.status = WEXITSTATUS(pclose(pipe));
+    std::remove(file.c_str());
     return run;
 }
 
-const std::string device = TARND_PROJECT_ROOT "/data/access-switch.json ";
+struct Call {
+    std::string line;
+    std::string expected;  // "CODE OUTPUTS", or "*" for anything
+};
 
-TEST(Shell, AnswersFromTheCommandLineAndFromStandardInput)
+std::vector<Call> Calls()
 {
-    const auto [answer, status] = RunShell("--json " + device + "IF_INTF_GetIfNameByIfIndex 2");
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(Json::parse(answer)["outputs"], Json({{"name", "Ethernet0/0/2"}}));
+    std::vector<Call> calls;
+    std::ifstream     file(root + "/tests/shell_calls.txt");
+    for (std::string line; std::getline(file, line);) {
+        const size_t arrow = line.find(" => ");
+        calls.push_back({line.substr(0, arrow), line.substr(arrow + 4)});
+    }
+    return calls;
+}
 
-    const Outcome lines = RunShell("-e " + device, "IP_GetMask 10010 10.0.10.1\nIP_GetMsk");
-    EXPECT_EQ(lines.output,
-              "> IP_GetMask 10010 10.0.10.1\n"
-              "result  0 (ok)\n"
-              "mask    255.255.255.0\n"
-              "> IP_GetMsk\n"
-              "there is no function or command IP_GetMsk; do you mean IP_GetMask?\n");
-    EXPECT_EQ(lines.status, 2);
+// What each call of a table answers, on one process and in this order.
+TEST(Shell, CallsEveryFunction)
+{
+    const std::vector<Call> calls = Calls();
+    std::string             input;
+    Names                   called;
+    for (const Call& call : calls) {
+        input += call.line + "\n";
+        called.insert(call.line.substr(0, call.line.find(' ')));
+    }
+    std::istringstream answers(RunShell("--json " + device, input).output);
+    auto               call = calls.begin();
+    for (std::string line; std::getline(answers, line);) {
+        const Json answer = Json::parse(line);
+        if (answer.contains("event"))
+            continue;
+        ASSERT_NE(call, calls.end()) << line;
+        std::string got = answer["result"].is_null() ? "-" : answer["result"].dump();
+        got += answer["outputs"].empty() ? "" : " " + answer["outputs"].dump();
+        EXPECT_EQ(call->expected == "*" ? "*" : got, call->expected) << call->line << "\n" << line;
+        ++call;
+    }
+    EXPECT_EQ(call, calls.end());
+
+    Names known;
+    for (const Json& function : Json::parse(RunShell("--json " + device + "functions").output))
+        known.insert(function["function"].get<std::string>());
+    EXPECT_EQ(called, known);
+
+    // Lists are built by code, in its own memory, with its own callbacks; locks and a thread's
+    // entry are for threads.
+    const std::regex byCode(
+        "(g_)?(UTIL|util)_?[Ll](IST|ist)\\w*|DbListenerEpollThreadFunc|"
+        "g_epollDbListenerCond(Lock)?|g_dbListenerRegLock");
+    const std::string map = TextOf(root + "/cmake/tarnd_qrb.map");
+    const std::regex  exported("\n +(\\w+);");
+    for (std::sregex_iterator match(map.begin(), map.end(), exported), end; match != end; ++match)
+        EXPECT_TRUE(known.contains((*match)[1]) || std::regex_match((*match)[1].str(), byCode))
+            << (*match)[1] << " can't be called from the shell";
+}
+
+// A session as people see it. "@" stands for what differs from run to run.
+TEST(Shell, ShowsWhatPeopleExpect)
+{
+    const std::string  expected = TextOf(root + "/tests/shell_session.txt");
+    std::string        input;
+    std::istringstream lines(expected);
+    for (std::string line; std::getline(lines, line);)
+        if (line.starts_with("> "))
+            input += line.substr(2) + "\n";
+    const auto [output, status] = RunShell("--echo " + device, input);
+    const std::regex changing(R"(\d\d:\d\d:\d\d\.\d{6}|[\d.]+(?= us)|:\d+(?=\] ))");
+    EXPECT_EQ(std::regex_replace(output, changing, "@"), expected);
+    EXPECT_EQ(status, 2);
+}
+
+TEST(Shell, TellsScriptsByItsStatusHowItWent)
+{
+    const std::pair<std::string, int> runs[] = {{device + "BDS_L2IF_VLAN_IsActive 200", 0},
+                                                {device + "IP_GetMainIpAddr 3", 1},
+                                                {device + "IP_GetMainIpAddr", 2},
+                                                {"none.json", 1},
+                                                {"", 2},
+                                                {device + "diff " + device, 0}};
+    for (const auto& [arguments, status] : runs)
+        EXPECT_EQ(RunShell(arguments).status, status) << arguments;
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include "shell/assignment.h"
 #include "shell/command.h"
 #include "shell/log_catcher.h"
-#include "shell/nearest.h"
 #include "shell/table.h"
 #include "sources/json_row.h"
 #include "sources/json_value.h"
@@ -101,7 +100,7 @@ const Walk& WalkOver(const std::string& table)
 {
     const auto found = std::ranges::find(walks, table, &Walk::table);
     if (found == std::end(walks))
-        throw UsageError(NoSuch("walk over", table, {"if_base", "port", "vlan"}));
+        throw UsageError("there is no walk over " + table + ", only over if_base, port and vlan");
     return *found;
 }
 
