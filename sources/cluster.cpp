@@ -36,8 +36,9 @@ void Cluster::Follow()
 void Cluster::Commit(const std::vector<Write>& writes)
 {
     const ovsdb::Operations operations(writes, [this] { return replica_.NextPlace(); });
-    const auto              request = std::make_shared<ovsdb::Request>(operations.Parameters());
-    auto                    results = request->results.get_future();
+    const auto              request =
+        std::make_shared<ovsdb::Request>(ovsdb::Request{operations.Parameters(), {}});
+    auto results = request->results.get_future();
     {
         const std::lock_guard lock(mutex_);
         requests_.push_back(request);
