@@ -6,7 +6,7 @@ cd "$1"
 
 failed=0
 pages=$(ls docs/*.md docs/man/* | grep -v adding-a-query)  # which makes names of its own
-named=$(cat $pages | grep -oE '\b(BDS|IF|IFPDT|IP6?|SYSAPI|VLAN|L2IF|FIB6?|ACL|ACLIPv6|QOS|QRB|UTIL_LIST|MEM_EX|Tarn_QRB|Orm|Dbc)[0-9A-Z]*_?[A-Z][A-Za-z0-9_]+\b' | sort -u)
+named=$(cat $pages | grep -oE '\b((BDS|IFPDT|IF|IP6?|SYSAPI|VLAN|L2IF|FIB6?|ACL|ACLIPv6|QOS|QRB|UTIL|MEM|Tarn|g)_[A-Za-z0-9_]+|(Orm|Dbc)[A-Za-z0-9]+)\b' | sort -u)
 declared=$(cat include/tarnd_qrb/*.h platform/include/tarnd_platform/*.h | grep -oE '\w+' | sort -u)
 if unknown=$(comm -23 <(echo "$named") <(echo "$declared") | grep .); then
     echo "named in the documentation, declared nowhere:" $unknown
