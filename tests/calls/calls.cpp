@@ -249,14 +249,22 @@ void Expect(const Calls& calls)
     }
 }
 
-Calls AllCalls()
+Calls QueryCalls()
 {
     Calls all;
     for (const auto family : {DatabaseCalls, InterfaceCalls, AddressCalls, Layer2Calls, RouteCalls,
-                              AclCalls, QosCalls, EventCalls}) {
+                              AclCalls, QosCalls}) {
         const Calls calls = family();
         all.insert(all.end(), calls.begin(), calls.end());
     }
+    return all;
+}
+
+Calls AllCalls()
+{
+    Calls       all    = QueryCalls();
+    const Calls events = EventCalls();
+    all.insert(all.end(), events.begin(), events.end());
     return all;
 }
 

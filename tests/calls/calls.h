@@ -62,6 +62,7 @@ Calls RouteCalls();
 Calls AclCalls();
 Calls QosCalls();
 Calls EventCalls();
+Calls QueryCalls();  // all but those of events and start-up
 Calls AllCalls();
 
 // The device that the answers are those of.
