@@ -1,9 +1,11 @@
 // Changes of the database, as a module of the daemon is told of them.
 #pragma once
 
+#include <algorithm>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -60,10 +62,10 @@ public:
         const std::lock_guard lock(mutex);
         return std::exchange(changes, {});
     }
-    static size_t Count()
+    static size_t Count(std::string_view table)
     {
         const std::lock_guard lock(mutex);
-        return changes.size();
+        return static_cast<size_t>(std::ranges::count(changes, table, &Change::table));
     }
 
 private:
