@@ -31,6 +31,7 @@ Examples:
   tarnd-qrb device.json IF_INTF_GetIfNameByIfIndex 2   one call, and its answer
   tarnd-qrb device.json < calls.txt                    calls from a file, one a line
   tarnd-qrb device.json help                           what there is to call
+  tarnd-qrb ovsdb:unix:/run/a.sock,tcp:10.0.0.2:6641   a prompt; what these servers hold
 
 Exit status: 0 every call did what it should; 1 one of them failed, or the source can't be had;
 2 a line could not be understood.
@@ -42,8 +43,10 @@ void Describe(CLI::App& app, Options& options)
     app.add_flag("-j,--json", options.json, "Answers as JSON, one object a line");
     app.add_flag("-e,--echo", options.echo,
                  "Repeats each line of standard input before its answer");
-    app.add_option("SOURCE", options.source,
-                   "Where the data comes from: a JSON file, or \"host\" for this host")
+    app.add_option(
+           "SOURCE", options.source,
+           "Where the data comes from: a JSON file, \"host\" for this host, or \"ovsdb:\" and "
+           "servers")
         ->required();
     app.add_option("COMMAND", options.command,
                    "A function or command and its arguments; without one, lines are read");
