@@ -10,7 +10,7 @@ std::vector<Function> Assemble()
     std::vector<Function> all;
     for (const auto& family :
          {FrameFunctions, InterfaceFunctions, AddressFunctions, LayerTwoFunctions, RouteFunctions,
-          FilterFunctions, EventFunctions, ListenerFunctions, MemoryFunctions})
+          FilterFunctions, EventFunctions, ListenerFunctions, ListFunctions, MemoryFunctions})
         std::ranges::move(family(), std::back_inserter(all));
     return all;
 }

@@ -60,6 +60,7 @@ std::vector<Function> RouteFunctions();
 std::vector<Function> FilterFunctions();
 std::vector<Function> EventFunctions();
 std::vector<Function> ListenerFunctions();
+std::vector<Function> ListFunctions();
 std::vector<Function> MemoryFunctions();
 
 }  // namespace shell

@@ -108,7 +108,7 @@ bool Mentions(std::string_view text, std::string_view word)
     return std::search(text.begin(), text.end(), word.begin(), word.end(), same) != text.end();
 }
 
-Status ListFunctions(Shell& shell, Words& words)
+Status ShowFunctions(Shell& shell, Words& words)
 {
     const std::string word = words.TakeRest();
     Json              rows = Json::array();
@@ -143,7 +143,7 @@ Status Quit(Shell& shell, Words& /*words*/)
 std::vector<Command> HelpCommands()
 {
     return {
-        {"functions", "[WORD]", "Lists the library's functions, or those that have to do with a word.", ListFunctions},
+        {"functions", "[WORD]", "Lists the library's functions, or those that have to do with a word.", ShowFunctions},
         {"help", "[NAME]", "Tells about a command or a function.", Help},
         {"complete", "'LINE'", "Lists what could stand where a line breaks off; Tab does so at the prompt.", ListCompletions},
         {"quit", "", "Ends the shell.", Quit},
