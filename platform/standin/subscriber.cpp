@@ -329,8 +329,9 @@ std::chrono::steady_clock::time_point CommitTime()
 
 void BetweenDeliveries(const std::function<void()>& action)
 {
+    const auto subscribers = Subscriber::All();  // the action may close them: not under our locks
     std::vector<std::unique_lock<std::recursive_mutex>> held;
-    for (const auto& subscriber : Subscriber::All()) {
+    for (const auto& subscriber : subscribers) {
         held.push_back(subscriber->HoldCallbacks());
     }
     action();
