@@ -38,18 +38,21 @@ void Cluster::Commit(const std::vector<Write>& writes)
     const ovsdb::Operations operations(writes, [this] { return replica_.NextPlace(); });
     const auto              request =
         std::make_shared<ovsdb::Request>(ovsdb::Request{operations.Parameters(), {}});
-    auto results = request->results.get_future();
+    auto answer = request->outcome.get_future();
     {
         const std::lock_guard lock(mutex_);
         requests_.push_back(request);
     }
     requestEvent_.Raise();
-    if (results.wait_for(timing_.patience) == std::future_status::timeout) {
+    if (answer.wait_for(timing_.patience) == std::future_status::timeout) {
         const std::lock_guard lock(mutex_);
         if (std::erase(requests_, request) != 0)
             throw standin::Error("no server can be followed: " + failures_);
     }
-    operations.Check(results.get());
+    const auto [results, refusal] = answer.get();
+    if (!refusal.empty())
+        throw standin::Error(refusal);
+    operations.Check(results);
 }
 
 std::string Cluster::Server() const

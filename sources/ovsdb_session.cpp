@@ -52,9 +52,10 @@ Session::Session(Connection connection, Replica& replica, Position& position, bo
 Session::~Session()
 {
     for (const auto& [id, request] : unanswered_)
-        request->results.set_exception(std::make_exception_ptr(standin::Error(
-            "the connection was lost before the server answered: whether the transaction was "
-            "carried out is not known")));
+        request->outcome.set_value(
+            {{},
+             "the connection was lost before the server answered: whether the transaction was "
+             "carried out is not known"});
 }
 
 void Session::Attend(int wake, int stop)
@@ -118,10 +119,7 @@ void Session::TakeResults(const Json& id, const Json& message, const std::string
     const auto asked   = unanswered_.find(id);
     if (asked == unanswered_.end() || (refusal.empty() && !results.is_array()))
         throw std::runtime_error("the server answers what it was not asked");
-    if (refusal.empty())
-        asked->second->results.set_value(results);
-    else
-        asked->second->results.set_exception(std::make_exception_ptr(standin::Error(refusal)));
+    asked->second->outcome.set_value({results, refusal});
     unanswered_.erase(asked);
 }
 

@@ -30,10 +30,16 @@ struct Position {
     }
 };
 
+// What became of a transaction. A value: an exception's last owner may be either thread.
+struct Outcome {
+    Json        results;
+    std::string refusal;  // empty: carried out
+};
+
 // A transaction for the servers.
 struct Request {
-    std::string        parameters;
-    std::promise<Json> results;
+    std::string           parameters;
+    std::promise<Outcome> outcome;
 };
 
 class Session {
