@@ -10,6 +10,7 @@ falls on all of them.
 
 import argparse
 import json
+import pathlib
 import re
 import subprocess
 import sys
@@ -57,20 +58,22 @@ def main():
     parser.add_argument("programs", nargs="+")
     parser.add_argument("results")
     parser.add_argument("--quick", action="store_true", help="few and short repetitions")
-    parser.add_argument("--only", default="", help="names that match this regular expression")
+    parser.add_argument("--only", default="", help="only these, by regular expression; others keep their figures")
     arguments = parser.parse_args()
     repetitions, seconds = (5, 0.01) if arguments.quick else (31, 0.03)
 
-    figures = {}
+    results = pathlib.Path(arguments.results)
+    figures = json.loads(results.read_text(encoding="utf-8")) if arguments.only and results.exists() else {}
     for program in arguments.programs:
         names = [name for name in listed(program) if re.search(arguments.only, name)]
         for group in dict.fromkeys(group_of(name) for name in names):
             print("measuring", *filter(None, group), file=sys.stderr)
-            results = run(program, group, repetitions, seconds)
-            for result in sorted(results, key=lambda result: (result["family_index"], result["repetition_index"])):
-                figures.setdefault(result["run_name"], []).append(figure(result))
-    with open(arguments.results, "w", encoding="utf-8") as file:
-        json.dump(figures, file, indent=1)
+            runs = run(program, group, repetitions, seconds)
+            for name in {result["run_name"] for result in runs}:
+                figures[name] = []
+            for result in sorted(runs, key=lambda result: (result["family_index"], result["repetition_index"])):
+                figures[result["run_name"]].append(figure(result))
+    results.write_text(json.dumps(figures, indent=1), encoding="utf-8")
 
 
 main()

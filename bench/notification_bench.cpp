@@ -33,11 +33,10 @@ standin::Row Port(uint32_t ifIndex)
     return row.Set("if_index", ifIndex).AddToSet("vlan_bitmap_2", 1, 100);
 }
 
-void Write(const standin::Row& row)
+standin::Row Route(uint32_t ifIndex)
 {
-    standin::Transaction transaction;
-    transaction.Update(row);
-    transaction.Commit();
+    standin::Row row("if_route");
+    return row.Set("if_index", ifIndex);
 }
 
 // When the other thread learnt of it. It tells by an eventfd, so that who waits sleeps.
@@ -112,8 +111,7 @@ BENCHMARK(Bare)->Name("write_to_callback/bare")->UseManualTime();
 std::atomic<uint32_t> expected = 0;
 std::atomic<bool>     held     = false;
 
-uint32_t OnSwitchPort(const void* /*data*/, uint32_t /*value*/, void* /*argument*/,
-                      uint64_t* /*word*/)
+uint32_t OnChange()
 {
     held.wait(true);
     if (--expected == 0) {
@@ -122,40 +120,77 @@ uint32_t OnSwitchPort(const void* /*data*/, uint32_t /*value*/, void* /*argument
     return 0;
 }
 
-// The library as the daemon starts it, with a module that hears of every switch port.
+uint32_t OnSwitchPort(const void* /*data*/, uint32_t /*value*/, void* /*argument*/,
+                      uint64_t* /*word*/)
+{
+    return OnChange();
+}
+
+uint32_t OnRouteState(uint32_t /*subId*/, uint32_t /*flag*/, uint32_t /*ifIndex*/, void* /*first*/,
+                      void* /*second*/)
+{
+    return OnChange();
+}
+
+// The library as the daemon starts it, with a module that hears of switch ports and routes.
 void StartOnce()
 {
     static const bool started = [] {
         MEM_EX_Init();
         L2IF_SH_EvtCbFuncReg("bench", L2IF_EVT_SWITCH_PORT_ON, 0, OnSwitchPort);
         L2IF_SH_EvtCbFuncReg("bench", L2IF_EVT_SWITCH_PORT_OFF, 0, OnSwitchPort);
+        IF_EvtRegCbf(OnRouteState, 0, 0, IF_EVT_WITH_SUB_EVENT, IF_EVT_STATE,
+                     IF_SUB_EVT_ROUTE_STATE);
+        standin::Reset();
+        standin::Transaction transaction;
+        transaction.Insert(Port(1));
+        transaction.Insert(Route(1));
+        transaction.Commit();
         return BDS_InitStart() == 0;
     }();
     if (!started) {
         std::abort();
     }
-    bench::Fill("port", 1, Port);
 }
 
-// Every write is a change.
-void Toggle()
+// The next write, which is a change every time.
+standin::Transaction Toggle(standin::Row row, std::string_view field, uint64_t& state)
+{
+    state = 1 - state;
+    standin::Transaction transaction;
+    transaction.Update(row.Set(field, state));
+    return transaction;
+}
+
+standin::Transaction TogglePort()
 {
     static uint64_t switchPort = 0;
-    switchPort                 = 1 - switchPort;
-    Write(Port(1).Set("switch_port", switchPort));
+    return Toggle(Port(1), "switch_port", switchPort);
 }
 
-void WriteToCallback(benchmark::State& state)
+standin::Transaction ToggleRoute()
+{
+    static uint64_t routeState = 0;
+    return Toggle(Route(1), "route_state", routeState);
+}
+
+void WriteToCallback(benchmark::State& state, standin::Transaction (*toggle)())
 {
     StartOnce();
     for (auto _ : state) {
         expected         = 1;
+        auto       write = toggle();
         const auto start = Clock::now();
-        Toggle();
+        write.Commit();
         state.SetIterationTime(SecondsSince(start, arrival.Wait()));
     }
 }
-BENCHMARK(WriteToCallback)->Name("write_to_callback/library")->UseManualTime();
+BENCHMARK_CAPTURE(WriteToCallback, port, TogglePort)
+    ->Name("write_to_callback/port")
+    ->UseManualTime();
+BENCHMARK_CAPTURE(WriteToCallback, route, ToggleRoute)
+    ->Name("write_to_callback/if_route")
+    ->UseManualTime();
 
 void Queued(benchmark::State& state)
 {
@@ -165,7 +200,7 @@ void Queued(benchmark::State& state)
         expected = changes;
         held     = true;
         for (uint32_t change = 0; change < changes; change++) {
-            Toggle();
+            TogglePort().Commit();
         }
         const auto start = Clock::now();
         held             = false;

@@ -66,7 +66,10 @@ TIMES = [
             ("GList", "glist", None, None),
         ]
     ],
-    ("write to callback, over bare eventfd and epoll_wait", "write_to_callback/library/manual_time", "write_to_callback/bare/manual_time", AT_MOST, 1.5),
+    *[
+        (f"write of {table} to callback, over bare eventfd and epoll_wait", f"write_to_callback/{table}/manual_time", "write_to_callback/bare/manual_time", AT_MOST, 1.5)
+        for table in ("if_route", "port")
+    ],
     ("one of 10,000 queued changes, over the same", "write_to_callback/queued_10000/manual_time", "write_to_callback/bare/manual_time", AT_MOST, 1),
     ("port update that changes nothing watched, over the same by hand", "port_unchanged/library/manual_time", "port_unchanged/by_hand/manual_time", AT_MOST, 1.3),
     ("inquiry of the last of a million routes, a row, over the same by hand", "last_route/library/1000000", "last_route/by_hand/1000000", AT_MOST, 1.05),
@@ -103,6 +106,12 @@ def time_rows(figures):
                 f"{low:.2f} to {high:.2f}",
                 *verdict(round(ratio, 2), relation, aim),
             )
+
+
+def load_rows(figures):
+    for name, measured in figures.items():
+        if name.startswith("load_routes/"):
+            yield f"{int(name.split('/')[2]):,} routes from JSON", time(statistics.median(measured))
 
 
 def memory_rows(figures):
@@ -147,6 +156,7 @@ def main():
         figures = json.load(file)
     print_table(("What", "Measured", "Floor", "Ratio", "Half of them", "Aim", ""), time_rows(figures))
     print_table(("A row of table", "Contents", "In memory", "Beyond", "Aim", ""), memory_rows(figures))
+    print_table(("Loading", "Time"), load_rows(figures))
     print_table(("The library", ""), library_rows(arguments.library))
 
 

@@ -1,0 +1,40 @@
+// Makes every query once, each a section of its own for callgrind; bench/instructions.py reads
+// them.
+#include <valgrind/callgrind.h>
+
+#include "calls/calls.h"
+
+namespace {
+
+struct Device : calls::DeviceTest {
+    Device() { SetUp(); }
+    void TestBody() override {}
+};
+
+template <typename Step>
+void Maybe(const Step& step)
+{
+    if (step) {
+        step();
+    }
+}
+
+}  // namespace
+
+int main()
+{
+    const Device device;
+    support::WatchPlatform(false);
+    for (const calls::Call& call : calls::AllCalls()) {
+        // The first time, functions are looked up and tables built.
+        for (const bool counted : {false, true}) {
+            Maybe(call.before);
+            CALLGRIND_ZERO_STATS;
+            call.run();
+            if (counted) {
+                CALLGRIND_DUMP_STATS_AT(call.name.c_str());
+            }
+            Maybe(call.after);
+        }
+    }
+}
