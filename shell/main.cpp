@@ -109,6 +109,7 @@ Status Run(const Options& options)
 
 }  // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): before the try block only for want of memory
 int main(int count, char** words)
 {
     std::setlocale(LC_CTYPE, "");
