@@ -331,6 +331,7 @@ void BetweenDeliveries(const std::function<void()>& action)
 {
     const auto subscribers = Subscriber::All();  // the action may close them: not under our locks
     std::vector<std::unique_lock<std::recursive_mutex>> held;
+    held.reserve(subscribers.size());
     for (const auto& subscriber : subscribers) {
         held.push_back(subscriber->HoldCallbacks());
     }
