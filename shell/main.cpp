@@ -82,6 +82,13 @@ Status RunInput(shell::Shell& shell, bool echo)
     return worst;
 }
 
+Status RunLines(shell::Shell& shell, const Options& options)
+{
+    if (!options.command.empty())
+        return shell.Execute(options.command);
+    return isatty(STDIN_FILENO) != 0 ? RunPrompt(shell) : RunInput(shell, options.echo);
+}
+
 // An interrupt is for the thread that waits for it: threads that start while it is blocked never
 // get it.
 void BlockInterrupts(int how)
@@ -102,9 +109,8 @@ Status Run(const Options& options)
     BlockInterrupts(SIG_UNBLOCK);
     shell::Printer printer(std::cout, StyleFor(options));
     shell::Shell   shell(*source, printer);
-    if (!options.command.empty())
-        return shell.Execute(options.command);
-    return isatty(STDIN_FILENO) != 0 ? RunPrompt(shell) : RunInput(shell, options.echo);
+    const Status   worst = RunLines(shell, options);
+    return std::max(worst, shell.Finish());
 }
 
 }  // namespace

@@ -70,6 +70,15 @@ Status Shell::Execute(const std::vector<std::string>& words)
     return status;
 }
 
+Status Shell::Finish()
+{
+    if (!writes_.IsOpen())
+        return Status::Good;
+    printer_.PrintError("a transaction was not committed: " + std::to_string(writes_.Waiting()) +
+                        " rows are not written");
+    return Status::Failed;
+}
+
 void Shell::PrintEvents()
 {
     while (const auto event = Events().Pop())

@@ -20,6 +20,9 @@ public:
     Status Execute(std::string_view line);
     Status Execute(const std::vector<std::string>& words);
 
+    // When no line comes any more: Failed where writes still wait for commit, which is told.
+    Status Finish();
+
     // Those that wait in the queue.
     void PrintEvents();
 
