@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <clocale>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <iostream>
 
@@ -113,10 +114,7 @@ Status Run(const Options& options)
     return std::max(worst, shell.Finish());
 }
 
-}  // namespace
-
-// NOLINTNEXTLINE(bugprone-exception-escape): before the try block only for want of memory
-int main(int count, char** words)
+int RunProgram(int count, char** words)
 {
     std::setlocale(LC_CTYPE, "");
     Options  options;
@@ -126,11 +124,20 @@ int main(int count, char** words)
         const int own = CountOwn(count, words);
         app.parse(own, words);
         options.command.assign(words + own, words + count);
-        return static_cast<int>(Run(options));
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : static_cast<int>(Status::Usage);
+    }
+    return static_cast<int>(Run(options));
+}
+
+}  // namespace
+
+int main(int count, char** words)
+{
+    try {
+        return RunProgram(count, words);
     } catch (const std::exception& error) {
-        std::cerr << "tarnd-qrb: " << error.what() << '\n';
+        std::fprintf(stderr, "tarnd-qrb: %s\n", error.what());
         return static_cast<int>(Status::Failed);
     }
 }

@@ -46,7 +46,7 @@ std::string TakeQuoted(std::string_view& line)
 
 std::string Take(std::string_view& line, size_t count)
 {
-    const std::string text(line.substr(0, count));
+    std::string text(line.substr(0, count));
     line.remove_prefix(count);
     return text;
 }
