@@ -2,12 +2,10 @@
 #include <net/if.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <random>
 #include <set>
-#include <tuple>
+#include <utility>
 
 #include <arpa/inet.h>
 #include <tarnd_qrb/route.h>
@@ -16,6 +14,7 @@
 
 #include "sources/host.h"
 #include "sources/host_mirror.h"
+#include "sources/json_row.h"
 #include "support/network.h"
 #include "support/platform.h"
 #include "support/rows.h"
@@ -23,6 +22,7 @@
 namespace {
 
 using sources::Host;
+using sources::Json;
 using sources::NextHop;
 using sources::Route;
 using standin::Row;
@@ -37,24 +37,6 @@ std::vector<Row> RowsOf(const char* table)
     return support::RowsOf(*standin::FindTable(table));
 }
 
-uint64_t NumberIn(const char* table, uint64_t interface, const char* field)
-{
-    const auto row = standin::Find(Row(table).Set("if_index", interface));
-    return row ? row->Number(field) : 99;
-}
-
-std::string MacOf(uint64_t interface)
-{
-    const auto row = standin::Find(Row("if_phy").Set("if_index", interface));
-    if (!row)
-        return "none";
-    char       text[18];
-    const auto mac = row->Bytes(*standin::FindField(row->Description().fields, "mac_addr"));
-    snprintf(text, sizeof text, "%02x:%02x:%02x:%02x:%02x:%02x", mac[0], mac[1], mac[2], mac[3],
-             mac[4], mac[5]);
-    return text;
-}
-
 std::string Dotted(uint32_t address)
 {
     const in_addr network{htonl(address)};
@@ -62,84 +44,61 @@ std::string Dotted(uint32_t address)
     return inet_ntop(AF_INET, &network, text, sizeof text);
 }
 
-// name, MAC address, carrier, carrier again, running, member of a bridge
-using LinkView  = std::tuple<std::string, std::string, bool, bool, bool, bool>;
-using LinkViews = std::map<uint64_t, LinkView>;
+// Of each link: index, name, MAC address, carrier, running, member of a bridge; and of each
+// address: the link's index, address, length, type code.
+using View = std::set<Json>;
 
-LinkViews LinksInDatabase()
+// A link's row in one table.
+Json RowOf(const char* table, uint64_t index)
 {
-    LinkViews views;
+    const auto row = standin::Find(Row(table).Set("if_index", index));
+    return row ? sources::RowToJson(*row) : Json::object();
+}
+
+View InDatabase()
+{
+    View view;
     for (const Row& row : RowsOf("if_base")) {
         const uint64_t index = row.Number("if_index");
-        views[index]         = {std::string(row.Text("if_name")),
-                                MacOf(index),
-                                NumberIn("if_phy", index, "phy_state") == 1,
-                                NumberIn("if_link", index, "link_state") == 1,
-                                NumberIn("if_route", index, "route_state") == 1,
-                                NumberIn("port", index, "switch_port") == 1};
+        const Json     phy   = RowOf("if_phy", index);
+        EXPECT_EQ(phy.value("phy_state", 0), RowOf("if_link", index).value("link_state", 0));
+        view.insert({index, row.Text("if_name"), phy.value("mac_addr", "00:00:00:00:00:00"),
+                     phy.value("phy_state", 0) == 1,
+                     RowOf("if_route", index).value("route_state", 0) == 1,
+                     RowOf("port", index).value("switch_port", 0) == 1});
     }
-    return views;
-}
-
-LinkViews LinksOfSystem()
-{
-    LinkViews views;
-    for (const auto& link : AskIp("-details link")) {
-        const std::set<std::string> flags   = link["flags"];
-        const bool                  carrier = flags.contains("LOWER_UP");
-        const bool                  running = flags.contains("UP") && !flags.contains("NO-CARRIER");
-        const bool                  member =
-            link.value("/linkinfo/info_slave_kind"_json_pointer, std::string()) == "bridge";
-        views[link["ifindex"]] = {link["ifname"], link.value("address", "00:00:00:00:00:00"),
-                                  carrier,        carrier,
-                                  running,        member};
-    }
-    return views;
-}
-
-bool SameLinks()
-{
-    return LinksInDatabase() == LinksOfSystem() &&
-           RowsOf("if_phy").size() == RowsOf("if_base").size() &&
-           RowsOf("port").size() == RowsOf("if_base").size();
-}
-
-// Of each interface that has some: "address/length", and its type code.
-using AddressViews = std::map<uint64_t, std::vector<std::string>>;
-
-AddressViews AddressesInDatabase()
-{
-    AddressViews views;
     for (const Row& row : RowsOf("am_ipv4_address")) {
-        const auto items = row.Items(0).value();
-        for (size_t at = 0; at < items.size(); at += 6) {
-            uint32_t address = 0;
-            memcpy(&address, &items[at], sizeof address);
-            views[row.Number("if_index")].push_back(Dotted(address) + "/" +
-                                                    std::to_string(items[at + 4]) + " " +
-                                                    std::to_string(items[at + 5]));
-        }
+        const Json json = sources::RowToJson(row);
+        for (const Json& item : json["ipv4_address_list"])
+            view.insert({json["if_index"], item["address"], item["masklen"], item["type"]});
     }
-    return views;
+    return view;
 }
 
-AddressViews AddressesOfSystem()
+View OfSystem()
 {
-    AddressViews views;
-    for (const auto& link : AskIp("-4 address")) {
-        for (const auto& info : link["addr_info"]) {
-            auto& view = views[link["ifindex"]];
-            view.push_back(std::string(info["local"]) + "/" +
-                           std::to_string(info["prefixlen"].get<int>()) +
-                           (view.empty() ? " 1" : " 2"));
+    View view;
+    for (const auto& link : AskIp("-details address")) {
+        const std::set<std::string> flags   = link["flags"];
+        const bool                  running = flags.contains("UP") && !flags.contains("NO-CARRIER");
+        const std::string master = link.value("/linkinfo/info_slave_kind"_json_pointer, "");
+        const uint64_t    index  = link["ifindex"];
+        view.insert({index, link["ifname"], link.value("address", "00:00:00:00:00:00"),
+                     flags.contains("LOWER_UP"), running, master == "bridge"});
+        for (int type = 1; const auto& info : link["addr_info"]) {
+            if (info["family"] == "inet")
+                view.insert({index, info["local"], info["prefixlen"], std::exchange(type, 2)});
         }
     }
-    return views;
+    return view;
 }
 
-bool SameAddresses()
+bool SameInterfaces()
 {
-    return AddressesInDatabase() == AddressesOfSystem();
+    const auto isComplete = [](const char* table) {
+        return RowsOf(table).size() == RowsOf("if_base").size();
+    };
+    return InDatabase() == OfSystem() && std::ranges::all_of(sources::linkTables, isComplete);
 }
 
 // "gateway interface" for each next hop that the library names; none where it has no route.
@@ -189,98 +148,76 @@ bool LongestPrefixesFirst()
                                   [](const Row& row) { return row.Number("prefixLen"); });
 }
 
-std::string SysfsValue(const std::string& interface, const char* attribute)
+bool SameAsSystem()
 {
-    std::ifstream file(std::filesystem::path("/sys/class/net") / interface / attribute);
-    std::string   value;
-    file >> value;
-    return value;
+    return SameInterfaces() && SameRoutes() && LongestPrefixesFirst();
 }
 
-TEST_F(HostTest, NamesAndAddressesOfThisMachine)
+TEST_F(HostTest, TellsOfThisMachine)
 {
     const Host host;
-    size_t     interfaces = 0;
-    auto*      all        = if_nameindex();
-    ASSERT_NE(all, nullptr);
-    for (const auto* one = all; one->if_index != 0; ++one, ++interfaces) {
-        const auto row = standin::Find(Row("if_base").Set("if_index", one->if_index));
-        ASSERT_TRUE(row) << one->if_name;
-        EXPECT_EQ(row->Text("if_name"), one->if_name);
-        EXPECT_EQ(MacOf(one->if_index), SysfsValue(one->if_name, "address"));
-        EXPECT_EQ(NumberIn("if_link", one->if_index, "link_state") == 1,
-                  SysfsValue(one->if_name, "carrier") == "1");
+    EXPECT_GT(RowsOf("if_base").size(), 0U);
+    EXPECT_TRUE(SameInterfaces());
+}
+
+void ExpectToFollow(const char* before, std::initializer_list<const char*> changes)
+{
+    Ip(before);
+    Host host;
+    EXPECT_TRUE(SameAsSystem());
+    host.Follow();
+    for (const char* change : changes) {
+        Ip(change);
+        EXPECT_TRUE(Eventually(SameAsSystem)) << change;
     }
-    if_freenameindex(all);
-    EXPECT_EQ(RowsOf("if_base").size(), interfaces);
-    EXPECT_TRUE(SameAddresses());
 }
 
 TEST_F(HostTest, FollowsLinks)
 {
     IN_OWN_NETWORK([] {
-        Ip("link add veth0 type veth peer name veth1");
-        Host host;
-        EXPECT_TRUE(SameLinks());
-        host.Follow();
-        for (const char* change :
-             {"link set lo up", "link set veth0 up", "link set veth1 up", "link set veth1 down",
-              "link set veth1 up", "link add br0 type bridge", "link set veth0 master br0",
-              "link set br0 up", "link set veth0 nomaster", "link set veth0 name other",
-              "link set veth1 address 02:00:00:00:00:09", "link set veth1 down",
-              "link set veth1 name veth0", "link del br0", "link del other"}) {
-            Ip(change);
-            EXPECT_TRUE(Eventually(SameLinks)) << change;
-        }
-    });
-}
-
-TEST_F(HostTest, FollowsAddresses)
-{
-    IN_OWN_NETWORK([] {
-        Ip("link add veth0 type veth peer name veth1; addr add 10.0.0.1/24 dev veth0;"
-           "addr add 10.0.0.9/24 dev veth0");
-        Host host;
-        EXPECT_TRUE(SameAddresses());
-        host.Follow();
-        for (const char* change :
-             {"addr add 10.1.0.1/16 dev veth0", "addr add 10.2.0.1 peer 10.2.0.2 dev veth1",
-              "addr del 10.0.0.1/24 dev veth0", "addr flush dev veth1", "link del veth0"}) {
-            Ip(change);
-            EXPECT_TRUE(Eventually(SameAddresses)) << change;
-        }
-        EXPECT_TRUE(RowsOf("am_ipv4_address").empty());
+        ExpectToFollow(
+            "link add veth0 type veth peer name veth1",
+            {"link set lo up", "link set veth0 up", "link set veth1 up", "link set veth1 down",
+             "link set veth1 up", "link add br0 type bridge", "link set veth0 master br0",
+             "link set br0 up", "link set veth0 nomaster", "link set veth0 name other",
+             "link set veth1 address 02:00:00:00:00:09", "link set veth1 down",
+             "link set veth1 name veth0", "link del br0", "link del other"});
     });
 }
 
 // Among the changes are some that take routes away without a word, and all kinds of competition:
 // longer prefixes after shorter ones, metrics, refusals, groups, dead next hops.
-TEST_F(HostTest, FollowsRoutes)
+TEST_F(HostTest, FollowsAddressesAndRoutes)
 {
     IN_OWN_NETWORK([] {
-        Ip("link add veth0 type veth peer name veth1; link set veth0 up; link set veth1 up;"
-           "addr add 10.0.0.1/24 dev veth0; addr add 10.1.0.1/24 dev veth1;"
-           "route add default via 10.0.0.2; route add 10.2.0.0/16 via 10.0.0.3");
-        Host host;
-        EXPECT_TRUE(SameRoutes());
-        host.Follow();
-        for (const char* change :
-             {"route add 10.2.3.0/24 via 10.1.0.4", "route add 10.0.0.0/8 via 10.1.0.5",
-              "route add 10.3.0.0/16 via 10.0.0.6 metric 50",
-              "route add 10.3.0.0/16 via 10.1.0.6 metric 20", "route del 10.3.0.0/16 metric 20",
-              "route add unreachable 10.4.0.0/16", "route add blackhole 192.0.2.0/24",
-              "route add 10.5.0.0/16 nexthop via 10.0.0.7 nexthop via 10.1.0.7",
-              "route replace 10.5.0.0/16 nexthop via 10.0.0.8 nexthop via 10.1.0.8 weight 3",
-              "nexthop add id 7 via 10.0.0.9 dev veth0; route add 10.6.0.0/16 nhid 7",
-              "nexthop replace id 7 via 10.1.0.9 dev veth1", "route add 172.16.0.0/12 dev veth1",
-              "route del default", "nexthop del id 7", "addr add 10.6.0.9/24 dev veth1",
-              "addr del 10.0.0.1/24 dev veth0", "link set veth1 down", "link del veth0"}) {
-            Ip(change);
-            EXPECT_TRUE(Eventually(SameRoutes)) << change;
-            EXPECT_TRUE(LongestPrefixesFirst()) << change;
-        }
-        EXPECT_TRUE(Eventually([] { return RowsOf("Fib.ConfigNhpStandard").empty(); }));
-        EXPECT_TRUE(RowsOf("Fib.ConfigNhpGroupNode").empty());
+        ExpectToFollow(
+            "link add veth0 type veth peer name veth1; link set veth0 up; link set veth1 up;"
+            "addr add 10.0.0.1/24 dev veth0; addr add 10.1.0.1/24 dev veth1;"
+            "addr add 10.0.0.99/24 dev veth0;"
+            "route add default via 10.0.0.2; route add 10.2.0.0/16 via 10.0.0.3",
+            {"route add 10.2.3.0/24 via 10.1.0.4",
+             "route add 10.0.0.0/8 via 10.1.0.5",
+             "route add 10.3.0.0/16 via 10.0.0.6 metric 50",
+             "route add 10.3.0.0/16 via 10.1.0.6 metric 20",
+             "route del 10.3.0.0/16 metric 20",
+             "route add unreachable 10.4.0.0/16",
+             "route add blackhole 192.0.2.0/24",
+             "route add 10.5.0.0/16 nexthop via 10.0.0.7 nexthop via 10.1.0.7",
+             "route replace 10.5.0.0/16 nexthop via 10.0.0.8 nexthop via 10.1.0.8 weight 3",
+             "nexthop add id 7 via 10.0.0.9 dev veth0; route add 10.6.0.0/16 nhid 7",
+             "nexthop replace id 7 via 10.1.0.9 dev veth1",
+             "route add 172.16.0.0/12 dev veth1",
+             "route del default",
+             "nexthop del id 7",
+             "addr add 10.2.0.1 peer 10.2.0.2 dev veth1",
+             "addr add 10.6.0.9/24 dev veth1",
+             "addr del 10.0.0.1/24 dev veth0",
+             "addr flush dev veth1",
+             "link set veth1 down",
+             "link del veth0"});
+        for (const char* table :
+             {"am_ipv4_address", "Fib.ConfigNhpStandard", "Fib.ConfigNhpGroupNode"})
+            EXPECT_TRUE(RowsOf(table).empty()) << table;
     });
 }
 
@@ -298,10 +235,9 @@ TEST_F(HostTest, AnOverrunLosesNothingThatLasts)
            "link set four master br0; link add gone type veth; link del gone");
         EXPECT_TRUE(witness.Take().overrun);
         host.Follow();
-        const auto allSame = [] { return SameLinks() && SameAddresses() && SameRoutes(); };
-        EXPECT_TRUE(Eventually(allSame));
+        EXPECT_TRUE(Eventually(SameAsSystem));
         Ip("link set four nomaster; addr add 10.0.0.2/24 dev three");
-        EXPECT_TRUE(Eventually(allSame));
+        EXPECT_TRUE(Eventually(SameAsSystem));
     });
 }
 

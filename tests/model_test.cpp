@@ -13,5 +13,7 @@ TEST_P(Model, HoldsOnRandomInputs)
     EXPECT_EQ(std::system(program.c_str()), 0);  // NOLINT
 }
 
-INSTANTIATE_TEST_SUITE_P(, Model, testing::Values("addresses", "list", "names", "routes"),
+INSTANTIATE_TEST_SUITE_P(, Model,
+                         testing::Values("addresses", "bounded", "conditions", "list", "names",
+                                         "platform", "routes"),
                          [](const auto& subject) { return std::string(subject.param); });

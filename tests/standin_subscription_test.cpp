@@ -49,25 +49,23 @@ namespace {
 
 using standin::Row;
 using standin::Transaction;
+using Lines = std::vector<std::string>;
 
-const char* const everything =
+constexpr const char* everything =
     R"({"label_name":"if_phy","events":[{"type":"insert"},{"type":"delete"},{"type":"update"},{"type":"replace"}]})";
+constexpr const char* inserts = R"({"label_name":"if_phy","events":[{"type":"insert"}]})";
+constexpr const char* deletes = R"({"label_name":"if_phy","events":[{"type":"delete"}]})";
 
-std::vector<std::pair<uint32_t, uint32_t>> controls;  // descriptor, operation
+std::vector<uint32_t>                      operations;  // on the descriptor, of the last session
 std::function<void(ORM_MESSAGE, uint32_t)> onMessage;
 int                                        descriptor    = -1;
 int32_t                                    controlAnswer = 0;
 
 int32_t Control(uint32_t watched, uint32_t operation)
 {
-    controls.emplace_back(watched, operation);
+    operations.push_back(operation);
     descriptor = static_cast<int>(watched);
     return controlAnswer;
-}
-
-void Callback(ORM_MESSAGE message, uint32_t event)
-{
-    onMessage(message, event);
 }
 
 ORM_SESSION Open(ORM_FD_CONTROL control)
@@ -83,7 +81,8 @@ ORM_SESSION Open(ORM_FD_CONTROL control)
 
 uint32_t Subscribe(ORM_SESSION session, const char* definition)
 {
-    return OrmSubscribe(session, "test", definition, Callback, nullptr, "test");
+    const auto callback = [](ORM_MESSAGE message, uint32_t event) { onMessage(message, event); };
+    return OrmSubscribe(session, "test", definition, callback, nullptr, "test");
 }
 
 bool IsReadable()
@@ -95,6 +94,18 @@ bool IsReadable()
 Row Phy(uint32_t index, uint32_t speed = 0)
 {
     return Row("if_phy").Set("if_index", index).Set("speed", speed);
+}
+
+void Commit(const std::function<void(Transaction&)>& fill)
+{
+    Transaction transaction;
+    fill(transaction);
+    transaction.Commit();
+}
+
+void Insert(uint32_t index)
+{
+    Commit([=](Transaction& t) { t.Insert(Phy(index)); });
 }
 
 // One object of the current row as "index:speed", or "-".
@@ -119,6 +130,7 @@ std::string Object(ORM_MESSAGE message, uint32_t object)
 std::string Described(ORM_MESSAGE message, uint32_t event)
 {
     std::string text(1, "idur"[event]);
+    EXPECT_NE(OrmSubExtractData(message, ORM_OBJECT_NEW, 0), 0U);
     for (uint8_t end = 0;;) {
         EXPECT_EQ(OrmSubFetchNext(message, &end), 0U);
         if (end != 0) {
@@ -134,36 +146,34 @@ protected:
     void SetUp() override
     {
         standin::Reset();
-        controls.clear();
+        operations.clear();
         controlAnswer = 0;
         onMessage     = [this](ORM_MESSAGE message, uint32_t event) {
             seen_.push_back(Described(message, event));
         };
         session_ = Open(Control);
+        EXPECT_EQ(Subscribe(session_, everything), 0U);
     }
     void TearDown() override
     {
-        if (session_ != 0) {
-            EXPECT_EQ(OrmCloseSession(session_), 0U);
-        }
+        EXPECT_EQ(OrmCloseSession(session_) == 0, session_ != 0);
         standin::Reset();
     }
-    static void Commit(const std::function<void(Transaction&)>& fill)
+    // What the callbacks were told.
+    Lines Deliver()
     {
-        Transaction transaction;
-        fill(transaction);
-        transaction.Commit();
+        EXPECT_EQ(DbcHandleEvent(descriptor), 0U);
+        return std::exchange(seen_, {});
     }
 
-    ORM_SESSION              session_ = 0;
-    std::vector<std::string> seen_;
+    ORM_SESSION session_ = 0;
+    Lines       seen_;
 };
 
 TEST_F(StandinSubscription, TellsWhenAChangeWasCommittedAndWhenAllAreDelivered)
 {
     using namespace std::chrono_literals;
     using Clock = std::chrono::steady_clock;
-    ASSERT_EQ(Subscribe(session_, everything), 0U);
     EXPECT_TRUE(standin::AwaitDeliveries(0ms));
     const auto        before   = Clock::now();
     std::atomic<bool> returned = false;
@@ -173,7 +183,7 @@ TEST_F(StandinSubscription, TellsWhenAChangeWasCommittedAndWhenAllAreDelivered)
         std::this_thread::sleep_for(20ms);
         returned = true;
     };
-    Commit([](Transaction& t) { t.Insert(Phy(1)); });
+    Insert(1);
     EXPECT_FALSE(standin::AwaitDeliveries(1ms));
     const std::jthread listener([] { DbcHandleEvent(descriptor); });
     EXPECT_TRUE(standin::AwaitDeliveries(10s));
@@ -183,7 +193,6 @@ TEST_F(StandinSubscription, TellsWhenAChangeWasCommittedAndWhenAllAreDelivered)
 
 TEST_F(StandinSubscription, DeliversNeighboursTogetherAndEachChangeOnce)
 {
-    ASSERT_EQ(Subscribe(session_, everything), 0U);
     EXPECT_FALSE(IsReadable());
     Commit([](Transaction& t) {
         t.Insert(Phy(1, 10));
@@ -196,56 +205,42 @@ TEST_F(StandinSubscription, DeliversNeighboursTogetherAndEachChangeOnce)
         t.Delete(Phy(3));
     });
     EXPECT_TRUE(IsReadable());
-    Transaction refused;
-    refused.Update(Phy(2, 99));
-    refused.Insert(Phy(2));
-    EXPECT_THROW(refused.Commit(), standin::Error);
+    EXPECT_THROW(Insert(2), standin::Error);
     Commit([](Transaction& t) { t.Delete(Phy(1)); });
-
-    EXPECT_EQ(DbcHandleEvent(descriptor), 0U);
+    EXPECT_EQ(Deliver(), (Lines{"i ->1:10 ->2:20", "i ->3:30", "u 1:10>1:11", "r 2:20>2:21 ->4:40",
+                                "d 3:30>-", "d 1:11>-"}));
     EXPECT_FALSE(IsReadable());
-    EXPECT_EQ(seen_, (std::vector<std::string>{"i ->1:10 ->2:20", "i ->3:30", "u 1:10>1:11",
-                                               "r 2:20>2:21 ->4:40", "d 3:30>-", "d 1:11>-"}));
-    EXPECT_EQ(DbcHandleEvent(descriptor), 0U);
-    EXPECT_EQ(seen_.size(), 6U);
+    EXPECT_EQ(Deliver(), Lines());
 }
 
 TEST_F(StandinSubscription, DeliversOnlyWhatADefinitionLists)
 {
-    const char* const refused[] = {
-        "",
-        "no json",
-        "[]",
-        R"({"label_name":"if_phy"})",
-        R"({"label_name":"if_phy","events":[]})",
-        R"({"label_name":"no_table","events":[{"type":"insert"}]})",
-        R"({"label_name":"if_phy","events":[{"type":"insert"},{"type":"upsert"}]})",
-        R"({"label_name":7,"events":[{"type":"insert"}]})",
-        R"({"label_name":"if_phy","events":["insert"]})",
-    };
-    for (const char* definition : refused) {
-        EXPECT_NE(Subscribe(session_, definition), 0U) << definition;
+    ASSERT_EQ(OrmCloseSession(session_), 0U);
+    session_ = Open(Control);
+    for (const char* refused :
+         {"", "no json", "[]", R"({"label_name":"if_phy"})",
+          R"({"label_name":"if_phy","events":[]})",
+          R"({"label_name":"no_table","events":[{"type":"insert"}]})",
+          R"({"label_name":"if_phy","events":[{"type":"insert"},{"type":"upsert"}]})",
+          R"({"label_name":7,"events":[{"type":"insert"}]})",
+          R"({"label_name":"if_phy","events":["insert"]})"}) {
+        EXPECT_NE(Subscribe(session_, refused), 0U) << refused;
     }
-    ASSERT_EQ(Subscribe(session_, R"({"label_name":"if_phy","events":[{"type":"delete"}]})"), 0U);
-    Commit([](Transaction& t) {
-        t.Insert(Phy(1));
-        t.Update(Phy(1));
-    });
+    ASSERT_EQ(Subscribe(session_, deletes), 0U);
+    Insert(1);
+    Commit([](Transaction& t) { t.Update(Phy(1)); });
     EXPECT_FALSE(IsReadable());
     Commit([](Transaction& t) { t.Delete(Phy(1)); });
-    EXPECT_EQ(DbcHandleEvent(descriptor), 0U);
-    EXPECT_EQ(seen_, std::vector<std::string>{"d 1:0>-"});
+    EXPECT_EQ(Deliver(), Lines{"d 1:0>-"});
 }
 
 // Memory runs out at the first allocation, then at the second, and so on until there is enough.
 TEST_F(StandinSubscription, WithoutMemoryATransactionIsUndoneAndNotTold)
 {
-    ASSERT_EQ(Subscribe(session_, everything), 0U);
-    Commit([](Transaction& t) { t.Insert(Phy(1, 1)); });
-    DbcHandleEvent(descriptor);
+    Insert(1);
+    Deliver();
     unsigned attempts = 0;
     for (bool committed = false; !committed; attempts++) {
-        seen_.clear();
         Transaction transaction;
         transaction.Update(Phy(1, 2));
         transaction.Insert(Phy(2, 2));
@@ -255,12 +250,10 @@ TEST_F(StandinSubscription, WithoutMemoryATransactionIsUndoneAndNotTold)
             transaction.Commit();
             committed = true;
         } catch (const std::bad_alloc&) {
-            EXPECT_TRUE(standin::Find(Phy(1)) == Phy(1, 1));
+            EXPECT_EQ(standin::Find(Phy(1)), Phy(1));
         }
         allocationsLeft = 0;
-        EXPECT_EQ(DbcHandleEvent(descriptor), 0U);
-        EXPECT_EQ(seen_, committed ? (std::vector<std::string>{"u 1:1>1:2", "i ->2:2", "d 1:2>-"})
-                                   : std::vector<std::string>{});
+        EXPECT_EQ(Deliver(), committed ? (Lines{"u 1:0>1:2", "i ->2:2", "d 1:2>-"}) : Lines());
         EXPECT_EQ(standin::Find(Phy(2)).has_value(), committed);
     }
     EXPECT_GT(attempts, 10U);
@@ -271,10 +264,9 @@ TEST_F(StandinSubscription, GivesBackWhatChangesTookThatWait)
     constexpr int changes = 1000;
     const auto    update  = [] { Commit([](Transaction& t) { t.Update(Phy(1)); }); };
     onMessage             = [](ORM_MESSAGE, uint32_t) {};
-    ASSERT_EQ(Subscribe(session_, everything), 0U);
-    Commit([](Transaction& t) { t.Insert(Phy(1)); });
+    Insert(1);
     update();
-    DbcHandleEvent(descriptor);
+    Deliver();
     const int before = blocksInUse;
     for (int round = 0; round < 2; round++) {
         for (int i = 0; i < changes; i++) {
@@ -282,7 +274,7 @@ TEST_F(StandinSubscription, GivesBackWhatChangesTookThatWait)
         }
         EXPECT_LE(blocksInUse, before + 3 * changes);
         if (round == 0) {
-            DbcHandleEvent(descriptor);
+            Deliver();
             EXPECT_EQ(blocksInUse, before);
         }
     }
@@ -290,63 +282,34 @@ TEST_F(StandinSubscription, GivesBackWhatChangesTookThatWait)
     EXPECT_LT(blocksInUse, before);
 }
 
-TEST_F(StandinSubscription, MessageDiesWithItsCallback)
-{
-    ORM_MESSAGE kept = 0;
-    onMessage        = [&](ORM_MESSAGE message, uint32_t) {
-        uint8_t end = 0;
-        kept        = message;
-        EXPECT_NE(OrmSubExtractData(message, ORM_OBJECT_NEW, 0), 0U);
-        EXPECT_EQ(OrmSubFetchNext(message, &end), 0U);
-        EXPECT_NE(OrmSubExtractData(message, 2, 0), 0U);
-        EXPECT_NE(OrmCloseSession(message), 0U);
-        EXPECT_NE(OrmExecute(message), 0U);
-    };
-    ASSERT_EQ(Subscribe(session_, everything), 0U);
-    Commit([](Transaction& t) { t.Insert(Phy(1)); });
-    EXPECT_EQ(DbcHandleEvent(descriptor), 0U);
-    uint8_t  end   = 0;
-    uint32_t index = 0;
-    EXPECT_NE(OrmSubFetchNext(kept, &end), 0U);
-    EXPECT_NE(OrmGetFieldById(kept, 0, &index, 4), 0U);
-    EXPECT_NE(OrmSubFetchNext(session_, &end), 0U);
-}
-
 TEST_F(StandinSubscription, CallbackMayWriteAndMayClose)
 {
-    onMessage = [&](ORM_MESSAGE message, uint32_t event) {
+    ORM_MESSAGE kept = 0;
+    onMessage        = [&](ORM_MESSAGE message, uint32_t event) {
         seen_.push_back(Described(message, event));
+        kept = message;
         EXPECT_NE(DbcHandleEvent(descriptor), 0U);
-        if (seen_.size() == 1) {
+        EXPECT_NE(OrmCloseSession(message), 0U);
+        if (event == ORM_EVENT_INSERT) {
             Commit([](Transaction& t) { t.Update(Phy(1, 2)); });
         } else {
             EXPECT_EQ(OrmCloseSession(session_), 0U);
         }
     };
-    ASSERT_EQ(Subscribe(session_, everything), 0U);
-    Commit([](Transaction& t) { t.Insert(Phy(1, 1)); });
-    EXPECT_EQ(DbcHandleEvent(descriptor), 0U);
+    Insert(1);
+    EXPECT_EQ(Deliver(), Lines{"i ->1:0"});
     EXPECT_TRUE(IsReadable());
-    Commit([](Transaction& t) { t.Insert(Phy(2)); });
-    EXPECT_EQ(DbcHandleEvent(descriptor), 0U);
-    EXPECT_EQ(seen_, (std::vector<std::string>{"i ->1:1", "u 1:1>1:2"}));
-    EXPECT_EQ(OrmCloseSession(session_), 2002U);
-    session_ = 0;
-}
+    uint8_t end = 0;
+    EXPECT_NE(OrmSubFetchNext(kept, &end), 0U);
 
-TEST_F(StandinSubscription, CloseHandsTheDescriptorBack)
-{
-    ASSERT_EQ(Subscribe(session_, everything), 0U);
-    Commit([](Transaction& t) { t.Insert(Phy(1)); });
+    // What waits is forgotten, the descriptor handed back.
     const int closed = descriptor;
-    EXPECT_EQ(OrmCloseSession(session_), 0U);
-    ASSERT_EQ(controls.size(), 2U);
-    EXPECT_EQ(controls[0], std::pair(static_cast<uint32_t>(closed), 0U));
-    EXPECT_EQ(controls[1].first, static_cast<uint32_t>(closed));
-    EXPECT_NE(controls[1].second, 0U);
+    Insert(2);
+    EXPECT_EQ(Deliver(), Lines{"u 1:0>1:2"});
+    EXPECT_EQ(operations, (std::vector<uint32_t>{0, 1}));
     EXPECT_EQ(fcntl(closed, F_GETFD), -1);
     EXPECT_NE(DbcHandleEvent(closed), 0U);
-    EXPECT_TRUE(seen_.empty());
+    EXPECT_EQ(OrmCloseSession(session_), 2002U);
 
     controlAnswer = -1;
     session_      = Open(Control);
@@ -360,62 +323,21 @@ TEST_F(StandinSubscription, WithoutAControlFunctionAThreadServes)
     const ORM_SESSION served   = Open(nullptr);
     ORM_SESSION       closing  = Open(nullptr);
     onMessage                  = [&](ORM_MESSAGE, uint32_t event) {
-        EXPECT_NE(std::this_thread::get_id(), std::thread::id());
         if (event == ORM_EVENT_DELETE) {
             EXPECT_EQ(OrmCloseSession(std::exchange(closing, 0)), 0U);
         }
         messages++;
     };
-    ASSERT_EQ(Subscribe(served, R"({"label_name":"if_phy","events":[{"type":"insert"}]})"), 0U);
-    ASSERT_EQ(Subscribe(closing, R"({"label_name":"if_phy","events":[{"type":"delete"}]})"), 0U);
-    Commit([](Transaction& t) { t.Insert(Phy(1)); });
+    ASSERT_EQ(Subscribe(served, inserts), 0U);
+    ASSERT_EQ(Subscribe(closing, deletes), 0U);
+    Insert(1);
     Commit([](Transaction& t) { t.Delete(Phy(1)); });
     while (messages < 2) {
         std::this_thread::yield();
     }
     EXPECT_EQ(OrmCloseSession(served), 0U);
-    Commit([](Transaction& t) { t.Insert(Phy(1)); });
+    Insert(1);
     EXPECT_EQ(messages, 2);
-}
-
-// Two writers of one table each, one reader that dispatches: per table nothing is lost, doubled or
-// out of order.
-TEST_F(StandinSubscription, KeepsTheOrderUnderLoad)
-{
-    constexpr uint32_t      changes = 20000;
-    std::array<uint32_t, 2> next{};  // the speed or the route state's row that must come next
-    onMessage = [&](ORM_MESSAGE message, uint32_t) {
-        for (uint8_t end = 0; OrmSubFetchNext(message, &end) == 0 && end == 0;) {
-            uint32_t index = 0;
-            ASSERT_EQ(OrmSubExtractData(message, ORM_OBJECT_NEW, 0), 0U);
-            ASSERT_EQ(OrmGetFieldById(message, 0, &index, 4), 0U);
-            std::array<uint8_t, 22> route;
-            const bool isRoute = OrmgIfRouteGetAllFieldsInner(message, route.data(), 22) == 0;
-            EXPECT_EQ(index, next[isRoute]++);
-        }
-    };
-    ASSERT_EQ(Subscribe(session_, everything), 0U);
-    ASSERT_EQ(Subscribe(session_, R"({"label_name":"if_route","events":[{"type":"insert"}]})"), 0U);
-
-    std::atomic<int> writing = 2;
-    const auto       write   = [&](const char* table) {
-        for (uint32_t index = 0; index < changes;) {
-            Transaction transaction;
-            for (uint32_t rows = index % 3 + 1; rows > 0 && index < changes; rows--) {
-                transaction.Insert(Row(table).Set("if_index", index++));
-            }
-            transaction.Commit();
-        }
-        writing--;
-    };
-    std::thread phy(write, "if_phy");
-    std::thread route(write, "if_route");
-    while (writing > 0 || IsReadable()) {
-        EXPECT_EQ(DbcHandleEvent(descriptor), 0U);
-    }
-    phy.join();
-    route.join();
-    EXPECT_EQ(next, (std::array{changes, changes}));
 }
 
 }  // namespace

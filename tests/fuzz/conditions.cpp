@@ -1,5 +1,6 @@
 // Condition texts. What is accepted selects the rows that the text describes, by a second opinion
 // that compares texts; and a text that describes a row is accepted.
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -116,11 +117,11 @@ std::string DescribeSome(fuzz::Input& input, const Row& row)
     return text;
 }
 
-size_t CountSelected(ORM_SESSION session)
+ptrdiff_t CountSelected(ORM_SESSION session)
 {
-    ORM_SCAN scan  = 0;
-    uint8_t  end   = 0;
-    size_t   count = 0;
+    ORM_SCAN  scan  = 0;
+    uint8_t   end   = 0;
+    ptrdiff_t count = 0;
     CHECK(OrmScanStart(session, &scan) == 0);
     while (OrmScanNext(session, scan, &end) == 0 && end == 0) {
         count++;
@@ -149,10 +150,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const bool accepted = OrmSetScanCond(session, text.c_str()) == 0;
     CHECK(accepted || !mustWork);
     if (accepted) {
-        size_t expected = 0;
-        for (const Row& row : rows) {
-            expected += &row.Description() == &table && AllDescribe(text.c_str(), row) ? 1 : 0;
-        }
+        const auto expected = std::ranges::count_if(rows, [&](const Row& row) {
+            return &row.Description() == &table && AllDescribe(text.c_str(), row);
+        });
         CHECK(CountSelected(session) == expected);
         CHECK(!mustWork || AllDescribe(text, described));
     }

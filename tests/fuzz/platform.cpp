@@ -22,7 +22,7 @@ using standin::Transaction;
 
 namespace {
 
-enum Sort { Session, Subscription, Parameter, Message, Scan, List, Item, Sorts };
+enum Sort : uint32_t { Session, Subscription, Parameter, Message, Scan, List, Item, Sorts };
 
 // The run under way: callbacks go on with its input.
 struct Run {
@@ -66,7 +66,7 @@ const char* TableName()
 uint64_t Handle(Sort sort)
 {
     const uint32_t choice  = Small(31);
-    const auto&    handles = run.handles[choice == 1 ? Small(Sorts - 1) : sort];
+    const auto&    handles = run.handles[choice == 1 ? Small(Sorts - 1) : uint32_t{sort}];
     if (handles.empty() || choice == 0) {
         return run.input->ConsumeIntegral<uint64_t>();
     }
@@ -126,14 +126,7 @@ void Write()
     }
 }
 
-void Step();
-
-void Steps(uint32_t most)
-{
-    for (uint32_t left = most; left > 0 && run.input->remaining_bytes() > 0; left--) {
-        Step();
-    }
-}
+void Steps(uint32_t most);
 
 void Callback(ORM_MESSAGE message, uint32_t event)
 {
@@ -157,69 +150,41 @@ int32_t Control(uint32_t descriptor, uint32_t operation)
     return 0;
 }
 
-void Open()
-{
-    Opening(Session, [](uint64_t* handle) { return OrmOpenSessionByDefault(handle); });
-}
+struct Accessors {
+    uint32_t (*read)(const void*, uint32_t, void*, uint32_t);
+    uint32_t (*getAllFields)(ORM_SESSION, void*, uint32_t);
+    uint32_t keySize;
+    uint32_t recordSize;
+};
+constexpr Accessors accessors[] = {
+    {OrmgIfBaseReadInner, OrmgIfBaseGetAllFieldsInner, 4, 387},
+    {OrmgIfPhyReadInner, OrmgIfPhyGetAllFieldsInner, 4, 79},
+    {OrmgIfLinkReadInner, OrmgIfPhyGetAllFieldsInner, 4, 10},
+    {OrmgIfRouteReadInner, OrmgIfRouteGetAllFieldsInner, 4, 22},
+    {OrmgPortReadInner, OrmgPortGetAllFieldsInner, 4, 1644},
+    {OrmgVlanReadInner, OrmgVlanGetAllFieldsInner, 10, 238},
+};
 
-void OpenParameter()
+// One byte small, the rest zero; mostly of the right size.
+std::vector<uint8_t> AnyKey(uint32_t rightSize)
 {
-    Opening(Parameter,
-            [](uint64_t* handle) { return OrmCreateSessionParam("channel:", "osc", handle); });
-}
-
-void OpenSubscription()
-{
-    // Sessions without a control function start a thread, which takes its time.
-    const ORM_FD_CONTROL control = Small(255) == 255 ? nullptr : Control;
-    Opening(Subscription, [=](uint64_t* handle) {
-        return OrmOpenSubSession(Handle(Parameter), control, handle);
-    });
-}
-
-void Close()
-{
-    Checked(OrmCloseSession(Handle(Small(3) > 0 ? Session : Subscription)));
-}
-
-void CloseParameter()
-{
-    OrmDestroySessionParam(Handle(Parameter));
-}
-
-void Prepare()
-{
-    constexpr uint32_t operations[] = {QRB_ORM_OP_READ, QRB_ORM_OP_SCAN, 0};
-    Checked(OrmPrepare(Handle(Session), TableName(), operations[Small(2)]));
-}
-
-void ChooseKey()
-{
-    Checked(OrmSetKeyName(Handle(Session), Pick({"primary_key", "local_key", "no_key"})));
-}
-
-void SetMember()
-{
-    const std::vector<uint8_t> value(Small(1) != 0 ? 4 : Small(70), static_cast<uint8_t>(Small(3)));
-    const uint32_t             type = Small(7) == 0 ? Small(9) : QRB_KEY_TYPE_U32;
-    Checked(OrmSetIndexKeyValue(Handle(Session), Small(3), type, value.data(),
-                                static_cast<uint32_t>(value.size())));
+    std::vector<uint8_t> key(Small(3) > 0 ? rightSize : Small(80));
+    if (!key.empty()) {
+        key[0] = static_cast<uint8_t>(Small(3));
+    }
+    return key;
 }
 
 void SetWholeKey()
 {
-    using SetKey                   = uint32_t (*)(ORM_SESSION, const void*, uint32_t);
-    constexpr SetKey     setKeys[] = {OrmgIfBaseSetKeyLocalKeyInner,
-                                      OrmgAmIpv4AddressSetKeyPrimaryKeyInner,
-                                      OrmgQosIntegrationSetKeyPrimaryKeyInner};
-    constexpr uint32_t   widths[]  = {68, 4, 4};
-    const uint32_t       which     = Small(2);
-    const uint32_t       size      = Small(3) > 0 ? widths[which] : Small(80);
-    std::vector<uint8_t> key(size);
-    if (size > 0) {
-        key[0] = static_cast<uint8_t>(Small(3));
-    }
-    Checked(setKeys[which](Handle(Session), key.data(), size));
+    using SetKey                = uint32_t (*)(ORM_SESSION, const void*, uint32_t);
+    constexpr SetKey   sets[]   = {OrmgIfBaseSetKeyLocalKeyInner,
+                                   OrmgAmIpv4AddressSetKeyPrimaryKeyInner,
+                                   OrmgQosIntegrationSetKeyPrimaryKeyInner};
+    constexpr uint32_t widths[] = {68, 4, 4};
+    const uint32_t     which    = Small(2);
+    const auto         key      = AnyKey(widths[which]);
+    Checked(sets[which](Handle(Session), key.data(), static_cast<uint32_t>(key.size())));
 }
 
 void SetGroupKey()
@@ -230,59 +195,6 @@ void SetGroupKey()
     std::memcpy(key.data(), &text, sizeof(text));
     Checked(
         OrmgAclGroupIdSetKeyPrimaryKeyInner(Handle(Session), key.data(), key.size() - Small(1)));
-}
-
-void Execute()
-{
-    Checked(OrmExecute(Handle(Session)));
-}
-
-void SetCondition()
-{
-    Checked(OrmSetScanCond(Handle(Session), Pick({"if_index = 1", "vlan_id = 2 and vlan_scope0 = 0",
-                                                  "index = 1", "", "id"})));
-}
-
-void StartScan()
-{
-    Opening(Scan, [](uint64_t* handle) { return OrmScanStart(Handle(Session), handle); });
-}
-
-void MoveScan()
-{
-    uint8_t        end  = 0x55;
-    const uint32_t code = Checked(OrmScanNext(Handle(Session), Handle(Scan), &end));
-    CHECK(end == 0x55 || (end == 1 && code == ORM_OK));
-}
-
-void EndScan()
-{
-    Checked(OrmScanEnd(Handle(Session), Handle(Scan)));
-}
-
-void ReadFieldByName()
-{
-    Filling(Small(1) != 0 ? 4 : 1, [](void* to, uint32_t size) {
-        return OrmGetField(Reader(), Pick({"if_index", "index", "vlan_id", "no_field"}), to, size);
-    });
-}
-
-void ReadFieldByNumber()
-{
-    Filling(Small(1) != 0 ? 4 : 64,
-            [](void* to, uint32_t size) { return OrmGetFieldById(Reader(), Small(12), to, size); });
-}
-
-void ReadCurrent()
-{
-    using GetAllFields                 = uint32_t (*)(ORM_SESSION, void*, uint32_t);
-    constexpr GetAllFields accessors[] = {OrmgIfBaseGetAllFieldsInner, OrmgIfPhyGetAllFieldsInner,
-                                          OrmgIfRouteGetAllFieldsInner, OrmgPortGetAllFieldsInner,
-                                          OrmgVlanGetAllFieldsInner};
-    constexpr uint32_t     sizes[]     = {387, 79, 22, 1644, 238};
-    const uint32_t         which       = Small(4);
-    Filling(sizes[which],
-            [=](void* to, uint32_t size) { return accessors[which](Reader(), to, size); });
 }
 
 void ReadGroup()
@@ -298,21 +210,13 @@ void ReadGroup()
     }
 }
 
-void ReadOne()
+// Makes a call that tells the end, or leaves it as it was.
+template <typename Call>
+void Moving(Call call)
 {
-    using Read                    = uint32_t (*)(const void*, uint32_t, void*, uint32_t);
-    constexpr Read       reads[]  = {OrmgIfBaseReadInner,  OrmgIfPhyReadInner, OrmgIfLinkReadInner,
-                                     OrmgIfRouteReadInner, OrmgPortReadInner,  OrmgVlanReadInner};
-    constexpr uint32_t   widths[] = {4, 4, 4, 4, 4, 10};
-    constexpr uint32_t   sizes[]  = {387, 79, 10, 22, 1644, 238};
-    const uint32_t       which    = Small(5);
-    std::vector<uint8_t> key(Small(7) > 0 ? widths[which] : Small(12));
-    if (!key.empty()) {
-        key[0] = static_cast<uint8_t>(Small(3));
-    }
-    Filling(sizes[which], [&](void* to, uint32_t size) {
-        return reads[which](key.data(), static_cast<uint32_t>(key.size()), to, size);
-    });
+    uint8_t        end  = 0x55;
+    const uint32_t code = Checked(call(&end));
+    CHECK(end == 0x55 || (end == 1 && code == ORM_OK));
 }
 
 void FindList()
@@ -325,12 +229,6 @@ void FindList()
     });
 }
 
-void CountItems()
-{
-    uint32_t count = 77;
-    CHECK(Checked(OrmNodeGetSize(Handle(List), &count)) == ORM_OK ? count <= 3 : count == 77);
-}
-
 void FindItem()
 {
     Opening(Item, [](uint64_t* item) {
@@ -339,10 +237,18 @@ void FindItem()
     });
 }
 
-void ReadItem()
+void OpenParameter()
 {
-    Filling(Small(1) != 0 ? 4 : 1, [](void* to, uint32_t size) {
-        return OrmNodeGetFieldById(Handle(Item), Small(5), to, size);
+    Opening(Parameter,
+            [](uint64_t* handle) { return OrmCreateSessionParam("channel:", "osc", handle); });
+}
+
+// Sessions without a control function start a thread, which takes its time.
+void OpenSubscription()
+{
+    const ORM_FD_CONTROL control = Small(255) == 255 ? nullptr : Control;
+    Opening(Subscription, [=](uint64_t* handle) {
+        return OrmOpenSubSession(Handle(Parameter), control, handle);
     });
 }
 
@@ -363,93 +269,120 @@ void Deliver()
               : run.input->ConsumeIntegral<int32_t>()));
 }
 
-void FetchRow()
-{
-    uint8_t        end  = 0x55;
-    const uint32_t code = Checked(OrmSubFetchNext(Handle(Message), &end));
-    CHECK(end == 0x55 || (end == 1 && code == ORM_OK));
-}
-
-void SelectObject()
-{
-    Checked(OrmSubExtractData(Handle(Message), Small(2), Small(15) / 15));
-}
-
-// Some way into what a caller would do, so that the steps after it find something.
-
-void StandOnRow()
+uint64_t Opened()
 {
     uint64_t session = 0;
     CHECK(OrmOpenSessionByDefault(&session) == ORM_OK);
     run.handles[Session].push_back(session);
-    const uint32_t index = Small(3) / 2;
-    OrmPrepare(session, Pick({"am_ipv4_address", "qos_integration"}), QRB_ORM_OP_READ);
-    OrmSetKeyName(session, "primary_key");
-    OrmSetIndexKeyValue(session, 0, QRB_KEY_TYPE_U32, &index, sizeof(index));
-    if (Checked(OrmExecute(session)) == ORM_OK) {
-        FindList();
-        FindItem();
+    return session;
+}
+
+constexpr void (*steps[])() = {
+    [] { Opened(); },
+    OpenParameter,
+    OpenSubscription,
+    [] { Checked(OrmCloseSession(Handle(Small(3) > 0 ? Session : Subscription))); },
+    [] { OrmDestroySessionParam(Handle(Parameter)); },
+    [] {
+        constexpr uint32_t operations[] = {QRB_ORM_OP_READ, QRB_ORM_OP_SCAN, 0};
+        Checked(OrmPrepare(Handle(Session), TableName(), operations[Small(2)]));
+    },
+    [] {
+        Checked(OrmSetKeyName(Handle(Session), Pick({"primary_key", "local_key", "no_key"})));
+    },
+    [] {
+        const auto     value = AnyKey(4);
+        const uint32_t type  = Small(7) == 0 ? Small(9) : QRB_KEY_TYPE_U32;
+        Checked(OrmSetIndexKeyValue(Handle(Session), Small(3), type, value.data(),
+                                    static_cast<uint32_t>(value.size())));
+    },
+    SetWholeKey,
+    SetGroupKey,
+    [] { Checked(OrmExecute(Handle(Session))); },
+    [] {
+        Checked(OrmSetScanCond(
+            Handle(Session),
+            Pick({"if_index = 1", "vlan_id = 2 and vlan_scope0 = 0", "index = 1", "", "id"})));
+    },
+    [] { Opening(Scan, [](uint64_t* handle) { return OrmScanStart(Handle(Session), handle); }); },
+    [] { Moving([](uint8_t* end) { return OrmScanNext(Handle(Session), Handle(Scan), end); }); },
+    [] { Checked(OrmScanEnd(Handle(Session), Handle(Scan))); },
+    [] {
+        Filling(Small(1) != 0 ? 4 : 1, [](void* to, uint32_t size) {
+            return OrmGetField(Reader(), Pick({"if_index", "index", "vlan_id", "no_field"}), to,
+                               size);
+        });
+    },
+    [] {
+        Filling(Small(1) != 0 ? 4 : 64, [](void* to, uint32_t size) {
+            return OrmGetFieldById(Reader(), Small(12), to, size);
+        });
+    },
+    [] {
+        const Accessors& any = accessors[Small(std::size(accessors) - 1)];
+        Filling(any.recordSize,
+                [&](void* to, uint32_t size) { return any.getAllFields(Reader(), to, size); });
+    },
+    ReadGroup,
+    [] {
+        const Accessors& any = accessors[Small(std::size(accessors) - 1)];
+        const auto       key = AnyKey(any.keySize);
+        Filling(any.recordSize, [&](void* to, uint32_t size) {
+            return any.read(key.data(), static_cast<uint32_t>(key.size()), to, size);
+        });
+    },
+    FindList,
+    [] {
+        uint32_t count = 77;
+        CHECK(Checked(OrmNodeGetSize(Handle(List), &count)) == ORM_OK ? count <= 3 : count == 77);
+    },
+    FindItem,
+    [] {
+        Filling(Small(1) != 0 ? 4 : 1, [](void* to, uint32_t size) {
+            return OrmNodeGetFieldById(Handle(Item), Small(5), to, size);
+        });
+    },
+    Subscribe,
+    Deliver,
+    [] { Moving([](uint8_t* end) { return OrmSubFetchNext(Handle(Message), end); }); },
+    [] { Checked(OrmSubExtractData(Handle(Message), Small(2), Small(15) / 15)); },
+    Write,
+    // Some way into what a caller would do, so that the steps after it find something.
+    [] {
+        const uint64_t session = Opened();
+        const uint32_t index   = Small(3) / 2;
+        OrmPrepare(session, Pick({"am_ipv4_address", "qos_integration"}), QRB_ORM_OP_READ);
+        OrmSetKeyName(session, "primary_key");
+        OrmSetIndexKeyValue(session, 0, QRB_KEY_TYPE_U32, &index, sizeof(index));
+        if (Checked(OrmExecute(session)) == ORM_OK) {
+            FindList();
+            FindItem();
+        }
+    },
+    [] {
+        const uint64_t session = Opened();
+        uint64_t       scan    = 0;
+        uint8_t        end     = 0;
+        OrmPrepare(session, TableName(), QRB_ORM_OP_SCAN);
+        if (Checked(OrmScanStart(session, &scan)) == ORM_OK) {
+            run.handles[Scan].push_back(scan);
+            CHECK(OrmScanNext(session, scan, &end) == ORM_OK);
+        }
+    },
+    [] {
+        OpenParameter();
+        OpenSubscription();
+        Subscribe();
+        Write();
+        Deliver();
+    },
+};
+
+void Steps(uint32_t most)
+{
+    for (uint32_t left = most; left > 0 && run.input->remaining_bytes() > 0; left--) {
+        steps[Small(std::size(steps) - 1)]();
     }
-}
-
-void StandInScan()
-{
-    uint64_t session = 0;
-    uint64_t scan    = 0;
-    uint8_t  end     = 0;
-    CHECK(OrmOpenSessionByDefault(&session) == ORM_OK);
-    run.handles[Session].push_back(session);
-    OrmPrepare(session, TableName(), QRB_ORM_OP_SCAN);
-    if (Checked(OrmScanStart(session, &scan)) == ORM_OK) {
-        run.handles[Scan].push_back(scan);
-        CHECK(OrmScanNext(session, scan, &end) == ORM_OK);
-    }
-}
-
-void SubscribeAndWrite()
-{
-    OpenParameter();
-    OpenSubscription();
-    Subscribe();
-    Write();
-    Deliver();
-}
-
-void Step()
-{
-    constexpr void (*steps[])() = {Open,
-                                   OpenParameter,
-                                   OpenSubscription,
-                                   Close,
-                                   CloseParameter,
-                                   Prepare,
-                                   ChooseKey,
-                                   SetMember,
-                                   SetWholeKey,
-                                   SetGroupKey,
-                                   Execute,
-                                   SetCondition,
-                                   StartScan,
-                                   MoveScan,
-                                   EndScan,
-                                   ReadFieldByName,
-                                   ReadFieldByNumber,
-                                   ReadCurrent,
-                                   ReadGroup,
-                                   ReadOne,
-                                   FindList,
-                                   CountItems,
-                                   FindItem,
-                                   ReadItem,
-                                   Subscribe,
-                                   Deliver,
-                                   FetchRow,
-                                   SelectObject,
-                                   Write,
-                                   StandOnRow,
-                                   StandInScan,
-                                   SubscribeAndWrite};
-    steps[Small(std::size(steps) - 1)]();
 }
 
 // Afterwards no handle is good for anything.
@@ -466,9 +399,11 @@ void CloseEverything()
     for (const uint64_t handle : all) {
         uint64_t other = 0;
         uint32_t count = 0;
+        uint8_t  end   = 0;
         CHECK(OrmCloseSession(handle) != ORM_OK && OrmExecute(handle) != ORM_OK);
         CHECK(OrmOpenSubSession(handle, Control, &other) != ORM_OK);
         CHECK(OrmNodeGetSize(handle, &count) != ORM_OK);
+        CHECK(OrmSubFetchNext(handle, &end) != ORM_OK);
     }
     CHECK(run.descriptors.empty());
 }
