@@ -1,7 +1,7 @@
 /*
- * A module of the daemon, in C: builds a list, registers callbacks, publishes events; and the
- * daemon itself, which starts and stops the listener. Prints what went wrong; the exit status tells
- * whether anything did.
+ * A module of the daemon, in C: builds a list, registers a callback of each kind, publishes events;
+ * and the daemon itself, which starts and stops the listener. Prints what went wrong; the exit
+ * status tells whether anything did.
  */
 #include <stdio.h>
 #include <tarnd_qrb/event_publish.h>
@@ -12,9 +12,6 @@
 
 /* The example of tarnd_qrb/util_list.h, taken from there. */
 #include "util_list_example.h"
-
-#define MODULE "c_module"
-#define PRIORITY 7u
 
 static int g_failures = 0;
 
@@ -32,7 +29,6 @@ static uint32_t OnVlanAddPort(const void* data, uint32_t value, void* argument, 
     const QRB_VLAN_CHANGE_S* change = argument;
     EXPECT(port->if_index == change->ifIndex && change->bitmap == QRB_VLAN_BITMAP_2 && value == 0);
     ++*word;
-    L2IF_SH_EvtCbFuncUnReg(MODULE, L2IF_EVT_VLAN_ADD_PORT, PRIORITY, OnVlanAddPort);
     return 0;
 }
 
@@ -52,21 +48,22 @@ static uint32_t OnNotification(uint32_t ulIfIndex, uint32_t ulCmd, uint32_t a, u
     return 0;
 }
 
-static void TryLayer2(void)
+int main(void)
 {
-    const QRB_PORT_S  port   = {.if_index = 42};
-    QRB_VLAN_CHANGE_S change = {.bitmap = QRB_VLAN_BITMAP_2, .portCount = 1, .ifIndex = 42};
-    EXPECT(L2IF_SH_EvtCbFuncReg(MODULE, L2IF_EVT_VLAN_ADD_PORT, PRIORITY, OnVlanAddPort) == 0);
-    EXPECT(L2IF_SH_EvtPublishEvent(L2IF_EVT_VLAN_ADD_PORT, &port, 0, &change) == 0);
-    EXPECT(g_qrbL2IFEventCallbacks[L2IF_EVT_VLAN_ADD_PORT].count == 0);
-}
+    const uint32_t    values[] = {3, 9, 4};
+    const QRB_PORT_S  port     = {.if_index = 42};
+    QRB_VLAN_CHANGE_S change   = {.bitmap = QRB_VLAN_BITMAP_2, .portCount = 1, .ifIndex = 42};
+    UTIL_LIST_NODE_S* node     = NULL;
+    uint64_t          count    = 0;
+    MEM_EX_Init();
+    EXPECT(Largest(values, 3) == 9 && Largest(values, 0) == 0);
 
-/* As a publisher of interface events does. */
-static void TryInterface(void)
-{
-    UTIL_LIST_NODE_S* node  = NULL;
-    uint64_t          count = 0;
-    EXPECT(IF_EvtRegCbf(OnPhysicalUp, 0, PRIORITY, IF_EVT_WITH_SUB_EVENT, IF_EVT_STATE,
+    EXPECT(L2IF_SH_EvtCbFuncReg("c_module", L2IF_EVT_VLAN_ADD_PORT, 7, OnVlanAddPort) == 0);
+    EXPECT(L2IF_SH_EvtPublishEvent(L2IF_EVT_VLAN_ADD_PORT, &port, 0, &change) == 0);
+    EXPECT(g_qrbL2IFEventCallbacks[L2IF_EVT_VLAN_ADD_PORT].count == 1);
+    L2IF_SH_EvtCbRegTbl_Deinit();
+
+    EXPECT(IF_EvtRegCbf(OnPhysicalUp, 0, 7, IF_EVT_WITH_SUB_EVENT, IF_EVT_STATE,
                         IF_SUB_EVT_PHY_UP) == 0);
     EXPECT(IF_SH_EvtPublishEventGetEventNode(IF_EVT_STATE, IF_SUB_EVT_PHY_UP, &node, &count) == 0);
     EXPECT(count == 1);
@@ -74,35 +71,15 @@ static void TryInterface(void)
         const IF_EVT_CB_S* entry = UTIL_LIST_Data(node);
         EXPECT(entry->pfCallback(entry->subId, IF_EVT_FLAG_UP, 42, NULL, NULL) == 42);
     }
-    EXPECT(IF_EvtUnRegCbf(OnPhysicalUp, 0, IF_EVT_WITH_SUB_EVENT, IF_EVT_STATE,
-                          IF_SUB_EVT_PHY_UP) == 0);
     IF_EvtDeInit();
-}
 
-static void TryNotifications(void)
-{
     EXPECT(IF_RegNotifyFunc(1, OnNotification) == 0);
-    EXPECT(IF_NotifyAll(42, IF_NOTIFY_CREATED, 0, 0) == 0);
-    EXPECT(g_lastCreated == 42);
+    EXPECT(IF_NotifyAll(42, IF_NOTIFY_CREATED, 0, 0) == 0 && g_lastCreated == 42);
     EXPECT(IF_UnRegNotifyFunc(1, OnNotification) == 0);
-}
 
-static void TryListener(void)
-{
     EXPECT(BDS_InitStart() == 0);
     __atomic_store_n(&g_epollDbListenerThreadExit, 1, __ATOMIC_RELEASE);
     EXPECT(pthread_join(g_epollDbListenerThreadId, NULL) == 0);
     EXPECT(g_epollDbListenerFd == -1);
-}
-
-int main(void)
-{
-    const uint32_t values[] = {3, 9, 4};
-    MEM_EX_Init();
-    EXPECT(Largest(values, 3) == 9 && Largest(values, 0) == 0);
-    TryLayer2();
-    TryInterface();
-    TryNotifications();
-    TryListener();
     return g_failures != 0;
 }

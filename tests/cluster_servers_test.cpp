@@ -22,6 +22,7 @@ namespace {
 using sources::Cluster;
 using sources::Write;
 using sources::ovsdb::ColumnsOf;
+using sources::ovsdb::RowToWire;
 using standin::Row;
 using standin::Table;
 using support::Base;
@@ -94,20 +95,21 @@ void ExpectSameAs(const OvsdbServer& server)
     }
 }
 
-std::string RefusalOf(Cluster& cluster, const std::vector<Write>& writes)
+// The action ends in an exception for this reason, which its text has somewhere.
+template <typename Action>
+void ExpectRefusal(const std::string& reason, const Action& action)
 {
     try {
-        cluster.Commit(writes);
-        return "carried out";
-    } catch (const standin::Error& error) {
-        return error.what();
+        action();
+        ADD_FAILURE() << "not refused: " << reason;
+    } catch (const std::runtime_error& error) {
+        EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << error.what();
     }
 }
 
 TEST_F(ServersTest, WritesComeBackAsChangesOrAreRefused)
 {
-    OvsdbServer server(folder_, "first", Role::Alone);
-    server.Start();
+    OvsdbServer          server(folder_, "first", Role::Alone);
     standin::Transaction own;
     own.Insert(Phy(99));  // nobody's: it goes
     own.Commit();
@@ -136,16 +138,14 @@ TEST_F(ServersTest, WritesComeBackAsChangesOrAreRefused)
         {{{Insert, Base(3, "\xff")}}, "UTF-8"},
     };
     for (const auto& [writes, reason] : refused)
-        EXPECT_NE(RefusalOf(cluster, writes).find(reason), std::string::npos)
-            << RefusalOf(cluster, writes);
+        ExpectRefusal(reason, [&] { cluster.Commit(writes); });
     ExpectSameAs(server);
 }
 
 // What a field can't hold, the server refuses, whoever writes.
 TEST_F(ServersTest, TheServerKnowsTheFieldsLimits)
 {
-    OvsdbServer server(folder_, "first", Role::Alone);
-    server.Start();
+    OvsdbServer                        server(folder_, "first", Role::Alone);
     OvsdbClient                        client(server.Path());
     const std::pair<const char*, Wire> beyond[] = {
         {"port", {{"pvid", 65536}}},
@@ -166,8 +166,7 @@ TEST_F(ServersTest, TheServerKnowsTheFieldsLimits)
 TEST_F(ServersTest, TheReplicaEqualsTheServerAfterEachRound)
 {
     OvsdbServer server(folder_, "first", Role::Alone);
-    server.Start();
-    Cluster cluster(server.Remote(), brisk);
+    Cluster     cluster(server.Remote(), brisk);
     cluster.Follow();
     support::RandomRows random(2);
     for (int round = 0; round < 8; ++round) {
@@ -176,31 +175,25 @@ TEST_F(ServersTest, TheReplicaEqualsTheServerAfterEachRound)
             EXPECT_TRUE(Eventually([&] { return cluster.Server().empty(); }));
             server.Start();
         }
-        OvsdbClient       client(server.Path());
         std::vector<Wire> operations;
         for (const Table& table : standin::Tables()) {
-            const auto rows = support::RowsOf(table);
+            const auto        rows = support::RowsOf(table);
+            const std::string name = ColumnsOf(table).name;
             if (!rows.empty()) {
-                const Row& some = rows[random.Below(rows.size())];
-                const Wire key =
-                    sources::ovsdb::KeyCondition(table, sources::ovsdb::RowToWire(some));
-                Row         other = some;
-                const auto& field = table.fields[random.Below(table.fields.size())];
-                random.Fill(other, field);
-                if (random.Below(3) == 0)
-                    operations.push_back({{"op", "delete"}});
-                else
-                    operations.push_back(
-                        {{"op", "update"}, {"row", sources::ovsdb::RowToWire(other)}});
-                operations.back()["table"] = ColumnsOf(table).name;
-                operations.back()["where"] = key;
+                Row        some  = rows[random.Below(rows.size())];
+                const Wire where = sources::ovsdb::KeyCondition(table, RowToWire(some));
+                random.Fill(some, table.fields[random.Below(table.fields.size())]);
+                operations.push_back({{"op", random.Below(3) == 0 ? "delete" : "update"},
+                                      {"table", name},
+                                      {"where", where}});
+                if (operations.back()["op"] == "update")
+                    operations.back()["row"] = RowToWire(some);
             }
             for (int i = 0; i < 2; ++i)
-                operations.push_back(
-                    NewRow(ColumnsOf(table).name, sources::ovsdb::RowToWire(random.Next(table))));
+                operations.push_back(NewRow(name, RowToWire(random.Next(table))));
         }
         operations.push_back(NewRow("if_phy", {{"if_index", 1000 + round}}));
-        client.Transact(operations);
+        OvsdbClient(server.Path()).Transact(operations);
         EXPECT_TRUE(Eventually(
             [&] { return standin::Find(Phy(1000 + static_cast<uint64_t>(round))).has_value(); }));
         ExpectSameAs(server);
@@ -237,7 +230,6 @@ void ExpectEveryChangeOnce(const std::vector<Change>& changes, uint64_t last)
 TEST_F(ServersTest, AReaderThatFallsBehindMissesNothing)
 {
     OvsdbServer server(folder_, "first", Role::Alone);
-    server.Start();
     OvsdbClient client(server.Path());
     client.Transact({NewRow("if_phy", {{"if_index", 1}})});
     Cluster            cluster(server.Remote(), brisk);
@@ -253,20 +245,10 @@ TEST_F(ServersTest, AReaderThatFallsBehindMissesNothing)
     ExpectSameAs(server);
 }
 
-std::string TakeLogText()
-{
-    std::string text;
-    for (const auto& line : support::TakeLog())
-        text += line.text;
-    return text;
-}
-
 TEST_F(ServersTest, ASilentServerIsGivenUpAndTheTablesStay)
 {
     OvsdbServer first(folder_, "first", Role::Alone);
     OvsdbServer second(folder_, "second", Role::Alone);
-    first.Start();
-    second.Start();
     OvsdbClient(first.Path()).Transact({NewRow("if_phy", {{"if_index", 1}, {"speed", 10}})});
     Cluster cluster(first.Remote() + "," + second.Remote(), {300ms, 40ms, 10ms, 20ms});
     cluster.Follow();
@@ -275,20 +257,20 @@ TEST_F(ServersTest, ASilentServerIsGivenUpAndTheTablesStay)
 
     second.Stop(SIGTERM);
     first.Signal(SIGSTOP);
-    EXPECT_NE(RefusalOf(cluster, {{Insert, Phy(2)}}).find("is not known"), std::string::npos);
+    ExpectRefusal("is not known", [&] { cluster.Commit({{Insert, Phy(2)}}); });
     EXPECT_EQ(Speed(1), 10U);
     EXPECT_EQ(cluster.Server(), "");
-    EXPECT_NE(RefusalOf(cluster, {{Insert, Phy(2)}}).find("no server can be followed"),
-              std::string::npos);
-    EXPECT_NE(TakeLogText().find(first.Remote() + ": the server has been silent for too long: the "
-                                                  "tables stay as they are"),
+    ExpectRefusal("no server can be followed", [&] { cluster.Commit({{Insert, Phy(2)}}); });
+    EXPECT_NE(support::TakeLogText().find(first.Remote() +
+                                          ": the server has been silent for too long: the "
+                                          "tables stay as they are"),
               std::string::npos);
 
     // The next one has other contents: the difference is written.
     second.Start();
     EXPECT_TRUE(Eventually([&] { return cluster.Server() == second.Remote(); }));
     EXPECT_EQ(standin::CountRows(*standin::FindTable("if_phy")), 0U);
-    EXPECT_NE(TakeLogText().find(second.Remote() + " is followed"), std::string::npos);
+    EXPECT_NE(support::TakeLogText().find(second.Remote() + " is followed"), std::string::npos);
 }
 
 uint16_t FreePort()
@@ -322,7 +304,6 @@ TEST_F(ServersTest, OverTcpAndTls)
                              "--remote=ptcp:" + tcp + ":127.0.0.1 --remote=pssl:" + tls +
                                  ":127.0.0.1 --private-key=" + key + " --certificate=" + pem +
                                  " --ca-cert=" + pem);
-    server.Start();
     const std::string own = ",private-key=" + key + ",certificate=" + pem + ",ca-certificate=";
     uint64_t          row = 0;
     for (const auto& remote : {"tcp:127.0.0.1:" + tcp, "ssl:127.0.0.1:" + tls + own + pem}) {
@@ -335,27 +316,20 @@ TEST_F(ServersTest, OverTcpAndTls)
         {own + (folder_ / "stranger.pem"), "certificate verify failed"},
         {own + (folder_ / "nobody.pem"), "nobody.pem: "},
     };
-    for (const auto& [credentials, reason] : refused) {
-        try {
-            Cluster("ssl:127.0.0.1:" + tls + credentials, {50ms, 1000ms, 5ms, 5ms});
-            ADD_FAILURE() << credentials;
-        } catch (const std::runtime_error& error) {
-            EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << error.what();
-        }
-    }
+    for (const auto& [credentials, reason] : refused)
+        ExpectRefusal(reason, [&, &own = credentials] {
+            Cluster("ssl:127.0.0.1:" + tls + own, {50ms, 1000ms, 5ms, 5ms});
+        });
 }
 
 TEST_F(ServersTest, ADeviceGoesThereAndComesBack)
 {
     OvsdbServer server(folder_, "first", Role::Alone);
-    server.Start();
     sources::LoadJson(TARND_PROJECT_ROOT "/data/access-switch.json");
     const std::string  device = sources::DumpJson();
     std::vector<Write> writes;
-    for (const Table& table : standin::Tables()) {
-        for (const Row& row : support::RowsOf(table))
-            writes.push_back({Insert, row});
-    }
+    for (const Table& table : standin::Tables())
+        standin::ForEachRow(table, [&](const Row& row) { writes.push_back({Insert, row}); });
     Cluster writer(server.Remote(), brisk);
     writer.Follow();
     writer.Commit(writes);
@@ -375,22 +349,15 @@ protected:
         ServersTest::SetUp();
         if (IsSkipped())
             return;
-        for (const auto& server : servers_)
-            server->Start();
+        servers_[0] = std::make_unique<OvsdbServer>(folder_, "first", Role::First);
+        servers_[1] = std::make_unique<OvsdbServer>(folder_, "second", Role::Further);
+        servers_[2] = std::make_unique<OvsdbServer>(folder_, "third", Role::Further);
     }
 
     OvsdbServer* Leader()
     {
-        for (const auto& server : servers_) {
-            if (server->IsLeader())
-                return server.get();
-        }
-        return nullptr;
-    }
-
-    std::string Remotes() const
-    {
-        return servers_[0]->Remote() + "," + servers_[1]->Remote() + "," + servers_[2]->Remote();
+        const auto leader = std::ranges::find_if(servers_, &OvsdbServer::IsLeader);
+        return leader == servers_.end() ? nullptr : leader->get();
     }
 
     // Tries again where it fails, or the answer is lost: it can't be carried out twice.
@@ -409,18 +376,16 @@ protected:
         }
     }
 
-    std::array<std::unique_ptr<OvsdbServer>, 3> servers_ = {
-        std::make_unique<OvsdbServer>(folder_, "first", Role::First),
-        std::make_unique<OvsdbServer>(folder_, "second", Role::Further),
-        std::make_unique<OvsdbServer>(folder_, "third", Role::Further)};
+    std::array<std::unique_ptr<OvsdbServer>, 3> servers_;
 };
 
 TEST_F(ClusterOfThree, EveryCommittedChangeIsOneEventThoughLeadersDie)
 {
     OvsdbClient(servers_[0]->Path()).Transact({NewRow("if_phy", {{"if_index", 1}})});
     EXPECT_TRUE(Eventually([&] { return Leader() != nullptr; }));
-    Cluster cluster(Remotes(), brisk);
-    Events  events;
+    Cluster cluster(
+        servers_[0]->Remote() + "," + servers_[1]->Remote() + "," + servers_[2]->Remote(), brisk);
+    Events events;
     cluster.Follow();
     constexpr uint64_t rounds = 3, each = 200;
     for (uint64_t round = 0; round < rounds; ++round) {

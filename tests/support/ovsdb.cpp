@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "support/network.h"
+#include "support/platform.h"
 
 namespace support {
 namespace {
@@ -49,6 +50,14 @@ void Run(const std::string& command)
     EXPECT_EQ(std::system(command.c_str()), 0) << command;
 }
 
+std::string TakeLogText()
+{
+    std::string text;
+    for (const LogLine& line : TakeLog())
+        text += line.text;
+    return text;
+}
+
 Folder::Folder() : path_("/tmp/ovsdb-XXXXXX")
 {
     if (mkdtemp(path_.data()) == nullptr)
@@ -73,6 +82,7 @@ OvsdbServer::OvsdbServer(const Folder& folder, const std::string& name, Role rol
         Run("ovsdb-tool --election-timer=200 create-cluster " + own + schema + first);
     else
         Run("ovsdb-tool join-cluster " + own + sources::ovsdb::database + here + first);
+    Start();
 }
 
 OvsdbServer::~OvsdbServer()

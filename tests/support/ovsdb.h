@@ -20,6 +20,9 @@ bool HaveOvsdb();
 // Runs a command of the shell's; one that fails is a failure of the test.
 void Run(const std::string& command);
 
+// What was written to the system log since the last call.
+std::string TakeLogText();
+
 // A new folder below /tmp, which goes with the object.
 class Folder {
 public:
@@ -36,8 +39,8 @@ private:
 
 class OvsdbServer {
 public:
-    // A database of its own, the first of a cluster, or one more of the first's. It is created, not
-    // started. Options are those of the server's command line.
+    // A new database of its own, the first of a cluster, or one more of the first's; started.
+    // Options are those of the server's command line.
     enum class Role { Alone, First, Further };
     OvsdbServer(const Folder& folder, const std::string& name, Role role, std::string options = "");
     ~OvsdbServer();
