@@ -8,6 +8,7 @@
 #include "shell/functions/arguments.h"
 #include "shell/functions/define.h"
 #include "shell/functions/results.h"
+#include "shell/functions/traits.h"
 
 namespace shell {
 namespace {
@@ -207,12 +208,6 @@ uint32_t Flag()
     return *flag;
 }
 
-template <const UTIL_LIST_TRAITS_S* traits>
-void Traits(uint64_t* size)
-{
-    *size = traits->elemSize;
-}
-
 // clang-format off
 constexpr Argument module   {.name = "module"};
 constexpr Argument event    {.name = "event"};
@@ -263,9 +258,9 @@ std::vector<Function> EventFunctions()
         Define("g_isL2IFEvtInited", Flag<&g_isL2IFEvtInited>, oneIsYes, "", "Whether the table of layer-2 callbacks is built."),
         Define("g_isIFEvtInited", Flag<&g_isIFEvtInited>, oneIsYes, "", "Whether the tree of interface callbacks is built."),
         Define("g_isIFNotifyInited", Flag<&g_isIFNotifyInited>, oneIsYes, "", "Whether the list of notification callbacks is built."),
-        Define("g_qrbEventHandlerTraits", Traits<&g_qrbEventHandlerTraits>, value, "", "What the lists of layer-2 callbacks hold.", Number("elemSize")),
-        Define("g_qrbBilevelEventHandlerTraits", Traits<&g_qrbBilevelEventHandlerTraits>, value, "", "What the lists of interface callbacks hold.", Number("elemSize")),
-        Define("g_pstIfNotifyFuncHandlerTraits", Traits<&g_pstIfNotifyFuncHandlerTraits>, value, "", "What the list of notification callbacks holds.", Number("elemSize")),
+        Define("g_qrbEventHandlerTraits", ElementSize<&g_qrbEventHandlerTraits>, value, "", "What the lists of layer-2 callbacks hold.", Number("elemSize")),
+        Define("g_qrbBilevelEventHandlerTraits", ElementSize<&g_qrbBilevelEventHandlerTraits>, value, "", "What the lists of interface callbacks hold.", Number("elemSize")),
+        Define("g_pstIfNotifyFuncHandlerTraits", ElementSize<&g_pstIfNotifyFuncHandlerTraits>, value, "", "What the list of notification callbacks holds.", Number("elemSize")),
     };
 }
 // clang-format on

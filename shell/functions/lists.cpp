@@ -4,6 +4,7 @@
 #include "shell/functions/arguments.h"
 #include "shell/functions/define.h"
 #include "shell/functions/results.h"
+#include "shell/functions/traits.h"
 
 namespace shell {
 namespace {
@@ -274,12 +275,6 @@ void PrintPointer(const char* name, Json* elements)
     printed                 = Json::array();
     UTIL_LIST_PrintPtrCallback(&list);
     *elements = printed;
-}
-
-template <const UTIL_LIST_TRAITS_S* traits>
-void ElementSize(uint64_t* size)
-{
-    *size = traits->elemSize;
 }
 
 uint32_t Methods()

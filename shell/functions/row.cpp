@@ -1,5 +1,10 @@
 #include "shell/functions/row.h"
 
+#include <tarnd_platform/orm_accessors.h>
+
+#include <array>
+#include <cstring>
+
 #include "shell/table.h"
 #include "shell/words.h"
 #include "sources/json_value.h"
@@ -50,6 +55,32 @@ uint32_t ReadRow(ORM_SESSION session, const standin::Table& table, Json& row)
     return 0;
 }
 
+uint32_t TakeNumber(const standin::Field& member, const std::string& word)
+{
+    const Argument argument{.name = member.name,
+                            .form = member.kind == standin::Kind::Ipv4 ? Form::Ipv4 : Form::Number};
+    return static_cast<uint32_t>(
+        NumberFromWord(argument, word, ~uint64_t{0} >> (64 - 8 * member.width)));
+}
+
+// Numbers of 32 bits one by one.
+uint32_t SetNumbers(ORM_SESSION session, std::span<const uint32_t> numbers)
+{
+    uint32_t ret = OrmSetKeyName(session, "primary_key");
+    for (uint32_t i = 0; i < numbers.size() && ret == 0; ++i)
+        ret = OrmSetIndexKeyValue(session, i, QRB_KEY_TYPE_U32, &numbers[i], sizeof(numbers[i]));
+    return ret;
+}
+
+// The key as its accessor takes it: where the name stands, then a kind.
+uint32_t SetNameAndKind(ORM_SESSION session, const char* name, uint32_t kind)
+{
+    std::array<uint8_t, sizeof(name) + 1> key{};
+    std::memcpy(key.data(), &name, sizeof(name));
+    key.back() = static_cast<uint8_t>(kind);
+    return OrmgAclGroupIdSetKeyPrimaryKeyInner(session, key.data(), key.size());
+}
+
 }  // namespace
 
 RowKey::RowKey(const char* table, Rest words)
@@ -61,10 +92,14 @@ RowKey::RowKey(const char* table, Rest words)
     if (words.size() != known.size())
         throw UsageError(std::string("the key of ") + table + " is:" + names);
     for (size_t i = 0; i < known.size(); ++i) {
-        const Argument member{
-            .name = known[i]->name,
-            .form = known[i]->kind == standin::Kind::Ipv4 ? Form::Ipv4 : Form::Number};
-        members.push_back(static_cast<uint32_t>(NumberFromWord(member, words[i], UINT32_MAX)));
+        if (known[i]->kind == standin::Kind::Text)
+            name = words[i];
+        else if (known[i]->width < sizeof(uint32_t) && !name)
+            throw UsageError(std::string(known[i]->name) + ": a key of " +
+                             std::to_string(known[i]->width * 8) +
+                             " bits can't be set; QRB_DB_Scan finds rows by it");
+        else
+            numbers.push_back(TakeNumber(*known[i], words[i]));
     }
 }
 
@@ -75,11 +110,8 @@ RowOutput::RowOutput(const char* tableName, Json& destination)
 
 uint32_t SetRowKey(ORM_SESSION session, const void* key)
 {
-    const auto& members = static_cast<const RowKey*>(key)->members;
-    uint32_t    ret     = OrmSetKeyName(session, "primary_key");
-    for (uint32_t i = 0; i < members.size() && ret == 0; ++i)
-        ret = OrmSetIndexKeyValue(session, i, QRB_KEY_TYPE_U32, &members[i], sizeof(members[i]));
-    return ret;
+    const auto& [name, numbers] = *static_cast<const RowKey*>(key);
+    return name ? SetNameAndKind(session, name->c_str(), numbers[0]) : SetNumbers(session, numbers);
 }
 
 uint32_t GetRow(ORM_SESSION session, void* output)

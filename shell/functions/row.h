@@ -1,6 +1,7 @@
 // Any row of any table, through the callbacks of the generic keyed read and scan.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -14,11 +15,13 @@ namespace shell {
 
 using Rest = std::span<const std::string>;
 
-// The primary key of a table, a word for each member. Throws UsageError for words that don't fit.
+// The primary key of a table, a word for each member. Throws UsageError for words that don't fit,
+// and for the table whose key the contract can't set, "vlan".
 struct RowKey {
     RowKey(const char* table, Rest words);
 
-    std::vector<uint32_t> members;
+    std::optional<std::string> name;  // only "acl_group_id" has one in its key
+    std::vector<uint32_t>      numbers;
 };
 
 // Where a row goes, or an array of rows.
