@@ -9,22 +9,22 @@ using namespace qrb;
 
 namespace {
 
-uint32_t StartScan(LOG_SITE_S site, ORM_SESSION session, const char* table, const char* condition,
-                   ORM_SCAN* scan)
+uint32_t StartScan(const char* function, ORM_SESSION session, const char* table,
+                   const char* condition, ORM_SCAN* scan)
 {
     uint32_t ret = OrmPrepare(session, table, QRB_ORM_OP_SCAN);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "DB error: %d\n", ret);
+        QRB_ERROR_AT(function, "DB error: %d\n", ret);
         return FAIL;
     }
     ret = OrmSetScanCond(session, condition);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "OrmSetScanCond failed, ret = %d\n", ret);
+        QRB_ERROR_AT(function, "OrmSetScanCond failed, ret = %d\n", ret);
         return FAIL;
     }
     ret = OrmScanStart(session, scan);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "OrmScanStart failed, ret = %d\n", ret);
+        QRB_ERROR_AT(function, "OrmScanStart failed, ret = %d\n", ret);
         return FAIL;
     }
     return OK;
@@ -32,16 +32,17 @@ uint32_t StartScan(LOG_SITE_S site, ORM_SESSION session, const char* table, cons
 
 // Adds the matching records to *count. An error in the middle ends the counting like the end of
 // the table.
-uint32_t CountRecords(LOG_SITE_S site, const char* table, const char* condition, uint32_t* count)
+uint32_t CountRecords(const char* function, const char* table, const char* condition,
+                      uint32_t* count)
 {
     ORM_SESSION    session = 0;
     const uint32_t opened  = OrmOpenSessionByDefault(&session);
     if (opened != OK) {
-        QRB_ERROR_AT(site, "Failed to fetch DB, ret=%d\n", opened);
+        QRB_ERROR_AT(function, "Failed to fetch DB, ret=%d\n", opened);
         return FAIL;
     }
     ORM_SCAN       scan    = 0;
-    const uint32_t started = StartScan(site, session, table, condition, &scan);
+    const uint32_t started = StartScan(function, session, table, condition, &scan);
     if (started == OK) {
         uint8_t end = 0;
         while (OrmScanNext(session, scan, &end) == OK && end == 0) {
@@ -66,7 +67,7 @@ uint32_t ACL_GetRuleCount(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, ui
         QRB_ERROR("sprintf_s failed\n");
         return FAIL;
     }
-    return CountRecords(QRB_HERE, "acl_adv", condition, count);
+    return CountRecords(__func__, "acl_adv", condition, count);
 }
 
 uint32_t ACLIPv6_GetRuleCount(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, uint32_t* count)
@@ -80,5 +81,5 @@ uint32_t ACLIPv6_GetRuleCount(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber
         QRB_ERROR("sprintf_s failed\n");
         return FAIL;
     }
-    return CountRecords(QRB_HERE, "acl_rule_id", condition, count);
+    return CountRecords(__func__, "acl_rule_id", condition, count);
 }

@@ -1,7 +1,7 @@
 // The shapes that queries are made of: a one-shot read, steps in a session, a scan.
 //
-// A helper that logs does so on behalf of its caller, which hands its own name over as QRB_HERE.
-// Never log inside a lambda: there the compiler's function name is the lambda's.
+// A helper that logs does so on behalf of its caller, which hands its own name over as __func__.
+// Never log inside a lambda: there __func__ is the lambda's.
 #ifndef TARND_QRB_DB_ACCESS_H
 #define TARND_QRB_DB_ACCESS_H
 
@@ -10,14 +10,13 @@
 #include <tarnd_qrb/log.h>
 #include <cstdint>
 
-#define QRB_ERROR(...) Tarn_QRB_Log_Printf(::qrb::PRIORITY_ERROR, __func__, __LINE__, __VA_ARGS__)
+#define QRB_ERROR(...) QRB_ERROR_AT(__func__, __VA_ARGS__)
 #define QRB_WARN(...) Tarn_QRB_Log_Printf(::qrb::PRIORITY_WARNING, __func__, __LINE__, __VA_ARGS__)
-#define QRB_INFO(...) Tarn_QRB_Log_Printf(::qrb::PRIORITY_INFO, __func__, __LINE__, __VA_ARGS__)
-#define QRB_ERROR_AT(site, ...) \
-    Tarn_QRB_Log_Printf(::qrb::PRIORITY_ERROR, (site).function, (site).line, __VA_ARGS__)
-#define QRB_INFO_AT(site, ...) \
-    Tarn_QRB_Log_Printf(::qrb::PRIORITY_INFO, (site).function, (site).line, __VA_ARGS__)
-#define QRB_HERE (::qrb::LOG_SITE_S{__func__, __LINE__})
+#define QRB_INFO(...) QRB_INFO_AT(__func__, __VA_ARGS__)
+#define QRB_ERROR_AT(function, ...) \
+    Tarn_QRB_Log_Printf(::qrb::PRIORITY_ERROR, function, __LINE__, __VA_ARGS__)
+#define QRB_INFO_AT(function, ...) \
+    Tarn_QRB_Log_Printf(::qrb::PRIORITY_INFO, function, __LINE__, __VA_ARGS__)
 
 // Leaves the function with the code of the first failing step; only where the result is such a
 // code.
@@ -39,22 +38,16 @@ inline constexpr uint32_t OK   = 0;
 inline constexpr uint32_t FAIL = 1;  // every failure of a plain status function
 inline constexpr uint32_t NONE = QRB_VALUE_NONE;
 
-// On whose behalf a helper reports.
-struct LOG_SITE_S {
-    const char* function;
-    uint32_t    line;
-};
-
 // Whether the result of ending a scan or closing a session decides over the query's own.
 enum CHECK { CHECKED, IGNORED };
 
 // True, and logged, when a pointer is null.
 template <typename... Pointer>
-bool AnyNull(LOG_SITE_S site, Pointer... pointer)
+bool AnyNull(const char* function, Pointer... pointer)
 {
     const bool anyNull = (... || (pointer == nullptr));
     if (anyNull) {
-        QRB_ERROR_AT(site, "Null value provided\n");
+        QRB_ERROR_AT(function, "Null value provided\n");
     }
     return anyNull;
 }
@@ -93,20 +86,20 @@ uint32_t ReadRecord(Accessor* read, const Key& key, Record* record)
 // Runs body(session) in a session of its own. body answers 0 or the first failing code; the session
 // is closed on every path.
 template <typename Body>
-uint32_t InSession(LOG_SITE_S site, CHECK close, Body&& body)
+uint32_t InSession(const char* function, CHECK close, Body&& body)
 {
     ORM_SESSION session = 0;
     uint32_t    ret     = OrmOpenSessionByDefault(&session);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "Failed to fetch DB, ret=%d\n", ret);
+        QRB_ERROR_AT(function, "Failed to fetch DB, ret=%d\n", ret);
         return ret;
     }
     ret                   = body(session);
     const uint32_t closed = OrmCloseSession(session);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "DB error: %d\n", ret);
+        QRB_ERROR_AT(function, "DB error: %d\n", ret);
     } else if (close == CHECKED && closed != OK) {
-        QRB_ERROR_AT(site, "Failed to fetch DB, ret=%d\n", closed);
+        QRB_ERROR_AT(function, "Failed to fetch DB, ret=%d\n", closed);
         ret = closed;
     }
     return ret;
@@ -135,10 +128,10 @@ uint32_t ScanRows(ORM_SESSION session, const char* table, CHECK end, OnRow&& onR
 
 // One field, by name, of the record that an interface has in a table keyed by interface index.
 template <typename Value>
-uint32_t ReadFieldByIfIndex(LOG_SITE_S site, const char* table, uint32_t ifIndex, const char* field,
-                            Value* value)
+uint32_t ReadFieldByIfIndex(const char* function, const char* table, uint32_t ifIndex,
+                            const char* field, Value* value)
 {
-    return InSession(site, CHECKED, [&](ORM_SESSION session) -> uint32_t {
+    return InSession(function, CHECKED, [&](ORM_SESSION session) -> uint32_t {
         QRB_TRY(OrmPrepare(session, table, QRB_ORM_OP_READ));
         QRB_TRY(OrmSetKeyName(session, "primary_key"));
         QRB_TRY(OrmSetIndexKeyValue(session, 0, QRB_KEY_TYPE_U32, &ifIndex, sizeof(ifIndex)));

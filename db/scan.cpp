@@ -25,24 +25,27 @@ uint32_t SetCondition(ORM_SESSION session, void* context, const char* condition,
 // Delivers records until the end or the limit; *count receives their number.
 uint32_t Deliver(ORM_SESSION session, ORM_SCAN scan, const DELIVERY_S& delivery, uint32_t* count)
 {
-    uint8_t  end   = 0;
-    uint32_t index = 0;
+    const char* const function = "QRB_DB_SESSION_ProcessScanEntries";  // as messages name this step
+    uint8_t           end      = 0;
+    uint32_t          index    = 0;
     do {
-        QRB_TRY(OrmScanNext(session, scan, &end));
+        uint32_t ret = OrmScanNext(session, scan, &end);
+        if (ret != OK) {
+            QRB_ERROR_AT(function, "Failed to fetch DB, ret=%d\n", ret);
+            return FAIL;
+        }
         if (end != 0) {
             break;
         }
-        QRB_TRY(delivery.onEntry(session, delivery.context, index));
+        ret = delivery.onEntry(session, delivery.context, index);
+        if (ret != OK) {
+            QRB_ERROR_AT(function, "Failed to fetch DB, ret=%d\n", ret);
+            return FAIL;
+        }
         index++;
     } while (index < delivery.maxCount);
     *count = index;
     return OK;
-}
-
-uint32_t LogAndFail(LOG_SITE_S site, uint32_t ret)
-{
-    QRB_ERROR_AT(site, "Failed to fetch DB, ret=%d\n", ret);
-    return FAIL;
 }
 
 }  // namespace
@@ -53,27 +56,29 @@ uint32_t QRB_DB_SESSION_Scan(ORM_SESSION session, const char* table, void* conte
 {
     uint32_t ret = OrmPrepare(session, table, QRB_ORM_OP_SCAN);
     if (ret != OK) {
-        return LogAndFail(QRB_HERE, ret);
+        QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
+        return FAIL;
     }
     ret = SetCondition(session, context, condition, setCondition);
     if (ret != OK) {
-        return LogAndFail(QRB_HERE, ret);
+        QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
+        return FAIL;
     }
     ORM_SCAN scan = 0;
     ret           = OrmScanStart(session, &scan);
     if (ret != OK) {
-        return LogAndFail(QRB_HERE, ret);
+        QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
+        return FAIL;
     }
     uint32_t delivered = 0;
-    ret                = Deliver(session, scan, {context, maxCount, onEntry}, &delivered);
-    if (ret != OK) {
-        LogAndFail({"QRB_DB_SESSION_ProcessScanEntries", __LINE__}, ret);
+    if (Deliver(session, scan, {context, maxCount, onEntry}, &delivered) != OK) {
         OrmScanEnd(session, scan);
         return FAIL;
     }
     ret = OrmScanEnd(session, scan);
     if (ret != OK) {
-        return LogAndFail(QRB_HERE, ret);
+        QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
+        return FAIL;
     }
     if (count != nullptr) {
         *count = delivered;
@@ -88,5 +93,5 @@ uint32_t QRB_DB_Scan(const char* table, void* context, uint32_t maxCount, QRB_EN
         return QRB_DB_SESSION_Scan(session, table, context, maxCount, onEntry, count, condition,
                                    setCondition);
     };
-    return InSession(QRB_HERE, CHECKED, scan) == OK ? OK : FAIL;
+    return InSession(__func__, CHECKED, scan) == OK ? OK : FAIL;
 }

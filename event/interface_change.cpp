@@ -10,10 +10,10 @@ using namespace qrb;
 
 namespace {
 
-void Notify(LOG_SITE_S site, uint32_t ifIndex, uint32_t command)
+void Notify(const char* function, uint32_t ifIndex, uint32_t command)
 {
     if (IF_NotifyAll(ifIndex, command, 0, 0) != OK) {
-        QRB_ERROR_AT(site, "Failed to notify event, ifindex=%u, notifyEventId=%u.\n", ifIndex,
+        QRB_ERROR_AT(function, "Failed to notify event, ifindex=%u, notifyEventId=%u.\n", ifIndex,
                      command);
     }
 }
@@ -24,10 +24,10 @@ void Notify(LOG_SITE_S site, uint32_t ifIndex, uint32_t command)
 
 void QRB_EVENT_IfBaseTableCallback(ORM_MESSAGE message, uint32_t eventType)
 {
-    const LOG_SITE_S here    = QRB_HERE;
-    const bool       created = eventType == ORM_EVENT_INSERT;
-    const uint32_t   object  = created ? ORM_OBJECT_NEW : ORM_OBJECT_OLD;
-    QRB_IF_BASE_S    row     = {};
+    const char* const here    = __func__;
+    const bool        created = eventType == ORM_EVENT_INSERT;
+    const uint32_t    object  = created ? ORM_OBJECT_NEW : ORM_OBJECT_OLD;
+    QRB_IF_BASE_S     row     = {};
     ForEachMessage(here, message, eventType, {ORM_EVENT_INSERT, ORM_EVENT_DELETE}, [&] {
         if (QRB_EVENT_GetIfBaseFromSession(message, object, &row) != OK) {
             QRB_ERROR_AT(here, "get if base data from db sub session fail.\n");
@@ -67,7 +67,7 @@ uint32_t QRB_EVENT_GetIfBaseFromSession(ORM_MESSAGE message, uint32_t object, QR
 
 void QRB_EVENT_IfPhyTableCallback(ORM_MESSAGE message, uint32_t eventType)
 {
-    const LOG_SITE_S    here    = QRB_HERE;
+    const char* const   here    = __func__;
     QRB_IF_PHY_S        oldRow  = {};
     QRB_IF_PHY_S        newRow  = {};
     QRB_IF_PHY_NOTICE_S notice  = {};
@@ -88,12 +88,12 @@ void QRB_EVENT_IfPhyTableCallback(ORM_MESSAGE message, uint32_t eventType)
 
 uint32_t QRB_EVENT_IfPhyOrmGetOldData(ORM_MESSAGE message, QRB_IF_PHY_S* row)
 {
-    return ExtractRow(QRB_HERE, message, ORM_OBJECT_OLD, OrmgIfPhyGetAllFieldsInner, row);
+    return ExtractRow(__func__, message, ORM_OBJECT_OLD, OrmgIfPhyGetAllFieldsInner, row);
 }
 
 uint32_t QRB_EVENT_IfPhyOrmGetNewData(ORM_MESSAGE message, QRB_IF_PHY_S* row)
 {
-    return ExtractRow(QRB_HERE, message, ORM_OBJECT_NEW, OrmgIfPhyGetAllFieldsInner, row);
+    return ExtractRow(__func__, message, ORM_OBJECT_NEW, OrmgIfPhyGetAllFieldsInner, row);
 }
 
 void QRB_EVENT_IfPhyInsert(ORM_MESSAGE message, QRB_IF_PHY_S* row, QRB_IF_PHY_NOTICE_S* notice)
@@ -104,11 +104,11 @@ void QRB_EVENT_IfPhyInsert(ORM_MESSAGE message, QRB_IF_PHY_S* row, QRB_IF_PHY_NO
     }
     *notice = {row->if_index, row->phy_state};
     if (row->phy_state == 1) {
-        PublishInterfaceEvent(QRB_HERE, IF_EVT_STATE, IF_SUB_EVT_PHY_UP, IF_EVT_FLAG_UP,
+        PublishInterfaceEvent(__func__, IF_EVT_STATE, IF_SUB_EVT_PHY_UP, IF_EVT_FLAG_UP,
                               row->if_index);
-        Notify(QRB_HERE, row->if_index, IF_NOTIFY_UP);
+        Notify(__func__, row->if_index, IF_NOTIFY_UP);
     } else if (row->phy_state == 0) {
-        Notify(QRB_HERE, row->if_index, IF_NOTIFY_DOWN);
+        Notify(__func__, row->if_index, IF_NOTIFY_DOWN);
     }
 }
 
@@ -121,15 +121,15 @@ void QRB_EVENT_IfPhyUpdate(const QRB_IF_PHY_S* oldRow, const QRB_IF_PHY_S* newRo
     }
     *notice = {newRow->if_index, newRow->phy_state};
     if (transition == ROSE) {
-        PublishInterfaceEvent(QRB_HERE, IF_EVT_STATE, IF_SUB_EVT_PHY_STATE, IF_EVT_FLAG_UP,
+        PublishInterfaceEvent(__func__, IF_EVT_STATE, IF_SUB_EVT_PHY_STATE, IF_EVT_FLAG_UP,
                               oldRow->if_index);
-        PublishInterfaceEvent(QRB_HERE, IF_EVT_STATE, IF_SUB_EVT_PHY_UP, IF_EVT_FLAG_UP,
+        PublishInterfaceEvent(__func__, IF_EVT_STATE, IF_SUB_EVT_PHY_UP, IF_EVT_FLAG_UP,
                               oldRow->if_index);
-        Notify(QRB_HERE, newRow->if_index, IF_NOTIFY_UP);
+        Notify(__func__, newRow->if_index, IF_NOTIFY_UP);
     } else {
-        PublishInterfaceEvent(QRB_HERE, IF_EVT_STATE, IF_SUB_EVT_PHY_STATE, IF_EVT_FLAG_DOWN,
+        PublishInterfaceEvent(__func__, IF_EVT_STATE, IF_SUB_EVT_PHY_STATE, IF_EVT_FLAG_DOWN,
                               oldRow->if_index);
-        Notify(QRB_HERE, newRow->if_index, IF_NOTIFY_DOWN);
+        Notify(__func__, newRow->if_index, IF_NOTIFY_DOWN);
     }
 }
 
@@ -137,9 +137,9 @@ void QRB_EVENT_IfPhyUpdate(const QRB_IF_PHY_S* oldRow, const QRB_IF_PHY_S* newRo
 
 void QRB_EVENT_IfRouteTableCallback(ORM_MESSAGE message, uint32_t eventType)
 {
-    const LOG_SITE_S here   = QRB_HERE;
-    QRB_IF_ROUTE_S   oldRow = {};
-    QRB_IF_ROUTE_S   newRow = {};
+    const char* const here   = __func__;
+    QRB_IF_ROUTE_S    oldRow = {};
+    QRB_IF_ROUTE_S    newRow = {};
     ForEachMessage(here, message, eventType, {ORM_EVENT_UPDATE, ORM_EVENT_REPLACE}, [&] {
         if (!ExtractBoth(here, message, "if_route", QRB_EVENT_IfRouteOrmGetOldData, &oldRow,
                          QRB_EVENT_IfRouteOrmGetNewData, &newRow)) {
@@ -152,12 +152,12 @@ void QRB_EVENT_IfRouteTableCallback(ORM_MESSAGE message, uint32_t eventType)
 
 uint32_t QRB_EVENT_IfRouteOrmGetOldData(ORM_MESSAGE message, QRB_IF_ROUTE_S* row)
 {
-    return ExtractRow(QRB_HERE, message, ORM_OBJECT_OLD, OrmgIfRouteGetAllFieldsInner, row);
+    return ExtractRow(__func__, message, ORM_OBJECT_OLD, OrmgIfRouteGetAllFieldsInner, row);
 }
 
 uint32_t QRB_EVENT_IfRouteOrmGetNewData(ORM_MESSAGE message, QRB_IF_ROUTE_S* row)
 {
-    return ExtractRow(QRB_HERE, message, ORM_OBJECT_NEW, OrmgIfRouteGetAllFieldsInner, row);
+    return ExtractRow(__func__, message, ORM_OBJECT_NEW, OrmgIfRouteGetAllFieldsInner, row);
 }
 
 void QRB_EVENT_IfRouteUpdate(const QRB_IF_ROUTE_S* oldRow, const QRB_IF_ROUTE_S* newRow)
@@ -168,7 +168,7 @@ void QRB_EVENT_IfRouteUpdate(const QRB_IF_ROUTE_S* oldRow, const QRB_IF_ROUTE_S*
     }
     uint32_t first  = 1;
     uint32_t second = 0;
-    PublishInterfaceEvent(QRB_HERE, IF_EVT_STATE, IF_SUB_EVT_ROUTE_STATE,
+    PublishInterfaceEvent(__func__, IF_EVT_STATE, IF_SUB_EVT_ROUTE_STATE,
                           transition == ROSE ? IF_EVT_FLAG_UP : IF_EVT_FLAG_DOWN, oldRow->if_index,
                           &first, &second);
 }

@@ -11,15 +11,15 @@ using namespace qrb;
 namespace {
 
 // The list of a sub-event or whole event; null, and logged, where there is none.
-UTIL_LIST_S* FindList(LOG_SITE_S site, uint32_t eventId, uint32_t subId)
+UTIL_LIST_S* FindList(const char* function, uint32_t eventId, uint32_t subId)
 {
     if (eventId < IF_EVT_COUNT && g_qrbIFEventCallbacks.children == nullptr) {
-        QRB_ERROR_AT(site, "Failed to find event node.\n");
+        QRB_ERROR_AT(function, "Failed to find event node.\n");
         return nullptr;
     }
     IF_EVT_NODE_S* node = FindEvent(eventId, subId);
     if (node == nullptr) {
-        QRB_ERROR_AT(site, "Failed to reg event id=%u, subId=%u\n", eventId, subId);
+        QRB_ERROR_AT(function, "Failed to reg event id=%u, subId=%u\n", eventId, subId);
         return nullptr;
     }
     return &node->list;
@@ -36,7 +36,7 @@ uint32_t IF_EvtRegCbf(IF_EVT_CB_FUNC* callback, uint32_t /*unused*/, uint32_t pr
     va_end(ids);
 
     IF_EvtInit();
-    UTIL_LIST_S* list = FindList(QRB_HERE, eventId, subId);
+    UTIL_LIST_S* list = FindList(__func__, eventId, subId);
     if (list == nullptr) {
         return FAIL;
     }
@@ -59,7 +59,7 @@ uint32_t IF_EvtUnRegCbf(IF_EVT_CB_FUNC* callback, uint32_t /*unused*/, uint32_t 
     const uint32_t subId = idCount == IF_EVT_WITH_SUB_EVENT ? va_arg(ids, uint32_t) : IF_EVT_WHOLE;
     va_end(ids);
 
-    UTIL_LIST_S* list = FindList(QRB_HERE, eventId, subId);
+    UTIL_LIST_S* list = FindList(__func__, eventId, subId);
     if (list == nullptr) {
         return FAIL;
     }

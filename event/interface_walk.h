@@ -10,7 +10,7 @@ namespace qrb {
 
 // Calls the callbacks of a sub-event, each with these arguments. An entry without a callback ends
 // the walk; that, and a sub-event that can't be found, is logged and of no further consequence.
-void PublishInterfaceEvent(LOG_SITE_S site, uint32_t eventId, uint32_t subId, uint32_t flag,
+void PublishInterfaceEvent(const char* function, uint32_t eventId, uint32_t subId, uint32_t flag,
                            uint32_t ifIndex, void* first = nullptr, void* second = nullptr);
 
 }  // namespace qrb

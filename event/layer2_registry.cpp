@@ -15,10 +15,10 @@ constinit const UTIL_LIST_TRAITS_S g_qrbEventHandlerTraits = EntryTraits<L2IF_SH
 namespace {
 
 // The list of an event; null, and logged, where there is no such event.
-UTIL_LIST_S* FindList(LOG_SITE_S site, uint32_t eventId)
+UTIL_LIST_S* FindList(const char* function, uint32_t eventId)
 {
     if (eventId >= L2IF_EVT_COUNT) {
-        QRB_ERROR_AT(site, "Failed to reg event id=%u\n", eventId);
+        QRB_ERROR_AT(function, "Failed to reg event id=%u\n", eventId);
         return nullptr;
     }
     return &g_qrbL2IFEventCallbacks[eventId];
@@ -48,7 +48,7 @@ uint32_t L2IF_SH_EvtCbFuncReg(const char* pszModuleName, uint32_t eventId, uint1
                               L2IF_SH_EVT_CB_FUNC* callback)
 {
     L2IF_SH_EvtCbRegTbl_Init();
-    UTIL_LIST_S* list = FindList(QRB_HERE, eventId);
+    UTIL_LIST_S* list = FindList(__func__, eventId);
     if (list == nullptr) {
         return FAIL;
     }
@@ -71,7 +71,7 @@ uint32_t L2IF_SH_EvtCbFuncReg(const char* pszModuleName, uint32_t eventId, uint1
 uint32_t L2IF_SH_EvtCbFuncUnReg(const char* pszModuleName, uint32_t eventId, uint16_t priority,
                                 L2IF_SH_EVT_CB_FUNC* callback)
 {
-    UTIL_LIST_S* list = FindList(QRB_HERE, eventId);
+    UTIL_LIST_S* list = FindList(__func__, eventId);
     if (list == nullptr || pszModuleName == nullptr) {
         return FAIL;
     }

@@ -12,38 +12,38 @@ ORM_SESSION     g_dbListenerSubSession  = 0;
 
 namespace {
 
-uint32_t CreateParam(LOG_SITE_S site, const char* connectionName, ORM_SESSION_PARAM* param)
+uint32_t CreateParam(const char* function, const char* connectionName, ORM_SESSION_PARAM* param)
 {
     uint32_t ret = OrmCreateSessionParam("channel:", "osc", param);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "[DEBUG]: OrmCreateSessionParam fail, ret=%d\n", ret);
+        QRB_ERROR_AT(function, "[DEBUG]: OrmCreateSessionParam fail, ret=%d\n", ret);
         return ret;
     }
     ret = OrmSessionParamSetConnName(*param, connectionName);
     if (ret != OK) {
-        QRB_INFO_AT(site, "[DEBUG]: OrmSessionParamSetConnName fail, ret=%d\n", ret);
+        QRB_INFO_AT(function, "[DEBUG]: OrmSessionParamSetConnName fail, ret=%d\n", ret);
     }
     return ret;
 }
 
-uint32_t OpenByParam(LOG_SITE_S site, ORM_SESSION_PARAM param)
+uint32_t OpenByParam(const char* function, ORM_SESSION_PARAM param)
 {
     if (g_epollDbListenerThreadId == 0) {
         DbListenerCreateEpollThread();
     }
     const uint32_t ret = OrmOpenSubSession(param, g_regDbListenerInfo, &g_dbListenerSubSession);
     if (ret != OK) {
-        QRB_INFO_AT(site, "[DEBUG]: OrmOpenSubSession fail, ret=%d\n", ret);
+        QRB_INFO_AT(function, "[DEBUG]: OrmOpenSubSession fail, ret=%d\n", ret);
     }
     return ret;
 }
 
-uint32_t Open(LOG_SITE_S site, const char* connectionName)
+uint32_t Open(const char* function, const char* connectionName)
 {
     ORM_SESSION_PARAM param = 0;
-    uint32_t          ret   = CreateParam(site, connectionName, &param);
+    uint32_t          ret   = CreateParam(function, connectionName, &param);
     if (ret == OK) {
-        ret = OpenByParam(site, param);
+        ret = OpenByParam(function, param);
     }
     OrmDestroySessionParam(param);
     g_isDbListenerSubOpened = ret == OK ? 1 : 0;
@@ -66,7 +66,7 @@ uint32_t QrbDbListenerRegisterEvent(const char* subscriptionName, const char* co
     pthread_mutex_lock(&g_dbListenerRegLock);
     QRB_INFO("[DEBUG]: event listener start thread=%u fd=%d\n",
              static_cast<uint32_t>(g_epollDbListenerThreadId), ListenerEpollFd());
-    uint32_t ret = g_isDbListenerSubOpened != 0 ? OK : Open(QRB_HERE, connectionName);
+    uint32_t ret = g_isDbListenerSubOpened != 0 ? OK : Open(__func__, connectionName);
     if (ret == OK) {
         ret = OrmSubscribe(g_dbListenerSubSession, subscriptionName, definition, callback, argument,
                            ownerName);

@@ -14,10 +14,10 @@ namespace {
 constexpr uint32_t BITMAP_UNCHANGED = 1;
 constexpr uint32_t BITMAP_CHANGED   = 0;
 
-void PublishPort(LOG_SITE_S site, uint32_t eventId, QRB_PORT_S* row)
+void PublishPort(const char* function, uint32_t eventId, QRB_PORT_S* row)
 {
     if (L2IF_SH_EvtPublishEvent(eventId, row, 0, row->vlan_bitmap_2) != OK) {
-        QRB_ERROR_AT(site, "Failed to publish event=%u, ifIndex=%u", eventId, row->if_index);
+        QRB_ERROR_AT(function, "Failed to publish event=%u, ifIndex=%u", eventId, row->if_index);
     }
 }
 
@@ -35,9 +35,9 @@ void PublishVlanChange(const QRB_PORT_S* oldRow, const QRB_PORT_S* newRow)
 
 void QRB_EVENT_PortTableCallback(ORM_MESSAGE message, uint32_t eventType)
 {
-    const LOG_SITE_S here   = QRB_HERE;
-    QRB_PORT_S       oldRow = {};
-    QRB_PORT_S       newRow = {};
+    const char* const here   = __func__;
+    QRB_PORT_S        oldRow = {};
+    QRB_PORT_S        newRow = {};
     const auto handled = {ORM_EVENT_INSERT, ORM_EVENT_DELETE, ORM_EVENT_UPDATE, ORM_EVENT_REPLACE};
     ForEachMessage(here, message, eventType, handled, [&] {
         if (IsInsertion(message, eventType)) {
@@ -60,12 +60,12 @@ void QRB_EVENT_PortTableCallback(ORM_MESSAGE message, uint32_t eventType)
 
 uint32_t QRB_EVENT_PortOrmGetOldData(ORM_MESSAGE message, QRB_PORT_S* row)
 {
-    return ExtractRow(QRB_HERE, message, ORM_OBJECT_OLD, OrmgPortGetAllFieldsInner, row);
+    return ExtractRow(__func__, message, ORM_OBJECT_OLD, OrmgPortGetAllFieldsInner, row);
 }
 
 uint32_t QRB_EVENT_PortOrmGetNewData(ORM_MESSAGE message, QRB_PORT_S* row)
 {
-    return ExtractRow(QRB_HERE, message, ORM_OBJECT_NEW, OrmgPortGetAllFieldsInner, row);
+    return ExtractRow(__func__, message, ORM_OBJECT_NEW, OrmgPortGetAllFieldsInner, row);
 }
 
 void QRB_EVENT_PortInsert(ORM_MESSAGE message, QRB_PORT_S* row)
@@ -74,7 +74,7 @@ void QRB_EVENT_PortInsert(ORM_MESSAGE message, QRB_PORT_S* row)
         QRB_ERROR("Failed to get new orm port data.\n");
         return;
     }
-    PublishPort(QRB_HERE, L2IF_EVT_PORT_ADD, row);
+    PublishPort(__func__, L2IF_EVT_PORT_ADD, row);
 }
 
 void QRB_EVENT_PortDelete(ORM_MESSAGE message, QRB_PORT_S* row)
@@ -83,7 +83,7 @@ void QRB_EVENT_PortDelete(ORM_MESSAGE message, QRB_PORT_S* row)
         QRB_ERROR("Failed to get old orm port data.\n");
         return;
     }
-    PublishPort(QRB_HERE, L2IF_EVT_PORT_DEL, row);
+    PublishPort(__func__, L2IF_EVT_PORT_DEL, row);
 }
 
 void QRB_EVENT_PortUpdateSwitchPortUse(const QRB_PORT_S* oldRow, const QRB_PORT_S* newRow)

@@ -10,10 +10,10 @@ using namespace qrb;
 namespace {
 
 // False, and logged, before a registry is built.
-bool IsBuilt(LOG_SITE_S site, uint8_t flag)
+bool IsBuilt(const char* function, uint8_t flag)
 {
     if (flag == 0) {
-        QRB_ERROR_AT(site, "Failed to execute callback, it is not inited\n");
+        QRB_ERROR_AT(function, "Failed to execute callback, it is not inited\n");
     }
     return flag != 0;
 }
@@ -22,7 +22,7 @@ bool IsBuilt(LOG_SITE_S site, uint8_t flag)
 
 uint32_t L2IF_SH_EvtPublishEvent(uint32_t eventId, const void* data, uint32_t value, void* argument)
 {
-    const LOG_SITE_S here = QRB_HERE;
+    const char* const here = __func__;
     if (eventId >= L2IF_EVT_COUNT) {
         QRB_ERROR_AT(here, "Failed to publis event id=%u\n", eventId);
         return FAIL;
@@ -47,7 +47,7 @@ uint32_t L2IF_SH_EvtPublishEvent(uint32_t eventId, const void* data, uint32_t va
 uint32_t IF_SH_EvtPublishEventGetEventNode(uint32_t eventId, uint32_t subId,
                                            UTIL_LIST_NODE_S** first, uint64_t* count)
 {
-    if (eventId < IF_EVT_COUNT && !IsBuilt(QRB_HERE, g_isIFEvtInited)) {
+    if (eventId < IF_EVT_COUNT && !IsBuilt(__func__, g_isIFEvtInited)) {
         return FAIL;
     }
     const IF_EVT_NODE_S* node = FindEvent(eventId, subId);
@@ -60,8 +60,8 @@ uint32_t IF_SH_EvtPublishEventGetEventNode(uint32_t eventId, uint32_t subId,
     return OK;
 }
 
-void qrb::PublishInterfaceEvent(LOG_SITE_S site, uint32_t eventId, uint32_t subId, uint32_t flag,
-                                uint32_t ifIndex, void* first, void* second)
+void qrb::PublishInterfaceEvent(const char* function, uint32_t eventId, uint32_t subId,
+                                uint32_t flag, uint32_t ifIndex, void* first, void* second)
 {
     UTIL_LIST_NODE_S* node  = nullptr;
     uint64_t          count = 0;
@@ -70,8 +70,8 @@ void qrb::PublishInterfaceEvent(LOG_SITE_S site, uint32_t eventId, uint32_t subI
     }
     WalkEntries<IF_EVT_CB_S>(node, [&](const IF_EVT_CB_S& entry) {
         if (entry.pfCallback == nullptr) {
-            QRB_ERROR_AT(site, "Failed to execute callback, subId=%u, priority=%u\n", entry.subId,
-                         entry.priority);
+            QRB_ERROR_AT(function, "Failed to execute callback, subId=%u, priority=%u\n",
+                         entry.subId, entry.priority);
             return false;
         }
         entry.pfCallback(subId, flag, ifIndex, first, second);
@@ -81,7 +81,7 @@ void qrb::PublishInterfaceEvent(LOG_SITE_S site, uint32_t eventId, uint32_t subI
 
 uint32_t IF_NotifyAll(uint32_t ulIfIndex, uint32_t ulCmd, uint32_t a, uint32_t b)
 {
-    if (!IsBuilt(QRB_HERE, g_isIFNotifyInited)) {
+    if (!IsBuilt(__func__, g_isIFNotifyInited)) {
         return FAIL;
     }
     // A callback that registers itself anew would be met again and again: no more calls than there

@@ -13,12 +13,12 @@
 namespace qrb {
 
 // Moves to the next message. False at the end of the delivery and, logged, where it ends early.
-inline bool FetchNext(LOG_SITE_S site, ORM_MESSAGE message)
+inline bool FetchNext(const char* function, ORM_MESSAGE message)
 {
     uint8_t        end = 0;
     const uint32_t ret = OrmSubFetchNext(message, &end);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "Failed to fetch DB, ret=%d\n", ret);
+        QRB_ERROR_AT(function, "Failed to fetch DB, ret=%d\n", ret);
     }
     return ret == OK && end == 0;
 }
@@ -28,14 +28,14 @@ enum NEXT { NEXT_MESSAGE, END_DELIVERY };
 
 // Hands each message of a delivery to onMessage. The table handles these event types and no other.
 template <typename OnMessage>
-void ForEachMessage(LOG_SITE_S site, ORM_MESSAGE message, uint32_t eventType,
+void ForEachMessage(const char* function, ORM_MESSAGE message, uint32_t eventType,
                     std::initializer_list<uint32_t> handled, OnMessage&& onMessage)
 {
     if (std::find(handled.begin(), handled.end(), eventType) == handled.end()) {
-        QRB_ERROR_AT(site, "Incorrect type of event type, type=%u\n", eventType);
+        QRB_ERROR_AT(function, "Incorrect type of event type, type=%u\n", eventType);
         return;
     }
-    while (FetchNext(site, message) && onMessage() == NEXT_MESSAGE) {
+    while (FetchNext(function, message) && onMessage() == NEXT_MESSAGE) {
     }
 }
 
@@ -49,15 +49,15 @@ inline bool IsInsertion(ORM_MESSAGE message, uint32_t eventType)
 
 // One object of the current message, whole.
 template <typename Accessor, typename Row>
-uint32_t ExtractRow(LOG_SITE_S site, ORM_MESSAGE message, uint32_t object, Accessor* getAllFields,
-                    Row* row)
+uint32_t ExtractRow(const char* function, ORM_MESSAGE message, uint32_t object,
+                    Accessor* getAllFields, Row* row)
 {
     uint32_t ret = OrmSubExtractData(message, object, 0);
     if (ret == OK) {
         ret = ReadCurrent(getAllFields, message, row);
     }
     if (ret != OK) {
-        QRB_ERROR_AT(site, "Failed to fetch DB, ret=%d\n", ret);
+        QRB_ERROR_AT(function, "Failed to fetch DB, ret=%d\n", ret);
         return FAIL;
     }
     return OK;
@@ -65,16 +65,16 @@ uint32_t ExtractRow(LOG_SITE_S site, ORM_MESSAGE message, uint32_t object, Acces
 
 // The rows of an update. False, and logged, where one can't be had; name is the table's there.
 template <typename Row>
-bool ExtractBoth(LOG_SITE_S site, ORM_MESSAGE message, const char* name,
+bool ExtractBoth(const char* function, ORM_MESSAGE message, const char* name,
                  uint32_t (*getOld)(ORM_MESSAGE, Row*), Row* oldRow,
                  uint32_t (*getNew)(ORM_MESSAGE, Row*), Row* newRow)
 {
     if (getOld(message, oldRow) != OK) {
-        QRB_ERROR_AT(site, "Failed to get old orm %s data.\n", name);
+        QRB_ERROR_AT(function, "Failed to get old orm %s data.\n", name);
         return false;
     }
     if (getNew(message, newRow) != OK) {
-        QRB_ERROR_AT(site, "Failed to get new orm %s data.\n", name);
+        QRB_ERROR_AT(function, "Failed to get new orm %s data.\n", name);
         return false;
     }
     return true;

@@ -69,14 +69,14 @@ constexpr SUBSCRIPTION_S IF_BASE  = {"if_base", "qrb_orm_sub_if_base", "qrb_if_b
                                      IF_BASE_DEFINITION, QRB_EVENT_IfBaseTableCallback};
 // clang-format on
 
-uint32_t SubscribeTo(LOG_SITE_S site, const SUBSCRIPTION_S& subscription)
+uint32_t SubscribeTo(const char* function, const SUBSCRIPTION_S& subscription)
 {
     // The database gets a text of its own to work on.
     char definition[sizeof(IF_PHY_DEFINITION)];
     if (strcpy_s(definition, sizeof(definition), subscription.definition) != 0 ||
         QrbDbListenerRegisterEvent(subscription.name, subscription.table, definition,
                                    subscription.callback, nullptr, subscription.owner) != OK) {
-        QRB_ERROR_AT(site, "Failed to subscribe to \"%s\".\n", subscription.table);
+        QRB_ERROR_AT(function, "Failed to subscribe to \"%s\".\n", subscription.table);
         return FAIL;
     }
     return OK;
@@ -86,22 +86,22 @@ uint32_t SubscribeTo(LOG_SITE_S site, const SUBSCRIPTION_S& subscription)
 
 uint32_t QRB_EVENT_SubToPortTable()
 {
-    return SubscribeTo(QRB_HERE, PORT);
+    return SubscribeTo(__func__, PORT);
 }
 
 uint32_t QRB_EVENT_SubToIfRouteTable()
 {
-    return SubscribeTo(QRB_HERE, IF_ROUTE);
+    return SubscribeTo(__func__, IF_ROUTE);
 }
 
 uint32_t QRB_EVENT_SubToIfPhyTable()
 {
-    return SubscribeTo(QRB_HERE, IF_PHY);
+    return SubscribeTo(__func__, IF_PHY);
 }
 
 uint32_t QRB_EVENT_SubToIfBaseTable()
 {
-    return SubscribeTo(QRB_HERE, IF_BASE);
+    return SubscribeTo(__func__, IF_BASE);
 }
 
 uint32_t BDS_InitStart()

@@ -57,21 +57,21 @@ void Finish(const SCAN_S& scan)
 
 // False, and logged, at the end of the table as after a failure. Inline, for it is done for each
 // row of a table that may have a million.
-inline bool Advance(LOG_SITE_S site, const SCAN_S& scan)
+inline bool Advance(const char* function, const SCAN_S& scan)
 {
     uint8_t        end = 0;
     const uint32_t ret = OrmScanNext(scan.session, scan.scan, &end);
     if (ret != OK || end != 0) {
-        QRB_ERROR_AT(site, "OrmScanNext ret:%u, isEof:%u", ret, end);
+        QRB_ERROR_AT(function, "OrmScanNext ret:%u, isEof:%u", ret, end);
         return false;
     }
     return true;
 }
 
-bool FindForward(LOG_SITE_S site, const SCAN_S& scan, uint32_t destination, uint32_t* groupId)
+bool FindForward(const char* function, const SCAN_S& scan, uint32_t destination, uint32_t* groupId)
 {
     const FIB_PREFIX_S probe = {destination, HOST_PREFIX_LEN};
-    while (Advance(site, scan)) {
+    while (Advance(function, scan)) {
         FIB_PREFIX_S   prefix      = {};
         uint32_t       prefixLen   = 0;
         const uint32_t addressRead = ReadField(scan.session, FORWARD_DEST_ADDR, &prefix.address);
@@ -90,20 +90,20 @@ bool FindForward(LOG_SITE_S site, const SCAN_S& scan, uint32_t destination, uint
 
 // Moves on to the next member of a group. A failure and the end of the table are logged; *end tells
 // the latter, whose code is OK.
-uint32_t NextMember(LOG_SITE_S site, const SCAN_S& scan, uint32_t groupId, uint32_t* nhpIndex,
+uint32_t NextMember(const char* function, const SCAN_S& scan, uint32_t groupId, uint32_t* nhpIndex,
                     uint8_t* end)
 {
     for (;;) {
         uint32_t ret = OrmScanNext(scan.session, scan.scan, end);
         if (ret != OK || *end != 0) {
-            QRB_ERROR_AT(site, "OrmScanNext ret:%u, isEof:%u. session: %d, scan: %d", ret, *end,
+            QRB_ERROR_AT(function, "OrmScanNext ret:%u, isEof:%u. session: %d, scan: %d", ret, *end,
                          scan.session == 0, scan.scan == 0);
             return ret;
         }
         uint32_t rowGroupId = 0;
         ret                 = ReadField(scan.session, GROUP_NHP_GROUP_ID, &rowGroupId);
         if (ret != OK) {
-            QRB_ERROR_AT(site, "Ormg Fib Config Nhp Group Node Get Nhp GroupId ret:%u", ret);
+            QRB_ERROR_AT(function, "Ormg Fib Config Nhp Group Node Get Nhp GroupId ret:%u", ret);
             return ret;
         }
         if (rowGroupId != groupId) {
@@ -112,19 +112,19 @@ uint32_t NextMember(LOG_SITE_S site, const SCAN_S& scan, uint32_t groupId, uint3
         *nhpIndex = 0;
         ret       = ReadField(scan.session, GROUP_PRIMARY_NHP_ID, nhpIndex);
         if (ret != OK) {
-            QRB_ERROR_AT(site, "Ormg Fib Config Nhp Group Node Get Primary NhpId ret:%u", ret);
+            QRB_ERROR_AT(function, "Ormg Fib Config Nhp Group Node Get Primary NhpId ret:%u", ret);
         }
         return ret;
     }
 }
 
-bool FindNextHop(LOG_SITE_S site, const SCAN_S& scan, uint32_t nhpIndex, FIB_NHP_S* nextHop)
+bool FindNextHop(const char* function, const SCAN_S& scan, uint32_t nhpIndex, FIB_NHP_S* nextHop)
 {
-    while (Advance(site, scan)) {
+    while (Advance(function, scan)) {
         uint32_t       rowIndex = 0;
         const uint32_t ret      = ReadField(scan.session, NEXT_HOP_INDEX, &rowIndex);
         if (ret != OK) {
-            QRB_ERROR_AT(site, "Ormg Fib Config Nhp Standard Get NhpIndex ret:%u", ret);
+            QRB_ERROR_AT(function, "Ormg Fib Config Nhp Standard Get NhpIndex ret:%u", ret);
             return false;
         }
         if (rowIndex == nhpIndex) {
@@ -154,7 +154,7 @@ uint32_t FIB_ScanIp4Forward(uint32_t destination, uint32_t* groupId)
         return FAIL;
     }
     uint32_t   foundId = 0;
-    const bool found   = FindForward(QRB_HERE, scan, destination, &foundId);
+    const bool found   = FindForward(__func__, scan, destination, &foundId);
     *groupId           = foundId;
     Finish(scan);
     return found ? OK : NONE;
@@ -181,7 +181,7 @@ uint32_t FIB_ScanNhpGroupNode(uint32_t groupId, uint32_t* nhpIndexes, uint8_t mu
     bool     done     = false;
     uint32_t nhpIndex = 0;
     uint8_t  end      = 0;
-    uint32_t ret      = NextMember(QRB_HERE, scan, groupId, &nhpIndex, &end);
+    uint32_t ret      = NextMember(__func__, scan, groupId, &nhpIndex, &end);
     while (ret == OK && end == 0 && !done) {
         found = true;
         if (multiple == 0) {
@@ -191,7 +191,7 @@ uint32_t FIB_ScanNhpGroupNode(uint32_t groupId, uint32_t* nhpIndexes, uint8_t mu
             if (*count < FIB_GROUP_MEMBERS_MAX) {
                 nhpIndexes[(*count)++] = nhpIndex;
             }
-            ret = NextMember(QRB_HERE, scan, groupId, &nhpIndex, &end);
+            ret = NextMember(__func__, scan, groupId, &nhpIndex, &end);
         }
     }
     Finish(scan);
@@ -205,7 +205,7 @@ uint32_t FIB_ScanNhpStd(uint32_t nhpIndex, uint32_t* firstValue, uint32_t* secon
         return FAIL;
     }
     FIB_NHP_S  nextHop = {};
-    const bool found   = FindNextHop(QRB_HERE, scan, nhpIndex, &nextHop);
+    const bool found   = FindNextHop(__func__, scan, nhpIndex, &nextHop);
     *firstValue        = nextHop.firstValue;
     *secondValue       = nextHop.secondValue;
     Finish(scan);

@@ -10,16 +10,17 @@ namespace {
 
 // A copy of the list in count elements, zero where they can't be read. Null without memory; the
 // caller frees it.
-SYSAPI_IP4_ADDR_S* FetchAddresses(LOG_SITE_S site, uint32_t ifIndex, uint32_t count)
+SYSAPI_IP4_ADDR_S* FetchAddresses(const char* function, uint32_t ifIndex, uint32_t count)
 {
     auto* const fetched = static_cast<SYSAPI_IP4_ADDR_S*>(calloc(count, sizeof(SYSAPI_IP4_ADDR_S)));
     if (fetched == nullptr) {
-        QRB_ERROR_AT(site, "Failed to calloc fetched addrs\n");
+        QRB_ERROR_AT(function, "Failed to calloc fetched addrs\n");
         return nullptr;
     }
     const uint32_t ret = SYSAPI_GetIp4AllAddrByIf(ifIndex, fetched, count);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "Failed to get all addresses by if, ifIndex=%u, ret=%u\n", ifIndex, ret);
+        QRB_ERROR_AT(function, "Failed to get all addresses by if, ifIndex=%u, ret=%u\n", ifIndex,
+                     ret);
     }
     return fetched;
 }
@@ -62,7 +63,7 @@ uint32_t SYSAPI_GetIp4AddrNumByIf(uint32_t ifIndex)
 
 uint32_t SYSAPI_GetIp4AllAddrByIf(uint32_t ifIndex, SYSAPI_IP4_ADDR_S* addresses, uint32_t capacity)
 {
-    if (AnyNull(QRB_HERE, addresses)) {
+    if (AnyNull(__func__, addresses)) {
         return FAIL;
     }
     if (capacity == 0) {
@@ -73,7 +74,7 @@ uint32_t SYSAPI_GetIp4AllAddrByIf(uint32_t ifIndex, SYSAPI_IP4_ADDR_S* addresses
         *done = index + 1 == capacity;
         return ReadAddress(item, &addresses[index]);
     };
-    return WalkAddressesOf(QRB_HERE, ifIndex, copy) == OK ? OK : FAIL;
+    return WalkAddressesOf(__func__, ifIndex, copy) == OK ? OK : FAIL;
 }
 
 uint32_t BDS_IPIFIsThisIfIpAddr(uint32_t ifIndex, uint32_t address)
@@ -83,7 +84,7 @@ uint32_t BDS_IPIFIsThisIfIpAddr(uint32_t ifIndex, uint32_t address)
         QRB_ERROR("Interface %d without addresses passed\n", ifIndex);
         return 0;
     }
-    SYSAPI_IP4_ADDR_S* const fetched = FetchAddresses(QRB_HERE, ifIndex, count);
+    SYSAPI_IP4_ADDR_S* const fetched = FetchAddresses(__func__, ifIndex, count);
     if (fetched == nullptr) {
         return 0;
     }
@@ -98,7 +99,7 @@ uint32_t BDS_IPIFIsThisIfIpAddr(uint32_t ifIndex, uint32_t address)
 uint32_t BDS_IPIFGetThisIfIpAddr(uint32_t ifIndex, uint32_t* addresses, uint32_t capacity,
                                  uint32_t* count)
 {
-    if (AnyNull(QRB_HERE, addresses, count)) {
+    if (AnyNull(__func__, addresses, count)) {
         return FAIL;
     }
     const uint32_t all = SYSAPI_GetIp4AddrNumByIf(ifIndex);
@@ -106,7 +107,7 @@ uint32_t BDS_IPIFGetThisIfIpAddr(uint32_t ifIndex, uint32_t* addresses, uint32_t
         *count = 0;
         return OK;
     }
-    SYSAPI_IP4_ADDR_S* const fetched = FetchAddresses(QRB_HERE, ifIndex, all);
+    SYSAPI_IP4_ADDR_S* const fetched = FetchAddresses(__func__, ifIndex, all);
     if (fetched == nullptr) {
         return FAIL;
     }
@@ -121,7 +122,7 @@ uint32_t BDS_IPIFGetThisIfIpAddr(uint32_t ifIndex, uint32_t* addresses, uint32_t
 
 uint32_t BDS_IPGetFirstIpByIfIndex(uint32_t ifIndex, uint32_t* address)
 {
-    if (AnyNull(QRB_HERE, address)) {
+    if (AnyNull(__func__, address)) {
         return FAIL;
     }
     const uint32_t count = SYSAPI_GetIp4AddrNumByIf(ifIndex);
@@ -129,7 +130,7 @@ uint32_t BDS_IPGetFirstIpByIfIndex(uint32_t ifIndex, uint32_t* address)
         QRB_WARN("Interface %d without addresses passed\n", ifIndex);
         return FAIL;
     }
-    SYSAPI_IP4_ADDR_S* const fetched = FetchAddresses(QRB_HERE, ifIndex, count);
+    SYSAPI_IP4_ADDR_S* const fetched = FetchAddresses(__func__, ifIndex, count);
     if (fetched == nullptr) {
         return FAIL;
     }

@@ -61,9 +61,9 @@ uint32_t WalkAddresses(ORM_SESSION session, OnItem&& onItem)
 
 // The same walk over an interface's addresses, in a session of its own.
 template <typename OnItem>
-uint32_t WalkAddressesOf(LOG_SITE_S site, uint32_t ifIndex, OnItem&& onItem)
+uint32_t WalkAddressesOf(const char* function, uint32_t ifIndex, OnItem&& onItem)
 {
-    return InSession(site, CHECKED, [&](ORM_SESSION session) -> uint32_t {
+    return InSession(function, CHECKED, [&](ORM_SESSION session) -> uint32_t {
         QRB_TRY(PrepareAddressRecord(session, ifIndex));
         QRB_TRY(OrmExecute(session));
         return WalkAddresses(session, onItem);

@@ -31,11 +31,11 @@ uint32_t MatchOwner(ORM_SESSION session, uint32_t address, uint32_t instanceId, 
 
 uint32_t IP_GetIfindexbyIpAddr(uint32_t address, uint32_t instanceId, uint32_t* ifIndex)
 {
-    if (AnyNull(QRB_HERE, ifIndex)) {
+    if (AnyNull(__func__, ifIndex)) {
         return FAIL;
     }
     uint32_t       owner = NONE;
-    const uint32_t ret   = InSession(QRB_HERE, CHECKED, [&](ORM_SESSION session) {
+    const uint32_t ret   = InSession(__func__, CHECKED, [&](ORM_SESSION session) {
         return ScanRows(session, ADDRESS_TABLE, CHECKED, [&](bool* done) {
             // A match ends the scan one row later: the advance past it has to succeed too.
             *done = owner != NONE;

@@ -6,7 +6,7 @@ using namespace qrb;
 
 uint32_t IP_GetMainIpAddr(uint32_t ifIndex, uint32_t* address, uint32_t* masklen)
 {
-    if (AnyNull(QRB_HERE, address, masklen)) {
+    if (AnyNull(__func__, address, masklen)) {
         return FAIL;
     }
     bool              found  = false;
@@ -17,7 +17,7 @@ uint32_t IP_GetMainIpAddr(uint32_t ifIndex, uint32_t* address, uint32_t* masklen
         found = *done = (type == TYPE_MAIN);
         return found ? ReadAddress(item, &main) : OK;
     };
-    if (WalkAddressesOf(QRB_HERE, ifIndex, isMain) != OK || !found) {
+    if (WalkAddressesOf(__func__, ifIndex, isMain) != OK || !found) {
         return FAIL;
     }
     *address = main.address;
@@ -27,7 +27,7 @@ uint32_t IP_GetMainIpAddr(uint32_t ifIndex, uint32_t* address, uint32_t* masklen
 
 uint32_t IP_GetMask(uint32_t ifIndex, uint32_t address, uint32_t* mask)
 {
-    if (AnyNull(QRB_HERE, mask)) {
+    if (AnyNull(__func__, mask)) {
         return FAIL;
     }
     bool       found   = false;
@@ -42,13 +42,13 @@ uint32_t IP_GetMask(uint32_t ifIndex, uint32_t address, uint32_t* mask)
         }
         return OK;
     };
-    return WalkAddressesOf(QRB_HERE, ifIndex, compare) == OK && found ? OK : FAIL;
+    return WalkAddressesOf(__func__, ifIndex, compare) == OK && found ? OK : FAIL;
 }
 
 uint32_t BDS_IPGetIFBestMatchIpAddr(uint32_t ifIndex, uint32_t peer, uint32_t* masklen,
                                     uint32_t* network, uint32_t* address)
 {
-    if (AnyNull(QRB_HERE, masklen, network, address)) {
+    if (AnyNull(__func__, masklen, network, address)) {
         return FAIL;
     }
     bool       empty = true;
@@ -65,7 +65,7 @@ uint32_t BDS_IPGetIFBestMatchIpAddr(uint32_t ifIndex, uint32_t peer, uint32_t* m
         }
         return OK;
     };
-    if (WalkAddressesOf(QRB_HERE, ifIndex, take) != OK) {
+    if (WalkAddressesOf(__func__, ifIndex, take) != OK) {
         return FAIL;
     }
     if (empty) {

@@ -7,7 +7,7 @@ using namespace qrb;
 namespace {
 
 // The first readable item that may be the main address. *ret is the code of the last fetch or read.
-bool FindMainItem(LOG_SITE_S site, ORM_NODE list, uint32_t count, BDS_IPV4_ADDR_ITEM_S* item,
+bool FindMainItem(const char* function, ORM_NODE list, uint32_t count, BDS_IPV4_ADDR_ITEM_S* item,
                   uint32_t* ret)
 {
     for (uint32_t index = 0; index < count; index++) {
@@ -15,12 +15,12 @@ bool FindMainItem(LOG_SITE_S site, ORM_NODE list, uint32_t count, BDS_IPV4_ADDR_
         *item         = {};
         *ret          = OrmNodeGetItemByIdx(list, index, &node);
         if (*ret != OK) {
-            QRB_ERROR_AT(site, "get node item by index fail, ret=%u\n", *ret);
+            QRB_ERROR_AT(function, "get node item by index fail, ret=%u\n", *ret);
             continue;
         }
         *ret = BDS_IPGetIpv4AddrTblItem(node, item);
         if (*ret != OK) {
-            QRB_ERROR_AT(site, "get ipv4 address fail, ret=%u\n", *ret);
+            QRB_ERROR_AT(function, "get ipv4 address fail, ret=%u\n", *ret);
             continue;
         }
         if (item->type != TYPE_NEVER_MAIN) {
@@ -31,25 +31,26 @@ bool FindMainItem(LOG_SITE_S site, ORM_NODE list, uint32_t count, BDS_IPV4_ADDR_
 }
 
 // The main address in the current record's list.
-uint32_t ReadMainItem(LOG_SITE_S site, ORM_SESSION session, uint32_t ifIndex,
+uint32_t ReadMainItem(const char* function, ORM_SESSION session, uint32_t ifIndex,
                       BDS_IPV4_ADDR_ITEM_S* item)
 {
     ORM_NODE list = 0;
     uint32_t ret  = OrmNodeGetChild(session, 0, ADDRESS_LIST, &list);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "get main ipv4 get addr list fail ret=%u, ifIndex=%d\n", ret, ifIndex);
+        QRB_ERROR_AT(function, "get main ipv4 get addr list fail ret=%u, ifIndex=%d\n", ret,
+                     ifIndex);
         return NONE;
     }
     // A size that can't be had is no size: the count decides, its code is only told.
     uint32_t count = 0;
     ret            = OrmNodeGetSize(list, &count);
     if (count == 0) {
-        QRB_ERROR_AT(site, "get main ipv4 get addr list len is zero ret=%u, ifIndex=%d\n", ret,
+        QRB_ERROR_AT(function, "get main ipv4 get addr list len is zero ret=%u, ifIndex=%d\n", ret,
                      ifIndex);
         return NONE;
     }
-    if (!FindMainItem(site, list, count, item, &ret)) {
-        QRB_ERROR_AT(site, "get main ipv4 fail, ret=%u, ifIndex=%d\n", ret, ifIndex);
+    if (!FindMainItem(function, list, count, item, &ret)) {
+        QRB_ERROR_AT(function, "get main ipv4 fail, ret=%u, ifIndex=%d\n", ret, ifIndex);
         return NONE;
     }
     return OK;
@@ -104,7 +105,7 @@ uint32_t BDS_IPGetMainIpByIfIndex(uint32_t ifIndex, uint32_t* address, uint32_t*
         return NONE;
     }
     BDS_IPV4_ADDR_ITEM_S item;
-    const uint32_t       ret = ReadMainItem(QRB_HERE, session, ifIndex, &item);
+    const uint32_t       ret = ReadMainItem(__func__, session, ifIndex, &item);
     OrmCloseSession(session);
     if (ret == OK) {
         *address = item.address;

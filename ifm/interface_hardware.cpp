@@ -13,11 +13,11 @@ using namespace qrb;
 
 namespace {
 
-uint32_t ReadPhy(LOG_SITE_S site, uint32_t ifIndex, QRB_IF_PHY_S* phy)
+uint32_t ReadPhy(const char* function, uint32_t ifIndex, QRB_IF_PHY_S* phy)
 {
     const uint32_t ret = ReadRecord(OrmgIfPhyReadInner, ifIndex, phy);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "Database error: [%u], info: read if phy failed\n", ret);
+        QRB_ERROR_AT(function, "Database error: [%u], info: read if phy failed\n", ret);
     }
     return ret;
 }
@@ -27,18 +27,18 @@ uint32_t ReadPhy(LOG_SITE_S site, uint32_t ifIndex, QRB_IF_PHY_S* phy)
 uint32_t IF_INTF_GetSlotByIndex(uint32_t ifIndex)
 {
     QRB_IF_PHY_S phy;
-    return ReadPhy(QRB_HERE, ifIndex, &phy) == OK ? phy.slot_id : NONE;
+    return ReadPhy(__func__, ifIndex, &phy) == OK ? phy.slot_id : NONE;
 }
 
 uint32_t IF_INTF_GetPortByIndex(uint32_t ifIndex)
 {
     QRB_IF_PHY_S phy;
-    return ReadPhy(QRB_HERE, ifIndex, &phy) == OK ? phy.port_id : NONE;
+    return ReadPhy(__func__, ifIndex, &phy) == OK ? phy.port_id : NONE;
 }
 
 uint32_t BDS_IfnetGetCardByIfIndex(uint32_t ifIndex, uint32_t* card)
 {
-    if (AnyNull(QRB_HERE, card)) {
+    if (AnyNull(__func__, card)) {
         return FAIL;
     }
     QRB_IF_PHY_S   phy;
@@ -53,7 +53,7 @@ uint32_t BDS_IfnetGetCardByIfIndex(uint32_t ifIndex, uint32_t* card)
 
 uint32_t BDS_IfnetGetIfMacByIfIndex(uint32_t ifIndex, uint8_t* mac)
 {
-    if (AnyNull(QRB_HERE, mac)) {
+    if (AnyNull(__func__, mac)) {
         return FAIL;
     }
     QRB_IF_PHY_S   phy;
@@ -93,7 +93,7 @@ uint32_t BDS_IfnetGetSlotIdBySlotStr(const char* text)
 {
     constexpr int DECIMAL = 10;
 
-    if (AnyNull(QRB_HERE, text)) {
+    if (AnyNull(__func__, text)) {
         return FAIL;
     }
     char slot[QRB_SLOT_TEXT_SIZE] = {};

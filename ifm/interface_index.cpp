@@ -38,14 +38,15 @@ uint32_t ExecuteLocalKey(ORM_SESSION session, const QRB_IF_BASE_LOCAL_KEY_S& key
 }
 
 // Looks for a record that matches until the end of the table or a failure. The index, or NONE.
-uint32_t ScanForName(ORM_SESSION session, ORM_SCAN scan, const IF_NAME_KEY_S& key, LOG_SITE_S site)
+uint32_t ScanForName(ORM_SESSION session, ORM_SCAN scan, const IF_NAME_KEY_S& key,
+                     const char* function)
 {
     QRB_IF_BASE_S base;
     uint8_t       end = 0;
     for (;;) {
         const uint32_t ret = OrmScanNext(session, scan, &end);
         if (ret != OK) {
-            QRB_ERROR_AT(site, "scan %s next fail %u\n", TABLE, ret);
+            QRB_ERROR_AT(function, "scan %s next fail %u\n", TABLE, ret);
             return NONE;
         }
         if (end != 0) {
@@ -85,9 +86,9 @@ uint32_t IF_CmpIfBaseRecord(ORM_SESSION session, const IF_NAME_KEY_S* key, void*
 
 uint32_t IF_INTF_GetIfByFullName(const char* fullName)
 {
-    const LOG_SITE_S site    = {"IF_ScanTblByCond", __LINE__};
-    ORM_SESSION      session = 0;
-    uint32_t         ret     = OrmOpenSessionByDefault(&session);
+    const char* const function = "IF_ScanTblByCond";
+    ORM_SESSION       session  = 0;
+    uint32_t          ret      = OrmOpenSessionByDefault(&session);
     if (ret != OK) {
         // Callers watch for this line as it is, without identity and function.
         syslog(static_cast<int>(PRIORITY_ERROR), "create db session fail %u\n", ret);
@@ -95,7 +96,7 @@ uint32_t IF_INTF_GetIfByFullName(const char* fullName)
     }
     ret = OrmPrepare(session, TABLE, QRB_ORM_OP_SCAN);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "prepare db session fail %u\n", ret);
+        QRB_ERROR_AT(function, "prepare db session fail %u\n", ret);
         OrmCloseSession(session);
         return NONE;
     }
@@ -103,10 +104,10 @@ uint32_t IF_INTF_GetIfByFullName(const char* fullName)
     ret           = OrmScanStart(session, &scan);
     if (ret != OK) {
         OrmCloseSession(session);
-        QRB_ERROR_AT(site, "start scan %s fail %u\n", TABLE, ret);
+        QRB_ERROR_AT(function, "start scan %s fail %u\n", TABLE, ret);
         return NONE;
     }
-    const uint32_t ifIndex = ScanForName(session, scan, {fullName, 1}, site);
+    const uint32_t ifIndex = ScanForName(session, scan, {fullName, 1}, function);
     OrmScanEnd(session, scan);
     OrmCloseSession(session);
     return ifIndex;
@@ -114,7 +115,7 @@ uint32_t IF_INTF_GetIfByFullName(const char* fullName)
 
 uint32_t IF_INTF_GetIfIndexByFullName(const char* fullName)
 {
-    if (AnyNull(QRB_HERE, fullName)) {
+    if (AnyNull(__func__, fullName)) {
         return NONE;
     }
     ORM_SESSION session = 0;
@@ -133,7 +134,7 @@ uint32_t IF_INTF_GetIfIndexByFullName(const char* fullName)
 
 uint32_t BDS_Ifname2IfGetIndexByname(const char* name, uint32_t* ifIndex)
 {
-    if (AnyNull(QRB_HERE, name, ifIndex)) {
+    if (AnyNull(__func__, name, ifIndex)) {
         return FAIL;
     }
     bool       found   = false;
@@ -148,7 +149,7 @@ uint32_t BDS_Ifname2IfGetIndexByname(const char* name, uint32_t* ifIndex)
         }
         return OK;
     };
-    const uint32_t ret = InSession(QRB_HERE, CHECKED, [&](ORM_SESSION session) {
+    const uint32_t ret = InSession(__func__, CHECKED, [&](ORM_SESSION session) {
         return ScanRows(session, TABLE, CHECKED,
                         [&](bool* done) { return compare(session, done); });
     });
@@ -164,7 +165,7 @@ uint32_t BDS_Ifname2IfGetIndexByname(const char* name, uint32_t* ifIndex)
 
 uint32_t IF_INTF_GetSimpleName(const char* fullName, char* output)
 {
-    if (AnyNull(QRB_HERE, fullName, output)) {
+    if (AnyNull(__func__, fullName, output)) {
         return FAIL;
     }
     QRB_IF_BASE_LOCAL_KEY_S key;
@@ -173,7 +174,7 @@ uint32_t IF_INTF_GetSimpleName(const char* fullName, char* output)
         return FAIL;
     }
     QRB_IF_BASE_S  base;
-    const uint32_t ret = InSession(QRB_HERE, IGNORED, [&](ORM_SESSION session) -> uint32_t {
+    const uint32_t ret = InSession(__func__, IGNORED, [&](ORM_SESSION session) -> uint32_t {
         QRB_TRY(OrmPrepare(session, TABLE, QRB_ORM_OP_READ));
         QRB_TRY(ExecuteLocalKey(session, key));
         return ReadCurrent(OrmgIfBaseGetAllFieldsInner, session, &base);

@@ -44,7 +44,7 @@ uint32_t IF_GetIfNameByIndex(uint32_t ifIndex, char* output)
 
 uint32_t BDS_IfnetGetIfNameByIfIndex(uint32_t ifIndex, char* output)
 {
-    if (AnyNull(QRB_HERE, output)) {
+    if (AnyNull(__func__, output)) {
         return FAIL;
     }
     QRB_IF_BASE_S  base;

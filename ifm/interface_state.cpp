@@ -9,15 +9,17 @@ using namespace qrb;
 
 uint32_t IF_INTF_GetIfLineState(uint32_t ifIndex, uint32_t* state)
 {
-    if (AnyNull(QRB_HERE, state)) {
+    if (AnyNull(__func__, state)) {
         return FAIL;
     }
-    QRB_IF_LINK_S  link;
-    QRB_IF_ROUTE_S route;
-    uint32_t       ret = ReadRecord(OrmgIfLinkReadInner, ifIndex, &link);
-    if (ret == OK) {
-        ret = ReadRecord(OrmgIfRouteReadInner, ifIndex, &route);
+    QRB_IF_LINK_S link;
+    uint32_t      ret = ReadRecord(OrmgIfLinkReadInner, ifIndex, &link);
+    if (ret != OK) {
+        QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
+        return FAIL;
     }
+    QRB_IF_ROUTE_S route;
+    ret = ReadRecord(OrmgIfRouteReadInner, ifIndex, &route);
     if (ret != OK) {
         QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
         return FAIL;
@@ -36,7 +38,7 @@ uint32_t IF_INTF_GetIfLinkState(uint32_t ifIndex, uint32_t* state)
 {
     constexpr uint8_t LINK_UP = 1;
 
-    if (AnyNull(QRB_HERE, state)) {
+    if (AnyNull(__func__, state)) {
         return FAIL;
     }
     QRB_IF_LINK_S  link;
@@ -56,7 +58,7 @@ uint32_t BDS_IfnetGetLinkState(uint32_t ifIndex, uint32_t* state)
 
 uint32_t BDS_IfnetGetIfPhyState(uint32_t ifIndex, uint8_t* state)
 {
-    return ReadFieldByIfIndex(QRB_HERE, "if_phy", ifIndex, "phy_state", state) == OK ? OK : FAIL;
+    return ReadFieldByIfIndex(__func__, "if_phy", ifIndex, "phy_state", state) == OK ? OK : FAIL;
 }
 
 uint32_t BDS_IfnetIsSwitchPort(uint32_t ifIndex)

@@ -62,17 +62,17 @@ void CopyEntries(BDS_IF_TYPE_INFO_S* table, uint32_t first, uint32_t end)
 // With buildLock held.
 uint32_t BuildTable()
 {
-    const LOG_SITE_S site = {"BDS_InitIfTypeInfo", __LINE__};
-    uint32_t         ret  = OK;
-    auto* const      table =
+    const char* const function = "BDS_InitIfTypeInfo";
+    uint32_t          ret      = OK;
+    auto* const       table =
         static_cast<BDS_IF_TYPE_INFO_S*>(calloc(QRB_IF_TYPE_COUNT, sizeof(BDS_IF_TYPE_INFO_S)));
     if (table == nullptr) {
-        QRB_ERROR_AT(site, "g_pstBDSIfTypeInfo malloc fail\n");
+        QRB_ERROR_AT(function, "g_pstBDSIfTypeInfo malloc fail\n");
         ret = FAIL;
     } else {
         CopyEntries(table, 0, BASE_COUNT);
         if (BDS_InitNewIfTypeInfo(table, QRB_IF_TYPE_COUNT) != OK) {
-            QRB_ERROR_AT(site, "g_pstBDSIfTypeInfo InitWlanIfTypeInfo fail\n");
+            QRB_ERROR_AT(function, "g_pstBDSIfTypeInfo InitWlanIfTypeInfo fail\n");
             ret = FAIL;
         }
     }
@@ -135,11 +135,11 @@ uint32_t BDS_IfPortTypeSwitch(uint32_t type, uint32_t* portType)
 
 uint32_t BDS_IfnetGetPortType(uint32_t ifIndex, uint32_t* portType)
 {
-    if (AnyNull(QRB_HERE, portType)) {
+    if (AnyNull(__func__, portType)) {
         return FAIL;
     }
     uint16_t type = 0;
-    if (ReadFieldByIfIndex(QRB_HERE, "if_base", ifIndex, "if_type", &type) != OK) {
+    if (ReadFieldByIfIndex(__func__, "if_base", ifIndex, "if_type", &type) != OK) {
         return FAIL;
     }
     const uint32_t ret = BDS_IfPortTypeSwitch(type, portType);

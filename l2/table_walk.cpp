@@ -60,29 +60,30 @@ constexpr WALK_S VLAN_WALK     = {"vlan", &g_ScanVlanSession, &g_VlanScanHandle,
                                   "vlan", "g_ScanVlanSession", "OrmgVlanGetAllFields"};
 // clang-format on
 
-uint32_t PrepareAndStart(LOG_SITE_S site, const WALK_S& walk)
+uint32_t PrepareAndStart(const char* function, const WALK_S& walk)
 {
     uint32_t ret = OrmPrepare(*walk.session, walk.table, QRB_ORM_OP_SCAN);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "Database error: %d, OrmPrepare %s fail", ret, walk.name);
+        QRB_ERROR_AT(function, "Database error: %d, OrmPrepare %s fail", ret, walk.name);
         return FAIL;
     }
     ret = OrmScanStart(*walk.session, walk.scan);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "Database error: %d, OrmScanStart %s fail", ret, walk.name);
+        QRB_ERROR_AT(function, "Database error: %d, OrmScanStart %s fail", ret, walk.name);
         return FAIL;
     }
     return OK;
 }
 
-uint32_t Open(LOG_SITE_S site, const WALK_S& walk)
+uint32_t Open(const char* function, const WALK_S& walk)
 {
     const uint32_t ret = OrmOpenSessionByDefault(walk.session);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "Database error: %d, open %s %s fail", ret, walk.name, walk.sessionName);
+        QRB_ERROR_AT(function, "Database error: %d, open %s %s fail", ret, walk.name,
+                     walk.sessionName);
         return FAIL;
     }
-    if (PrepareAndStart(site, walk) != OK) {
+    if (PrepareAndStart(function, walk) != OK) {
         OrmCloseSession(*walk.session);
         *walk.session = 0;
         return FAIL;
@@ -91,12 +92,12 @@ uint32_t Open(LOG_SITE_S site, const WALK_S& walk)
 }
 
 // The value of the next row. FAIL at the end of the table, silently, and after a failure.
-uint32_t Advance(LOG_SITE_S site, const WALK_S& walk, uint32_t* value)
+uint32_t Advance(const char* function, const WALK_S& walk, uint32_t* value)
 {
     uint8_t  end = 0;
     uint32_t ret = OrmScanNext(*walk.session, *walk.scan, &end);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "OrmScanNext ret:%u, isEof:%u", ret, end);
+        QRB_ERROR_AT(function, "OrmScanNext ret:%u, isEof:%u", ret, end);
         return FAIL;
     }
     if (end != 0) {
@@ -104,51 +105,51 @@ uint32_t Advance(LOG_SITE_S site, const WALK_S& walk, uint32_t* value)
     }
     ret = walk.readValue(*walk.session, value);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "%s fail ret:%u", walk.readerName, ret);
+        QRB_ERROR_AT(function, "%s fail ret:%u", walk.readerName, ret);
         return FAIL;
     }
     return OK;
 }
 
 // Nothing is asked of a walk that is not open: the database refuses the null handles.
-uint32_t WalkFinish(LOG_SITE_S site, const WALK_S& walk)
+uint32_t WalkFinish(const char* function, const WALK_S& walk)
 {
     const uint32_t ended  = OrmScanEnd(*walk.session, *walk.scan);
     *walk.scan            = 0;
     const uint32_t closed = OrmCloseSession(*walk.session);
     *walk.session         = 0;
     if (ended != OK) {
-        QRB_ERROR_AT(site, "OrmScanEnd fail ret:%u", ended);
+        QRB_ERROR_AT(function, "OrmScanEnd fail ret:%u", ended);
         return FAIL;
     }
     if (closed != OK) {
-        QRB_ERROR_AT(site, "OrmCloseSession fail ret:%u", closed);
+        QRB_ERROR_AT(function, "OrmCloseSession fail ret:%u", closed);
         return FAIL;
     }
     return OK;
 }
 
-uint32_t WalkFirst(LOG_SITE_S site, const WALK_S& walk, uint32_t* value)
+uint32_t WalkFirst(const char* function, const WALK_S& walk, uint32_t* value)
 {
     if (*walk.session != 0 || *walk.scan != 0) {
         return FAIL;
     }
-    if (Open(site, walk) != OK) {
+    if (Open(function, walk) != OK) {
         return FAIL;
     }
-    if (Advance(site, walk, value) != OK) {
-        WalkFinish(site, walk);
+    if (Advance(function, walk, value) != OK) {
+        WalkFinish(function, walk);
         return FAIL;
     }
     return OK;
 }
 
-uint32_t WalkNext(LOG_SITE_S site, const WALK_S& walk, uint32_t* value)
+uint32_t WalkNext(const char* function, const WALK_S& walk, uint32_t* value)
 {
     if (*walk.session == 0 || *walk.scan == 0) {
         return FAIL;
     }
-    return Advance(site, walk, value);
+    return Advance(function, walk, value);
 }
 
 // A step of a walk under an older name: the output is written whatever happens.
@@ -165,47 +166,47 @@ uint32_t Yield(uint32_t (*step)(uint32_t*), Value* output)
 
 uint32_t QRB_GetFirstIfIndex(uint32_t* ifIndex)
 {
-    return WalkFirst(QRB_HERE, IF_INDEX_WALK, ifIndex);
+    return WalkFirst(__func__, IF_INDEX_WALK, ifIndex);
 }
 
 uint32_t QRB_GetNextIfIndex(uint32_t* ifIndex)
 {
-    return WalkNext(QRB_HERE, IF_INDEX_WALK, ifIndex);
+    return WalkNext(__func__, IF_INDEX_WALK, ifIndex);
 }
 
 uint32_t QRB_ScanIfIndexFinish()
 {
-    return WalkFinish(QRB_HERE, IF_INDEX_WALK);
+    return WalkFinish(__func__, IF_INDEX_WALK);
 }
 
 uint32_t QRB_GetFirstPort(uint32_t* portIndex)
 {
-    return WalkFirst(QRB_HERE, PORT_WALK, portIndex);
+    return WalkFirst(__func__, PORT_WALK, portIndex);
 }
 
 uint32_t QRB_GetNextPort(uint32_t* portIndex)
 {
-    return WalkNext(QRB_HERE, PORT_WALK, portIndex);
+    return WalkNext(__func__, PORT_WALK, portIndex);
 }
 
 uint32_t QRB_ScanPortFinish()
 {
-    return WalkFinish(QRB_HERE, PORT_WALK);
+    return WalkFinish(__func__, PORT_WALK);
 }
 
 uint32_t QRB_GetFirstVlan(uint32_t* vlanId)
 {
-    return WalkFirst(QRB_HERE, VLAN_WALK, vlanId);
+    return WalkFirst(__func__, VLAN_WALK, vlanId);
 }
 
 uint32_t QRB_GetNextVlan(uint32_t* vlanId)
 {
-    return WalkNext(QRB_HERE, VLAN_WALK, vlanId);
+    return WalkNext(__func__, VLAN_WALK, vlanId);
 }
 
 uint32_t QRB_ScanVlanFinish()
 {
-    return WalkFinish(QRB_HERE, VLAN_WALK);
+    return WalkFinish(__func__, VLAN_WALK);
 }
 
 uint32_t IF_INTF_GetFirstIfIndex(uint32_t* ifIndex)

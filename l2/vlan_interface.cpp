@@ -88,11 +88,11 @@ uint32_t BDS_IfnetGetVlanIdByIfName(const char* name, char* output, uint32_t siz
 
 uint32_t BDS_IfnetGetVlanIdByIfIndex(uint32_t ifIndex, uint32_t* vlanId)
 {
-    if (AnyNull(QRB_HERE, vlanId)) {
+    if (AnyNull(__func__, vlanId)) {
         return FAIL;
     }
     uint16_t type = 0;
-    if (ReadFieldByIfIndex(QRB_HERE, "if_base", ifIndex, "if_type", &type) != OK) {
+    if (ReadFieldByIfIndex(__func__, "if_base", ifIndex, "if_type", &type) != OK) {
         return FAIL;
     }
     if (type != IF_TYPE_VLAN) {

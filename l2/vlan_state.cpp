@@ -27,7 +27,7 @@ uint32_t VLAN_IsVlanActive(uint16_t vlanId)
         *done = state != 0;
         return OK;
     };
-    const uint32_t ret = InSession(QRB_HERE, IGNORED, [&](ORM_SESSION session) {
+    const uint32_t ret = InSession(__func__, IGNORED, [&](ORM_SESSION session) {
         return ScanRows(session, VLAN_TABLE, IGNORED,
                         [&](bool* done) { return readState(session, done); });
     });

@@ -16,21 +16,21 @@ constexpr uint32_t FIELD_CAR_2  = 2;
 constexpr uint32_t FIELD_CAR_3  = 3;
 constexpr uint32_t FIELD_CAR_4  = 4;
 
-uint32_t PositionOn(LOG_SITE_S site, ORM_SESSION session, uint32_t index)
+uint32_t PositionOn(const char* function, ORM_SESSION session, uint32_t index)
 {
     uint32_t ret = OrmPrepare(session, "qos_integration", QRB_ORM_OP_READ);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "[qrb qos]error : prepare failed. ret: %d", ret);
+        QRB_ERROR_AT(function, "[qrb qos]error : prepare failed. ret: %d", ret);
         return ret;
     }
     ret = OrmgQosIntegrationSetKeyPrimaryKeyInner(session, &index, sizeof(index));
     if (ret != OK) {
-        QRB_ERROR_AT(site, "[qrb qos]error : set key failed. ret: %d", ret);
+        QRB_ERROR_AT(function, "[qrb qos]error : set key failed. ret: %d", ret);
         return ret;
     }
     ret = OrmExecute(session);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "[qrb qos]error : execute failed. ret: %d", ret);
+        QRB_ERROR_AT(function, "[qrb qos]error : execute failed. ret: %d", ret);
     }
     return ret;
 }
@@ -51,31 +51,31 @@ uint32_t ReadRemark(ORM_NODE list, uint32_t number, uint32_t* remark)
     return ReadItemField(item, FIELD_REMARK, remark);
 }
 
-uint32_t ReadDscpList(LOG_SITE_S site, ORM_SESSION session, QOS_PROFILE_INFO_S* info)
+uint32_t ReadDscpList(const char* function, ORM_SESSION session, QOS_PROFILE_INFO_S* info)
 {
     ORM_NODE list = 0;
     uint32_t ret  = OrmNodeGetChild(session, 0, "remark_dscp_list", &list);
     if (ret == ORM_NO_LIST) {
-        QRB_ERROR_AT(site, "remark dscp list is not exist.");
+        QRB_ERROR_AT(function, "remark dscp list is not exist.");
         return ret;
     }
     if (ret == OK) {
         ret = QOS_GetDscp(list, info);
     }
     if (ret != OK) {
-        QRB_ERROR_AT(site, "orm prepare for scan failed.ret = %u", ret);
+        QRB_ERROR_AT(function, "orm prepare for scan failed.ret = %u", ret);
     }
     return ret;
 }
 
-void Read8021List(LOG_SITE_S site, ORM_SESSION session, QOS_PROFILE_INFO_S* info)
+void Read8021List(const char* function, ORM_SESSION session, QOS_PROFILE_INFO_S* info)
 {
     ORM_NODE       list = 0;
     const uint32_t ret  = OrmNodeGetChild(session, 0, "remark_8021p_list", &list);
     if (ret == ORM_NO_LIST) {
-        QRB_ERROR_AT(site, "remark 8021p list is not exist. ret = %u", ret);
+        QRB_ERROR_AT(function, "remark 8021p list is not exist. ret = %u", ret);
     } else if (ret != OK) {
-        QRB_ERROR_AT(site, "orm prepare for scan failed. ret = %u", ret);
+        QRB_ERROR_AT(function, "orm prepare for scan failed. ret = %u", ret);
     } else {
         QOS_Get8021(list, info);
     }
@@ -93,16 +93,16 @@ uint32_t ReadCar(ORM_NODE list, uint32_t number, QOS_CAR_S* car)
     return sum;
 }
 
-uint32_t ReadCarList(LOG_SITE_S site, ORM_SESSION session, QOS_PROFILE_INFO_S* info)
+uint32_t ReadCarList(const char* function, ORM_SESSION session, QOS_PROFILE_INFO_S* info)
 {
     ORM_NODE       list = 0;
     const uint32_t ret  = OrmNodeGetChild(session, 0, "car_list", &list);
     if (ret == ORM_NO_LIST) {
-        QRB_ERROR_AT(site, "car list is not exist. ret = %u", ret);
+        QRB_ERROR_AT(function, "car list is not exist. ret = %u", ret);
         return ret;
     }
     if (ret != OK) {
-        QRB_ERROR_AT(site, "orm prepare for scan failed.ret = %u", ret);
+        QRB_ERROR_AT(function, "orm prepare for scan failed.ret = %u", ret);
         return ret;
     }
     const uint32_t count = ItemCount(list);
@@ -110,7 +110,7 @@ uint32_t ReadCarList(LOG_SITE_S site, ORM_SESSION session, QOS_PROFILE_INFO_S* i
         QOS_CAR_S      car = {};
         const uint32_t sum = ReadCar(list, item, &car);
         if (sum != OK) {
-            QRB_ERROR_AT(site, "orm prepare for scan failed. ret = %u", sum);
+            QRB_ERROR_AT(function, "orm prepare for scan failed. ret = %u", sum);
             return sum;
         }
         info->valid = 1;
@@ -129,7 +129,7 @@ uint32_t QOS_SetQosIntePk(ORM_SESSION* session, uint32_t index)
         QRB_ERROR("[qrb qos]error : open session failed. ret: %d", ret);
         return ret;
     }
-    ret = PositionOn(QRB_HERE, *session, index);
+    ret = PositionOn(__func__, *session, index);
     if (ret != OK) {
         OrmCloseSession(*session);
         *session = 0;
@@ -143,8 +143,8 @@ uint32_t QOS_GetRemarkInfo(uint32_t /*unused*/, uint32_t index, QOS_PROFILE_INFO
     if (QOS_SetQosIntePk(&session, index) != OK) {
         return OK;
     }
-    if (ReadDscpList(QRB_HERE, session, info) == OK) {
-        Read8021List(QRB_HERE, session, info);
+    if (ReadDscpList(__func__, session, info) == OK) {
+        Read8021List(__func__, session, info);
     }
     OrmCloseSession(session);
     return OK;
@@ -192,7 +192,7 @@ uint32_t QOS_GetCarInfo(uint32_t /*unused*/, uint32_t index, QOS_PROFILE_INFO_S*
         QRB_ERROR("qos read db in car info failed.");
         return OK;
     }
-    const uint32_t read   = ReadCarList(QRB_HERE, session, info);
+    const uint32_t read   = ReadCarList(__func__, session, info);
     const uint32_t closed = OrmCloseSession(session);
     if (read == OK && closed != OK) {
         QRB_ERROR("orm close session failed");

@@ -16,14 +16,14 @@ constexpr uint32_t FIELD_NAME  = 1;
 constexpr uint32_t NAME_SIZE   = 64;
 
 // Visits every row, also after a match.
-uint32_t VisitRows(LOG_SITE_S site, ORM_SESSION session, ORM_SCAN scan, const char* name,
+uint32_t VisitRows(const char* function, ORM_SESSION session, ORM_SCAN scan, const char* name,
                    uint32_t* index)
 {
     for (;;) {
         uint8_t  end = 0;
         uint32_t ret = OrmScanNext(session, scan, &end);
         if (ret != OK) {
-            QRB_ERROR_AT(site, "sacn next failed. ret: %d", ret);
+            QRB_ERROR_AT(function, "sacn next failed. ret: %d", ret);
             return ret;
         }
         if (end != 0) {
@@ -31,26 +31,26 @@ uint32_t VisitRows(LOG_SITE_S site, ORM_SESSION session, ORM_SCAN scan, const ch
         }
         ret = QOS_GetIdByName(session, name, index);
         if (ret != OK) {
-            QRB_ERROR_AT(site, "get id by name failed. ret: %d", ret);
+            QRB_ERROR_AT(function, "get id by name failed. ret: %d", ret);
             return ret;
         }
     }
 }
 
-uint32_t ScanProfiles(LOG_SITE_S site, ORM_SESSION session, const char* name, uint32_t* index)
+uint32_t ScanProfiles(const char* function, ORM_SESSION session, const char* name, uint32_t* index)
 {
     uint32_t ret = OrmPrepare(session, TABLE, QRB_ORM_OP_SCAN);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "prepare failed. ret: %d", ret);
+        QRB_ERROR_AT(function, "prepare failed. ret: %d", ret);
         return ret;
     }
     ORM_SCAN scan = 0;
     ret           = OrmScanStart(session, &scan);
     if (ret != OK) {
-        QRB_ERROR_AT(site, "scan start failed. ret: %d", ret);
+        QRB_ERROR_AT(function, "scan start failed. ret: %d", ret);
         return ret;
     }
-    ret = VisitRows(site, session, scan, name, index);
+    ret = VisitRows(function, session, scan, name, index);
     OrmScanEnd(session, scan);
     return ret;
 }
@@ -65,7 +65,7 @@ uint32_t QOS_GetProfileIdByName(uint32_t /*unused*/, const char* name, uint32_t*
         QRB_ERROR("open session failed. ret: %d", ret);
         return ret;
     }
-    ret = ScanProfiles(QRB_HERE, session, name, index);
+    ret = ScanProfiles(__func__, session, name, index);
     OrmCloseSession(session);
     return ret;
 }
