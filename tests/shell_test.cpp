@@ -54,15 +54,16 @@ struct Call {
 std::vector<Call> Calls()
 {
     std::vector<Call> calls;
-    std::ifstream     file(root + "/tests/shell_calls.txt");
+    std::ifstream     file(root + "/docs/calls.txt");
     for (std::string line; std::getline(file, line);) {
         const size_t arrow = line.find(" => ");
-        calls.push_back({line.substr(0, arrow), line.substr(arrow + 4)});
+        if (!line.starts_with('#'))
+            calls.push_back({line.substr(0, arrow), line.substr(arrow + 4)});
     }
     return calls;
 }
 
-// What each call of a table answers, on one process and in this order.
+// What the documentation says of each call, in one process and in this order.
 TEST(Shell, CallsEveryFunction)
 {
     const std::vector<Call> calls = Calls();

@@ -3,10 +3,13 @@
 // nothing when it fails.
 #include <algorithm>
 #include <array>
+#include <concepts>
 #include <cstring>
-#include <span>
+#include <functional>
+#include <optional>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include <standin/database.h>
@@ -24,6 +27,8 @@ namespace {
 
 enum Sort : uint32_t { Session, Subscription, Parameter, Message, Scan, List, Item, Sorts };
 
+using Texts = std::vector<std::string>;
+
 // The run under way: callbacks go on with its input.
 struct Run {
     fuzz::Input*          input;
@@ -33,32 +38,15 @@ struct Run {
 };
 Run run;
 
-template <size_t Size>
-const char* Pick(const char* const (&texts)[Size])
-{
-    return texts[run.input->ConsumeIntegralInRange<size_t>(0, Size - 1)];
-}
-
 uint32_t Small(uint32_t most)
 {
     return run.input->ConsumeIntegralInRange<uint32_t>(0, most);
 }
 
-const Table& AnyTable()
+template <typename Things>
+const auto& Any(const Things& things)
 {
-    return Tables()[Small(static_cast<uint32_t>(Tables().size() - 1))];
-}
-
-const char* TableName()
-{
-    static const std::vector<std::string> names = [] {
-        std::vector<std::string> all = {"no_table"};
-        for (const Table& table : Tables()) {
-            all.emplace_back(table.name);
-        }
-        return all;
-    }();
-    return names[Small(static_cast<uint32_t>(names.size() - 1))].c_str();
+    return things[Small(static_cast<uint32_t>(std::size(things) - 1))];
 }
 
 // Mostly the youngest of its sort; or an older one, another sort's, one with a bit turned, or any
@@ -67,18 +55,11 @@ uint64_t Handle(Sort sort)
 {
     const uint32_t choice  = Small(31);
     const auto&    handles = run.handles[choice == 1 ? Small(Sorts - 1) : uint32_t{sort}];
-    if (handles.empty() || choice == 0) {
+    if (handles.empty() || choice == 5) {
         return run.input->ConsumeIntegral<uint64_t>();
     }
-    const uint64_t handle =
-        choice < 4 ? handles[Small(static_cast<uint32_t>(handles.size() - 1))] : handles.back();
+    const uint64_t handle = choice == 2 || choice == 3 ? Any(handles) : handles.back();
     return choice == 4 ? handle ^ uint64_t { 1 } << Small(63) : handle;
-}
-
-// What a reading call takes: a session, or a message.
-uint64_t Reader()
-{
-    return Handle(Small(3) > 0 ? Session : Message);
 }
 
 uint32_t Checked(uint32_t code)
@@ -90,40 +71,102 @@ uint32_t Checked(uint32_t code)
     return code;
 }
 
-// Makes a call that hands out a handle.
-template <typename Call>
-void Opening(Sort sort, Call call)
-{
-    uint64_t handle = 0;
-    if (Checked(call(&handle)) == ORM_OK) {
-        CHECK(handle != 0);
-        run.handles[sort].push_back(handle);
-    } else {
-        CHECK(handle == 0);
+// What a call takes and gives, as far as its parameters' types don't tell.
+struct Manner {
+    std::vector<Sort>     takes   = {};     // its handles, in order
+    Sort                  gives   = Sorts;  // a handle that it hands out
+    Texts                 texts   = {""};   // one of them
+    std::vector<uint32_t> numbers = {0, 0, 1, 2, 3, UINT32_MAX};
+    uint32_t              size    = 4;  // of what it fills; of a key that it reads
+    uint32_t              keySize = 4;
+};
+
+// The arguments of one call, to be taken in their order, and what became of them.
+class Arguments {
+public:
+    explicit Arguments(const Manner& manner) : manner_(manner) {}
+
+    template <typename T>
+    T Next()
+    {
+        if constexpr (std::same_as<T, uint64_t>) {
+            return Handle(manner_.takes[taken_++]);
+        } else if constexpr (std::same_as<T, const char*>) {
+            return Any(manner_.texts).c_str();
+        } else if constexpr (std::same_as<T, const void*>) {
+            key_ = AnyBytes(manner_.keySize, 0);
+            std::fill_n(key_.begin(), std::min(key_.size(), size_t{1}), Small(3));
+            return Sized(key_);
+        } else if constexpr (std::same_as<T, void*>) {
+            destination_ = AnyBytes(manner_.size, untouched);
+            return Sized(destination_);
+        } else if constexpr (std::same_as<T, uint64_t*>) {
+            return &handle_;
+        } else if constexpr (std::same_as<T, uint32_t*>) {
+            return &count_;
+        } else if constexpr (std::same_as<T, uint8_t*>) {
+            return &end_;
+        } else {
+            return size_ ? *std::exchange(size_, {}) : Any(manner_.numbers);
+        }
     }
+
+    void CheckAfter(uint32_t code)
+    {
+        if (Checked(code) != ORM_OK) {
+            CHECK(handle_ == 0 && count_ == none && end_ == untouched);
+            CHECK(std::ranges::count(destination_, untouched) == std::ssize(destination_));
+        } else {
+            CHECK((handle_ != 0) == (manner_.gives != Sorts));
+            CHECK(count_ <= 3 || count_ == none);
+            CHECK(end_ == 1 || end_ == untouched);
+        }
+        if (handle_ != 0) {
+            run.handles[manner_.gives].push_back(handle_);
+        }
+    }
+
+private:
+    static constexpr uint8_t  untouched = 0xAB;
+    static constexpr uint32_t none      = UINT32_MAX;
+
+    static std::vector<uint8_t> AnyBytes(uint32_t rightSize, uint8_t value)
+    {
+        return std::vector<uint8_t>(Small(3) < 3 ? rightSize : Small(700), value);
+    }
+    void* Sized(std::vector<uint8_t>& bytes)
+    {
+        size_ = static_cast<uint32_t>(bytes.size());
+        return bytes.data();
+    }
+
+    const Manner&           manner_;
+    size_t                  taken_ = 0;
+    std::vector<uint8_t>    key_;
+    std::vector<uint8_t>    destination_;
+    std::optional<uint32_t> size_;  // of the bytes that were taken last
+    uint64_t                handle_ = 0;
+    uint32_t                count_  = none;
+    uint8_t                 end_    = untouched;
+};
+
+using Step = std::function<void()>;
+
+template <typename... Parameters>
+Step Calling(uint32_t (*call)(Parameters...), const Manner& manner)
+{
+    return [=] {
+        Arguments                       arguments(manner);
+        const std::tuple<Parameters...> inOrder{arguments.Next<Parameters>()...};
+        arguments.CheckAfter(std::apply(call, inOrder));
+    };
 }
 
-// Makes a call that fills a destination of some size, mostly the right one.
-template <typename Call>
-void Filling(uint32_t rightSize, Call call)
+Step Filling(uint32_t (*getAllFields)(ORM_SESSION, void*, uint32_t), uint32_t size)
 {
-    const uint32_t             size = Small(3) > 0 ? rightSize : Small(700);
-    const std::vector<uint8_t> before(size, 0xAB);
-    std::vector<uint8_t>       destination = before;
-    if (Checked(call(destination.data(), size)) != ORM_OK) {
-        CHECK(destination == before);
-    }
-}
-
-void Write()
-{
-    const Row   row = fuzz::PlainRow(AnyTable(), Small(3), Small(3));
-    Transaction transaction;
-    Small(1) != 0 ? transaction.Replace(row) : transaction.Delete(row);
-    try {
-        transaction.Commit();
-    } catch (const standin::Error&) {
-    }
+    const Step fromRow     = Calling(getAllFields, {.takes = {Session}, .size = size});
+    const Step fromMessage = Calling(getAllFields, {.takes = {Message}, .size = size});
+    return [=] { Small(3) < 3 ? fromRow() : fromMessage(); };
 }
 
 void Steps(uint32_t most);
@@ -133,6 +176,8 @@ void Callback(ORM_MESSAGE message, uint32_t event)
     CHECK(event <= ORM_EVENT_REPLACE);
     if (std::this_thread::get_id() == run.thread) {
         run.handles[Message].push_back(message);
+        uint8_t end = 0;
+        CHECK(Small(1) != 0 || OrmSubFetchNext(message, &end) == ORM_OK);
         Steps(8);
     }
 }
@@ -143,48 +188,50 @@ int32_t Control(uint32_t descriptor, uint32_t operation)
         std::erase(run.descriptors, static_cast<int>(descriptor));
         return 0;
     }
-    if (Small(7) == 0) {
+    if (Small(7) == 7) {
         return -1;
     }
     run.descriptors.push_back(static_cast<int>(descriptor));
     return 0;
 }
 
-struct Accessors {
-    uint32_t (*read)(const void*, uint32_t, void*, uint32_t);
-    uint32_t (*getAllFields)(ORM_SESSION, void*, uint32_t);
-    uint32_t keySize;
-    uint32_t recordSize;
-};
-constexpr Accessors accessors[] = {
-    {OrmgIfBaseReadInner, OrmgIfBaseGetAllFieldsInner, 4, 387},
-    {OrmgIfPhyReadInner, OrmgIfPhyGetAllFieldsInner, 4, 79},
-    {OrmgIfLinkReadInner, OrmgIfPhyGetAllFieldsInner, 4, 10},
-    {OrmgIfRouteReadInner, OrmgIfRouteGetAllFieldsInner, 4, 22},
-    {OrmgPortReadInner, OrmgPortGetAllFieldsInner, 4, 1644},
-    {OrmgVlanReadInner, OrmgVlanGetAllFieldsInner, 10, 238},
-};
-
-// One byte small, the rest zero; mostly of the right size.
-std::vector<uint8_t> AnyKey(uint32_t rightSize)
+// Sessions without a control function start a thread, which takes its time.
+uint32_t OpenSubscription(ORM_SESSION_PARAM parameter, ORM_SESSION* session)
 {
-    std::vector<uint8_t> key(Small(3) > 0 ? rightSize : Small(80));
-    if (!key.empty()) {
-        key[0] = static_cast<uint8_t>(Small(3));
-    }
-    return key;
+    return OrmOpenSubSession(parameter, Small(255) == 255 ? nullptr : Control, session);
 }
 
-void SetWholeKey()
+uint32_t Subscribe(ORM_SESSION session, const char* definition)
 {
-    using SetKey                = uint32_t (*)(ORM_SESSION, const void*, uint32_t);
-    constexpr SetKey   sets[]   = {OrmgIfBaseSetKeyLocalKeyInner,
-                                   OrmgAmIpv4AddressSetKeyPrimaryKeyInner,
-                                   OrmgQosIntegrationSetKeyPrimaryKeyInner};
-    constexpr uint32_t widths[] = {68, 4, 4};
-    const uint32_t     which    = Small(2);
-    const auto         key      = AnyKey(widths[which]);
-    Checked(sets[which](Handle(Session), key.data(), static_cast<uint32_t>(key.size())));
+    return OrmSubscribe(session, "name", definition, Callback, nullptr, "owner");
+}
+
+uint32_t GetList(ORM_SESSION session, const char* name, ORM_NODE* list)
+{
+    return OrmNodeGetChild(session, Small(7) < 7 ? 0 : Handle(List), name, list);
+}
+
+uint32_t DestroyParameter(ORM_SESSION_PARAM parameter)
+{
+    OrmDestroySessionParam(parameter);
+    return ORM_OK;
+}
+
+void Deliver()
+{
+    const bool known = !run.descriptors.empty() && Small(7) > 0;
+    Checked(DbcHandleEvent(known ? Any(run.descriptors) : run.input->ConsumeIntegral<int32_t>()));
+}
+
+void Write(const Table& table)
+{
+    const Row   row = fuzz::PlainRow(table, Small(3), Small(3));
+    Transaction transaction;
+    Small(1) != 0 ? transaction.Replace(row) : transaction.Delete(row);
+    try {
+        transaction.Commit();
+    } catch (const standin::Error&) {
+    }
 }
 
 void SetGroupKey()
@@ -205,183 +252,122 @@ void ReadGroup()
     std::array<uint8_t, 29> record   = {};
     std::memcpy(record.data(), &capacity, sizeof(capacity));
     std::memcpy(record.data() + 4, &text, sizeof(text));
-    if (Checked(OrmgAclGroupIdGetAllFieldsInner(Reader(), record.data(), 29)) != ORM_OK) {
+    if (Checked(OrmgAclGroupIdGetAllFieldsInner(Handle(Session), record.data(), 29)) != ORM_OK) {
         CHECK(std::ranges::count(name, 'x') == std::ssize(name));
     }
 }
 
-// Makes a call that tells the end, or leaves it as it was.
-template <typename Call>
-void Moving(Call call)
+// Some way into what a caller would do, so that the steps after it find something.
+void StandOnRow()
 {
-    uint8_t        end  = 0x55;
-    const uint32_t code = Checked(call(&end));
-    CHECK(end == 0x55 || (end == 1 && code == ORM_OK));
+    static const Texts tables  = {"am_ipv4_address", "qos_integration", "if_base", "port"};
+    const uint32_t     index   = Small(3) / 2;
+    const uint64_t     session = run.handles[Session].back();
+    OrmPrepare(session, Any(tables).c_str(), QRB_ORM_OP_READ);
+    OrmSetKeyName(session, "primary_key");
+    OrmSetIndexKeyValue(session, 0, QRB_KEY_TYPE_U32, &index, sizeof(index));
+    Checked(OrmExecute(session));
 }
 
-void FindList()
+Texts TableNames()
 {
-    Opening(List, [](uint64_t* node) {
-        const uint64_t parent = Small(7) > 0 ? 0 : Handle(List);
-        return OrmNodeGetChild(Reader(), parent,
-                               Pick({"ipv4_address_list", "car_list", "remark_dscp_list", "x"}),
-                               node);
-    });
+    Texts names = {"no_table"};
+    for (const Table& table : Tables()) {
+        names.emplace_back(table.name);
+    }
+    return names;
 }
 
-void FindItem()
+Texts Definitions()
 {
-    Opening(Item, [](uint64_t* item) {
-        const uint32_t index = Small(7) > 0 ? Small(3) : run.input->ConsumeIntegral<uint32_t>();
-        return OrmNodeGetItemByIdx(Handle(List), index, item);
-    });
-}
-
-void OpenParameter()
-{
-    Opening(Parameter,
-            [](uint64_t* handle) { return OrmCreateSessionParam("channel:", "osc", handle); });
-}
-
-// Sessions without a control function start a thread, which takes its time.
-void OpenSubscription()
-{
-    const ORM_FD_CONTROL control = Small(255) == 255 ? nullptr : Control;
-    Opening(Subscription, [=](uint64_t* handle) {
-        return OrmOpenSubSession(Handle(Parameter), control, handle);
-    });
-}
-
-void Subscribe()
-{
-    const std::string definition = std::string(R"({"label_name":")") + TableName() +
-                                   R"(","events":[{"type":"insert"},{"type":"replace"},{"type":")" +
-                                   Pick({"update", "delete", "upsert"}) + "\"}]}";
-    Checked(
-        OrmSubscribe(Handle(Subscription), "name", definition.c_str(), Callback, nullptr, "owner"));
-}
-
-void Deliver()
-{
-    const bool known = !run.descriptors.empty() && Small(7) > 0;
-    Checked(DbcHandleEvent(
-        known ? run.descriptors[Small(static_cast<uint32_t>(run.descriptors.size() - 1))]
-              : run.input->ConsumeIntegral<int32_t>()));
-}
-
-uint64_t Opened()
-{
-    uint64_t session = 0;
-    CHECK(OrmOpenSessionByDefault(&session) == ORM_OK);
-    run.handles[Session].push_back(session);
-    return session;
-}
-
-constexpr void (*steps[])() = {
-    [] { Opened(); },
-    OpenParameter,
-    OpenSubscription,
-    [] { Checked(OrmCloseSession(Handle(Small(3) > 0 ? Session : Subscription))); },
-    [] { OrmDestroySessionParam(Handle(Parameter)); },
-    [] {
-        constexpr uint32_t operations[] = {QRB_ORM_OP_READ, QRB_ORM_OP_SCAN, 0};
-        Checked(OrmPrepare(Handle(Session), TableName(), operations[Small(2)]));
-    },
-    [] {
-        Checked(OrmSetKeyName(Handle(Session), Pick({"primary_key", "local_key", "no_key"})));
-    },
-    [] {
-        const auto     value = AnyKey(4);
-        const uint32_t type  = Small(7) == 0 ? Small(9) : QRB_KEY_TYPE_U32;
-        Checked(OrmSetIndexKeyValue(Handle(Session), Small(3), type, value.data(),
-                                    static_cast<uint32_t>(value.size())));
-    },
-    SetWholeKey,
-    SetGroupKey,
-    [] { Checked(OrmExecute(Handle(Session))); },
-    [] {
-        Checked(OrmSetScanCond(
-            Handle(Session),
-            Pick({"if_index = 1", "vlan_id = 2 and vlan_scope0 = 0", "index = 1", "", "id"})));
-    },
-    [] { Opening(Scan, [](uint64_t* handle) { return OrmScanStart(Handle(Session), handle); }); },
-    [] { Moving([](uint8_t* end) { return OrmScanNext(Handle(Session), Handle(Scan), end); }); },
-    [] { Checked(OrmScanEnd(Handle(Session), Handle(Scan))); },
-    [] {
-        Filling(Small(1) != 0 ? 4 : 1, [](void* to, uint32_t size) {
-            return OrmGetField(Reader(), Pick({"if_index", "index", "vlan_id", "no_field"}), to,
-                               size);
-        });
-    },
-    [] {
-        Filling(Small(1) != 0 ? 4 : 64, [](void* to, uint32_t size) {
-            return OrmGetFieldById(Reader(), Small(12), to, size);
-        });
-    },
-    [] {
-        const Accessors& any = accessors[Small(std::size(accessors) - 1)];
-        Filling(any.recordSize,
-                [&](void* to, uint32_t size) { return any.getAllFields(Reader(), to, size); });
-    },
-    ReadGroup,
-    [] {
-        const Accessors& any = accessors[Small(std::size(accessors) - 1)];
-        const auto       key = AnyKey(any.keySize);
-        Filling(any.recordSize, [&](void* to, uint32_t size) {
-            return any.read(key.data(), static_cast<uint32_t>(key.size()), to, size);
-        });
-    },
-    FindList,
-    [] {
-        uint32_t count = 77;
-        CHECK(Checked(OrmNodeGetSize(Handle(List), &count)) == ORM_OK ? count <= 3 : count == 77);
-    },
-    FindItem,
-    [] {
-        Filling(Small(1) != 0 ? 4 : 1, [](void* to, uint32_t size) {
-            return OrmNodeGetFieldById(Handle(Item), Small(5), to, size);
-        });
-    },
-    Subscribe,
-    Deliver,
-    [] { Moving([](uint8_t* end) { return OrmSubFetchNext(Handle(Message), end); }); },
-    [] { Checked(OrmSubExtractData(Handle(Message), Small(2), Small(15) / 15)); },
-    Write,
-    // Some way into what a caller would do, so that the steps after it find something.
-    [] {
-        const uint64_t session = Opened();
-        const uint32_t index   = Small(3) / 2;
-        OrmPrepare(session, Pick({"am_ipv4_address", "qos_integration"}), QRB_ORM_OP_READ);
-        OrmSetKeyName(session, "primary_key");
-        OrmSetIndexKeyValue(session, 0, QRB_KEY_TYPE_U32, &index, sizeof(index));
-        if (Checked(OrmExecute(session)) == ORM_OK) {
-            FindList();
-            FindItem();
+    Texts definitions;
+    for (const std::string& table : TableNames()) {
+        for (const std::string event : {"update", "delete", "upsert"}) {
+            definitions.push_back(R"({"label_name":")" + table +
+                                  R"(","events":[{"type":"insert"},{"type":"replace"},{"type":")" +
+                                  event + "\"}]}");
         }
-    },
-    [] {
-        const uint64_t session = Opened();
-        uint64_t       scan    = 0;
-        uint8_t        end     = 0;
-        OrmPrepare(session, TableName(), QRB_ORM_OP_SCAN);
-        if (Checked(OrmScanStart(session, &scan)) == ORM_OK) {
-            run.handles[Scan].push_back(scan);
-            CHECK(OrmScanNext(session, scan, &end) == ORM_OK);
-        }
-    },
-    [] {
-        OpenParameter();
-        OpenSubscription();
-        Subscribe();
-        Write();
-        Deliver();
-    },
-};
+    }
+    return definitions;
+}
+
+std::vector<Step> MakeSteps()
+{
+    const Texts tables  = TableNames();
+    const Texts keys    = {"primary_key", "local_key", "no_key"};
+    const Texts fields  = {"if_index", "index", "vlan_id", "no_field"};
+    const Texts lists   = {"ipv4_address_list", "car_list", "remark_dscp_list", "x"};
+    const Texts matches = {"if_index = 1", "vlan_id = 2 and vlan_scope0 = 0", "index = 1", "",
+                           "id"};
+    const auto  open    = Calling(OrmOpenSessionByDefault, {.gives = Session});
+    const auto  prepare = Calling(
+         OrmPrepare, {.takes = {Session}, .texts = tables, .numbers = {QRB_ORM_OP_READ, 7, 0}});
+    const auto start     = Calling(OrmScanStart, {.takes = {Session}, .gives = Scan});
+    const auto next      = Calling(OrmScanNext, {.takes = {Session, Scan}});
+    const auto list      = Calling(GetList, {.takes = {Session}, .gives = List, .texts = lists});
+    const auto item      = Calling(OrmNodeGetItemByIdx, {.takes = {List}, .gives = Item});
+    const auto parameter = Calling(OrmCreateSessionParam, {.gives = Parameter, .texts = {"osc"}});
+    const auto subscription =
+        Calling(OpenSubscription, {.takes = {Parameter}, .gives = Subscription});
+    const auto subscribe = Calling(Subscribe, {.takes = {Subscription}, .texts = Definitions()});
+    return {
+        open,
+        prepare,
+        start,
+        next,
+        list,
+        item,
+        parameter,
+        subscription,
+        subscribe,
+        Deliver,
+        [] { Write(Any(Tables())); },
+        SetGroupKey,
+        ReadGroup,
+        Calling(OrmCloseSession, {.takes = {Session}}),
+        Calling(OrmCloseSession, {.takes = {Subscription}}),
+        Calling(DestroyParameter, {.takes = {Parameter}}),
+        Calling(OrmSetKeyName, {.takes = {Session}, .texts = keys}),
+        Calling(OrmSetIndexKeyValue, {.takes = {Session}, .numbers = {0, QRB_KEY_TYPE_U32}}),
+        Calling(OrmgIfBaseSetKeyLocalKeyInner, {.takes = {Session}, .keySize = 68}),
+        Calling(OrmgAmIpv4AddressSetKeyPrimaryKeyInner, {.takes = {Session}}),
+        Calling(OrmgQosIntegrationSetKeyPrimaryKeyInner, {.takes = {Session}}),
+        Calling(OrmExecute, {.takes = {Session}}),
+        Calling(OrmSetScanCond, {.takes = {Session}, .texts = matches}),
+        Calling(OrmScanEnd, {.takes = {Session, Scan}}),
+        Calling(OrmGetField, {.takes = {Session}, .texts = fields}),
+        Calling(OrmGetFieldById, {.takes = {Session}}),
+        Calling(OrmGetFieldById, {.takes = {Message}, .size = 1}),
+        Calling(OrmNodeGetSize, {.takes = {List}}),
+        Calling(OrmNodeGetFieldById, {.takes = {Item}}),
+        Calling(OrmSubFetchNext, {.takes = {Message}}),
+        Calling(OrmSubExtractData, {.takes = {Message}, .numbers = {0, 0, 0, 1, 2}}),
+        Filling(OrmgIfBaseGetAllFieldsInner, 387),
+        Filling(OrmgIfPhyGetAllFieldsInner, 79),
+        Filling(OrmgIfRouteGetAllFieldsInner, 22),
+        Filling(OrmgPortGetAllFieldsInner, 1644),
+        Filling(OrmgVlanGetAllFieldsInner, 238),
+        Calling(OrmgIfBaseReadInner, {.size = 387}),
+        Calling(OrmgIfPhyReadInner, {.size = 79}),
+        Calling(OrmgIfLinkReadInner, {.size = 10}),
+        Calling(OrmgIfRouteReadInner, {.size = 22}),
+        Calling(OrmgPortReadInner, {.size = 1644}),
+        Calling(OrmgVlanReadInner, {.size = 238, .keySize = 10}),
+        [=] { open(), StandOnRow(), list(), item(); },
+        [=] { open(), prepare(), start(), next(); },
+        [=] {
+            parameter(), subscription(), subscribe();
+            std::ranges::for_each(Tables(), Write);
+            Deliver();
+        },
+    };
+}
 
 void Steps(uint32_t most)
 {
+    static const std::vector<Step> steps = MakeSteps();
     for (uint32_t left = most; left > 0 && run.input->remaining_bytes() > 0; left--) {
-        steps[Small(std::size(steps) - 1)]();
+        Any(steps)();
     }
 }
 
