@@ -7,13 +7,12 @@
 namespace {
 
 using namespace calls;
-using standin::Row;
 using support::TakeLog;
 
-class Log : public support::PlatformTest {};
-class Database : public support::PlatformTest {};
+using Log      = support::PlatformTest;
+using Database = support::PlatformTest;
 
-TEST_F(Log, WritesOnlyErrorsAndWorse)
+TEST_F(Log, WritesOnlyErrorsAndWorseThatFit)
 {
     for (uint32_t priority = 0; priority < 8; priority++) {
         Tarn_QRB_Log_Printf(priority, "Function", 7, "value %u\n", priority);
@@ -25,16 +24,10 @@ TEST_F(Log, WritesOnlyErrorsAndWorse)
                       "[TARND_QRB][Function:7] value " + std::to_string(priority) + "\n");
         }
     }
-    Tarn_QRB_Log_Printf(3, nullptr, 7, "short form");
-    EXPECT_EQ(TakeLog().at(0).text, "[TARND_QRB] short form");
-}
-
-TEST_F(Log, LosesALineThatDoesNotFit)
-{
     const std::string longest(511, 'x');
-    Tarn_QRB_Log_Printf(3, nullptr, 0, "%s", longest.c_str());
+    Tarn_QRB_Log_Printf(3, nullptr, 7, "%s", longest.c_str());
     EXPECT_EQ(TakeLog().at(0).text, "[TARND_QRB] " + longest);
-    Tarn_QRB_Log_Printf(3, nullptr, 0, "%sx", longest.c_str());
+    Tarn_QRB_Log_Printf(3, nullptr, 7, "%sx", longest.c_str());
     EXPECT_TRUE(TakeLog().empty());
 }
 
@@ -67,20 +60,19 @@ TEST_F(Database, ScanDeliversWhatTheConditionAndTheLimitAllow)
     EXPECT_EQ(count, 0U);
     EXPECT_EQ(QRB_DB_Scan("vlan", &none, 10, Collect, nullptr, nullptr, nullptr), 0U);
 
-    for (uint32_t id = 1; id <= 5; id++) {
-        Insert({Row("vlan").Set("vlan_id", id).Set("vlan_scope0", id % 2)});
-    }
+    Load(R"({"vlan": [
+        {"vlan_id": 1, "vlan_scope0": 1, "vlan_scope1": 0}, {"vlan_id": 2, "vlan_scope0": 0, "vlan_scope1": 0},
+        {"vlan_id": 3, "vlan_scope0": 1, "vlan_scope1": 0}, {"vlan_id": 4, "vlan_scope0": 0, "vlan_scope1": 0}]})");
     const struct {
         uint32_t               maxCount;
         const char*            condition;
         QRB_SET_CONDITION_FUNC setCondition;
         std::vector<uint16_t>  ids;
     } cases[] = {
-        {UINT32_MAX, nullptr, nullptr, {1, 2, 3, 4, 5}},
+        {UINT32_MAX, nullptr, nullptr, {1, 2, 3, 4}},
         {3, nullptr, nullptr, {1, 2, 3}},
-        {1, nullptr, nullptr, {1}},
         {0, nullptr, nullptr, {1}},
-        {UINT32_MAX, nullptr, OnlyOdd, {1, 3, 5}},
+        {UINT32_MAX, nullptr, OnlyOdd, {1, 3}},
         {UINT32_MAX, "vlan_scope0 = 0", OnlyOdd, {2, 4}},
         {UINT32_MAX, "vlan_scope0 = 1 and vlan_id = 3", nullptr, {3}},
     };

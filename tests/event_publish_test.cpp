@@ -1,78 +1,63 @@
 // Events published: what reaches the callbacks, in which order, and what these may do meanwhile.
 #include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/event_publish.h>
-#include <tarnd_qrb/memory_map.h>
 
 #include <array>
 #include <atomic>
 #include <random>
 #include <thread>
 
-#include "support/platform.h"
+#include "calls/calls.h"
+#include "support/events.h"
 
 namespace {
 
-using support::TakeMessages;
-
-using Messages = std::vector<std::string>;
+using calls::Call;
+using calls::Expect;
 
 constexpr uint32_t EVENT = 73;
 
 class EventPublish : public support::PlatformTest {
 protected:
-    void SetUp() override
-    {
-        PlatformTest::SetUp();
-        MEM_EX_Init();
-        calls_.clear();
-    }
-
     void TearDown() override
     {
-        L2IF_SH_EvtCbRegTbl_Deinit();
-        IF_EvtDeInit();
-        IF_NotifyFuncRegTbl_Deinit();
+        support::ForgetEvents();
         PlatformTest::TearDown();
     }
-
-    static inline std::string calls_;
 };
 
 TEST_F(EventPublish, HandsEverythingThrough)
 {
-    static const int data     = 0;
-    static int       argument = 0;
+    static const int   data     = 0;
+    static int         argument = 0;
+    static std::string calls;
+    calls.clear();
     for (const uint16_t priority : {uint16_t{2}, uint16_t{3}}) {
         L2IF_SH_EvtCbFuncReg("m", EVENT, priority,
                              [](const void* d, uint32_t value, void* a, uint64_t* word) {
                                  EXPECT_TRUE(d == &data && a == &argument && value == 5);
-                                 calls_ += std::to_string((*word)++);
+                                 calls += std::to_string((*word)++);
                                  return 1U;
                              });
+        IF_RegNotifyFunc(priority, [](uint32_t ifIndex, uint32_t command, uint32_t a, uint32_t b) {
+            calls += " " + calls::Texts({ifIndex, command, a, b});
+            return 1U;
+        });
     }
     for (int round = 0; round < 2; round++) {
         EXPECT_EQ(L2IF_SH_EvtPublishEvent(EVENT, &data, 5, &argument), 0U);
     }
     EXPECT_EQ(L2IF_SH_EvtPublishEvent(EVENT - 1, &data, 5, &argument), 0U);
-    EXPECT_EQ(calls_, "0101");
-
-    for (const uint32_t key : {1U, 2U}) {
-        IF_RegNotifyFunc(key, [](uint32_t ifIndex, uint32_t command, uint32_t a, uint32_t b) {
-            calls_ += " " + std::to_string(ifIndex) + std::to_string(command) + std::to_string(a) +
-                      std::to_string(b);
-            return 1U;
-        });
-    }
     EXPECT_EQ(IF_NotifyAll(9, IF_NOTIFY_DOWN, 7, 8), 0U);
-    EXPECT_EQ(calls_, "0101 9478 9478");
+    EXPECT_EQ(calls, "0101 9 4 7 8 9 4 7 8");
 }
 
 TEST_F(EventPublish, ServesThreadsAtTheSameTime)
 {
-    static std::atomic<int> calls;
+    static std::atomic<uint32_t> calls;
     calls = 0;
     for (int i = 0; i < 3; i++) {
-        L2IF_SH_EvtCbFuncReg("m", EVENT, 1, [](auto...) { return static_cast<uint32_t>(++calls); });
+        L2IF_SH_EvtCbFuncReg("m", EVENT, 1, [](auto...) { return ++calls; });
     }
     const auto publish = [] {
         for (int i = 0; i < 1000; i++) {
@@ -82,7 +67,7 @@ TEST_F(EventPublish, ServesThreadsAtTheSameTime)
     std::thread other(publish);
     publish();
     other.join();
-    EXPECT_EQ(calls, 6000);
+    EXPECT_EQ(calls, 6000U);
 }
 
 uint32_t RegisterAnew(uint32_t, uint32_t, uint32_t a, uint32_t)
@@ -101,68 +86,48 @@ TEST_F(EventPublish, ComesToAnEndWhenCallbacksRegisterAnew)
     EXPECT_EQ(g_pstIfNotifyFunc.count, 3U);
 }
 
-TEST_F(EventPublish, StopsAtAnEntryWithoutACallback)
+// Answers the number of callbacks, and whether there is a first.
+Call Finds(uint32_t eventId, uint32_t subId, const char* expected)
 {
-    const auto count = [](const void*, uint32_t, void*, uint64_t*) {
-        calls_ += "x";
-        return 0U;
-    };
-    L2IF_SH_EvtCbFuncReg("first", EVENT, 3, count);
-    L2IF_SH_EvtCbFuncReg("second", EVENT, 2, nullptr);
-    L2IF_SH_EvtCbFuncReg("third", EVENT, 1, count);
-    EXPECT_EQ(L2IF_SH_EvtPublishEvent(EVENT, nullptr, 0, nullptr), 1U);
-    EXPECT_EQ(calls_, "x");
-    EXPECT_EQ(TakeMessages(), Messages{"L2IF_SH_EvtPublishEvent: Failed to execute callback, "
-                                       "moduleName=second, priority=2\n"});
+    return {"IF_SH_EvtPublishEventGetEventNode",
+            [=] {
+                UTIL_LIST_NODE_S* first = nullptr;
+                uint64_t          count = calls::UNTOUCHED;
+                const uint32_t    ret =
+                    IF_SH_EvtPublishEventGetEventNode(eventId, subId, &first, &count);
+                return calls::Texts({ret, static_cast<uint32_t>(count), first != nullptr});
+            },
+            expected};
 }
 
-TEST_F(EventPublish, FindsTheListOfAnEvent)
+TEST_F(EventPublish, FindsTheCallbacksOfWhatThereIs)
 {
-    const auto        callback = [](uint32_t, uint32_t, uint32_t, void*, void*) { return 0U; };
-    UTIL_LIST_NODE_S* first    = nullptr;
-    uint64_t          count    = 0;
+    constexpr char unbuilt[] = R"(1 | Failed to execute callback, it is not inited\n)";
+    g_isL2IFEvtInited        = 0;
+    Expect({
+        {CALL(L2IF_SH_EvtPublishEvent, EVENT, nullptr, 0U, nullptr), unbuilt},
+        {CALL(IF_NotifyAll, 1U, 0U, 0U, 0U), unbuilt},
+        Finds(9, 2, R"(1 - 0 | Failed to execute callback, it is not inited\n)"),
+        Finds(76, 1, R"(1 - 0 | Failed to publish event id=76, subId=1\n)"),
+        {CALL(L2IF_SH_EvtPublishEvent, EVENT + 1, nullptr, 0U, nullptr),
+         R"(1 | Failed to publis event id=74\n)"},
+    });
     for (const auto& [eventId, subId] : {std::pair{9U, 8U}, {9U, 8U}, {4U, IF_EVT_WHOLE}}) {
-        ASSERT_EQ(IF_INTF_RegEvtCb(eventId, subId, callback, 0, 0), 0U);
+        EXPECT_EQ(IF_INTF_RegEvtCb(
+                      eventId, subId, [](auto...) { return 0U; }, 0, 0),
+                  0U);
     }
-    const struct {
-        uint32_t eventId;
-        uint32_t subId;
-        uint64_t count;
-    } found[] = {{9, 8, 2}, {4, IF_EVT_WHOLE, 1}, {9, IF_EVT_WHOLE, 0}, {9, 13, 0}};
-    for (const auto& [eventId, subId, expected] : found) {
-        EXPECT_EQ(IF_SH_EvtPublishEventGetEventNode(eventId, subId, &first, &count), 0U);
-        EXPECT_EQ(count, expected);
-        EXPECT_EQ(first == nullptr, expected == 0);
-    }
-    count = 77;
-    for (const auto& [eventId, subId] : {std::pair{9U, 14U}, {4U, 0U}, {76U, IF_EVT_WHOLE}}) {
-        EXPECT_EQ(IF_SH_EvtPublishEventGetEventNode(eventId, subId, &first, &count), 1U);
-        EXPECT_EQ(TakeMessages(),
-                  Messages{"IF_SH_EvtPublishEventGetEventNode: Failed to publish event id=" +
-                           std::to_string(eventId) + ", subId=" + std::to_string(subId) + "\n"});
-    }
-    EXPECT_EQ(count, 77U);
-}
-
-// As before anybody has registered.
-TEST_F(EventPublish, RefusesBeforeARegistryIsBuilt)
-{
-    for (uint8_t* flag : {&g_isL2IFEvtInited, &g_isIFEvtInited, &g_isIFNotifyInited}) {
-        *flag = 0;
-    }
-    UTIL_LIST_NODE_S* first = nullptr;
-    uint64_t          count = 0;
-    EXPECT_EQ(L2IF_SH_EvtPublishEvent(74, nullptr, 0, nullptr), 1U);
-    EXPECT_EQ(L2IF_SH_EvtPublishEvent(73, nullptr, 0, nullptr), 1U);
-    EXPECT_EQ(IF_SH_EvtPublishEventGetEventNode(76, 1, &first, &count), 1U);
-    EXPECT_EQ(IF_SH_EvtPublishEventGetEventNode(9, 2, &first, &count), 1U);
-    EXPECT_EQ(IF_NotifyAll(1, 0, 0, 0), 1U);
-    const std::string inited = ": Failed to execute callback, it is not inited\n";
-    const std::string get    = "IF_SH_EvtPublishEventGetEventNode";
-    EXPECT_EQ(TakeMessages(), (Messages{"L2IF_SH_EvtPublishEvent: Failed to publis event id=74\n",
-                                        "L2IF_SH_EvtPublishEvent" + inited,
-                                        get + ": Failed to publish event id=76, subId=1\n",
-                                        get + inited, "IF_NotifyAll" + inited}));
+    L2IF_SH_EvtCbFuncReg("first", EVENT, 3, nullptr);
+    Expect({
+        Finds(9, 8, "0 2 1"),
+        Finds(4, IF_EVT_WHOLE, "0 1 1"),
+        Finds(9, IF_EVT_WHOLE, "0 0 0"),
+        Finds(9, 13, "0 0 0"),
+        Finds(9, 14, R"(1 - 0 | Failed to publish event id=9, subId=14\n)"),
+        Finds(4, 0, R"(1 - 0 | Failed to publish event id=4, subId=0\n)"),
+        {CALL(L2IF_SH_EvtPublishEvent, EVENT, nullptr, 0U, nullptr),
+         R"(1 | Failed to execute callback, moduleName=first, priority=3\n)"},
+    });
 }
 
 // Callbacks that do, at random, what callbacks may: register, unregister, tear down, publish.
@@ -178,46 +143,24 @@ protected:
         uint32_t (*publish)();
     };
 
-    struct Entry {
-        bool     registered;
-        unsigned changes;
-    };
+    using Counts = std::array<unsigned, CALLBACKS>;
 
-    struct Publication {
-        std::array<Entry, CALLBACKS>    begun;
-        std::array<unsigned, CALLBACKS> calls;
-    };
-
-    // A callback that knows its number, for each number.
-    template <typename Function>
-    struct Callbacks;
-    template <typename... Arguments>
-    struct Callbacks<uint32_t(Arguments...)> {
-        template <size_t N>
-        static uint32_t Callback(Arguments...)
-        {
-            Called(N);
-            return 0;
-        }
-        template <size_t... N>
-        static auto* At(size_t number, std::index_sequence<N...>)
-        {
-            return std::array{Callback<N>...}[number];
-        }
-    };
+    // One that knows its number.
     template <typename Function>
     static Function* Callback(size_t number)
     {
-        return Callbacks<Function>::At(number, std::make_index_sequence<CALLBACKS>());
+        return [=]<size_t... N>(std::index_sequence<N...>)
+        {
+            Function* const all[] = {[](auto...) { return Called(N); }...};
+            return all[number];
+        }
+        (std::make_index_sequence<CALLBACKS>());
     }
+
+    static uint16_t PriorityOf(size_t number) { return static_cast<uint16_t>(number / 2); }
 
     static size_t Below(size_t limit) { return random_() % limit; }
-
-    static void Set(Entry& entry, bool registered)
-    {
-        entry.changes += entry.registered != registered ? 1 : 0;
-        entry.registered = registered;
-    }
+    static bool   IsRegistered(size_t number) { return changes_[number] % 2 != 0; }
 
     static void Act()
     {
@@ -225,40 +168,40 @@ protected:
         const size_t kind   = Below(100);
         if (kind == 0) {
             registry_.tearDown();
-            for (Entry& entry : entries_) {
-                Set(entry, false);
+            for (unsigned& changes : changes_) {
+                changes += changes % 2;
             }
-        } else if (kind < 10 && publications_.size() < 4) {
+        } else if (kind < 10 && depth_ < 4) {
             Publish();
         } else if (kind < 60) {
-            const bool registered = entries_[number].registered;
-            EXPECT_EQ((registered ? registry_.remove : registry_.add)(number), 0U);
-            Set(entries_[number], !registered);
+            EXPECT_EQ((IsRegistered(number) ? registry_.remove : registry_.add)(number), 0U);
+            changes_[number]++;
         }
     }
 
     // Who is registered all along is called once.
     static void Publish()
     {
-        publications_.push_back({entries_, {}});
+        const Counts begun = changes_;
+        const Counts outer = std::exchange(calls_, {});
+        depth_++;
         EXPECT_EQ(registry_.publish(), 0U);
-        const auto [begun, calls] = publications_.back();
-        publications_.pop_back();
+        depth_--;
+        const Counts calls = std::exchange(calls_, outer);
         for (size_t i = 0; i < CALLBACKS; i++) {
-            if (entries_[i].changes == begun[i].changes) {
-                EXPECT_EQ(calls[i], entries_[i].registered ? 1U : 0U) << i;
-            }
+            EXPECT_TRUE(changes_[i] != begun[i] || calls[i] == changes_[i] % 2) << i;
         }
     }
 
     // Who is not registered is never called.
-    static void Called(size_t number)
+    static uint32_t Called(size_t number)
     {
-        EXPECT_TRUE(entries_[number].registered) << number;
-        publications_.back().calls[number]++;
+        EXPECT_TRUE(IsRegistered(number)) << number;
+        calls_[number]++;
         for (size_t actions = Below(3); actions > 0; actions--) {
             Act();
         }
+        return 0;
     }
 
     static void Run(const Registry& registry)
@@ -267,7 +210,7 @@ protected:
             SCOPED_TRACE("seed " + std::to_string(seed));
             random_.seed(seed);
             registry_ = registry;
-            entries_  = {};
+            changes_  = {};
             for (int i = 0; i < 500 && !HasFailure(); i++) {
                 Act();
             }
@@ -275,22 +218,22 @@ protected:
         }
     }
 
-    static inline std::mt19937                 random_;
-    static inline Registry                     registry_;
-    static inline std::array<Entry, CALLBACKS> entries_;
-    static inline std::vector<Publication>     publications_;
+    static inline std::mt19937 random_;
+    static inline Registry     registry_;
+    static inline Counts       changes_;  // odd: registered
+    static inline Counts       calls_;    // of the publication under way
+    static inline int          depth_ = 0;
 };
 
 TEST_F(Turmoil, AmongLayer2Events)
 {
+    using Function = L2IF_SH_EVT_CB_FUNC;
     L2IF_SH_EvtCbRegTbl_Init();
     Run({[](size_t n) {
-             return L2IF_SH_EvtCbFuncReg("m", EVENT, static_cast<uint16_t>(n / 2),
-                                         Callback<L2IF_SH_EVT_CB_FUNC>(n));
+             return L2IF_SH_EvtCbFuncReg("m", EVENT, PriorityOf(n), Callback<Function>(n));
          },
          [](size_t n) {
-             return L2IF_SH_EvtCbFuncUnReg("m", EVENT, static_cast<uint16_t>(n / 2),
-                                           Callback<L2IF_SH_EVT_CB_FUNC>(n));
+             return L2IF_SH_EvtCbFuncUnReg("m", EVENT, PriorityOf(n), Callback<Function>(n));
          },
          L2IF_SH_EvtCbRegTbl_Deinit,
          [] { return L2IF_SH_EvtPublishEvent(EVENT, nullptr, 0, nullptr); }});
@@ -299,13 +242,13 @@ TEST_F(Turmoil, AmongLayer2Events)
 // Raised by the library itself: the layer 3 of an interface goes up.
 TEST_F(Turmoil, AmongInterfaceEvents)
 {
+    using Function           = IF_EVT_CB_FUNC;
     constexpr uint32_t STATE = IF_EVT_STATE;
     constexpr uint32_t ROUTE = IF_SUB_EVT_ROUTE_STATE;
     Run({[](size_t n) {
-             return IF_INTF_RegEvtCb(STATE, ROUTE, Callback<IF_EVT_CB_FUNC>(n), 0,
-                                     static_cast<uint32_t>(n) / 2);
+             return IF_INTF_RegEvtCb(STATE, ROUTE, Callback<Function>(n), 0, PriorityOf(n));
          },
-         [](size_t n) { return IF_INTF_UnRegEvtCb(STATE, ROUTE, Callback<IF_EVT_CB_FUNC>(n), 0); },
+         [](size_t n) { return IF_INTF_UnRegEvtCb(STATE, ROUTE, Callback<Function>(n), 0); },
          IF_EvtDeInit,
          [] {
              const QRB_IF_ROUTE_S down = {};

@@ -1,19 +1,19 @@
 // Callbacks registered and unregistered: their order, what finds them again, what is refused.
-#include <tarnd_platform/memory.h>
 #include <tarnd_qrb/event_registry.h>
-#include <tarnd_qrb/memory_map.h>
 
-#include "support/platform.h"
+#include "calls/calls.h"
+#include "support/events.h"
 
 namespace {
 
+using calls::Expect;
 using support::TakeMessages;
 
 using Messages = std::vector<std::string>;
 
-constexpr uint32_t NO_SUB_EVENTS = 4;  // an event without
-constexpr uint32_t SUB_EVENTS    = 9;  // an event with 14
-constexpr uint32_t UNUSED        = 99;
+constexpr uint32_t SUB_EVENTS = 9;  // an event with 14
+constexpr uint32_t UNUSED     = 99;
+constexpr uint16_t PRIORITY   = 5;
 
 // Told apart by their addresses.
 constexpr L2IF_SH_EVT_CB_FUNC* Layer2A    = [](auto...) { return 0U; };
@@ -41,9 +41,9 @@ std::string Layer2(uint32_t eventId)
     });
 }
 
-std::string Interface(uint32_t eventId, uint32_t subId)
+std::string Interface(uint32_t subId)
 {
-    const IF_EVT_NODE_S& event = g_qrbIFEventCallbacks.children[eventId];
+    const IF_EVT_NODE_S& event = g_qrbIFEventCallbacks.children[SUB_EVENTS];
     const IF_EVT_NODE_S& node  = subId == IF_EVT_WHOLE ? event : event.children[subId];
     return Listed<IF_EVT_CB_S>(node.list, [](const auto& entry) {
         return (entry.pfCallback == InterfaceA ? "A " : "B ") + std::to_string(entry.priority);
@@ -59,40 +59,18 @@ std::string Notified()
 
 class EventRegistry : public support::PlatformTest {
 protected:
-    void SetUp() override
-    {
-        PlatformTest::SetUp();
-        MEM_EX_Init();
-        before_ = NodesHeld();
-    }
-
     void TearDown() override
     {
-        L2IF_SH_EvtCbRegTbl_Deinit();
-        IF_EvtDeInit();
-        IF_NotifyFuncRegTbl_Deinit();
-        EXPECT_EQ(NodesHeld(), before_);
+        support::ForgetEvents();
+        EXPECT_EQ(support::LibraryBlocks(), 0);
         PlatformTest::TearDown();
     }
-
-    static uint64_t NodesHeld()
-    {
-        uint64_t bytes  = 0;
-        uint64_t blocks = 0;
-        meminfo_get(5, MEM_EX_GetHandle(MEM_EX_MODULE_FRAMEWORK), &bytes, &blocks);
-        return blocks;
-    }
-
-    uint64_t before_ = 0;
 };
 
 TEST_F(EventRegistry, HigherPriorityComesFirstAndAmongEqualsTheNewest)
 {
-    const struct {
-        const char* name;
-        uint16_t    priority;
-    } entries[] = {{"a", 5}, {"b", 9}, {"c", 5}, {"d", 0xFFFF}, {"e", 0}};
-    for (const auto& [name, priority] : entries) {
+    for (const auto& [name, priority] :
+         {std::pair<const char*, uint16_t>{"a", 5}, {"b", 9}, {"c", 5}, {"d", 0xFFFF}, {"e", 0}}) {
         EXPECT_EQ(L2IF_SH_EvtCbFuncReg(name, 73, priority, Layer2A), 0U);
     }
     EXPECT_EQ(Layer2(73), "d 65535, b 9, c 5, a 5, e 0, ");
@@ -102,8 +80,8 @@ TEST_F(EventRegistry, HigherPriorityComesFirstAndAmongEqualsTheNewest)
         EXPECT_EQ(IF_EvtRegCbf(callback, UNUSED, priority, 2, SUB_EVENTS, 13U), 0U);
         EXPECT_EQ(IF_EvtRegCbf(callback, UNUSED, priority, 3, SUB_EVENTS, 13U), 0U);
     }
-    EXPECT_EQ(Interface(SUB_EVENTS, 13), "B 4294967295, B 5, A 5, ");
-    EXPECT_EQ(Interface(SUB_EVENTS, IF_EVT_WHOLE), "B 4294967295, B 5, A 5, ");
+    EXPECT_EQ(Interface(13), "B 4294967295, B 5, A 5, ");
+    EXPECT_EQ(Interface(IF_EVT_WHOLE), "B 4294967295, B 5, A 5, ");
 
     for (const uint32_t key : {7U, 3U, 7U}) {
         EXPECT_EQ(IF_RegNotifyFunc(key, NotifyA), 0U);
@@ -115,16 +93,17 @@ TEST_F(EventRegistry, UnregistersTheFirstThatMatches)
 {
     const std::string longest(63, 'x');
     for (const char* name : {"m", "M", "m", longest.c_str()}) {
-        EXPECT_EQ(L2IF_SH_EvtCbFuncReg(name, 0, 5, Layer2A), 0U);
+        EXPECT_EQ(L2IF_SH_EvtCbFuncReg(name, 0, PRIORITY, Layer2A), 0U);
     }
-    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("m", 0, 6, Layer2A), 1U);
-    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("m", 0, 5, Layer2B), 1U);
-    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("m", 1, 5, Layer2A), 1U);
-    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("xx", 0, 5, Layer2A), 1U);
-    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg(nullptr, 0, 5, Layer2A), 1U);
-    EXPECT_EQ(Layer2(0), longest + " 5, m 5, M 5, m 5, ");
-    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("m", 0, 5, Layer2A), 0U);
-    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg(longest.c_str(), 0, 5, Layer2A), 0U);
+    Expect({
+        {CALL(L2IF_SH_EvtCbFuncUnReg, "m", 0U, uint16_t{6}, Layer2A), "1"},
+        {CALL(L2IF_SH_EvtCbFuncUnReg, "m", 0U, PRIORITY, Layer2B), "1"},
+        {CALL(L2IF_SH_EvtCbFuncUnReg, "m", 1U, PRIORITY, Layer2A), "1"},
+        {CALL(L2IF_SH_EvtCbFuncUnReg, "xx", 0U, PRIORITY, Layer2A), "1"},
+        {CALL(L2IF_SH_EvtCbFuncUnReg, nullptr, 0U, PRIORITY, Layer2A), "1"},
+    });
+    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("m", 0, PRIORITY, Layer2A), 0U);
+    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg(longest.c_str(), 0, PRIORITY, Layer2A), 0U);
     EXPECT_EQ(Layer2(0), "M 5, m 5, ");
 
     // By callback alone; the two forms are the same.
@@ -135,12 +114,10 @@ TEST_F(EventRegistry, UnregistersTheFirstThatMatches)
     }
     EXPECT_EQ(IF_EvtUnRegCbf(InterfaceA, UNUSED, 2, SUB_EVENTS, 8U), 0U);
     EXPECT_EQ(IF_EvtUnRegCbf(InterfaceB, UNUSED, 1, SUB_EVENTS, 8U), 0U);
-    EXPECT_EQ(Interface(SUB_EVENTS, 8), "B 2, A 1, ");
-    EXPECT_EQ(Interface(SUB_EVENTS, IF_EVT_WHOLE), "A 3, A 1, ");
     EXPECT_EQ(IF_INTF_UnRegEvtCb(SUB_EVENTS, IF_EVT_WHOLE, InterfaceA, UNUSED), 0U);
+    EXPECT_EQ(Interface(8) + Interface(IF_EVT_WHOLE), "B 2, A 1, A 1, ");
     EXPECT_EQ(IF_INTF_UnRegEvtCb(SUB_EVENTS, 8, InterfaceB, UNUSED), 0U);
     EXPECT_EQ(IF_INTF_UnRegEvtCb(SUB_EVENTS, 8, InterfaceB, UNUSED), 1U);
-    EXPECT_EQ(Interface(SUB_EVENTS, 8) + Interface(SUB_EVENTS, IF_EVT_WHOLE), "A 1, A 1, ");
 
     for (IF_NOTIFY_FUNC* const callback : {NotifyA, NotifyB, NotifyA}) {
         EXPECT_EQ(IF_RegNotifyFunc(1, callback), 0U);
@@ -154,53 +131,44 @@ TEST_F(EventRegistry, UnregistersTheFirstThatMatches)
 
 TEST_F(EventRegistry, RefusesEventsThatDoNotExist)
 {
-    const std::string tooLong(64, 'x');
-    EXPECT_EQ(L2IF_SH_EvtCbFuncReg("m", 74, 0, Layer2A), 1U);
-    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("m", 0xFFFFFFFF, 0, Layer2A), 1U);
-    EXPECT_EQ(L2IF_SH_EvtCbFuncReg(tooLong.c_str(), 73, 0, Layer2A), 1U);
-    EXPECT_EQ(L2IF_SH_EvtCbFuncReg(nullptr, 73, 0, Layer2A), 1U);
-    EXPECT_EQ(Layer2(73), "");
-    const Messages messages = TakeMessages();
-    ASSERT_EQ(messages.size(), 4U);
-    EXPECT_EQ(messages[0], "L2IF_SH_EvtCbFuncReg: Failed to reg event id=74\n");
-    EXPECT_EQ(messages[1], "L2IF_SH_EvtCbFuncUnReg: Failed to reg event id=4294967295\n");
-    for (const size_t i : {2U, 3U}) {
-        EXPECT_EQ(
-            messages[i].find("L2IF_SH_EvtCbFuncReg: strcpy_s for pszModuleName failed, ret = "),
-            0U);
-    }
-
-    const struct {
-        uint32_t eventId;
-        uint32_t subId;
-    } refused[] = {{76, IF_EVT_WHOLE}, {NO_SUB_EVENTS, 0}, {SUB_EVENTS, 14}};
-    for (const auto& [eventId, subId] : refused) {
-        EXPECT_EQ(IF_INTF_RegEvtCb(eventId, subId, InterfaceA, UNUSED, 0), 1U);
-        EXPECT_EQ(IF_INTF_UnRegEvtCb(eventId, subId, InterfaceA, UNUSED), 1U);
-        const std::string message = ": Failed to reg event id=" + std::to_string(eventId) +
-                                    ", subId=" + std::to_string(subId) + "\n";
-        EXPECT_EQ(TakeMessages(), (Messages{"IF_EvtRegCbf" + message, "IF_EvtUnRegCbf" + message}));
-    }
-    EXPECT_EQ(IF_RegNotifyFunc(1, nullptr), 1U);
-    EXPECT_EQ(Notified(), "");
-    EXPECT_EQ(TakeMessages(), Messages{});
+    static const std::string tooLong(64, 'x');
+    Expect({
+        {CALL(L2IF_SH_EvtCbFuncReg, "m", 74U, PRIORITY, Layer2A),
+         R"(1 | Failed to reg event id=74\n)"},
+        {CALL(L2IF_SH_EvtCbFuncUnReg, "m", 74U, PRIORITY, Layer2A),
+         R"(1 | Failed to reg event id=74\n)"},
+        {CALL(L2IF_SH_EvtCbFuncReg, tooLong.c_str(), 73U, PRIORITY, Layer2A),
+         R"(1 | strcpy_s for pszModuleName failed, ret = 34.\n)"},
+        {CALL(L2IF_SH_EvtCbFuncReg, nullptr, 73U, PRIORITY, Layer2A),
+         R"(1 | strcpy_s for pszModuleName failed, ret = 22.\n)"},
+        {CALL(IF_EvtUnRegCbf, InterfaceA, UNUSED, 2U, SUB_EVENTS, 2U),
+         R"(1 | Failed to find event node.\n)"},
+        {CALL(IF_EvtRegCbf, InterfaceA, UNUSED, 1U, 1U, 76U),
+         R"(1 | Failed to reg event id=76, subId=4294967295\n)", IF_EvtInit},
+        {CALL(IF_EvtRegCbf, InterfaceA, UNUSED, 1U, 2U, 4U, 0U),
+         R"(1 | Failed to reg event id=4, subId=0\n)"},
+        {CALL(IF_EvtUnRegCbf, InterfaceA, UNUSED, 2U, SUB_EVENTS, 14U),
+         R"(1 | Failed to reg event id=9, subId=14\n)"},
+    });
 }
 
 TEST_F(EventRegistry, TheTreeHoldsEverySubEventAndNoOther)
 {
-    uint32_t subEvents = 0;
+    std::string subEvents;
     IF_EvtInit();
-    ASSERT_EQ(g_qrbIFEventCallbacks.childCount, IF_EVT_COUNT);
-    for (uint32_t eventId = 0; eventId < IF_EVT_COUNT; eventId++) {
+    for (uint32_t eventId = 0; eventId < g_qrbIFEventCallbacks.childCount; eventId++) {
         const IF_EVT_NODE_S& event = g_qrbIFEventCallbacks.children[eventId];
         const uint32_t       count = event.childCount;
         EXPECT_EQ(event.parent, &g_qrbIFEventCallbacks);
-        EXPECT_EQ(IF_INTF_RegEvtCb(eventId, count, InterfaceA, UNUSED, 0), 1U) << eventId;
-        EXPECT_TRUE(count == 0 || IF_INTF_RegEvtCb(eventId, count - 1, InterfaceA, UNUSED, 0) == 0);
-        EXPECT_TRUE(count == 0 || event.children[count - 1].parent == &event);
-        subEvents += count;
+        if (count != 0) {
+            EXPECT_EQ(event.children[count - 1].parent, &event);
+            EXPECT_EQ(IF_INTF_RegEvtCb(eventId, count - 1, InterfaceA, UNUSED, 0), 0U);
+            subEvents += std::to_string(eventId) + ":" + std::to_string(count) + " ";
+        }
     }
-    EXPECT_EQ(subEvents, 216U);
+    EXPECT_EQ(g_qrbIFEventCallbacks.childCount, 76U);
+    EXPECT_EQ(subEvents,
+              "1:10 2:13 3:7 5:46 7:55 8:32 9:14 11:3 12:5 46:9 52:2 58:4 66:2 67:12 71:1 74:1 ");
 }
 
 TEST_F(EventRegistry, StartsAfreshAfterDeinit)
@@ -209,18 +177,14 @@ TEST_F(EventRegistry, StartsAfreshAfterDeinit)
         EXPECT_EQ(L2IF_SH_EvtCbFuncReg("m", 1, 1, Layer2A), 0U);
         EXPECT_EQ(IF_EvtRegCbf(InterfaceA, UNUSED, 1, 2, SUB_EVENTS, 2U), 0U);
         EXPECT_EQ(IF_RegNotifyFunc(1, NotifyA), 0U);
-        EXPECT_EQ(Layer2(1) + Interface(SUB_EVENTS, 2) + Notified(), "m 1, A 1, A 1, ");
-        EXPECT_EQ(NodesHeld(), before_ + 3);
+        EXPECT_EQ(Layer2(1) + Interface(2) + Notified(), "m 1, A 1, A 1, ");
         L2IF_SH_EvtCbRegTbl_Deinit();
         IF_EvtDeInit();
         IF_NotifyFuncRegTbl_Deinit();
-        EXPECT_EQ(NodesHeld(), before_);
+        EXPECT_EQ(support::LibraryBlocks(), 0);
         EXPECT_EQ(g_isL2IFEvtInited + g_isIFEvtInited + g_isIFNotifyInited, 2);
         EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("m", 1, 1, Layer2A), 1U);
         EXPECT_EQ(IF_UnRegNotifyFunc(1, NotifyA), 1U);
-        EXPECT_EQ(TakeMessages(), Messages{});
-        EXPECT_EQ(IF_EvtUnRegCbf(InterfaceA, UNUSED, 2, SUB_EVENTS, 2U), 1U);
-        EXPECT_EQ(TakeMessages(), Messages{"IF_EvtUnRegCbf: Failed to find event node.\n"});
     }
 }
 

@@ -1,5 +1,4 @@
-// Callers' mistakes: null for every pointer that is checked for it, and walks and sessions in wrong
-// states, which end in a code.
+// Callers' mistakes: null for every pointer that is checked for it, and walks in wrong states.
 #include <tarnd_qrb/acl.h>
 #include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/database.h>
@@ -21,10 +20,9 @@ using namespace calls;
 
 class Mistakes : public DeviceTest {};
 
-constexpr uint16_t      VLAN     = 10;
-constexpr FIB_KEY_S     KEY      = {};
-constexpr IF_NAME_KEY_S NAME     = {"E1", 0};
-constexpr uint32_t      IF_INDEX = 1;
+constexpr uint16_t   VLAN = 10;
+constexpr FIB_KEY_S  KEY  = {};
+constexpr QRB_PORT_S PORT = {};
 
 const std::string IS_NULL     = R"( | Null value provided\n)";
 const std::string REFUSED     = "1" + IS_NULL;
@@ -72,10 +70,12 @@ TEST_F(Mistakes, NullIsRefused)
         {CALL(FIB_InquiryRoute, nullptr, nullptr), "1 | [FIB Inquiry Route] parameter failed"},
         {CALL(FIB_InquiryRoute, &KEY, nullptr), "1 | [FIB Inquiry Route] parameter failed"},
         {CALL(FIB_InquiryRoutes, nullptr, nullptr, Out32()), "1 - | [FIB Inquiry Routes] parameter failed, pstFibKey:1, pstFibNhp:1, count:0"},
+        {CALL(FIB_InquiryRoutes, &KEY, nullptr, Out32()), "1 - | [FIB Inquiry Routes] parameter failed, pstFibKey:0, pstFibNhp:1, count:0"},
         {CALL(FIB_InquiryRoutes, &KEY, nullptr, nullptr), "1 | [FIB Inquiry Routes] parameter failed, pstFibKey:0, pstFibNhp:1, count:1"},
         {CALL(FIB_InquiryRoutes, &KEY, OutNextHops(), Out32{0}), "1 - - - - 0 | [FIB Inquiry Routes] parameter failed, pstFibKey:0, pstFibNhp:0, count:0"},
         {CALL(IF_RegNotifyFunc, 1U, nullptr), "1"},
-        {CALL(QRB_EVENT_PortCheckIsVlanBitMapChange, nullptr, nullptr, 512, uint8_t{0}), R"(1 | Input parameter is NULL.\n)"},
+        {CALL(QRB_EVENT_PortCheckIsVlanBitMapChange, &PORT, nullptr, 512, uint8_t{0}), R"(1 | Input parameter is NULL.\n)"},
+        {CALL(QRB_EVENT_PortCheckIsVlanBitMapChange, nullptr, &PORT, 512, uint8_t{0}), R"(1 | Input parameter is NULL.\n)"},
         {CALL(MEM_EX_GetDetailedInfoSize, nullptr), "1"},
         {CALL(MEM_EX_GetDetailedInfo, nullptr, nullptr), "1"},
         // What has a fixed answer, or works without, doesn't mind.
@@ -116,41 +116,6 @@ TEST_F(Mistakes, WalksInWrongStatesAnswerOne)
     });
 }
 
-uint32_t Scanned(ORM_SESSION in)
-{
-    uint16_t id = 0;
-    return QRB_DB_SESSION_Scan(in, "vlan", &id, 1, L2IF_DB_ScanVlanId, nullptr, nullptr, nullptr);
-}
-
-void ExpectRefusals(const std::string& code)
-{
-    Expect({
-        {CALL(IF_CmpIfBaseRecord, session, &NAME, OutText(), 387), "0 - | get all field if_base fail for cmp " + code + R"(\n)"},
-        {CALL(ACL_DB_ScanAclGroupId, session, Out32(), 0U), code + " -"},
-        {CALL(L2IF_DB_ScanVlanId, session, Out16(), 0U), code + " -"},
-        {CALL(QOS_GetIdByName, session, "gold", Out32()), code + " - | orm get ProfileName failed. ret = " + code},
-    });
-}
-
-TEST_F(Mistakes, SessionsInWrongStatesEndInACode)
-{
-    session = 0;
-    ExpectRefusals("2002");
-    Opened();
-    ExpectRefusals("2003");
-    ASSERT_EQ(OrmCloseSession(session), 0U);
-    ExpectRefusals("2002");
-    Expect({
-        {CALL(Scanned, session), R"(1 | QRB_DB_SESSION_Scan: Failed to fetch DB, ret=2002\n)"},
-        {CALL(QRB_DB_SESSION_SetKey, session, QRB_ORM_OP_READ, "if_phy", &IF_INDEX, nullptr), "2002 | Table: if_phy prepare failed."},
-        {CALL(QRB_DB_SESSION_Get, session, "if_phy", &IF_INDEX, Out32(), nullptr, nullptr), "2002 - | QRB_DB_SESSION_SetKey: Table: if_phy prepare failed."},
-        {CALL(BDS_IPGetIpv4AddrTblItem, ORM_NODE{0}, OutItem()), R"(NONE - - - | get ipv4 addr item address fail, ret=2002\n)"},
-        {CALL(QOS_GetDscp, ORM_NODE{0}, OutRemarks()), "0 - - - - - - -"},
-        {CALL(QOS_Get8021, session, OutRemarks()), "0 - - - - - - -"},
-        {CALL(QRB_CreatDbSession, "no_such_table", QRB_ORM_OP_SCAN, OutSession()), R"(0 closed | Database error, info: prepare session failed\n)"},
-        {CALL(QRB_CreatDbSession, "vlan", 99U, OutSession()), R"(0 closed | Database error, info: prepare session failed\n)"},
-    });
-}
 // clang-format on
 
 }  // namespace

@@ -11,10 +11,12 @@
 #include "support/events.h"
 #include "support/listener.h"
 #include "support/network.h"
+#include "support/writes.h"
 
 namespace {
 
 using namespace calls;
+using namespace support::writes;
 using standin::Row;
 using standin::Transaction;
 
@@ -33,27 +35,15 @@ protected:
     }
 };
 
-// What needs something made ready has it in common with all threads.
-bool IsIndependent(const Call& call)
-{
-    return !call.before && !call.after;
-}
-
 // Rows that no call asks for come and go, and the rows of a table are replaced by the same.
 void Write(const std::atomic<bool>& stop)
 {
     for (uint32_t round = 0; !stop; round++) {
-        Transaction transaction;
+        const Writing write = round % 2 == 0 ? Replace : Delete;
+        Transaction   transaction;
         for (uint32_t index = 50; index < 60; index++) {
-            const Row phy  = Row("if_phy").Set("if_index", index).Set("phy_state", round / 2 % 2);
-            const Row port = Row("port").Set("if_index", index).Set("switch_port", round / 2 % 2);
-            if (round % 2 == 0) {
-                transaction.Replace(phy);
-                transaction.Replace(port);
-            } else {
-                transaction.Delete(phy);
-                transaction.Delete(port);
-            }
+            write(transaction, Phy(index, round / 2 % 2));
+            write(transaction, Port(index, 1, round / 2 % 2));
         }
         for (const char* table : {"if_base", "vlan", "am_ipv4_address", "Fib.ConfigNhpStandard"}) {
             standin::ForEachRow(*standin::FindTable(table),
@@ -75,15 +65,6 @@ void WalkInterfaces(const std::atomic<bool>& stop)
     }
 }
 
-void Ask(const Calls& calls, int rounds)
-{
-    for (int round = 0; round < rounds; round++) {
-        for (const Call& call : calls) {
-            EXPECT_EQ(call.run(), call.expectations) << call.name;
-        }
-    }
-}
-
 TEST_F(Threads, AnswerAlikeWhileOthersWriteWalkAndAreTold)
 {
     static std::atomic<uint32_t> told;
@@ -91,7 +72,8 @@ TEST_F(Threads, AnswerAlikeWhileOthersWriteWalkAndAreTold)
     IF_RegNotifyFunc(1, [](auto...) { return ++told; });
     ASSERT_EQ(BDS_InitStart(), 0U);
     Calls calls = QueryCalls();
-    std::erase_if(calls, [](const Call& call) { return !IsIndependent(call); });
+    // What needs something made ready has it in common with all threads.
+    std::erase_if(calls, [](const Call& call) { return call.before || call.after; });
     for (Call& call : calls) {
         call.expectations = Read(call).good.answer;
     }
@@ -103,7 +85,13 @@ TEST_F(Threads, AnswerAlikeWhileOthersWriteWalkAndAreTold)
     others.emplace_back(WalkInterfaces, std::cref(stop));
     std::vector<std::jthread> askers;
     for (int asker = 0; asker < 3; asker++) {
-        askers.emplace_back(Ask, std::cref(calls), 50);
+        askers.emplace_back([&] {
+            for (int round = 0; round < 50; round++) {
+                for (const Call& call : calls) {
+                    EXPECT_EQ(call.run(), call.expectations) << call.name;
+                }
+            }
+        });
     }
     askers.clear();
     stop = true;

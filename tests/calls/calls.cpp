@@ -2,7 +2,8 @@
 #include "calls/calls.h"
 
 #include <algorithm>
-#include <array>
+
+#include "sources/json_row.h"
 
 namespace calls {
 
@@ -34,11 +35,14 @@ std::string Text(const char* text)
     return view == "untouched" ? "-" : view.empty() ? R"("")" : text;
 }
 
-void Insert(const std::vector<standin::Row>& rows)
+void Load(const std::string& device)
 {
+    const auto           tables = sources::Json::parse(device);
     standin::Transaction write;
-    for (const standin::Row& row : rows) {
-        write.Insert(row);
+    for (const auto& [table, rows] : tables.items()) {
+        for (const auto& row : rows) {
+            write.Insert(sources::RowFromJson(*standin::FindTable(table), row));
+        }
     }
     write.Commit();
 }
@@ -72,136 +76,55 @@ void Closed()
 
 namespace {
 
-using standin::Row;
-
-void Interfaces(standin::Transaction& fill)
-{
-    constexpr uint8_t mac[] = {0x02, 0x00, 0x5e, 0x10, 0x20, 0x30};
-    const auto named = [](uint32_t index, const char* name, const char* simple, uint32_t type) {
-        return Row("if_base")
-            .Set("if_index", index)
-            .Set("if_name", name)
-            .Set("simple_name", simple)
-            .Set("if_type", type);
-    };
-    fill.Insert(named(1, "Eth0/0/1", "E1", 1));
-    fill.Insert(named(2, "Vlanif10", "V10", 8));
-    fill.Insert(Row("if_phy")
-                    .Set("if_index", 1)
-                    .Set("phy_state", 1)
-                    .Set("slot_id", 0x01020304)
-                    .Set("port_id", 0xF1F2F3F4)
-                    .SetBytes("mac_addr", mac));
-    fill.Insert(Row("if_link").Set("if_index", 1).Set("link_state", 1));
-    fill.Insert(Row("if_route").Set("if_index", 1).Set("route_state", 1));
-}
-
-void Layer2(standin::Transaction& fill)
-{
-    for (const uint32_t index : {1U, 2U}) {
-        fill.Insert(Row("port")
-                        .Set("if_index", index)
-                        .Set("port_index", index << 8)
-                        .Set("pvid", 10)
-                        .Set("switch_port", 1));
-    }
-    fill.Insert(Row("vlan").Set("vlan_id", 20).Set("name", "blue"));
-    fill.Insert(Row("vlan")
-                    .Set("vlan_id", 10)
-                    .Set("name", "red")
-                    .Set("description", "red floor")
-                    .Set("state", 1)
-                    .AddToSet("member_bitmap_1", 1, 1));
-}
-
-void Addresses(standin::Transaction& fill)
-{
-    using Item            = std::array<uint64_t, 3>;  // address, prefix length, type
-    constexpr char list[] = "ipv4_address_list";
-    fill.Insert(Row("am_ipv4_address")
-                    .Set("if_index", 2)
-                    .Set("instance_id", 5)
-                    .AddItem(list, Item{0x0A000001, 16, 1}));
-    fill.Insert(Row("am_ipv4_address")
-                    .Set("if_index", 1)
-                    .AddItem(list, Item{0x0A000001, 24, 6})
-                    .AddItem(list, Item{0x0A000002, 25, 1}));
-}
-
-void Routes(standin::Transaction& fill)
-{
-    const auto forward = [](uint32_t address, uint32_t group) {
-        return Row("Fib.ConfigIpv4Fwd")
-            .Set("destAddr", address)
-            .Set("prefixLen", 8)
-            .Set("nhpGroupId", group);
-    };
-    const auto member = [](uint32_t group, uint32_t index) {
-        return Row("Fib.ConfigNhpGroupNode").Set("nhpGroupId", group).Set("primaryNhpId", index);
-    };
-    const auto nextHop = [](uint32_t index, uint32_t first, uint32_t second) {
-        return Row("Fib.ConfigNhpStandard")
-            .Set("nhpIndex", index)
-            .Set("next_hop", first)
-            .Set("out_if_index", second);
-    };
-    fill.Insert(forward(0x14000000, 9));
-    fill.Insert(forward(0x0A000000, 1));
-    fill.Insert(member(9, 999));
-    fill.Insert(member(1, 101));
-    fill.Insert(member(1, 102));
-    fill.Insert(nextHop(102, 1002, 2));
-    fill.Insert(nextHop(101, 1001, 1));
-}
-
-void AccessLists(standin::Transaction& fill)
-{
-    for (const uint32_t isIpv6 : {0U, 1U}) {
-        fill.Insert(Row("acl_group")
-                        .Set("acl_group_id", 1 + isIpv6)
-                        .Set("vsid", 1)
-                        .Set("vsysid", 2)
-                        .Set("acl_number", 3000)
-                        .Set("acl_name", "web")
-                        .Set("isipv6", isIpv6));
-    }
-    for (const uint32_t rule : {1U, 2U}) {
-        fill.Insert(Row("acl_adv").Set("acl_group_id", 1).Set("rule_id", rule));
-        fill.Insert(Row("acl_rule_id").Set("groupId", 2).Set("rule_id", rule));
-    }
-    fill.Insert(
-        Row("acl_group_id").Set("id", 1).Set("name", "web").Set("kind", 4).Set("acl_number", 3000));
-}
-
-void Profiles(standin::Transaction& fill)
-{
-    using Item    = std::array<uint64_t, 2>;
-    using CarItem = std::array<uint64_t, 5>;
-    fill.Insert(Row("qos_integration")
-                    .Set("index", 1)
-                    .Set("name", "gold")
-                    .AddItem("remark_dscp_list", Item{0, 40})
-                    .AddItem("remark_dscp_list", Item{1, 41})
-                    .AddItem("remark_8021p_list", Item{0, 5})
-                    .AddItem("remark_8021p_list", Item{1, 6})
-                    .AddItem("car_list", CarItem{0, 10, 20, 30, 40})
-                    .AddItem("car_list", CarItem{1, 11, 21, 31, 41}));
-    fill.Insert(Row("qos_integration").Set("index", 2).Set("name", "silver"));
-}
+constexpr char DEVICE[] = R"({
+    "if_base": [
+        {"if_index": 1, "if_name": "Eth0/0/1", "simple_name": "E1", "if_type": 1},
+        {"if_index": 2, "if_name": "Vlanif10", "simple_name": "V10", "if_type": 8}],
+    "if_phy": [
+        {"if_index": 1, "phy_state": 1, "slot_id": 16909060, "port_id": 4059231220, "mac_addr": "02:00:5e:10:20:30"}],
+    "if_link": [{"if_index": 1, "link_state": 1}],
+    "if_route": [{"if_index": 1, "route_state": 1}],
+    "port": [
+        {"if_index": 1, "port_index": 256, "pvid": 10, "switch_port": 1},
+        {"if_index": 2, "port_index": 512, "pvid": 10, "switch_port": 1}],
+    "vlan": [
+        {"vlan_scope0": 0, "vlan_scope1": 0, "vlan_id": 20, "name": "blue"},
+        {"vlan_scope0": 0, "vlan_scope1": 0, "vlan_id": 10, "name": "red", "description": "red floor", "state": 1, "member_bitmap_1": [1]}],
+    "am_ipv4_address": [
+        {"if_index": 2, "instance_id": 5, "ipv4_address_list": [{"address": "10.0.0.1", "masklen": 16, "type": 1}]},
+        {"if_index": 1, "ipv4_address_list": [
+            {"address": "10.0.0.1", "masklen": 24, "type": 6}, {"address": "10.0.0.2", "masklen": 25, "type": 1}]}],
+    "Fib.ConfigIpv4Fwd": [
+        {"destAddr": "20.0.0.0", "prefixLen": 8, "nhpGroupId": 9},
+        {"destAddr": "10.0.0.0", "prefixLen": 8, "nhpGroupId": 1}],
+    "Fib.ConfigNhpGroupNode": [
+        {"nhpGroupId": 9, "primaryNhpId": 999},
+        {"nhpGroupId": 1, "primaryNhpId": 101}, {"nhpGroupId": 1, "primaryNhpId": 102}],
+    "Fib.ConfigNhpStandard": [
+        {"nhpIndex": 102, "next_hop": "0.0.3.234", "out_if_index": 2},
+        {"nhpIndex": 101, "next_hop": "0.0.3.233", "out_if_index": 1}],
+    "acl_group": [
+        {"acl_group_id": 1, "vsid": 1, "vsysid": 2, "acl_number": 3000, "acl_name": "web"},
+        {"acl_group_id": 2, "vsid": 1, "vsysid": 2, "acl_number": 3000, "acl_name": "web", "isipv6": 1}],
+    "acl_adv": [{"acl_group_id": 1, "rule_id": 1}, {"acl_group_id": 1, "rule_id": 2}],
+    "acl_rule_id": [{"groupId": 2, "rule_id": 1}, {"groupId": 2, "rule_id": 2}],
+    "acl_group_id": [{"id": 1, "name": "web", "kind": 4, "acl_number": 3000}],
+    "qos_integration": [
+        {"index": 1, "name": "gold",
+            "remark_dscp_list": [{"index": 0, "dscp": 40}, {"index": 1, "dscp": 41}],
+            "remark_8021p_list": [{"index": 0, "priority": 5}, {"index": 1, "priority": 6}],
+            "car_list": [
+                {"index": 0, "cir": 10, "cbs": 20, "pir": 30, "pbs": 40},
+                {"index": 1, "cir": 11, "cbs": 21, "pir": 31, "pbs": 41}]},
+        {"index": 2, "name": "silver"}]
+})";
 
 }  // namespace
 
 void DeviceTest::SetUp()
 {
     PlatformTest::SetUp();
-    standin::Transaction fill;
-    Interfaces(fill);
-    Layer2(fill);
-    Addresses(fill);
-    Routes(fill);
-    AccessLists(fill);
-    Profiles(fill);
-    fill.Commit();
+    Load(DEVICE);
 }
 
 void PrintTo(const Outcome& outcome, std::ostream* out)

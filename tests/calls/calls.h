@@ -117,7 +117,8 @@ Outcome WithFault(const Expectation& expectation, const Lines& points, const Fau
 using Values = std::vector<std::pair<const char*, std::string>>;
 std::string Fill(std::string text, const Values& values);
 
-void Insert(const std::vector<standin::Row>& rows);
+// Adds rows in JSON: {"vlan": [{"vlan_scope0": 0, ...}]}.
+void Load(const std::string& device);
 
 // The session that a call works in or hands out, and a place in it. Positioned moves to the first
 // row of a table; Closed closes what is open.

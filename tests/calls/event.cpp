@@ -14,13 +14,14 @@
 #include "calls/calls.h"
 #include "support/events.h"
 #include "support/listener.h"
+#include "support/writes.h"
 
 namespace calls {
 
 namespace {
 
 using standin::Row;
-using standin::Transaction;
+using namespace support::writes;
 using support::ForgetEvents;
 
 constexpr L2IF_SH_EVT_CB_FUNC* ON_LAYER2    = [](auto...) { return 0U; };
@@ -81,72 +82,40 @@ void Subscribe(const std::string& table)
     EXPECT_EQ(OrmSubscribe(session, "s", definition.c_str(), HandOver, nullptr, "o"), 0U);
 }
 
-void Delete(Transaction& transaction, const Row& row)
-{
-    transaction.Delete(row);
-}
-template <void (Transaction::*write)(Row)>
-void Put(Transaction& transaction, const Row& row)
-{
-    (transaction.*write)(row);
-}
-constexpr auto Add     = Put<&Transaction::Insert>;
-constexpr auto Update  = Put<&Transaction::Update>;
-constexpr auto Replace = Put<&Transaction::Replace>;
-
-using Writing = void (*)(Transaction&, const Row&);
-
-void Do(Writing write, const std::vector<Row>& rows)
-{
-    Transaction transaction;
-    for (const Row& row : rows) {
-        write(transaction, row);
-    }
-    transaction.Commit();
-}
-
 // The rows of a table, in two states.
-using RowOf = Row (*)(uint32_t index, uint32_t state);
+using RowOf = Row (*)(uint64_t index, uint64_t state);
 
-Row Base(uint32_t index, uint32_t /*state*/)
+Row Named(uint64_t index, uint64_t /*state*/)
 {
-    return Row("if_base").Set("if_index", index).Set("if_name", std::to_string(index));
+    return Base(index);
 }
-Row Phy(uint32_t index, uint32_t state)
+Row Member(uint64_t index, uint64_t state)
 {
-    return Row("if_phy").Set("if_index", index).Set("phy_state", state);
-}
-Row Route(uint32_t index, uint32_t state)
-{
-    return Row("if_route").Set("if_index", index).Set("route_state", state);
-}
-Row Port(uint32_t index, uint32_t state)
-{
-    Row row = Row("port").Set("if_index", index).Set("pvid", 1).Set("switch_port", state);
-    return row.AddToSet("vlan_bitmap_2", state, state);
+    const auto id = static_cast<uint32_t>(state);
+    return Port(index, 1, state).AddToSet("vlan_bitmap_2", id, id);
 }
 
 // One delivery: rows that were there in state 1 are written in state 0, and new ones in state 1.
 Call Delivery(const char* name, std::function<void(ORM_MESSAGE, uint32_t)> function, Writing write,
               RowOf row, const std::string& expectations)
 {
-    const bool             isNew = write == Writing{Add};
+    const bool             isNew = write == Writing{Insert};
     const std::vector<Row> old   = {row(91, 1), row(92, 1)};
     const std::vector<Row> now   = {row(91, isNew ? 1 : 0), row(92, isNew ? 1 : 0)};
     return {name,
             [=] {
                 support::WatchPlatform(false);
                 onMessage = function;
-                Do(write, now);
+                Write(write, now);
                 DbcHandleEvent(descriptor);
                 return TakeEvents();
             },
             expectations,
             [=] {
                 if (write == Writing{Replace}) {
-                    Do(Add, {old[0]});
+                    Write(Insert, {old[0]});
                 } else if (!isNew) {
-                    Do(Add, old);
+                    Write(Insert, old);
                 }
                 support::RecordEvents();
                 Subscribe(std::string(old[0].Description().name));
@@ -155,7 +124,7 @@ Call Delivery(const char* name, std::function<void(ORM_MESSAGE, uint32_t)> funct
                 Closed();
                 ForgetEvents();
                 if (write != Writing{Delete}) {
-                    Do(Delete, now);
+                    Write(Delete, now);
                 }
             }};
 }
@@ -360,9 +329,9 @@ Calls Deliveries()
         return Fill(Fill(REPLACED, {{"$1", update}, {"$2", Fill(insertion, {{"91", "92"}})}, {"$new", insertion}}), table);
     };
     return {
-        Delivery("QRB_EVENT_IfBaseTableCallback", QRB_EVENT_IfBaseTableCallback, Add, Base, base("notify 0 $if")),
-        Delivery("QRB_EVENT_IfBaseTableCallback", QRB_EVENT_IfBaseTableCallback, Delete, Base, base("notify 1 $if")),
-        Delivery("QRB_EVENT_IfPhyTableCallback", QRB_EVENT_IfPhyTableCallback, Add, Phy,
+        Delivery("QRB_EVENT_IfBaseTableCallback", QRB_EVENT_IfBaseTableCallback, Insert, Named, base("notify 0 $if")),
+        Delivery("QRB_EVENT_IfBaseTableCallback", QRB_EVENT_IfBaseTableCallback, Delete, Named, base("notify 1 $if")),
+        Delivery("QRB_EVENT_IfPhyTableCallback", QRB_EVENT_IfPhyTableCallback, Insert, Phy,
             inserted("IfPhyInsert", "IfPhyOrmGetNewData", "new", "phy", "9/8 flag 0 $if, notify 3 $if")),
         Delivery("QRB_EVENT_IfPhyTableCallback", QRB_EVENT_IfPhyTableCallback, Update, Phy,
             both(UPDATED, phy, "9/2 flag 1 $if, notify 4 $if")),
@@ -372,37 +341,26 @@ Calls Deliveries()
             R"(- | Incorrect type of event type, type=1\n)"),
         Delivery("QRB_EVENT_IfRouteTableCallback", QRB_EVENT_IfRouteTableCallback, Update, Route,
             both(UPDATED, route, "9/3 flag 1 $if with 1, 0")),
-        Delivery("QRB_EVENT_PortTableCallback", QRB_EVENT_PortTableCallback, Add, Port,
+        Delivery("QRB_EVENT_PortTableCallback", QRB_EVENT_PortTableCallback, Insert, Member,
             inserted("PortInsert", "PortOrmGetNewData", "new", "port", "36 $if pvid 1")),
-        Delivery("QRB_EVENT_PortTableCallback", QRB_EVENT_PortTableCallback, Delete, Port,
+        Delivery("QRB_EVENT_PortTableCallback", QRB_EVENT_PortTableCallback, Delete, Member,
             inserted("PortDelete", "PortOrmGetOldData", "old", "port", "37 $if pvid 1")),
-        Delivery("QRB_EVENT_PortTableCallback", QRB_EVENT_PortTableCallback, Update, Port,
+        Delivery("QRB_EVENT_PortTableCallback", QRB_EVENT_PortTableCallback, Update, Member,
             both(UPDATED, port, "14 $if use 0, 11 $if pvid 1 bitmap 0")),
-        Delivery("QRB_EVENT_PortTableCallback", QRB_EVENT_PortTableCallback, Replace, Port,
+        Delivery("QRB_EVENT_PortTableCallback", QRB_EVENT_PortTableCallback, Replace, Member,
             replaced(port, "14 if 91 use 0, 11 if 91 pvid 1 bitmap 0", "36 if 91 pvid 1")),
     };
 }
 
-// The code and the interface of a function that reads a row of the message.
-#define READS(function, record) [](ORM_MESSAGE message) { record row = {}; return Texts({function(message, &row), row.if_index}); }
-#define BOTH_OBJECTS(name, record, row)                                                                            \
-    OfMessage("QRB_EVENT_" #name "OrmGetOldData", READS(QRB_EVENT_##name##OrmGetOldData, record), Update, row, READ_STEPS), \
-    OfMessage("QRB_EVENT_" #name "OrmGetNewData", READS(QRB_EVENT_##name##OrmGetNewData, record), Update, row, READ_STEPS)
-
-constexpr char READ_STEPS[] = R"(0 91
-    any       1 0 | Failed to fetch DB, ret=%\n)";
-
 Calls OfMessages()
 {
     return {
-        BOTH_OBJECTS(IfPhy, QRB_IF_PHY_S, Phy),
-        BOTH_OBJECTS(IfRoute, QRB_IF_ROUTE_S, Route),
-        BOTH_OBJECTS(Port, QRB_PORT_S, Port),
+    
         OfMessage("QRB_EVENT_GetIfBaseFromSession", [](ORM_MESSAGE message) {
             QRB_IF_BASE_S  row = {};
             const uint32_t ret = QRB_EVENT_GetIfBaseFromSession(message, ORM_OBJECT_NEW, &row);
             return Texts({ret, row.if_index}) + ' ' + Text(row.if_name);
-        }, Add, Base, R"(0 91 91
+        }, Insert, Named, R"(0 91 91
             extract   1 0 ""  | OrmSubExtractData fail, ret=%.\n
             field#1   1 0 ""  | get ifindex from db sub session fail, ret=%.\n
             field#2   1 91 "" | get ifname from db sub session fail, ret=%.\n)"),
@@ -411,40 +369,23 @@ Calls OfMessages()
             QRB_IF_PHY_NOTICE_S notice = {UNTOUCHED, UNTOUCHED};
             QRB_EVENT_IfPhyInsert(message, &row, &notice);
             return Texts({notice.ifIndex, notice.phyState});
-        }, Add, Phy, R"(91 1 9/8 flag 0 if 91, notify 3 if 91
+        }, Insert, Phy, R"(91 1 9/8 flag 0 if 91, notify 3 if 91
             any       - -  | QRB_EVENT_IfPhyOrmGetNewData: Failed to fetch DB, ret=%\n | Failed to get new orm phy data.\n)"),
-        OfMessage("QRB_EVENT_PortInsert", [](ORM_MESSAGE message) {
-            QRB_PORT_S row = {};
-            QRB_EVENT_PortInsert(message, &row);
-            return std::string();
-        }, Add, Port, R"(36 if 91 pvid 1
-            any        | QRB_EVENT_PortOrmGetNewData: Failed to fetch DB, ret=%\n | Failed to get new orm port data.\n)"),
-        OfMessage("QRB_EVENT_PortDelete", [](ORM_MESSAGE message) {
-            QRB_PORT_S row = {};
-            QRB_EVENT_PortDelete(message, &row);
-            return std::string();
-        }, Delete, Port, R"(37 if 91 pvid 1
-            any        | QRB_EVENT_PortOrmGetOldData: Failed to fetch DB, ret=%\n | Failed to get old orm port data.\n)"),
     };
 }
 
 Calls Starts()
 {
-    const auto subscription = [](const char* own, const char* table) {
-        return "0 open" + Fill(SUBSCRIPTION, {{"$own", own}, {"$table", table}});
-    };
+#define SUBSCRIBES(function, table)                                                                  \
+    {#function, Started<function>, "0 open" + Fill(SUBSCRIPTION, {{"$own", #function}, {"$table", table}}), {}, LeftUnlocked, Tidy}
     return {
         {"QrbDbListenerRegisterEvent", Started<Register>, "0 open" + Fill(REGISTRATION, {
             {"$failed", "%"}, {"$refused", "2013"}, {"$behind", "-"}}) + R"(
             OrmSubscribe  % closed | [DEBUG]: OrmSubscribe fail, ret=%\n)", {}, LeftUnlocked, Tidy},
-        {"QRB_EVENT_SubToPortTable", Started<QRB_EVENT_SubToPortTable>,
-            subscription("QRB_EVENT_SubToPortTable", "port"), {}, LeftUnlocked, Tidy},
-        {"QRB_EVENT_SubToIfRouteTable", Started<QRB_EVENT_SubToIfRouteTable>,
-            subscription("QRB_EVENT_SubToIfRouteTable", "if_route"), {}, LeftUnlocked, Tidy},
-        {"QRB_EVENT_SubToIfPhyTable", Started<QRB_EVENT_SubToIfPhyTable>,
-            subscription("QRB_EVENT_SubToIfPhyTable", "if_phy"), {}, LeftUnlocked, Tidy},
-        {"QRB_EVENT_SubToIfBaseTable", Started<QRB_EVENT_SubToIfBaseTable>,
-            subscription("QRB_EVENT_SubToIfBaseTable", "if_base"), {}, LeftUnlocked, Tidy},
+        SUBSCRIBES(QRB_EVENT_SubToPortTable, "port"),
+        SUBSCRIBES(QRB_EVENT_SubToIfRouteTable, "if_route"),
+        SUBSCRIBES(QRB_EVENT_SubToIfPhyTable, "if_phy"),
+        SUBSCRIBES(QRB_EVENT_SubToIfBaseTable, "if_base"),
         // The registries are built as far as there is memory, and the tree is cleared first.
         {"BDS_InitStart", Started<BDS_InitStart>, R"(0 open
             memory    =

@@ -20,8 +20,24 @@ struct Walk {
     uint32_t (*finish)();
     const ORM_SESSION* session;
     const ORM_SCAN*    scan;
-    Values             words;
+    const char*        kind;
+    const char*        name;
+    const char*        variable;
+    const char*        row;
+    const char*        yielded[2];
 };
+
+// clang-format off
+constexpr Walk IF_INDEXES = {
+    QRB_GetFirstIfIndex, QRB_ScanIfIndexFinish, &g_ScanIndexSession, &g_IndexScanHandle,
+    "IfIndex", "index", "g_ScanIndexSession", "OrmgIfBaseGetAllFields", {"1", "2"}};
+constexpr Walk PORTS = {
+    QRB_GetFirstPort, QRB_ScanPortFinish, &g_ScanPortSession, &g_PortScanHandle,
+    "Port", "port", "g_ScanPortSession", "OrmgportGetAllFields", {"256", "512"}};
+constexpr Walk VLANS = {
+    QRB_GetFirstVlan, QRB_ScanVlanFinish, &g_ScanVlanSession, &g_VlanScanHandle,
+    "Vlan", "vlan", "g_ScanVlanSession", "OrmgVlanGetAllFields", {"20", "10"}};
+// clang-format on
 
 std::string State(const Walk& walk)
 {
@@ -55,9 +71,11 @@ template <typename Function, typename... Arguments>
 Call StepOf(const Walk& walk, const char* name, const char* expectations, const char* none,
             Function function, Arguments... arguments)
 {
-    Values words = walk.words;
-    words.emplace_back("$none", none);
-    const bool isFirst = expectations == FIRST;
+    const bool   isFirst = expectations == FIRST;
+    const Values words   = {
+          {"$kind", walk.kind}, {"$name", walk.name},      {"$variable", walk.variable},
+          {"$row", walk.row},   {"$1st", walk.yielded[0]}, {"$2nd", walk.yielded[1]},
+          {"$none", none}};
     return {name,
             [=] {
                 const std::string answer = Run(function, arguments...);
@@ -74,37 +92,6 @@ Call StepOf(const Walk& walk, const char* name, const char* expectations, const 
                 }
             }};
 }
-
-const Walk IF_INDEXES = {QRB_GetFirstIfIndex,
-                         QRB_ScanIfIndexFinish,
-                         &g_ScanIndexSession,
-                         &g_IndexScanHandle,
-                         {{"$kind", "IfIndex"},
-                          {"$name", "index"},
-                          {"$variable", "g_ScanIndexSession"},
-                          {"$row", "OrmgIfBaseGetAllFields"},
-                          {"$1st", "1"},
-                          {"$2nd", "2"}}};
-const Walk PORTS      = {QRB_GetFirstPort,
-                         QRB_ScanPortFinish,
-                         &g_ScanPortSession,
-                         &g_PortScanHandle,
-                         {{"$kind", "Port"},
-                          {"$name", "port"},
-                          {"$variable", "g_ScanPortSession"},
-                          {"$row", "OrmgportGetAllFields"},
-                          {"$1st", "256"},
-                          {"$2nd", "512"}}};
-const Walk VLANS      = {QRB_GetFirstVlan,
-                         QRB_ScanVlanFinish,
-                         &g_ScanVlanSession,
-                         &g_VlanScanHandle,
-                         {{"$kind", "Vlan"},
-                          {"$name", "vlan"},
-                          {"$variable", "g_ScanVlanSession"},
-                          {"$row", "OrmgVlanGetAllFields"},
-                          {"$1st", "20"},
-                          {"$2nd", "10"}}};
 
 // clang-format off
 constexpr char IS_ACTIVE[] = R"($yes

@@ -56,6 +56,16 @@ std::vector<std::string> TakeMessages()
     return messages;
 }
 
+std::vector<std::string> TakeComplaints()
+{
+    std::vector<std::string> messages = TakeMessages();
+    std::erase_if(messages, [](const std::string& message) {
+        return message.find("thread start") != std::string::npos ||
+               message.find("thread exit.") != std::string::npos;
+    });
+    return messages;
+}
+
 }  // namespace support
 
 extern "C" {

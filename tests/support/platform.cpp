@@ -76,10 +76,11 @@ UNWATCHED auto Next(const char* name)
 }
 
 template <auto Operation, typename... Arguments>
-uint32_t Pass(const char* name, Arguments... arguments)
+auto Pass(const char* name, Arguments... arguments)
 {
+    using Result                        = decltype(Operation(arguments...));
     const std::optional<uint32_t> fault = Fault(name);
-    return fault ? *fault : Next<Operation>(name)(arguments...);
+    return fault ? static_cast<Result>(*fault) : Next<Operation>(name)(arguments...);
 }
 
 // A clean-up does its work even where it is to fail, so that what stays open is the caller's doing.
@@ -96,13 +97,6 @@ uint32_t Opened(uint32_t result, std::atomic<int>& open)
 {
     open += result == 0 ? 1 : 0;
     return result;
-}
-
-template <auto Operation, typename... Arguments>
-int PassBounded(const char* name, Arguments... arguments)
-{
-    const std::optional<uint32_t> fault = Fault(name);
-    return fault ? static_cast<int>(*fault) : Next<Operation>(name)(arguments...);
 }
 
 // Everybody's malloc and calloc come to the test program, the library's by the address that they
@@ -250,56 +244,36 @@ void PlatformTest::TearDown()
 
 using namespace support;
 
-#define OPERATION(name, parameters, ...)        \
-    extern "C" uint32_t name parameters         \
-    {                                           \
-        return Pass<&name>(#name, __VA_ARGS__); \
-    }
+// clang-format off
+#define PASS(name, ...) { return Pass<&name>(#name, __VA_ARGS__); }
+#define OPERATION1(result, name, A) extern "C" result name(A a) PASS(name, a)
+#define OPERATION2(result, name, A, B) extern "C" result name(A a, B b) PASS(name, a, b)
+#define OPERATION3(result, name, A, B, C) extern "C" result name(A a, B b, C c) PASS(name, a, b, c)
+#define OPERATION4(result, name, A, B, C, D) extern "C" result name(A a, B b, C c, D d) PASS(name, a, b, c, d)
+#define OPERATION5(result, name, A, B, C, D, E) extern "C" result name(A a, B b, C c, D d, E e) PASS(name, a, b, c, d, e)
+#define OPERATION6(result, name, A, B, C, D, E, F) extern "C" result name(A a, B b, C c, D d, E e, F f) PASS(name, a, b, c, d, e, f)
+#define READER(table) OPERATION4(uint32_t, Ormg##table##ReadInner, const void*, uint32_t, void*, uint32_t)
+#define ALL_FIELDS(table) OPERATION3(uint32_t, Ormg##table##GetAllFieldsInner, ORM_SESSION, void*, uint32_t)
+#define SET_KEY(table, key) OPERATION3(uint32_t, Ormg##table##SetKey##key##Inner, ORM_SESSION, const void*, uint32_t)
 
-#define READER(table)                                                                          \
-    OPERATION(Ormg##table##ReadInner,                                                          \
-              (const void* key, uint32_t keyLength, void* record, uint32_t recordLength), key, \
-              keyLength, record, recordLength)
-
-#define ALL_FIELDS(table)                                                                  \
-    OPERATION(Ormg##table##GetAllFieldsInner,                                              \
-              (ORM_SESSION session, void* record, uint32_t recordLength), session, record, \
-              recordLength)
-
-#define SET_KEY(tableAndKey)            \
-    OPERATION(Ormg##tableAndKey##Inner, \
-              (ORM_SESSION session, const void* key, uint32_t keyLength), session, key, keyLength)
-
-OPERATION(OrmInit, (uint32_t mode, uint32_t option), mode, option)
-OPERATION(OrmPrepare, (ORM_SESSION session, const char* table, uint32_t operation), session, table,
-          operation)
-OPERATION(OrmSetKeyName, (ORM_SESSION session, const char* key), session, key)
-OPERATION(OrmSetIndexKeyValue,
-          (ORM_SESSION session, uint32_t member, uint32_t type, const void* value, uint32_t size),
-          session, member, type, value, size)
-OPERATION(OrmExecute, (ORM_SESSION session), session)
-OPERATION(OrmGetField, (ORM_SESSION session, const char* field, void* to, uint32_t size), session,
-          field, to, size)
-OPERATION(OrmGetFieldById, (ORM_SESSION session, uint32_t field, void* to, uint32_t size), session,
-          field, to, size)
-OPERATION(OrmSetScanCond, (ORM_SESSION session, const char* condition), session, condition)
-OPERATION(OrmScanNext, (ORM_SESSION session, ORM_SCAN scan, uint8_t* end), session, scan, end)
-OPERATION(OrmNodeGetChild, (ORM_SESSION session, ORM_NODE parent, const char* list, ORM_NODE* node),
-          session, parent, list, node)
-OPERATION(OrmNodeGetSize, (ORM_NODE node, uint32_t* count), node, count)
-OPERATION(OrmNodeGetItemByIdx, (ORM_NODE node, uint32_t index, ORM_NODE* item), node, index, item)
-OPERATION(OrmNodeGetFieldById, (ORM_NODE item, uint32_t field, void* to, uint32_t size), item,
-          field, to, size)
-OPERATION(OrmSessionParamSetConnName, (ORM_SESSION_PARAM param, const char* name), param, name)
-OPERATION(OrmSubscribe,
-          (ORM_SESSION session, const char* name, const char* definition, ORM_SUB_CALLBACK callback,
-           void* argument, const char* owner),
-          session, name, definition, callback, argument, owner)
-OPERATION(OrmSubFetchNext, (ORM_MESSAGE message, uint8_t* end), message, end)
-OPERATION(OrmSubExtractData, (ORM_MESSAGE message, uint32_t object, uint32_t flags), message,
-          object, flags)
-OPERATION(DbcHandleEvent, (int32_t descriptor), descriptor)
-
+OPERATION2(uint32_t, OrmInit, uint32_t, uint32_t)
+OPERATION3(uint32_t, OrmPrepare, ORM_SESSION, const char*, uint32_t)
+OPERATION2(uint32_t, OrmSetKeyName, ORM_SESSION, const char*)
+OPERATION5(uint32_t, OrmSetIndexKeyValue, ORM_SESSION, uint32_t, uint32_t, const void*, uint32_t)
+OPERATION1(uint32_t, OrmExecute, ORM_SESSION)
+OPERATION4(uint32_t, OrmGetField, ORM_SESSION, const char*, void*, uint32_t)
+OPERATION4(uint32_t, OrmGetFieldById, ORM_SESSION, uint32_t, void*, uint32_t)
+OPERATION2(uint32_t, OrmSetScanCond, ORM_SESSION, const char*)
+OPERATION3(uint32_t, OrmScanNext, ORM_SESSION, ORM_SCAN, uint8_t*)
+OPERATION4(uint32_t, OrmNodeGetChild, ORM_SESSION, ORM_NODE, const char*, ORM_NODE*)
+OPERATION2(uint32_t, OrmNodeGetSize, ORM_NODE, uint32_t*)
+OPERATION3(uint32_t, OrmNodeGetItemByIdx, ORM_NODE, uint32_t, ORM_NODE*)
+OPERATION4(uint32_t, OrmNodeGetFieldById, ORM_NODE, uint32_t, void*, uint32_t)
+OPERATION2(uint32_t, OrmSessionParamSetConnName, ORM_SESSION_PARAM, const char*)
+OPERATION6(uint32_t, OrmSubscribe, ORM_SESSION, const char*, const char*, ORM_SUB_CALLBACK, void*, const char*)
+OPERATION2(uint32_t, OrmSubFetchNext, ORM_MESSAGE, uint8_t*)
+OPERATION3(uint32_t, OrmSubExtractData, ORM_MESSAGE, uint32_t, uint32_t)
+OPERATION1(uint32_t, DbcHandleEvent, int32_t)
 READER(IfBase)
 READER(IfPhy)
 READER(IfLink)
@@ -312,10 +286,16 @@ ALL_FIELDS(IfRoute)
 ALL_FIELDS(Port)
 ALL_FIELDS(Vlan)
 ALL_FIELDS(AclGroupId)
-SET_KEY(IfBaseSetKeyLocalKey)
-SET_KEY(AmIpv4AddressSetKeyPrimaryKey)
-SET_KEY(AclGroupIdSetKeyPrimaryKey)
-SET_KEY(QosIntegrationSetKeyPrimaryKey)
+SET_KEY(IfBase, LocalKey)
+SET_KEY(AmIpv4Address, PrimaryKey)
+SET_KEY(AclGroupId, PrimaryKey)
+SET_KEY(QosIntegration, PrimaryKey)
+OPERATION4(int, memcpy_s, void*, size_t, const void*, size_t)
+OPERATION4(int, memset_s, void*, size_t, int, size_t)
+OPERATION3(int, strcpy_s, char*, size_t, const char*)
+OPERATION4(int, strncpy_s, char*, size_t, const char*, size_t)
+OPERATION3(int, strcat_s, char*, size_t, const char*)
+// clang-format on
 
 extern "C" {
 
@@ -355,31 +335,6 @@ uint32_t OrmScanStart(ORM_SESSION session, ORM_SCAN* scan)
 uint32_t OrmScanEnd(ORM_SESSION session, ORM_SCAN scan)
 {
     return PassCleanUp<&OrmScanEnd>("OrmScanEnd", openScans, session, scan);
-}
-
-int memcpy_s(void* to, size_t size, const void* from, size_t count)
-{
-    return PassBounded<&memcpy_s>("memcpy_s", to, size, from, count);
-}
-
-int memset_s(void* to, size_t size, int value, size_t count)
-{
-    return PassBounded<&memset_s>("memset_s", to, size, value, count);
-}
-
-int strcpy_s(char* to, size_t size, const char* from)
-{
-    return PassBounded<&strcpy_s>("strcpy_s", to, size, from);
-}
-
-int strncpy_s(char* to, size_t size, const char* from, size_t count)
-{
-    return PassBounded<&strncpy_s>("strncpy_s", to, size, from, count);
-}
-
-int strcat_s(char* to, size_t size, const char* from)
-{
-    return PassBounded<&strcat_s>("strcat_s", to, size, from);
 }
 
 int vsprintf_s(char* to, size_t size, const char* format, va_list arguments)

@@ -1,0 +1,167 @@
+// Interfaces: the comparison of names, types and the one-time build of their table, states.
+#include <barrier>
+#include <cstdlib>
+#include <thread>
+
+#include <tarnd_qrb/interface_lookup.h>
+#include <tarnd_qrb/interface_state.h>
+#include <tarnd_qrb/interface_type.h>
+#include <tarnd_qrb/records.h>
+
+#include "calls/calls.h"
+
+namespace {
+
+using namespace calls;
+
+const BDS_IF_TYPE_INFO_S* Published()
+{
+    return __atomic_load_n(&g_pstBDSIfTypeInfo, __ATOMIC_ACQUIRE);
+}
+
+// As if no table had been built yet.
+void ForgetTable()
+{
+    free(const_cast<BDS_IF_TYPE_INFO_S*>(Published()));
+    __atomic_store_n(&g_pstBDSIfTypeInfo, nullptr, __ATOMIC_RELEASE);
+}
+
+class Interface : public DeviceTest {
+protected:
+    void SetUp() override
+    {
+        DeviceTest::SetUp();
+        ForgetTable();
+    }
+};
+
+TEST_F(Interface, NameIsComparedInTheFormThatIsAskedFor)
+{
+    static QRB_IF_BASE_S           record  = {};
+    static constexpr IF_NAME_KEY_S full    = {"Eth0/0/1", 1};
+    static constexpr IF_NAME_KEY_S simple  = {"E1", 0};
+    static constexpr IF_NAME_KEY_S wrong   = {"E1", 2};
+    constexpr char                 small[] = R"(0 | copy all field if_base fail for cmp\n)";
+    Positioned("if_base");
+    Expect({
+        {CALL(IF_CmpIfBaseRecord, session, &wrong, &record, 387), "0"},
+        {CALL(IF_CmpIfBaseRecord, session, &simple, &record, 387), "1"},
+        {CALL(IF_CmpIfBaseRecord, session, &full, &record, 388), "1"},
+        {CALL(IF_CmpIfBaseRecord, session, &full, &record, 386), small},
+        {CALL(IF_CmpIfBaseRecord, session, &full, &record, -1), small},
+    });
+    Closed();
+    EXPECT_EQ(uint32_t{record.if_index}, 1U);
+}
+
+TEST_F(Interface, TypesFollowFromTheCode)
+{
+    for (const char* type : {"0", "3", "16", "257", "300"}) {
+        Load(Fill(R"({"if_base": [{"if_index": 10$, "if_name": "$", "if_type": $}]})",
+                  {{"$", type}}));
+    }
+    ASSERT_EQ(BDS_InitIfTypeInfo(), 0U);
+    Expect({
+        {CALL(BDS_IfPortTypeSwitch, 0U, Out32()), "0 25"},
+        {CALL(BDS_IfPortTypeSwitch, 3U, Out32()), "0 0"},
+        {CALL(BDS_IfPortTypeSwitch, 6U, Out32()), "0 0"},
+        {CALL(BDS_IfPortTypeSwitch, 9U, Out32()), "0 11"},
+        {CALL(BDS_IfPortTypeSwitch, 10U, Out32()), "0 41"},
+        {CALL(BDS_IfPortTypeSwitch, 16U, Out32()), "0 1"},
+        {CALL(BDS_IfPortTypeSwitch, 17U, Out32()), "1 -"},
+        {CALL(IFPDT_GetPortType, 10300U), "NONE"},
+        {CALL(IF_INTF_GetPhyTypeByIndex, 100U), "38"},
+        {CALL(IF_INTF_GetPhyTypeByIndex, 103U), "101"},
+        {CALL(IF_INTF_GetPhyTypeByIndex, 2U), "101"},
+        {CALL(IF_INTF_GetPhyTypeByIndex, 1016U), "1"},
+        {CALL(IF_INTF_GetPhyTypeByIndex, 10257U), "101"},  // not 1, though its low byte is
+    });
+}
+
+TEST_F(Interface, TypeTableIsReplacedByAnExplicitBuildOnly)
+{
+    uint32_t portType = 0;
+    EXPECT_EQ(BDS_IfPortTypeSwitch(1, &portType), 0U);
+    auto* const first = const_cast<BDS_IF_TYPE_INFO_S*>(Published());
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(BDS_IfPortTypeSwitch(16, &portType), 0U);
+    EXPECT_EQ(Published(), first);
+    EXPECT_EQ(BDS_InitIfTypeInfo(), 0U);
+    EXPECT_NE(Published(), first);
+    EXPECT_EQ(first[15].third_value, 72);  // whoever still reads an old table may
+
+    // The second group needs a whole table, and leaves the first alone.
+    first[9].port_type = UNTOUCHED;
+    first[10]          = {};
+    EXPECT_EQ(BDS_InitNewIfTypeInfo(first, 16), 1U);
+    EXPECT_EQ(first[10].port_type, 0);
+    EXPECT_EQ(BDS_InitNewIfTypeInfo(first, 17), 0U);
+    EXPECT_TRUE(first[9].port_type == UNTOUCHED && first[10].port_type == 41);
+    free(first);
+}
+
+// One build, and no one sees a table that isn't full. A second build would also show as a leak.
+TEST_F(Interface, TypesAreAskedForFirstByManyThreads)
+{
+    constexpr int threadCount = 8;
+
+    support::WatchPlatform(false);
+    const BDS_IF_TYPE_INFO_S* seen[threadCount] = {};
+    int                       wrong             = 0;
+    std::barrier              round(threadCount, [&]() noexcept {
+        for (const BDS_IF_TYPE_INFO_S* table : seen) {
+            wrong += table == nullptr || table != seen[0] || table != Published() ? 1 : 0;
+        }
+        ForgetTable();
+    });
+    const auto                ask = [&](int thread) {
+        for (int i = 0; i < 200; i++) {
+            uint32_t portType = 0;
+            while (thread % 2 == 0 && Published() == nullptr) {
+                std::this_thread::yield();
+            }
+            BDS_IfPortTypeSwitch(16, &portType);
+            seen[thread] = portType == 1 && Published()[16].port_type == 1 ? Published() : nullptr;
+            round.arrive_and_wait();
+        }
+    };
+    std::vector<std::jthread> threads;
+    for (int thread = 0; thread < threadCount; thread++) {
+        threads.emplace_back(ask, thread);
+    }
+    threads.clear();
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST_F(Interface, IsUpByItsLinkAndItsRoute)
+{
+    Load(R"({
+        "if_link": [{"if_index": 10, "link_state": 1}, {"if_index": 11, "link_state": 0}, {"if_index": 12, "link_state": 2}],
+        "if_route": [{"if_index": 10, "route_state": 0}, {"if_index": 11, "route_state": 1}, {"if_index": 12, "route_state": 3}],
+        "if_phy": [{"if_index": 10, "phy_state": 200}],
+        "port": [{"if_index": 10, "switch_port": 200}, {"if_index": 11}]})");
+    Expect({
+        {CALL(IF_INTF_GetIfLineState, 10U, Out32()), "0 2"},
+        {CALL(IF_INTF_GetIfLineState, 11U, Out32()), "0 2"},
+        {CALL(IF_INTF_GetIfLineState, 12U, Out32()), "0 1"},
+        {CALL(IF_INTF_GetIfLinkState, 11U, Out32()), "0 2"},
+        {CALL(IF_INTF_GetIfLinkState, 12U, Out32()), "0 2"},
+        {CALL(BDS_IfnetGetIfPhyState, 10U, Out8()), "0 200"},
+        {CALL(BDS_IfnetIsSwitchPort, 10U), "1"},
+        {CALL(BDS_IfnetIsSwitchPort, 11U), "0"},
+    });
+}
+
+TEST_F(Interface, ClassFollowsFromTheIndex)
+{
+    Expect({
+        {CALL(IF_INIF_IsAPtunnleByIfIndex, 0x5FFFFFFFU), "0"},
+        {CALL(IF_INIF_IsAPtunnleByIfIndex, 0x60000000U), "1"},
+        {CALL(IF_INIF_IsAPtunnleByIfIndex, 0x60FFFFFFU), "1"},
+        {CALL(IF_INIF_IsVapByIfIndex, 0x60FFFFFFU), "0"},
+        {CALL(IF_INIF_IsVapByIfIndex, 0x61FFFFFFU), "1"},
+        {CALL(IF_INIF_IsVapByIfIndex, 0x62000000U), "0"},
+    });
+}
+
+}  // namespace
