@@ -27,6 +27,10 @@ TEST_F(Log, WritesOnlyErrorsAndWorseThatFit)
     const std::string longest(511, 'x');
     Tarn_QRB_Log_Printf(3, nullptr, 7, "%s", longest.c_str());
     EXPECT_EQ(TakeLog().at(0).text, "[TARND_QRB] " + longest);
+    for (const char* function : {"Function", static_cast<const char*>(nullptr)}) {
+        Tarn_QRB_Log_Printf(3, function, 7, "%s", "");
+        EXPECT_EQ(TakeLog().size(), 1U);
+    }
     Tarn_QRB_Log_Printf(3, nullptr, 7, "%sx", longest.c_str());
     EXPECT_TRUE(TakeLog().empty());
 }
@@ -93,7 +97,10 @@ TEST_F(Database, ScanDeliversWhatTheConditionAndTheLimitAllow)
 
 TEST_F(Database, HexadecimalLiteralHasASize)
 {
-    Expect({{CALL(QRB_DB_TransStringToHexNumString, "x", OutText(), -1), "1 -"}});
+    Expect({
+        {CALL(QRB_DB_TransStringToHexNumString, "x", OutText(), -1), "1 -"},
+        {CALL(QRB_DB_TransStringToHexNumString, "x", OutText(), 0), "0 0x"},
+    });
 }
 
 }  // namespace

@@ -8,6 +8,10 @@
 
 namespace {
 
+// Before anybody has asked for handles.
+const std::vector<MEM_EX_MODULE_S> atStart(std::begin(g_memExModuleMap),
+                                           std::end(g_memExModuleMap));
+
 class MemoryMap : public support::PlatformTest {
 protected:
     void SetUp() override
@@ -20,12 +24,19 @@ protected:
 TEST_F(MemoryMap, FindsEveryModuleByItsName)
 {
     std::set<uint16_t> handles = {0};
+    std::string        names;
     for (uint32_t module = 0; module < MEM_EX_MODULE_COUNT; module++) {
         EXPECT_EQ(MEM_EX_GetModule(g_memExModuleMap[module].name), module);
         EXPECT_EQ(MEM_EX_GetHandle(module), mem_handle_get(g_memExModuleMap[module].name));
         handles.insert(MEM_EX_GetHandle(module));
+        names += std::string(atStart[module].name) + " ";
+        EXPECT_EQ(atStart[module].handle, 0);
     }
     EXPECT_EQ(handles.size(), MEM_EX_MODULE_COUNT + 1);
+    EXPECT_EQ(names,
+              "ACL NTP ARP ND DNS FRAMEWORK NAT QOS IFM ADDRESS VLAN L2IF TRUNK ROUTE STATIC_ROUTE "
+              "DIRECT_ROUTE FIB DHCP STP LLDP MULTICAST TUNNEL AAA SYSLOG DIAGNOSIS CAPTURE AGENT "
+              "CLI MAIN DATABASE QRB PLATFORM ");
     EXPECT_EQ(MEM_EX_GetModule("framework"), MEM_EX_MODULE_COUNT);
     EXPECT_EQ(MEM_EX_GetHandle(MEM_EX_MODULE_COUNT), 0);
 }

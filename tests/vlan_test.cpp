@@ -69,6 +69,8 @@ TEST_F(Vlan, InterfaceIsFoundByNameAndNumberedByRule)
         {CALL(BDS_L2IF_VLAN_GetVlanIfIndex, uint16_t{40}), "NONE"},
         {CALL(L2IF_SH_VLAN_GetVlanidByName, "red", Out16()),
          R"(1 - | QRB_DB_Scan failed, ret = 0\n)"},
+        {CALL(BDS_IfnetGetVlanIdByIfName, "Vl1", OutText(), 2U), "0 1"},
+        {CALL(BDS_IfnetGetVlanIdByIfName, "V1", OutText(), 2U), "1 -"},
         {CALL(BDS_IfnetGetVlanIdByIfIndex, 1U, Out32()), "0 4094"},
         {CALL(BDS_IfnetGetVlanIdByIfIndex, 2U, Out32()), "1 - | IfType is not vlan interface"},
         {CALL(BDS_IfnetGetVlanIdByIfIndex, 3U, Out32()), R"(1 0 | atoi failed, ret=0\n)"},

@@ -48,6 +48,13 @@ constexpr char COUNTING[] = R"(0 2
     behind    $behind
     scan      1 0; 1 0)";
 
+constexpr char REMARKS[] = R"(
+    size      0 - - - - - - -
+    item#1    200 - - - - - - - | get remark $list failed. ret: 2002
+    item#2    200 $1st          | get remark $list failed. ret: 2002
+    value#1   200 - - - - - - - | get remark $list failed. ret: %
+    value#2   200 $1st          | get remark $list failed. ret: %)";
+
 constexpr char NAME[] = R"(0 web
     format    1 -
     behind    ACL_GetNameByGroupId: QRB_DB_Scan failed, ret = 1\n
@@ -113,18 +120,10 @@ Calls QosCalls()
             prepare   % closed | [qrb qos]error : prepare failed. ret: %
             key       % closed | [qrb qos]error : set key failed. ret: %
             execute   % closed | [qrb qos]error : execute failed. ret: %)", {}, Closed},
-        {CALL(QOS_GetDscp, node, OutRemarks()), R"(0 1 1 40 41 - - -
-            size      0 - - - - - - -
-            item#1    200 - - - - - - -   | get remark desp list failed. ret: 2002
-            item#2    200 1 1 40 - - - -  | get remark desp list failed. ret: 2002
-            value#1   200 - - - - - - -   | get remark desp list failed. ret: %
-            value#2   200 1 1 40 - - - -  | get remark desp list failed. ret: %)", OnDscp, Closed},
-        {CALL(QOS_Get8021, node, OutRemarks()), R"(0 1 - - - 1 5 6
-            size      0 - - - - - - -
-            item#1    200 - - - - - - -   | get remark 8021p list value failed. ret: 2002
-            item#2    200 1 - - - 1 5 -   | get remark 8021p list value failed. ret: 2002
-            value#1   200 - - - - - - -   | get remark 8021p list value failed. ret: %
-            value#2   200 1 - - - 1 5 -   | get remark 8021p list value failed. ret: %)", On8021, Closed},
+        {CALL(QOS_GetDscp, node, OutRemarks()), "0 1 1 40 41 - - -" + Fill(REMARKS, {
+            {"$1st", "1 1 40 - - - -"}, {"$list", "desp list"}}), OnDscp, Closed},
+        {CALL(QOS_Get8021, node, OutRemarks()), "0 1 - - - 1 5 6" + Fill(REMARKS, {
+            {"$1st", "1 - - - 1 5 -"}, {"$list", "8021p list value"}}), On8021, Closed},
         {CALL(QOS_GetRemarkInfo, 0U, 1U, OutRemarks()), R"(0 1 1 40 41 1 5 6
             close     =
             list#1=10058  0 - - - - - - - | remark dscp list is not exist.

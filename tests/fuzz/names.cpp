@@ -3,7 +3,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include <standin/database.h>
 #include <tarnd_qrb/acl.h>
@@ -109,6 +109,20 @@ void CheckSlots(const std::string& text, int32_t slot)
                : 1));
 }
 
+// Any text, or a likely name; often as long as a field is wide, give or take one.
+std::string TakeName(fuzz::Input& input)
+{
+    constexpr std::string_view likely = "ab.:/0123";
+    std::string                name   = input.ConsumeRandomLengthString(100).c_str();
+    if (input.ConsumeBool()) {
+        std::ranges::for_each(name, [&](char& c) { c = likely[static_cast<uint8_t>(c) % 9]; });
+    }
+    if (input.ConsumeBool()) {
+        name.resize(input.PickValueInArray<size_t>({4, 31, 32, 33, 62, 63, 64, 65, 80}), '7');
+    }
+    return name;
+}
+
 // One row of each table that is looked up by name; longer names are cut to what the field holds.
 void Store(const std::string& name)
 {
@@ -210,8 +224,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const auto        number = input.ConsumeIntegral<int32_t>();
     const auto        length = input.ConsumeIntegralInRange<uint32_t>(1, 80);
     const bool        same   = input.ConsumeBool();
-    const std::string stored = input.ConsumeRandomLengthString(100).c_str();
-    const std::string name   = same ? stored : input.ConsumeRemainingBytesAsString().c_str();
+    const std::string stored = TakeName(input);
+    const std::string name   = same ? stored : TakeName(input);
 
     CheckTails(name, length);
     CheckCopies(name);
