@@ -24,9 +24,16 @@ std::vector<uint32_t> CodesOf(const std::string& operation)
                                         : std::vector<uint32_t>{9};
 }
 
+bool IsLogging(const std::string& operation)
+{
+    return operation == "malloc" || operation == "vsprintf_s";
+}
+
 bool CleanUpFollows(const Lines& points, const Fault& fault)
 {
-    return std::any_of(points.begin() + fault.number, points.end(), support::IsCleanUp);
+    // The listener's steps come when they may: the one that was to fail need not have come.
+    const auto behind = std::min<ptrdiff_t>(fault.number, std::ssize(points));
+    return std::any_of(points.begin() + behind, points.end(), support::IsCleanUp);
 }
 
 TEST_F(Faults, OfEveryStepAreReportedAndLeaveNothingBehind)
@@ -54,7 +61,8 @@ TEST_F(Faults, OfEveryStepAreReportedAndLeaveNothingBehind)
         };
         for (unsigned number = 1; number <= points.size(); number++) {
             for (const uint32_t code : CodesOf(points[number - 1])) {
-                if (inject({number, code, CleanUp::Works})) {
+                // Behind a line that is lost, the call goes on as ever.
+                if (inject({number, code, CleanUp::Works}) && !IsLogging(points[number - 1])) {
                     inject({number, code, CleanUp::FailsToo});
                     withCleanUps++;
                 }
