@@ -83,8 +83,8 @@ uint32_t ReadRecord(Accessor* read, const Key& key, Record* record)
     return read(&key, sizeof(key), record, sizeof(*record));
 }
 
-// Runs body(session) in a session of its own. body answers 0 or the first failing code; the session
-// is closed on every path.
+// Runs body(session) in a session of its own. body answers 0 or the first failing code, which is
+// logged here; the session is closed on every path.
 template <typename Body>
 uint32_t InSession(const char* function, CHECK close, Body&& body)
 {
@@ -105,25 +105,27 @@ uint32_t InSession(const char* function, CHECK close, Body&& body)
     return ret;
 }
 
-// Hands each row of a table to onRow(&done) until one fails or sets done. The scan ends on every
-// path.
+// Hands each row of a table to onRow(session, &done), in a session of its own, until one fails or
+// sets done. The scan ends on every path.
 template <typename OnRow>
-uint32_t ScanRows(ORM_SESSION session, const char* table, CHECK end, OnRow&& onRow)
+uint32_t ScanTable(const char* function, CHECK check, const char* table, OnRow&& onRow)
 {
-    ORM_SCAN scan = 0;
-    QRB_TRY(OrmPrepare(session, table, QRB_ORM_OP_SCAN));
-    QRB_TRY(OrmScanStart(session, &scan));
-    uint8_t  atEnd = 0;
-    bool     done  = false;
-    uint32_t ret   = OrmScanNext(session, scan, &atEnd);
-    while (ret == OK && atEnd == 0 && !done) {
-        ret = onRow(&done);
-        if (ret == OK && !done) {
-            ret = OrmScanNext(session, scan, &atEnd);
+    return InSession(function, check, [&](ORM_SESSION session) -> uint32_t {
+        ORM_SCAN scan = 0;
+        QRB_TRY(OrmPrepare(session, table, QRB_ORM_OP_SCAN));
+        QRB_TRY(OrmScanStart(session, &scan));
+        uint8_t  atEnd = 0;
+        bool     done  = false;
+        uint32_t ret   = OrmScanNext(session, scan, &atEnd);
+        while (ret == OK && atEnd == 0 && !done) {
+            ret = onRow(session, &done);
+            if (ret == OK && !done) {
+                ret = OrmScanNext(session, scan, &atEnd);
+            }
         }
-    }
-    const uint32_t ended = OrmScanEnd(session, scan);
-    return (ret == OK && end == CHECKED) ? ended : ret;
+        const uint32_t ended = OrmScanEnd(session, scan);
+        return (ret == OK && check == CHECKED) ? ended : ret;
+    });
 }
 
 // One field, by name, of the record that an interface has in a table keyed by interface index.

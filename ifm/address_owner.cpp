@@ -34,15 +34,13 @@ uint32_t IP_GetIfindexbyIpAddr(uint32_t address, uint32_t instanceId, uint32_t* 
     if (AnyNull(__func__, ifIndex)) {
         return FAIL;
     }
-    uint32_t       owner = NONE;
-    const uint32_t ret   = InSession(__func__, CHECKED, [&](ORM_SESSION session) {
-        return ScanRows(session, ADDRESS_TABLE, CHECKED, [&](bool* done) {
-            // A match ends the scan one row later: the advance past it has to succeed too.
-            *done = owner != NONE;
-            return *done ? OK : MatchOwner(session, address, instanceId, &owner);
-        });
-    });
-    if (ret != OK) {
+    uint32_t   owner = NONE;
+    const auto match = [&](ORM_SESSION session, bool* done) {
+        // A match ends the scan one row later: the advance past it has to succeed too.
+        *done = owner != NONE;
+        return *done ? OK : MatchOwner(session, address, instanceId, &owner);
+    };
+    if (ScanTable(__func__, CHECKED, ADDRESS_TABLE, match) != OK) {
         return FAIL;
     }
     *ifIndex = owner;

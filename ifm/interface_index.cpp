@@ -19,11 +19,6 @@ constexpr char     TABLE[]        = "if_base";
 constexpr uint32_t FIELD_IF_INDEX = 0;
 constexpr uint32_t FIELD_IF_NAME  = 2;
 
-// The record fields are texts of 64 bytes. One that fills them has no terminator there.
-struct NAME_S {
-    char text[QRB_IF_NAME_SIZE];
-};
-
 int BuildLocalKey(const char* name, QRB_IF_BASE_LOCAL_KEY_S* key)
 {
     *key = {};
@@ -90,7 +85,7 @@ uint32_t IF_INTF_GetIfByFullName(const char* fullName)
     ORM_SESSION       session  = 0;
     uint32_t          ret      = OrmOpenSessionByDefault(&session);
     if (ret != OK) {
-        // Callers watch for this line as it is, without identity and function.
+        // This line is written as it is, without identity and function.
         syslog(static_cast<int>(PRIORITY_ERROR), "create db session fail %u\n", ret);
         return NONE;
     }
@@ -139,21 +134,17 @@ uint32_t BDS_Ifname2IfGetIndexByname(const char* name, uint32_t* ifIndex)
     }
     bool       found   = false;
     const auto compare = [&](ORM_SESSION session, bool* done) -> uint32_t {
-        NAME_S   rowName  = {};
-        uint32_t rowIndex = 0;
+        char     rowName[QRB_IF_NAME_SIZE] = {};
+        uint32_t rowIndex                  = 0;
         QRB_TRY(ReadField(session, FIELD_IF_NAME, &rowName));
         QRB_TRY(ReadField(session, FIELD_IF_INDEX, &rowIndex));
-        if (strncmp(name, rowName.text, sizeof(rowName.text)) == 0) {
+        if (strncmp(name, rowName, sizeof(rowName)) == 0) {
             *ifIndex = rowIndex;
             found = *done = true;
         }
         return OK;
     };
-    const uint32_t ret = InSession(__func__, CHECKED, [&](ORM_SESSION session) {
-        return ScanRows(session, TABLE, CHECKED,
-                        [&](bool* done) { return compare(session, done); });
-    });
-    if (ret != OK) {
+    if (ScanTable(__func__, CHECKED, TABLE, compare) != OK) {
         return FAIL;
     }
     if (!found) {
@@ -173,18 +164,18 @@ uint32_t IF_INTF_GetSimpleName(const char* fullName, char* output)
         QRB_ERROR("strcpy_s failed\n");
         return FAIL;
     }
-    QRB_IF_BASE_S  base;
-    const uint32_t ret = InSession(__func__, IGNORED, [&](ORM_SESSION session) -> uint32_t {
+    const char* const here   = __func__;
+    bool              copied = false;
+    InSession(here, IGNORED, [&](ORM_SESSION session) -> uint32_t {
+        QRB_IF_BASE_S base;
         QRB_TRY(OrmPrepare(session, TABLE, QRB_ORM_OP_READ));
         QRB_TRY(ExecuteLocalKey(session, key));
-        return ReadCurrent(OrmgIfBaseGetAllFieldsInner, session, &base);
+        QRB_TRY(ReadCurrent(OrmgIfBaseGetAllFieldsInner, session, &base));
+        copied = strcpy_s(output, QRB_IF_NAME_SIZE, base.simple_name) == 0;
+        if (!copied) {
+            QRB_ERROR_AT(here, "strcpy_s failed\n");
+        }
+        return OK;
     });
-    if (ret != OK) {
-        return FAIL;
-    }
-    if (strcpy_s(output, QRB_IF_NAME_SIZE, base.simple_name) != 0) {
-        QRB_ERROR("strcpy_s failed\n");
-        return FAIL;
-    }
-    return OK;
+    return copied ? OK : FAIL;
 }

@@ -13,24 +13,25 @@ constexpr uint8_t  STATE_ACTIVE = 1;
 
 }  // namespace
 
-// The id may stand in several scopes: a row with state 0 lets the search go on, any other state
-// ends it.
+// The id may stand in several scopes: a row with state 0 lets the search go on. Any other state
+// ends it: 1 at once, the others one row later, so that the advance past them has to succeed too.
 uint32_t VLAN_IsVlanActive(uint16_t vlanId)
 {
     uint8_t    state     = 0;
     const auto readState = [&](ORM_SESSION session, bool* done) -> uint32_t {
+        *done = state != 0;
+        if (*done) {
+            return OK;
+        }
         uint16_t rowId = 0;
         QRB_TRY(ReadField(session, VLAN_FIELD_ID, &rowId));
         if (rowId == vlanId) {
             QRB_TRY(ReadField(session, VLAN_FIELD_STATE, &state));
+            *done = state == STATE_ACTIVE;
         }
-        *done = state != 0;
         return OK;
     };
-    const uint32_t ret = InSession(__func__, IGNORED, [&](ORM_SESSION session) {
-        return ScanRows(session, VLAN_TABLE, IGNORED,
-                        [&](bool* done) { return readState(session, done); });
-    });
+    const uint32_t ret = ScanTable(__func__, IGNORED, VLAN_TABLE, readState);
     return (ret == OK && state == STATE_ACTIVE) ? YES : NO;
 }
 

@@ -27,6 +27,9 @@ TEST_F(Vlan, IsActiveInAnyScopeUntilAnOddStateEndsTheSearch)
         EXPECT_EQ(BDS_L2IF_VLAN_IsActive(id), active ? 1U : 0U) << id;
     }
     EXPECT_TRUE(support::TakeLog().empty());
+    support::FailCall("OrmScanNext", 4, 9);  // behind the odd state
+    EXPECT_EQ(VLAN_IsVlanActive(20), 1U);
+    EXPECT_EQ(support::TakeMessages(), Lines{"VLAN_IsVlanActive: DB error: 9\n"});
 }
 
 // The position is the second byte of the port's index. Ports that are absent stand in position 0.
