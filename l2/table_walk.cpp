@@ -21,6 +21,7 @@ struct WALK_S {
     ORM_SESSION* session;
     ORM_SCAN*    scan;
     uint32_t (*readValue)(ORM_SESSION session, uint32_t* value);
+    uint32_t (*finish)();
     // As messages name the walk, its session and the reader of its rows.
     const char* name;
     const char* sessionName;
@@ -52,11 +53,14 @@ uint32_t ReadVlanId(ORM_SESSION session, uint32_t* value)
 }
 
 // clang-format off
-constexpr WALK_S IF_INDEX_WALK = {"if_base", &g_ScanIndexSession, &g_IndexScanHandle, ReadIfIndex,
+constexpr WALK_S IF_INDEX_WALK = {"if_base", &g_ScanIndexSession, &g_IndexScanHandle,
+                                  ReadIfIndex, QRB_ScanIfIndexFinish,
                                   "index", "g_ScanIndexSession", "OrmgIfBaseGetAllFields"};
-constexpr WALK_S PORT_WALK     = {"port", &g_ScanPortSession, &g_PortScanHandle, ReadPortIndex,
+constexpr WALK_S PORT_WALK     = {"port", &g_ScanPortSession, &g_PortScanHandle,
+                                  ReadPortIndex, QRB_ScanPortFinish,
                                   "port", "g_ScanPortSession", "OrmgportGetAllFields"};
-constexpr WALK_S VLAN_WALK     = {"vlan", &g_ScanVlanSession, &g_VlanScanHandle, ReadVlanId,
+constexpr WALK_S VLAN_WALK     = {"vlan", &g_ScanVlanSession, &g_VlanScanHandle,
+                                  ReadVlanId, QRB_ScanVlanFinish,
                                   "vlan", "g_ScanVlanSession", "OrmgVlanGetAllFields"};
 // clang-format on
 
@@ -111,22 +115,20 @@ uint32_t Advance(const char* function, const WALK_S& walk, uint32_t* value)
     return OK;
 }
 
-// Nothing is asked of a walk that is not open: the database refuses the null handles.
+// Also of a walk that is not open: the database refuses the null handles.
 uint32_t WalkFinish(const char* function, const WALK_S& walk)
 {
-    const uint32_t ended  = OrmScanEnd(*walk.session, *walk.scan);
-    *walk.scan            = 0;
-    const uint32_t closed = OrmCloseSession(*walk.session);
-    *walk.session         = 0;
+    const uint32_t ended = OrmScanEnd(*walk.session, *walk.scan);
+    *walk.scan           = 0;
     if (ended != OK) {
         QRB_ERROR_AT(function, "OrmScanEnd fail ret:%u", ended);
-        return FAIL;
     }
-    if (closed != OK) {
+    const uint32_t closed = OrmCloseSession(*walk.session);
+    *walk.session         = 0;
+    if (ended == OK && closed != OK) {
         QRB_ERROR_AT(function, "OrmCloseSession fail ret:%u", closed);
-        return FAIL;
     }
-    return OK;
+    return ended == OK && closed == OK ? OK : FAIL;
 }
 
 uint32_t WalkFirst(const char* function, const WALK_S& walk, uint32_t* value)
@@ -138,7 +140,7 @@ uint32_t WalkFirst(const char* function, const WALK_S& walk, uint32_t* value)
         return FAIL;
     }
     if (Advance(function, walk, value) != OK) {
-        WalkFinish(function, walk);
+        walk.finish();
         return FAIL;
     }
     return OK;

@@ -52,9 +52,9 @@ constexpr char FIRST[] = R"(0 $1st open
     open      1 $none closed | Database error: %, open $name $variable fail
     prepare   1 $none closed | Database error: %, OrmPrepare $name fail
     start     1 $none closed | Database error: %, OrmScanStart $name fail
-    next!     1 $none closed | OrmScanNext ret:%, isEof:0 | OrmScanEnd fail ret:%
+    next!     1 $none closed | OrmScanNext ret:%, isEof:0 | QRB_Scan$kindFinish: OrmScanEnd fail ret:%
     next      1 $none closed | OrmScanNext ret:%, isEof:0
-    row!      1 $none closed | $row fail ret:% | OrmScanEnd fail ret:%
+    row!      1 $none closed | $row fail ret:% | QRB_Scan$kindFinish: OrmScanEnd fail ret:%
     row       1 $none closed | $row fail ret:%)";
 constexpr char NEXT[] = R"(0 $2nd open
     reporter  QRB_GetNext$kind
