@@ -22,7 +22,7 @@ inline constexpr uint32_t ITEM_TYPE          = 2;
 inline constexpr uint8_t TYPE_MAIN       = 1;
 inline constexpr uint8_t TYPE_NEVER_MAIN = 6;
 
-// The leading one bits. No machine shifts a word by its own width, so 32 and above stand apart.
+// The leading one bits. A shift by a word's own width is undefined, so 32 and above stand apart.
 constexpr uint32_t MaskOfLength(uint32_t masklen)
 {
     return masklen < 32 ? ~(UINT32_MAX >> masklen) : UINT32_MAX;
@@ -59,14 +59,21 @@ uint32_t WalkAddresses(ORM_SESSION session, OnItem&& onItem)
     return OK;
 }
 
-// The same walk over an interface's addresses, in a session of its own.
+// The same walk over an interface's addresses ...
+template <typename OnItem>
+uint32_t WalkAddressesOf(ORM_SESSION session, uint32_t ifIndex, OnItem&& onItem)
+{
+    QRB_TRY(PrepareAddressRecord(session, ifIndex));
+    QRB_TRY(OrmExecute(session));
+    return WalkAddresses(session, onItem);
+}
+
+// ... in a session of its own.
 template <typename OnItem>
 uint32_t WalkAddressesOf(const char* function, uint32_t ifIndex, OnItem&& onItem)
 {
-    return InSession(function, CHECKED, [&](ORM_SESSION session) -> uint32_t {
-        QRB_TRY(PrepareAddressRecord(session, ifIndex));
-        QRB_TRY(OrmExecute(session));
-        return WalkAddresses(session, onItem);
+    return InSession(function, CHECKED, [&](ORM_SESSION session) {
+        return WalkAddressesOf(session, ifIndex, onItem);
     });
 }
 

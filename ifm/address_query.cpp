@@ -51,8 +51,9 @@ uint32_t BDS_IPGetIFBestMatchIpAddr(uint32_t ifIndex, uint32_t peer, uint32_t* m
     if (AnyNull(__func__, masklen, network, address)) {
         return FAIL;
     }
-    bool       empty = true;
-    const auto take  = [&](ORM_NODE item, uint32_t index, bool*) -> uint32_t {
+    const char* const here  = __func__;
+    bool              empty = true;
+    const auto        take  = [&](ORM_NODE item, uint32_t index, bool*) -> uint32_t {
         SYSAPI_IP4_ADDR_S own = {};
         empty                 = false;
         QRB_TRY(ReadAddress(item, &own));
@@ -65,14 +66,14 @@ uint32_t BDS_IPGetIFBestMatchIpAddr(uint32_t ifIndex, uint32_t peer, uint32_t* m
         }
         return OK;
     };
-    if (WalkAddressesOf(__func__, ifIndex, take) != OK) {
-        return FAIL;
-    }
-    if (empty) {
-        QRB_ERROR("There is no ip address on interface!");
-        return FAIL;
-    }
-    return OK;
+    const uint32_t ret = InSession(here, CHECKED, [&](ORM_SESSION session) -> uint32_t {
+        QRB_TRY(WalkAddressesOf(session, ifIndex, take));
+        if (empty) {
+            QRB_ERROR_AT(here, "There is no ip address on interface!");
+        }
+        return OK;
+    });
+    return ret == OK && !empty ? OK : FAIL;
 }
 
 uint32_t BDS_IPv6GetValidGlobalAddrByIfIndex(uint32_t /*ifIndex*/, uint8_t* /*address*/)

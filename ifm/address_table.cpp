@@ -106,10 +106,10 @@ uint32_t BDS_IPGetMainIpByIfIndex(uint32_t ifIndex, uint32_t* address, uint32_t*
     }
     BDS_IPV4_ADDR_ITEM_S item;
     const uint32_t       ret = ReadMainItem(__func__, session, ifIndex, &item);
-    OrmCloseSession(session);
     if (ret == OK) {
         *address = item.address;
         *masklen = item.masklen;
     }
+    OrmCloseSession(session);
     return ret;
 }

@@ -11,8 +11,7 @@ using Ipv4Address = DeviceTest;
 TEST_F(Ipv4Address, WhereNoneFitsIsSaid)
 {
     Load(R"({"am_ipv4_address": [
-        {"if_index": 3, "ipv4_address_list": [{"address": "10.0.0.1", "masklen": 24, "type": 6}]},
-        {"if_index": 4, "ipv4_address_list": []}]})");
+        {"if_index": 3, "ipv4_address_list": [{"address": "10.0.0.1", "masklen": 24, "type": 6}]}]})");
     Expect({
         {CALL(BDS_IPGetMainIpByIfIndex, 3U, Out32(), Out32()),
          R"(NONE - - | get main ipv4 fail, ret=0, ifIndex=3\n)"},

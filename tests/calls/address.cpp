@@ -1,4 +1,5 @@
-// IPv4 addresses. Interface 1 has 10.0.0.1/24 of type 6 and 10.0.0.2/25 of type 1.
+// IPv4 addresses. Interface 1 has 10.0.0.1/24 of type 6 and 10.0.0.2/25 of type 1,
+// interface 4 an empty list.
 #include "calls/records.h"
 
 namespace calls {
@@ -100,6 +101,9 @@ Calls AddressCalls()
             closing   1 25 10.0.0.0 10.0.0.2
             item#2    1 24 10.0.0.0 10.0.0.1 | DB error: %\n
             value#3-4 1 24 10.0.0.0 10.0.0.1 | DB error: %\n
+            session   1 - - -)"},
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 4U, 0x0A000009U, Out32(), Out32(), Out32()), R"(1 - - - | There is no ip address on interface!
+            close     1 - - - | There is no ip address on interface! | Failed to fetch DB, ret=%\n
             session   1 - - -)"},
         {CALL(BDS_IPv6GetValidGlobalAddrByIfIndex, 1U, Out8()), "1 -"},
         {CALL(IP6_Addr_GetValidGlobalAddrOnIf, 1U, Out8()), "0 -"},

@@ -93,7 +93,8 @@ constexpr char DEVICE[] = R"({
     "am_ipv4_address": [
         {"if_index": 2, "instance_id": 5, "ipv4_address_list": [{"address": "10.0.0.1", "masklen": 16, "type": 1}]},
         {"if_index": 1, "ipv4_address_list": [
-            {"address": "10.0.0.1", "masklen": 24, "type": 6}, {"address": "10.0.0.2", "masklen": 25, "type": 1}]}],
+            {"address": "10.0.0.1", "masklen": 24, "type": 6}, {"address": "10.0.0.2", "masklen": 25, "type": 1}]},
+        {"if_index": 4, "ipv4_address_list": []}],
     "Fib.ConfigIpv4Fwd": [
         {"destAddr": "20.0.0.0", "prefixLen": 8, "nhpGroupId": 9},
         {"destAddr": "10.0.0.0", "prefixLen": 8, "nhpGroupId": 1}],
