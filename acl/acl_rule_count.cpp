@@ -9,49 +9,41 @@ using namespace qrb;
 
 namespace {
 
-uint32_t StartScan(const char* function, ORM_SESSION session, const char* table,
-                   const char* condition, ORM_SCAN* scan)
+// Adds the matching records to *count. An error in the middle ends the counting like the end of
+// the table.
+uint32_t CountMatches(const char* function, ORM_SESSION session, const char* condition,
+                      uint32_t* count)
 {
-    uint32_t ret = OrmPrepare(session, table, QRB_ORM_OP_SCAN);
-    if (ret != OK) {
-        QRB_ERROR_AT(function, "DB error: %d\n", ret);
-        return FAIL;
-    }
-    ret = OrmSetScanCond(session, condition);
+    uint32_t ret = OrmSetScanCond(session, condition);
     if (ret != OK) {
         QRB_ERROR_AT(function, "OrmSetScanCond failed, ret = %d\n", ret);
         return FAIL;
     }
-    ret = OrmScanStart(session, scan);
+    ORM_SCAN scan = 0;
+    ret           = OrmScanStart(session, &scan);
     if (ret != OK) {
         QRB_ERROR_AT(function, "OrmScanStart failed, ret = %d\n", ret);
         return FAIL;
     }
+    uint8_t end = 0;
+    while (OrmScanNext(session, scan, &end) == OK && end == 0) {
+        (*count)++;
+    }
+    OrmScanEnd(session, scan);
     return OK;
 }
 
-// Adds the matching records to *count. An error in the middle ends the counting like the end of
-// the table.
+// The same in a session of its own, which has nothing to add to what the count itself reports.
 uint32_t CountRecords(const char* function, const char* table, const char* condition,
                       uint32_t* count)
 {
-    ORM_SESSION    session = 0;
-    const uint32_t opened  = OrmOpenSessionByDefault(&session);
-    if (opened != OK) {
-        QRB_ERROR_AT(function, "Failed to fetch DB, ret=%d\n", opened);
-        return FAIL;
-    }
-    ORM_SCAN       scan    = 0;
-    const uint32_t started = StartScan(function, session, table, condition, &scan);
-    if (started == OK) {
-        uint8_t end = 0;
-        while (OrmScanNext(session, scan, &end) == OK && end == 0) {
-            (*count)++;
-        }
-        OrmScanEnd(session, scan);
-    }
-    OrmCloseSession(session);
-    return started;
+    uint32_t counted = FAIL;
+    InSession(function, IGNORED, [&](ORM_SESSION session) -> uint32_t {
+        QRB_TRY(OrmPrepare(session, table, QRB_ORM_OP_SCAN));
+        counted = CountMatches(function, session, condition, count);
+        return OK;
+    });
+    return counted;
 }
 
 }  // namespace

@@ -51,34 +51,34 @@ uint32_t ReadRemark(ORM_NODE list, uint32_t number, uint32_t* remark)
     return ReadItemField(item, FIELD_REMARK, remark);
 }
 
-uint32_t ReadDscpList(const char* function, ORM_SESSION session, QOS_PROFILE_INFO_S* info)
+// The readers of a list report a missing one, and leave other failures to be reported once the
+// session is closed.
+bool IsUnreported(uint32_t ret)
 {
-    ORM_NODE list = 0;
-    uint32_t ret  = OrmNodeGetChild(session, 0, "remark_dscp_list", &list);
-    if (ret == ORM_NO_LIST) {
-        QRB_ERROR_AT(function, "remark dscp list is not exist.");
-        return ret;
-    }
-    if (ret == OK) {
-        ret = QOS_GetDscp(list, info);
-    }
-    if (ret != OK) {
-        QRB_ERROR_AT(function, "orm prepare for scan failed.ret = %u", ret);
-    }
-    return ret;
+    return ret != OK && ret != ORM_NO_LIST;
 }
 
-void Read8021List(const char* function, ORM_SESSION session, QOS_PROFILE_INFO_S* info)
+uint32_t ReadDscpList(const char* function, ORM_SESSION session, QOS_PROFILE_INFO_S* info)
+{
+    ORM_NODE       list = 0;
+    const uint32_t ret  = OrmNodeGetChild(session, 0, "remark_dscp_list", &list);
+    if (ret == ORM_NO_LIST) {
+        QRB_ERROR_AT(function, "remark dscp list is not exist.");
+    }
+    return ret == OK ? QOS_GetDscp(list, info) : ret;
+}
+
+uint32_t Read8021List(const char* function, ORM_SESSION session, QOS_PROFILE_INFO_S* info)
 {
     ORM_NODE       list = 0;
     const uint32_t ret  = OrmNodeGetChild(session, 0, "remark_8021p_list", &list);
     if (ret == ORM_NO_LIST) {
         QRB_ERROR_AT(function, "remark 8021p list is not exist. ret = %u", ret);
-    } else if (ret != OK) {
-        QRB_ERROR_AT(function, "orm prepare for scan failed. ret = %u", ret);
-    } else {
+    }
+    if (ret == OK) {
         QOS_Get8021(list, info);
     }
+    return ret;
 }
 
 // Answers the sum of the codes of reading one item: 0 when all went well.
@@ -93,26 +93,13 @@ uint32_t ReadCar(ORM_NODE list, uint32_t number, QOS_CAR_S* car)
     return sum;
 }
 
-uint32_t ReadCarList(const char* function, ORM_SESSION session, QOS_PROFILE_INFO_S* info)
+// Stops at the first item that can't be read, with ReadCar's answer.
+uint32_t ReadCars(ORM_NODE list, QOS_PROFILE_INFO_S* info)
 {
-    ORM_NODE       list = 0;
-    const uint32_t ret  = OrmNodeGetChild(session, 0, "car_list", &list);
-    if (ret == ORM_NO_LIST) {
-        QRB_ERROR_AT(function, "car list is not exist. ret = %u", ret);
-        return ret;
-    }
-    if (ret != OK) {
-        QRB_ERROR_AT(function, "orm prepare for scan failed.ret = %u", ret);
-        return ret;
-    }
     const uint32_t count = ItemCount(list);
     for (uint32_t item = 0; item < count; item++) {
-        QOS_CAR_S      car = {};
-        const uint32_t sum = ReadCar(list, item, &car);
-        if (sum != OK) {
-            QRB_ERROR_AT(function, "orm prepare for scan failed. ret = %u", sum);
-            return sum;
-        }
+        QOS_CAR_S car = {};
+        QRB_TRY(ReadCar(list, item, &car));
         info->valid = 1;
         QOS_AssignCars(info, item, car.field1, car.field2, car.field3, car.field4);
     }
@@ -143,10 +130,15 @@ uint32_t QOS_GetRemarkInfo(uint32_t /*unused*/, uint32_t index, QOS_PROFILE_INFO
     if (QOS_SetQosIntePk(&session, index) != OK) {
         return OK;
     }
-    if (ReadDscpList(__func__, session, info) == OK) {
-        Read8021List(__func__, session, info);
-    }
+    const uint32_t dscp     = ReadDscpList(__func__, session, info);
+    const uint32_t pri8021p = dscp == OK ? Read8021List(__func__, session, info) : OK;
     OrmCloseSession(session);
+    if (IsUnreported(dscp)) {
+        QRB_ERROR("orm prepare for scan failed.ret = %u", dscp);
+    }
+    if (IsUnreported(pri8021p)) {
+        QRB_ERROR("orm prepare for scan failed. ret = %u", pri8021p);
+    }
     return OK;
 }
 
@@ -192,9 +184,18 @@ uint32_t QOS_GetCarInfo(uint32_t /*unused*/, uint32_t index, QOS_PROFILE_INFO_S*
         QRB_ERROR("qos read db in car info failed.");
         return OK;
     }
-    const uint32_t read   = ReadCarList(__func__, session, info);
+    ORM_NODE       list  = 0;
+    const uint32_t found = OrmNodeGetChild(session, 0, "car_list", &list);
+    if (found == ORM_NO_LIST) {
+        QRB_ERROR("car list is not exist. ret = %u", found);
+    }
+    const uint32_t read   = found == OK ? ReadCars(list, info) : found;
     const uint32_t closed = OrmCloseSession(session);
-    if (read == OK && closed != OK) {
+    if (IsUnreported(found)) {
+        QRB_ERROR("orm prepare for scan failed.ret = %u", found);
+    } else if (found == OK && read != OK) {
+        QRB_ERROR("orm prepare for scan failed. ret = %u", read);
+    } else if (read == OK && closed != OK) {
         QRB_ERROR("orm close session failed");
     }
     return OK;
