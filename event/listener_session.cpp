@@ -12,26 +12,17 @@ ORM_SESSION     g_dbListenerSubSession  = 0;
 
 namespace {
 
-uint32_t CreateParam(const char* function, const char* connectionName, ORM_SESSION_PARAM* param)
+uint32_t OpenBy(const char* function, ORM_SESSION_PARAM param, const char* connectionName)
 {
-    uint32_t ret = OrmCreateSessionParam("channel:", "osc", param);
-    if (ret != OK) {
-        QRB_ERROR_AT(function, "[DEBUG]: OrmCreateSessionParam fail, ret=%d\n", ret);
-        return ret;
-    }
-    ret = OrmSessionParamSetConnName(*param, connectionName);
+    uint32_t ret = OrmSessionParamSetConnName(param, connectionName);
     if (ret != OK) {
         QRB_INFO_AT(function, "[DEBUG]: OrmSessionParamSetConnName fail, ret=%d\n", ret);
+        return ret;
     }
-    return ret;
-}
-
-uint32_t OpenByParam(const char* function, ORM_SESSION_PARAM param)
-{
     if (g_epollDbListenerThreadId == 0) {
         DbListenerCreateEpollThread();
     }
-    const uint32_t ret = OrmOpenSubSession(param, g_regDbListenerInfo, &g_dbListenerSubSession);
+    ret = OrmOpenSubSession(param, g_regDbListenerInfo, &g_dbListenerSubSession);
     if (ret != OK) {
         QRB_INFO_AT(function, "[DEBUG]: OrmOpenSubSession fail, ret=%d\n", ret);
     }
@@ -40,12 +31,13 @@ uint32_t OpenByParam(const char* function, ORM_SESSION_PARAM param)
 
 uint32_t Open(const char* function, const char* connectionName)
 {
-    ORM_SESSION_PARAM param = 0;
-    uint32_t          ret   = CreateParam(function, connectionName, &param);
-    if (ret == OK) {
-        ret = OpenByParam(function, param);
-    }
+    ORM_SESSION_PARAM param   = 0;
+    const uint32_t    created = OrmCreateSessionParam("channel:", "osc", &param);
+    const uint32_t    ret     = created == OK ? OpenBy(function, param, connectionName) : created;
     OrmDestroySessionParam(param);
+    if (created != OK) {
+        QRB_ERROR_AT(function, "[DEBUG]: OrmCreateSessionParam fail, ret=%d\n", created);
+    }
     g_isDbListenerSubOpened = ret == OK ? 1 : 0;
     return ret;
 }
