@@ -13,6 +13,7 @@ namespace {
 // The list of a sub-event or whole event; null, and logged, where there is none.
 UTIL_LIST_S* FindList(const char* function, uint32_t eventId, uint32_t subId)
 {
+    // An id that no event has is refused as such, with or without a tree.
     if (eventId < IF_EVT_COUNT && g_qrbIFEventCallbacks.children == nullptr) {
         QRB_ERROR_AT(function, "Failed to find event node.\n");
         return nullptr;

@@ -47,6 +47,7 @@ uint32_t L2IF_SH_EvtPublishEvent(uint32_t eventId, const void* data, uint32_t va
 uint32_t IF_SH_EvtPublishEventGetEventNode(uint32_t eventId, uint32_t subId,
                                            UTIL_LIST_NODE_S** first, uint64_t* count)
 {
+    // An id that no event has is refused as such, with or without a tree.
     if (eventId < IF_EVT_COUNT && !IsBuilt(__func__, g_isIFEvtInited)) {
         return FAIL;
     }
