@@ -47,11 +47,14 @@ uint32_t FindGroup(const char* condition, uint32_t* groupId, uint32_t* matches)
     return QRB_DB_Scan("acl_group", groupId, 1, ACL_DB_ScanAclGroupId, matches, condition, nullptr);
 }
 
-// What three of the four checks take for existence: that the scan ran.
-uint32_t AnswerScanned(const char* condition, uint32_t* groupId)
+// What three of the four checks take for existence: that the condition fits and the scan ran.
+uint32_t AnswerScanned(const ACL_S& acl, size_t capacity, uint32_t* groupId)
 {
-    uint32_t matches = 0;
-    return FindGroup(condition, groupId, &matches) == OK ? EXISTS : ABSENT;
+    char       condition[WIDE_CONDITION_SIZE];
+    uint32_t   matches = 0;
+    const bool scanned =
+        Describe(acl, condition, capacity) && FindGroup(condition, groupId, &matches) == OK;
+    return scanned ? EXISTS : ABSENT;
 }
 
 }  // namespace
@@ -81,30 +84,20 @@ uint32_t ACL_IsACLNodeExistByNumber(uint16_t vsid, uint16_t vsysid, uint32_t acl
 uint32_t ACLIPv6_IsACLNodeExistByNumber(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber,
                                         uint32_t* groupId)
 {
-    char condition[WIDE_CONDITION_SIZE];
-    if (groupId == nullptr ||
-        !Describe({vsid, vsysid, aclNumber, nullptr, IPV6}, condition, sizeof(condition))) {
+    if (groupId == nullptr) {
         return ABSENT;
     }
-    return AnswerScanned(condition, groupId);
+    return AnswerScanned({vsid, vsysid, aclNumber, nullptr, IPV6}, WIDE_CONDITION_SIZE, groupId);
 }
 
 uint32_t ACL_IsExist(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, const char* name,
                      uint32_t* groupId)
 {
-    char condition[ACL_CONDITION_SIZE];
-    if (!Describe({vsid, vsysid, aclNumber, name, IPV4}, condition, sizeof(condition))) {
-        return ABSENT;
-    }
-    return AnswerScanned(condition, groupId);
+    return AnswerScanned({vsid, vsysid, aclNumber, name, IPV4}, ACL_CONDITION_SIZE, groupId);
 }
 
 uint32_t ACLIPv6_IsExist(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, const char* name,
                          uint32_t* groupId)
 {
-    char condition[ACL_CONDITION_SIZE];
-    if (!Describe({vsid, vsysid, aclNumber, name, IPV6}, condition, sizeof(condition))) {
-        return ABSENT;
-    }
-    return AnswerScanned(condition, groupId);
+    return AnswerScanned({vsid, vsysid, aclNumber, name, IPV6}, ACL_CONDITION_SIZE, groupId);
 }
