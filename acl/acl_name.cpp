@@ -71,8 +71,8 @@ uint32_t ACLIPv6_GetNameByGroupId(uint32_t groupId, char* name)
     return ACL_GetNameByGroupId(groupId, name);
 }
 
-uint32_t BDS_AclGetAclNumberByName(const char* name, uint8_t       kind, uint32_t /*unused1*/,
-                                   uint32_t /*unused2*/, uint32_t* aclNumber)
+uint32_t BDS_AclGetAclNumberByName(const char* name, uint8_t kind, uint32_t, uint32_t,
+                                   uint32_t* aclNumber)
 {
     const ACL_GROUP_ID_KEY_S key = {name, kind};
     return QRB_DB_Get(TABLE, &key, aclNumber, SetKey, ReadNumber) == OK ? OK : FAIL;

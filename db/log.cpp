@@ -16,8 +16,8 @@ constexpr size_t MESSAGE_SIZE = 512;
 
 }  // namespace
 
-extern "C" void Tarn_QRB_Log_Printf(uint32_t priority, const char* function, uint32_t line,
-                                    const char* format, ...)
+void Tarn_QRB_Log_Printf(uint32_t priority, const char* function, uint32_t line, const char* format,
+                         ...)
 {
     if (priority > qrb::PRIORITY_ERROR) {
         return;

@@ -3,6 +3,7 @@
 #include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/event_publish.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "event/row_change.h"
