@@ -3,6 +3,7 @@
 // out of order, a reader sees half a write, or memory grows.
 //
 //   soak [SECONDS [ROWS]]     a minute, a million rows
+#include <sys/eventfd.h>
 #include <tarnd_platform/orm_accessors.h>
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/interface_lookup.h>
@@ -220,6 +221,7 @@ void StopListener()
     }
     OrmCloseSession(g_dbListenerSubSession);
     std::atomic_ref(g_epollDbListenerThreadExit).store(1, std::memory_order_release);
+    DbListenerEpollCtrl(static_cast<uint32_t>(eventfd(1, EFD_CLOEXEC)), 0);  // it may be asleep
     pthread_join(g_epollDbListenerThreadId, nullptr);
 }
 

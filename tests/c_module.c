@@ -4,6 +4,7 @@
  * status tells whether anything did.
  */
 #include <stdio.h>
+#include <sys/eventfd.h>
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/event_registry.h>
 #include <tarnd_qrb/listener.h>
@@ -77,8 +78,10 @@ int main(void)
     EXPECT(IF_NotifyAll(42, IF_NOTIFY_CREATED, 0, 0) == 0 && g_lastCreated == 42);
     EXPECT(IF_UnRegNotifyFunc(1, OnNotification) == 0);
 
+    /* The thread may sleep for two seconds, unless something can be read. */
     EXPECT(BDS_InitStart() == 0);
     __atomic_store_n(&g_epollDbListenerThreadExit, 1, __ATOMIC_RELEASE);
+    DbListenerEpollCtrl((uint32_t)eventfd(1, EFD_CLOEXEC), 0);
     EXPECT(pthread_join(g_epollDbListenerThreadId, NULL) == 0);
     EXPECT(g_epollDbListenerFd == -1);
     return g_failures != 0;

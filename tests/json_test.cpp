@@ -148,6 +148,7 @@ TEST_F(JsonTest, AValueThatDoesNotFitIsRefused)
         {"Fib.ConfigNhpStandard", "next_hop", "3221225985", ": 3221225985 is not an IPv4 address"},
         {"port", "vlan_bitmap_1", "[4096]", ": 4096 is out of range 0 to 4095"},
         {"port", "vlan_bitmap_1", R"(["10-9"])", ": the range 10-9 runs backwards"},
+        {"port", "vlan_bitmap_1", R"("4090-4096")", ": 4096 is out of range 0 to 4095"},
         {"port", "vlan_bitmap_1", R"("1,,2")",
          R"(: ids and ranges such as "1,10-20" are expected at ",2")"},
         {"port", "vlan_bitmap_1", R"("1;2")", R"(: ids and ranges such as "1,10-20")"},

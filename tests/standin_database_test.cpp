@@ -176,6 +176,24 @@ private:
     uint32_t     read_     = none;  // the number of the row that the first session stands on
 };
 
+TEST_F(StandinDatabase, RowsTakeOnlyWhatFits)
+{
+    const auto refuses = [](std::string_view table, auto set) {
+        Row row(table);
+        EXPECT_THROW(set(row), standin::Error) << table;
+        EXPECT_EQ(row, Row(table));
+    };
+    refuses("port", [](Row& row) { row.Set("pvid", 65536); });
+    refuses("port", [](Row& row) { row.Set("no_field", 1); });
+    refuses("port", [](Row& row) { row.Set("vlan_bitmap_1", 1); });
+    refuses("port", [](Row& row) { row.AddToSet("vlan_bitmap_1", 4095, 4096); });
+    refuses("port", [](Row& row) { row.AddToSet("vlan_bitmap_1", 2, 1); });
+    refuses("port", [](Row& row) { row.SetBytes("vlan_bitmap_1", std::array<uint8_t, 1>()); });
+    refuses("vlan", [](Row& row) { row.Set("name", std::string(33, 'x')); });
+    refuses("qos_integration", [](Row& row) { row.AddItem("car_list", std::array{1UL}); });
+    EXPECT_THROW(Row("no_table"), standin::Error);
+}
+
 TEST_F(StandinDatabase, AgreesWithAModelThroughRandomTransactions)
 {
     for (int round = 0; round < 3000; round++) {

@@ -186,7 +186,7 @@ TEST_F(StandinSubscription, TellsWhenAChangeWasCommittedAndWhenAllAreDelivered)
     Insert(1);
     EXPECT_FALSE(standin::AwaitDeliveries(1ms));
     const std::jthread listener([] { DbcHandleEvent(descriptor); });
-    EXPECT_TRUE(standin::AwaitDeliveries(10s));
+    EXPECT_TRUE(standin::AwaitDeliveries(1h));
     EXPECT_TRUE(returned);
     standin::BetweenDeliveries([] { EXPECT_EQ(standin::CommitTime(), Clock::time_point()); });
 }
