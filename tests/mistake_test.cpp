@@ -77,7 +77,6 @@ TEST_F(Mistakes, NullIsRefused)
         {CALL(QRB_EVENT_PortCheckIsVlanBitMapChange, &PORT, nullptr, 512, uint8_t{0}), R"(1 | Input parameter is NULL.\n)"},
         {CALL(QRB_EVENT_PortCheckIsVlanBitMapChange, nullptr, &PORT, 512, uint8_t{0}), R"(1 | Input parameter is NULL.\n)"},
         {CALL(MEM_EX_GetDetailedInfoSize, nullptr), "1"},
-        {CALL(MEM_EX_GetDetailedInfo, nullptr, nullptr), "1"},
         // What has a fixed answer, or works without, doesn't mind.
         {CALL(QRB_DB_Scan, "acl_adv", nullptr, 1U, nullptr, nullptr, "rule_id = 9", nullptr), "0"},
         {CALL(IF_INTF_GetSlotByIfName, nullptr), "0"},

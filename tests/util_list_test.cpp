@@ -121,6 +121,23 @@ TEST_P(ListOfLists, CopiesDeeplyAndMovesWithoutCopying)
     UTIL_LIST_Destruct(&list);
 }
 
+TEST_P(ListOfLists, CallbacksTellWhetherThereWasMemory)
+{
+    UTIL_LIST_S list;
+    UTIL_LIST_S element;
+    UTIL_LIST_S taken;
+    Build(&list);
+    support::FailCall("malloc_ex", 1, 0);
+    EXPECT_EQ(list.traits->constructCopy(&element, UTIL_LIST_Data(list.tail)),
+              GetParam() ? 1U : 0U);
+    list.traits->destruct(&element);
+    EXPECT_EQ(list.traits->constructCopy(&element, UTIL_LIST_Data(list.tail)), 0U);
+    EXPECT_EQ(list.traits->constructMove(&taken, &element), 0U);
+    list.traits->destruct(&taken);
+    EXPECT_EQ(list.traits->constructCopy(&taken, &element), 0U);  // of null, or of an empty list
+    UTIL_LIST_Destruct(&list);
+}
+
 INSTANTIATE_TEST_SUITE_P(, ListOfLists, testing::Bool(),
                          [](const auto& by) { return by.param ? "ByPointer" : "ByValue"; });
 
