@@ -1,6 +1,7 @@
 // Interfaces: the comparison of names, types and the one-time build of their table, states.
 #include <barrier>
 #include <cstdlib>
+#include <span>
 #include <thread>
 
 #include <tarnd_qrb/interface_lookup.h>
@@ -49,6 +50,7 @@ TEST_F(Interface, NameIsComparedInTheFormThatIsAskedFor)
         {CALL(IF_CmpIfBaseRecord, session, &full, &record, 388), "1"},
         {CALL(IF_CmpIfBaseRecord, session, &full, &record, 386), small},
         {CALL(IF_CmpIfBaseRecord, session, &full, &record, -1), small},
+        {CALL(IF_CmpIfBaseRecord, session, &full, &record, 0), small},
     });
     Closed();
     EXPECT_EQ(uint32_t{record.if_index}, 1U);
@@ -56,25 +58,34 @@ TEST_F(Interface, NameIsComparedInTheFormThatIsAskedFor)
 
 TEST_F(Interface, TypesFollowFromTheCode)
 {
-    for (const char* type : {"0", "3", "16", "257", "300"}) {
-        Load(Fill(R"({"if_base": [{"if_index": 10$, "if_name": "$", "if_type": $}]})",
-                  {{"$", type}}));
-    }
+    std::string phyTypes;
+    std::string types;
     ASSERT_EQ(BDS_InitIfTypeInfo(), 0U);
+    for (const QRB_IF_TRANS_S& pair : g_qrbIfTrans) {
+        phyTypes += Texts({pair.if_type, pair.phy_type}) + ", ";
+    }
+    for (const BDS_IF_TYPE_INFO_S& type : std::span(Published(), QRB_IF_TYPE_COUNT)) {
+        types += Texts({type.first_value, type.port_type, type.third_value}) + ", ";
+    }
+    EXPECT_EQ(phyTypes,
+              "0 38, 1 6, 2 53, 3 101, 4 97, 5 98, 6 58, 7 101, 9 55, 10 58, 11 45, 12 82, 13 60, "
+              "14 39, 15 100, 16 1, ");
+    EXPECT_EQ(types,
+              "38 25 22, 6 11 14, 53 37 41, 0 0 0, 97 100 27, 98 101 82, 0 0 0, 86 90 70, "
+              "58 41 43, 55 11 54, 58 41 43, 45 104 29, 82 105 66, 60 43 45, 39 26 23, "
+              "100 103 72, 1 1 12, ");
+    Load(R"({"if_base": [
+        {"if_index": 10, "if_name": "0", "if_type": 0}, {"if_index": 11, "if_name": "3", "if_type": 3},
+        {"if_index": 12, "if_name": "16", "if_type": 16}, {"if_index": 13, "if_name": "257", "if_type": 257}]})");
     Expect({
-        {CALL(BDS_IfPortTypeSwitch, 0U, Out32()), "0 25"},
-        {CALL(BDS_IfPortTypeSwitch, 3U, Out32()), "0 0"},
-        {CALL(BDS_IfPortTypeSwitch, 6U, Out32()), "0 0"},
-        {CALL(BDS_IfPortTypeSwitch, 9U, Out32()), "0 11"},
-        {CALL(BDS_IfPortTypeSwitch, 10U, Out32()), "0 41"},
         {CALL(BDS_IfPortTypeSwitch, 16U, Out32()), "0 1"},
         {CALL(BDS_IfPortTypeSwitch, 17U, Out32()), "1 -"},
-        {CALL(IFPDT_GetPortType, 10300U), "NONE"},
-        {CALL(IF_INTF_GetPhyTypeByIndex, 100U), "38"},
-        {CALL(IF_INTF_GetPhyTypeByIndex, 103U), "101"},
+        {CALL(IFPDT_GetPortType, 13U), "NONE"},
+        {CALL(IF_INTF_GetPhyTypeByIndex, 10U), "38"},
+        {CALL(IF_INTF_GetPhyTypeByIndex, 11U), "101"},
+        {CALL(IF_INTF_GetPhyTypeByIndex, 12U), "1"},
+        {CALL(IF_INTF_GetPhyTypeByIndex, 13U), "101"},  // not 1, though its low byte is
         {CALL(IF_INTF_GetPhyTypeByIndex, 2U), "101"},
-        {CALL(IF_INTF_GetPhyTypeByIndex, 1016U), "1"},
-        {CALL(IF_INTF_GetPhyTypeByIndex, 10257U), "101"},  // not 1, though its low byte is
     });
 }
 

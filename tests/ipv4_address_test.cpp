@@ -24,6 +24,8 @@ TEST_F(Ipv4Address, WhereNoneFitsIsSaid)
         {CALL(BDS_IPIFGetThisIfIpAddr, 4U, Out32(), 1U, Out32()), "0 - 0"},
         {CALL(BDS_IPIFIsThisIfIpAddr, 4U, 0U), R"(0 | Interface 4 without addresses passed\n)"},
         {CALL(BDS_IPGetFirstIpByIfIndex, 4U, Out32()), "1 -"},
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 4U, 0U, Out32(), Out32(), Out32()),
+         "1 - - - | There is no ip address on interface!"},
         {CALL(IP_GetIfindexbyIpAddr, 9U, 0U, Out32()), "1 NONE"},
     });
 }
@@ -31,12 +33,13 @@ TEST_F(Ipv4Address, WhereNoneFitsIsSaid)
 // A match ends the walk over the list, and the scan one row later.
 TEST_F(Ipv4Address, OwnerIsTheFirst)
 {
-    Expect({{CALL(IP_GetIfindexbyIpAddr, 0x0A000001U, 5U, Out32()), "0 2"}});
+    Load(R"({"am_ipv4_address": [{"if_index": 3, "ipv4_address_list": []}]})");
+    Expect({{CALL(IP_GetIfindexbyIpAddr, 0x0A000001U, 0U, Out32()), "0 1"}});
     EXPECT_EQ(support::PlatformCalls(),
               (Lines{"OrmOpenSessionByDefault", "OrmPrepare", "OrmScanStart", "OrmScanNext",
-                     "OrmGetFieldById", "OrmGetFieldById", "OrmNodeGetChild", "OrmNodeGetSize",
-                     "OrmNodeGetItemByIdx", "OrmNodeGetFieldById", "OrmScanNext", "OrmScanEnd",
-                     "OrmCloseSession"}));
+                     "OrmGetFieldById", "OrmGetFieldById", "OrmScanNext", "OrmGetFieldById",
+                     "OrmGetFieldById", "OrmNodeGetChild", "OrmNodeGetSize", "OrmNodeGetItemByIdx",
+                     "OrmNodeGetFieldById", "OrmScanNext", "OrmScanEnd", "OrmCloseSession"}));
 }
 
 }  // namespace
