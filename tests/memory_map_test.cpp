@@ -2,7 +2,11 @@
 #include <tarnd_platform/memory.h>
 #include <tarnd_qrb/memory_map.h>
 
+#include <cstring>
+#include <random>
 #include <set>
+#include <span>
+#include <thread>
 
 #include "support/platform.h"
 
@@ -74,6 +78,37 @@ TEST_F(MemoryMap, ReportsTrueFiguresOrSaysWhereItStopped)
     EXPECT_EQ(MEM_EX_CopyDetailedInfo(entries, 4), 4U);
     EXPECT_TRUE(entries[2].name[0] != '\0' && entries[3].name[0] == '\0');
     MEM_EX_Init();
+}
+
+// Blocks of all sizes, each full of its size, come and go on one thread after another.
+TEST_F(MemoryMap, HandsNoBlockOutTwice)
+{
+    const uint16_t                  handle   = MEM_EX_GetHandle(MEM_EX_MODULE_QRB);
+    uint64_t                        inUse[4] = {};
+    std::mt19937                    random(1);
+    std::vector<std::span<uint8_t>> blocks;
+    EXPECT_EQ(meminfo_get(5, handle, &inUse[0], &inUse[1]), 0U);
+    for (const size_t most : {4000U, 10U, 1000U, 0U}) {
+        std::thread([&] {
+            while (blocks.size() < most) {
+                const size_t size  = random() % 300;
+                auto*        block = static_cast<uint8_t*>(malloc_ex(handle, "", 1, size));
+                blocks.emplace_back(block, size);
+                memset(block, static_cast<int>(size), size);
+            }
+            while (blocks.size() > most) {
+                std::swap(blocks[random() % blocks.size()], blocks.back());
+                for (const uint8_t byte : blocks.back()) {
+                    ASSERT_EQ(byte, blocks.back().size() & 0xFF);
+                }
+                free_ex(handle, blocks.back().data());
+                blocks.pop_back();
+            }
+        }).join();
+    }
+    EXPECT_EQ(malloc_ex(handle, "", 1, size_t{1} << 48), nullptr);
+    EXPECT_EQ(meminfo_get(5, handle, &inUse[2], &inUse[3]), 0U);
+    EXPECT_TRUE(inUse[0] == inUse[2] && inUse[1] == inUse[3]);
 }
 
 }  // namespace

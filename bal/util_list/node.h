@@ -29,10 +29,12 @@ inline UTIL_LIST_NODE_S* NewNode(const UTIL_LIST_TRAITS_S* traits)
     return node;
 }
 
-// Construct is null, or one of the two callbacks that make an element.
+// Construct is null, or one of the two callbacks that make an element. Inlined, as a push is so
+// short that one call more is felt.
 template <typename Construct, typename Value>
-UTIL_LIST_NODE_S* BuildNode(Value* value, const UTIL_LIST_TRAITS_S* traits,
-                            Construct UTIL_LIST_TRAITS_S::*construct)
+[[gnu::always_inline]] inline UTIL_LIST_NODE_S* BuildNode(Value*                    value,
+                                                          const UTIL_LIST_TRAITS_S* traits,
+                                                          Construct UTIL_LIST_TRAITS_S::*construct)
 {
     UTIL_LIST_NODE_S* node = value != nullptr && traits != nullptr ? NewNode(traits) : nullptr;
     if (node == nullptr) {

@@ -4,6 +4,9 @@
 // loads and stores. A report adds the sheets up. A thread that ends leaves its sheet, with what it
 // holds, to the next thread that starts: a block may be given back by another thread than took it,
 // and only the sum over all sheets has a meaning.
+//
+// Small blocks that come back are kept on the sheet too, in piles by size, for the thread's next of
+// that size.
 #include <tarnd_platform/memory.h>
 
 #include <pthread.h>
@@ -19,7 +22,11 @@
 #include <string_view>
 #include <vector>
 
+#include "pile.h"
+
 namespace {
+
+using standin::Pile;
 
 constexpr uint32_t SELECTOR_IN_USE = 5;
 
@@ -33,8 +40,10 @@ struct alignas(std::max_align_t) Header {
     uint64_t handleAndFile;
 
     uint16_t Handle() const { return static_cast<uint16_t>(handleAndFile >> 48); }
-    int64_t  Size() const { return static_cast<int64_t>(lineAndSize << 16 >> 16); }
+    size_t   Size() const { return lineAndSize << 16 >> 16; }
 };
+
+constexpr size_t SIZE_ENDS = size_t{1} << 48;
 
 uint64_t Pack(uint32_t high, uint64_t low)
 {
@@ -46,8 +55,18 @@ struct Figures {
     std::atomic<int64_t> blocks;
 };
 
+// A block has whole grains, so that each in a pile serves every size that the pile is for.
+constexpr size_t GRAIN = alignof(std::max_align_t);
+constexpr size_t PILES = 16;
+
+size_t GrainsOf(size_t size)
+{
+    return (size + GRAIN - 1) / GRAIN;
+}
+
 struct alignas(64) Sheet {
     std::array<Figures, HANDLE_ENDS> figures;
+    std::array<Pile, PILES>          piles;  // by grains, the header's left out
     Sheet*                           next;
     bool                             inUse;  // by a thread
 };
@@ -132,6 +151,28 @@ void ChargeTo(Sheet* sheet, uint16_t handle, int64_t bytes, int64_t blocks)
     }
 }
 
+// This thread's pile for blocks of a size; null where it has none.
+Pile* OwnPile(size_t size)
+{
+    const size_t grains = GrainsOf(size);
+    return mine != nullptr && grains < PILES ? &mine->piles[grains] : nullptr;
+}
+
+void* Label(void* block, uint16_t handle, const char* file, uint32_t line, size_t size)
+{
+    auto* header =
+        new (block) Header{Pack(line, size), Pack(handle, reinterpret_cast<uintptr_t>(file))};
+    Charge(handle, static_cast<int64_t>(size), 1);
+    return header + 1;
+}
+
+// Not inlined, so that a block from a pile needs no registers saved.
+[[gnu::noinline]] void* TakeNew(uint16_t handle, const char* file, uint32_t line, size_t size)
+{
+    void* block = malloc(sizeof(Header) + GrainsOf(size) * GRAIN);
+    return block != nullptr ? Label(block, handle, file, line, size) : nullptr;
+}
+
 }  // namespace
 
 uint32_t mem_handle_get(const char* name)
@@ -154,18 +195,14 @@ uint32_t mem_handle_get(const char* name)
 
 void* malloc_ex(uint16_t handle, const char* file, uint32_t line, size_t size)
 {
-    size_t whole = 0;
-    if (__builtin_add_overflow(size, sizeof(Header), &whole)) {
+    if (size >= SIZE_ENDS) {
         return nullptr;
     }
     const uint16_t charged = handle < HANDLE_ENDS ? handle : NOBODY;
-    auto*          header  = static_cast<Header*>(malloc(whole));
-    if (header == nullptr) {
-        return nullptr;
-    }
-    *header = {Pack(line, size), Pack(charged, reinterpret_cast<uintptr_t>(file))};
-    Charge(charged, static_cast<int64_t>(size), 1);
-    return header + 1;
+    Pile*          pile    = OwnPile(size);
+    void*          block   = pile != nullptr ? pile->Take() : nullptr;
+    return block != nullptr ? Label(block, charged, file, line, size)
+                            : TakeNew(charged, file, line, size);
 }
 
 void free_ex(uint16_t /*handle*/, void* memory)
@@ -173,9 +210,14 @@ void free_ex(uint16_t /*handle*/, void* memory)
     if (memory == nullptr) {
         return;
     }
-    auto* header = static_cast<Header*>(memory) - 1;
-    Charge(header->Handle(), -header->Size(), -1);
-    free(header);
+    auto*          header  = static_cast<Header*>(memory) - 1;
+    const uint16_t charged = header->Handle();
+    const size_t   size    = header->Size();
+    Pile*          pile    = OwnPile(size);
+    if (pile == nullptr || !pile->Put(header)) {
+        free(header);
+    }
+    Charge(charged, -static_cast<int64_t>(size), -1);
 }
 
 uint32_t meminfo_get(uint32_t selector, uint16_t handle, uint64_t* first, uint64_t* second)

@@ -1,7 +1,9 @@
 // The bounded functions against the standard library's strings: what fits is there, whatever
 // doesn't is refused and leaves an empty text, and no byte outside is touched (the address
 // sanitizer watches).
+#include <algorithm>
 #include <cstring>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -51,13 +53,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     CHECK(length == (fits ? static_cast<int>(printed.size()) : -1));
     CheckText(length < 0 ? length : 0, fits, text, printed);
 
-    const std::vector<char> bytes(count, 'y');
-    std::vector<char>       before(capacity, 'x');
+    std::vector<char> bytes(count);
+    std::vector<char> before(capacity, 'x');
+    std::iota(bytes.begin(), bytes.end(), 'a');
     CHECK((memset_s(text.data(), capacity, 'x', capacity) == 0) == (text.data() != nullptr));
     CHECK((memcpy_s(text.data(), capacity, bytes.data(), count) == 0) ==
           (count <= capacity && text.data() != nullptr && bytes.data() != nullptr));
     if (count <= capacity) {
-        std::fill_n(before.begin(), count, 'y');
+        std::copy(bytes.begin(), bytes.end(), before.begin());
     }
     CHECK(text == before);
     return 0;
