@@ -2,8 +2,10 @@
 // order, with its rows before and after.
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <tarnd_platform/orm_accessors.h>
 #include <tarnd_platform/orm_subscription.h>
+#include <unistd.h>
 
 #include <array>
 #include <atomic>
@@ -14,6 +16,7 @@
 #include <new>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -24,8 +27,18 @@ namespace {
 
 thread_local unsigned allocationsLeft = 0;  // 0: all that there are
 std::atomic<int>      blocksInUse     = 0;
+std::function<void()> beforeSignal;
 
 }  // namespace
+
+// The stand-in signals by this one.
+extern "C" __attribute__((visibility("default"))) int eventfd_write(int signal, eventfd_t value)
+{
+    if (beforeSignal) {
+        std::exchange(beforeSignal, nullptr)();
+    }
+    return write(signal, &value, sizeof(value)) == sizeof(value) ? 0 : -1;
+}
 
 void* operator new(size_t size)
 {
@@ -315,6 +328,18 @@ TEST_F(StandinSubscription, CallbackMayWriteAndMayClose)
     session_      = Open(Control);
     EXPECT_EQ(session_, 0U);
     EXPECT_EQ(fcntl(descriptor, F_GETFD), -1);
+}
+
+TEST_F(StandinSubscription, TakesALateSignalBack)
+{
+    beforeSignal = [] { EXPECT_EQ(DbcHandleEvent(descriptor), 0U); };
+    for (uint32_t index = 1; index <= 2; index++) {
+        Insert(index);
+        EXPECT_TRUE(IsReadable());
+        EXPECT_EQ(DbcHandleEvent(descriptor), 0U);
+        EXPECT_FALSE(IsReadable());
+    }
+    EXPECT_EQ(seen_, (Lines{"i ->1:0", "i ->2:0"}));
 }
 
 TEST_F(StandinSubscription, WithoutAControlFunctionAThreadServes)

@@ -144,20 +144,31 @@ Deliveries Subscriber::DeliveriesOf(Runs runs)
 
 void Subscriber::Append(Deliveries deliveries)
 {
-    const std::lock_guard lock(mutex_);
+    std::unique_lock lock(mutex_);
     if (closed_) {
         return;
     }
-    if (pending_.empty()) {
+    const bool first = pending_.empty();
+    pending_.splice(pending_.end(), deliveries);
+    lock.unlock();  // whoever wakes by the signal takes it, perhaps before this thread goes on
+    if (first) {
         signal_.Raise();
     }
-    pending_.splice(pending_.end(), deliveries);
 }
 
 size_t Subscriber::PendingCount()
 {
     const std::lock_guard lock(mutex_);
+    LowerWhereNonePend();  // what the signal was raised for may have been taken before it
     return pending_.size();
+}
+
+void Subscriber::LowerWhereNonePend()
+{
+    if (pending_.empty() && !closed_) {
+        signal_.Lower();
+        drained_.notify_all();
+    }
 }
 
 Deliveries Subscriber::TakeFirst()
@@ -168,10 +179,7 @@ Deliveries Subscriber::TakeFirst()
         return first;
     }
     first.splice(first.begin(), pending_, pending_.begin());
-    if (pending_.empty() && !closed_) {
-        signal_.Lower();
-        drained_.notify_all();
-    }
+    LowerWhereNonePend();
     return first;
 }
 

@@ -68,8 +68,9 @@ private:
     explicit Subscriber(ORM_FD_CONTROL control) : control_(control) {}
 
     size_t     PendingCount();
-    Deliveries TakeFirst();     // none or one
-    bool       DeliverFirst();  // false where there is no handle for the message
+    void       LowerWhereNonePend();  // under the lock
+    Deliveries TakeFirst();           // none or one
+    bool       DeliverFirst();        // false where there is no handle for the message
     void       DropPending();
     bool       IsClosed();
     void       Serve();
@@ -83,7 +84,7 @@ private:
     bool                 isDispatching_ = false;
 
     std::condition_variable   drained_;
-    std::mutex                mutex_;  // for the rest; the signal is raised while deliveries pend
+    std::mutex                mutex_;  // for the rest; who appends the first delivery signals then
     std::vector<Subscription> subscriptions_;
     Deliveries                pending_;
     bool                      closed_ = false;
