@@ -138,7 +138,7 @@ TEST_F(ServersTest, WritesComeBackAsChangesOrAreRefused)
         {{{Insert, Base(3, "\xff")}}, "UTF-8"},
     };
     for (const auto& [writes, reason] : refused)
-        ExpectRefusal(reason, [&] { cluster.Commit(writes); });
+        ExpectRefusal(reason, [&, &asked = writes] { cluster.Commit(asked); });
     ExpectSameAs(server);
 }
 
