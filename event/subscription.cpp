@@ -71,7 +71,7 @@ constexpr SUBSCRIPTION_S IF_BASE  = {"if_base", "qrb_orm_sub_if_base", "qrb_if_b
 
 uint32_t SubscribeTo(const char* function, const SUBSCRIPTION_S& subscription)
 {
-    // The database gets a text of its own to work on.
+    // The database gets a text of its own.
     char definition[sizeof(IF_PHY_DEFINITION)];
     if (strcpy_s(definition, sizeof(definition), subscription.definition) != 0 ||
         QrbDbListenerRegisterEvent(subscription.name, subscription.table, definition,

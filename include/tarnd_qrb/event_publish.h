@@ -1,10 +1,10 @@
 /*
  * Events: which ones the library raises, what they pass, and how to raise one.
  *
- * The library raises its own on its listener thread, as committed changes arrive, one after
- * another; several for one change in the order in which they stand here. Modules may raise any
- * event, on their own threads; who registers, and what a callback may do, is told in
- * tarnd_qrb/event_registry.h. Callbacks' results are ignored.
+ * The library raises its own on its listener thread, as changes arrive, one after another; several
+ * for one change in the order in which they stand here. Modules may raise any event, on their own
+ * threads; who registers, and what a callback may do, is told in tarnd_qrb/event_registry.h.
+ * Callbacks' results are ignored.
  *
  * Layer-2 events, from table "port"; the value is 0. Records and what is pointed to are for
  * reading.

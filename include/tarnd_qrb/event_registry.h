@@ -10,15 +10,16 @@
  * of times; each is an entry of its own, is called for itself and is unregistered for itself.
  *
  * Results: 0, or 1 for a failure, which leaves the registry as it was and is logged, but for two:
- * unregistering what is not registered, and a null notification callback. Null is checked where a
- * comment says so.
+ * unregistering what is not registered, for an event that there is, and a null notification
+ * callback. Null is checked where a comment says so.
  *
- * Threads: no lock. Modules register before the changes arrive that they care about; afterwards
- * a registry is changed only on the thread that publishes to it, which for the library's own events
- * is its listener thread.
+ * Threads: no lock. Modules register before the changes arrive that they care about; afterwards a
+ * registry is changed only on the thread that publishes to it, which for the library's own events
+ * is its listener thread; one to which more threads publish is not changed at all once they do.
  *
- * What a callback may do: everything, on the thread that calls it. It may unregister itself and
- * others, also the next in line; register; tear a registry down; publish, the same event included.
+ * What a callback may do: everything but subscribe, on the thread that calls it. It may unregister
+ * itself and others, also the next in line; register; tear a registry down; publish, the same event
+ * included.
  *   - An entry that is registered all along is called exactly once by a publication.
  *   - One that is unregistered is not called any more, once that has returned.
  *   - One that is registered by a callback is called by the next publication; whether by the one
@@ -167,7 +168,7 @@ uint32_t IF_EvtRegCbf(IF_EVT_CB_FUNC* callback, uint32_t unused, uint32_t priori
                       uint32_t idCount, uint32_t eventId, ...);
 
 /* Removes the first entry with this callback that was registered for that event or sub-event. 1
-   where there is none, or no tree. */
+   where there is none, or no tree (logged). */
 uint32_t IF_EvtUnRegCbf(IF_EVT_CB_FUNC* callback, uint32_t unused, uint32_t idCount,
                         uint32_t eventId, ...);
 

@@ -18,13 +18,14 @@
  * Within 2 seconds, or once the callback that runs has returned, the thread closes its epoll
  * instance and ends. The library neither joins it nor starts another: g_epollDbListenerThreadId
  * keeps its value. A daemon that wants to start anew does it while nobody registers: it closes the
- * session, sets the flag, joins the thread, and sets back what keeps a registration from starting.
+ * session, sets the flag, joins the thread, and sets the rest back.
  *
  *     OrmCloseSession(g_dbListenerSubSession);
  *     g_isDbListenerSubOpened = 0;
  *     __atomic_store_n(&g_epollDbListenerThreadExit, 1, __ATOMIC_RELEASE);
  *     pthread_join(g_epollDbListenerThreadId, NULL);
  *     g_epollDbListenerThreadId = 0;
+ *     g_regDbListenerInfo = NULL;
  */
 #ifndef TARND_QRB_LISTENER_H
 #define TARND_QRB_LISTENER_H
@@ -54,7 +55,8 @@ extern uint8_t g_epollDbListenerThreadExit;
 extern pthread_cond_t  g_epollDbListenerCond;
 extern pthread_mutex_t g_epollDbListenerCondLock;
 
-/* Serialises registrations, and guards the session, its flag and its control function. */
+/* Serialises registrations, and guards the listener thread's handle, the session, its flag and its
+   control function. */
 extern pthread_mutex_t g_dbListenerRegLock;
 
 /* Whether the subscription session is open: 1 or 0. */

@@ -21,15 +21,16 @@ extern "C" {
 
 /*
  * Brings change notification up: builds the registries of layer-2 and interface events, initialises
- * the database's access layer and subscribes, in the order above. The first failure ends it; what
- * was done until then stays.
+ * the database's access layer and subscribes, in the order above. The first failure ends it: what
+ * was built stays, but a subscription that fails ends those made before it.
  *
- * Called once, by the daemon, on any thread but the listener. Callbacks may run before it returns.
+ * Called once, by the daemon, after MEM_EX_Init, on any thread but the listener. Callbacks may run
+ * before it returns.
  */
 uint32_t BDS_InitStart(void);
 
-/* Subscribes to the table that its name says. Every call subscribes anew: the callbacks then run
-   once more for each change. */
+/* Subscribes to the table that its name says; on any thread but the listener. Every call subscribes
+   anew: the callbacks then run once more for each change. */
 uint32_t QRB_EVENT_SubToPortTable(void);
 uint32_t QRB_EVENT_SubToIfRouteTable(void);
 uint32_t QRB_EVENT_SubToIfPhyTable(void);

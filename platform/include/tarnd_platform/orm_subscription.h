@@ -1,10 +1,9 @@
 /*
  * The platform contract, part 2: messages about changes.
  *
- * A subscription session owns one or more descriptors. They become readable when a committed
- * transaction has changed a row that a subscription covers, and stay so until every message is
- * read. Whoever waits on a descriptor calls DbcHandleEvent, which runs the callbacks on its own
- * thread.
+ * A subscription session owns one or more descriptors. They become readable when a row that a
+ * subscription covers has changed, and stay so until every message is read. Whoever waits on a
+ * descriptor calls DbcHandleEvent, which runs the callbacks on its own thread.
  */
 #ifndef TARND_PLATFORM_ORM_SUBSCRIPTION_H
 #define TARND_PLATFORM_ORM_SUBSCRIPTION_H
