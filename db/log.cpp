@@ -1,4 +1,4 @@
-// The one way of the library's trouble to the system log.
+// A message's way to the system log.
 #include <syslog.h>
 
 #include <cstdarg>

@@ -85,7 +85,7 @@ uint32_t IF_INTF_GetIfByFullName(const char* fullName)
     ORM_SESSION       session  = 0;
     uint32_t          ret      = OrmOpenSessionByDefault(&session);
     if (ret != OK) {
-        // This line is written as it is, without identity and function.
+        // This line goes without identity and function.
         syslog(static_cast<int>(PRIORITY_ERROR), "create db session fail %u\n", ret);
         return NONE;
     }

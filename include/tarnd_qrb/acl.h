@@ -2,9 +2,10 @@
  * Access control lists: existence, group ids and names, numbers, rule counts.
  *
  * An ACL stands in "acl_group" under its virtual system (vsid, vsysid), its number or name and its
- * family. The families differ in what existence means: see each function. Numbers and names go into
- * scan conditions of limited length; one that does not fit is a failure, and silent. With two
- * single-digit virtual-system numbers, names up to 9 characters fit. Other failures are logged.
+ * family. Only ACL_IsACLNodeExistByNumber tells whether one exists; its three kin tell whether it
+ * could be looked for. Numbers and names go into scan conditions of limited length; one that does
+ * not fit is a failure, and silent. With two single-digit virtual-system numbers, names up to 9
+ * characters fit. Other failures are logged.
  *
  * Every function runs on any thread and keeps nothing between calls. Null is checked where a
  * comment says so.
@@ -56,7 +57,7 @@ uint32_t ACL_GetRuleCount(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, ui
 uint32_t ACLIPv6_GetRuleCount(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, uint32_t* count);
 
 /* The name of a group, from "acl_group_id". name holds ACL_GROUP_NAME_SIZE bytes. 0; 1 when there
-   is no such group or for a failure (logged). */
+   is no such group or for a failure (logged). name is written where only a later step fails. */
 uint32_t ACL_GetNameByGroupId(uint32_t groupId, char* name);
 uint32_t ACLIPv6_GetNameByGroupId(uint32_t groupId, char* name);
 

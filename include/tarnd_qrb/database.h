@@ -33,7 +33,8 @@ uint32_t QRB_DB_InitOrm(void);
  * operation  QRB_ORM_OP_READ or QRB_ORM_OP_SCAN.
  * session    receives the handle. On success the caller owns it and closes it with OrmCloseSession.
  *
- * Returns 1 for success, 0 for failure: logged, *session 0; a null table or session is not logged.
+ * Returns 1 for success, 0 for failure: logged, *session 0. A null table or session is refused
+ * with 0, silently, and nothing is written.
  */
 uint32_t QRB_CreatDbSession(const char* table, uint32_t operation, ORM_SESSION* session);
 
@@ -43,12 +44,12 @@ uint32_t QRB_DB_SESSION_SetKey(ORM_SESSION session, uint32_t operation, const ch
                                const void* keyArgument, QRB_SET_KEY_FUNC setKey);
 
 /* The keyed read on an open session: QRB_DB_SESSION_SetKey, then getFields(session, output). 0, or
-   the failing step's own code, which is logged. */
+   the failing step's own code after logging the step. */
 uint32_t QRB_DB_SESSION_Get(ORM_SESSION session, const char* table, const void* keyArgument,
                             void* output, QRB_SET_KEY_FUNC setKey, QRB_GET_FIELDS_FUNC getFields);
 
 /* The keyed read in a session of its own. 0, the failing step's own code (ORM_NO_RECORD where no
-   record has the key), or the close's. */
+   record has the key) after logging the step, or the close's, silently. */
 uint32_t QRB_DB_Get(const char* table, const void* keyArgument, void* output,
                     QRB_SET_KEY_FUNC setKey, QRB_GET_FIELDS_FUNC getFields);
 
@@ -66,7 +67,7 @@ uint32_t QRB_DB_SESSION_Scan(ORM_SESSION session, const char* table, void* conte
                              uint32_t maxCount, QRB_ENTRY_FUNC onEntry, uint32_t* count,
                              const char* condition, QRB_SET_CONDITION_FUNC setCondition);
 
-/* QRB_DB_SESSION_Scan in a session of its own. */
+/* QRB_DB_SESSION_Scan in a session of its own. 1 with *count written: only the close failed. */
 uint32_t QRB_DB_Scan(const char* table, void* context, uint32_t maxCount, QRB_ENTRY_FUNC onEntry,
                      uint32_t* count, const char* condition, QRB_SET_CONDITION_FUNC setCondition);
 

@@ -35,7 +35,8 @@ uint32_t BDS_IfnetGetIfNameByIfIndex(uint32_t ifIndex, char* output);
 /* Whether an interface has a record: 1 yes, 0 no (silent). A database that fails answers 1. */
 uint32_t BDS_IfnetIsIfExist(uint32_t ifIndex);
 
-/* The index (if_index) of a full name, by a scan of the whole table. The index, or 0xFFFFFFFF. */
+/* The index (if_index) of a full name, by a scan until the first match. The index, or 0xFFFFFFFF:
+   silently when no record has the name. */
 uint32_t IF_INTF_GetIfByFullName(const char* fullName);
 
 /*

@@ -63,7 +63,8 @@ uint32_t BDS_IPGetMainIpByIfIndex(uint32_t ifIndex, uint32_t* address, uint32_t*
    it. Null is refused with 1. */
 uint32_t IP_GetMainIpAddr(uint32_t ifIndex, uint32_t* address, uint32_t* masklen);
 
-/* How many addresses the interface has; 0 for a failure, and silently where it has no record. */
+/* How many addresses the interface has, also where only the close fails; 0 for other failures, and
+   silently where it has no record. */
 uint32_t SYSAPI_GetIp4AddrNumByIf(uint32_t ifIndex);
 
 /*
@@ -81,7 +82,8 @@ uint32_t SYSAPI_GetIp4AllAddrByIf(uint32_t ifIndex, SYSAPI_IP4_ADDR_S* addresses
 /* In two reads. The addresses are counted and then read. A read that fails is logged and does not
    change the result: addresses that were not read count as 0. */
 
-/* Whether the address is one of the interface's: 1 yes; 0 no, or a failure. */
+/* Whether the address is one of the interface's: 1 yes; 0 no, or a failure. An interface without
+   addresses is logged. */
 uint32_t BDS_IPIFIsThisIfIpAddr(uint32_t ifIndex, uint32_t address);
 
 /* The first capacity addresses of the interface, without prefix lengths; count receives how many
@@ -93,6 +95,8 @@ uint32_t BDS_IPIFGetThisIfIpAddr(uint32_t ifIndex, uint32_t* addresses, uint32_t
 /* The first address of the list. 0; or 1: silently where the interface has none. Null is refused
    with 1. */
 uint32_t BDS_IPGetFirstIpByIfIndex(uint32_t ifIndex, uint32_t* address);
+
+/* In one read. */
 
 /*
  * The interface's address that fits a peer: the last one, after the first, that is not 0 and whose
@@ -106,8 +110,6 @@ uint32_t BDS_IPGetFirstIpByIfIndex(uint32_t ifIndex, uint32_t* address);
  */
 uint32_t BDS_IPGetIFBestMatchIpAddr(uint32_t ifIndex, uint32_t peer, uint32_t* masklen,
                                     uint32_t* network, uint32_t* address);
-
-/* In one read. */
 
 /* The mask (of the prefix length: 0 gives 0, above 32 gives 0xFFFFFFFF) of one of the interface's
    addresses. 0; or 1: silently when the address is not the interface's. mask stays written where

@@ -54,7 +54,8 @@ static_assert(offsetof(QOS_PROFILE_INFO_S, dscp1) == 49, "dscp1 is off its posit
 
 /* The index of the last profile with a name, by a scan of the whole table. 0 after a complete scan:
    *index is written only when a profile has the name. Else the failing step's code, or QOS_FAIL
-   for a name of 64 bytes or more. */
+   once a row is met, for a wanted or a stored name of 64 bytes or more; an earlier match stays
+   written. */
 uint32_t QOS_GetProfileIdByName(uint32_t unused, const char* name, uint32_t* index);
 
 /* The step of QOS_GetProfileIdByName's scan: writes the current row's index (field 0) if its name

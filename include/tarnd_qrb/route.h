@@ -71,8 +71,8 @@ uint32_t FIB6_InquiryRe6(const void* pstFibKey, void* pstFibNhp);
 uint32_t FIB_AM_PrefixMatch(const FIB_PREFIX_S* prefix, const FIB_PREFIX_S* probe);
 
 /* The group (field 10) of the first forwarding entry whose prefix (fields 4 and 5) covers an
-   address. 0; 0xFFFFFFFF when there is none, *groupId 0; 1 when the scan can't start (silent),
-   *groupId untouched. */
+   address. 0; 0xFFFFFFFF when there is none or the scan stopped on an error (silent where a row
+   can't be read), *groupId 0; 1 when the scan can't start (silent), *groupId untouched. */
 uint32_t FIB_ScanIp4Forward(uint32_t destination, uint32_t* groupId);
 
 /* Opens a session and starts a scan of the group members, both for the caller to end. 0, or 1
@@ -94,7 +94,8 @@ uint32_t FIB_ScanNhpGroupNode(uint32_t groupId, uint32_t* nhpIndexes, uint8_t mu
                               uint32_t* count);
 
 /* The two values (fields 3 and 4) of the next hop with an index (field 2). 0; 0xFFFFFFFF when there
-   is none, both values 0; 1 when the scan can't start (silent), both untouched. */
+   is none or the scan stopped on an error, both values 0; 1 when the scan can't start (silent),
+   both untouched. A value that can't be read is 0 (silent). */
 uint32_t FIB_ScanNhpStd(uint32_t nhpIndex, uint32_t* firstValue, uint32_t* secondValue);
 
 #ifdef __cplusplus

@@ -8,8 +8,8 @@
  * undisturbed.
  *
  * All answer 0 when a value was written, 1 when there is none: the end of the table, a walk that is
- * not open (First: is open), or a failure (logged). An open walk blocks no writer; rows come in the
- * database's order. No lock: callers serialise their use of each walk. Null is not checked.
+ * not open (First: is open), or a failure (logged). Rows come in the database's order. No lock:
+ * callers serialise their use of each walk. Null is not checked.
  */
 #ifndef TARND_QRB_TABLE_WALK_H
 #define TARND_QRB_TABLE_WALK_H

@@ -18,12 +18,12 @@ extern "C" {
 /* The fixed numbering: 10000 + vlanId. 0, or 1: vlanId is 0 or ifIndex is null. No database. */
 uint32_t BDS_L2IF_VLAN_GetIfIndexByVlanId(uint16_t vlanId, uint32_t* ifIndex);
 
-/* The index of the interface with the VLAN's name. 0, or 1. Where there is none, *ifIndex becomes
-   0xFFFFFFFF. */
+/* The index of the interface with the VLAN's name. 0, or 1. Where there is none or it can't be
+   read, *ifIndex becomes 0xFFFFFFFF. */
 uint32_t BDS_L2_VlanGetIfIndex(uint16_t vlanId, uint32_t* ifIndex);
 
-/* The index of the interface with the VLAN's name, as a value: 0xFFFFFFFF where there is none, 1
-   where no name can be made (both silent). */
+/* The index of the interface with the VLAN's name, as a value: 0xFFFFFFFF where there is none or it
+   can't be read, 1 where no name can be made; silently, but for what QRB_CreatDbSession logs. */
 uint32_t BDS_L2IF_VLAN_GetVlanIfIndex(uint16_t vlanId);
 
 /*

@@ -88,7 +88,7 @@ std::vector<Function> FilterFunctions()
     return {
         FUNCTION(ACL_IsACLNodeExistByNumber, oneIsYes, "acl_group", "Whether an IPv4 ACL with a number exists, and its group.", vsid, vsysid, aclNumber, groupId),
         FUNCTION(ACLIPv6_IsACLNodeExistByNumber, oneIsYes, "acl_group", "Whether an IPv6 ACL could be looked for, and its group.", vsid, vsysid, aclNumber, groupId),
-        FUNCTION(ACL_IsExist, oneIsYes, "acl_group", "Whether an IPv4 ACL exists, by name or, without one, by number.", vsid, vsysid, aclNumber, aclName, groupId),
+        FUNCTION(ACL_IsExist, oneIsYes, "acl_group", "Whether an IPv4 ACL could be looked for, by name or, without one, by number.", vsid, vsysid, aclNumber, aclName, groupId),
         FUNCTION(ACLIPv6_IsExist, oneIsYes, "acl_group", "Whether an IPv6 ACL could be looked for, by name or, without one, by number.", vsid, vsysid, aclNumber, aclName, groupId),
         Define("ACL_DB_ScanAclGroupId", ScanGroupIds, okOr1, "acl_group", "The row step of a scan of ACL groups: the group of the last row that a condition matches.", condition, groupId),
         FUNCTION(ACL_GetRuleCount, okOr1, "acl_group, acl_adv", "How many rules an IPv4 ACL has.", vsid, vsysid, aclNumber, ruleCount),

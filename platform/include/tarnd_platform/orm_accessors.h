@@ -8,7 +8,8 @@
  *  - Ormg<Table>GetAllFieldsInner fills a record buffer from the session's current record.
  *  - Ormg<Table>SetKey<Key>Inner sets the named key of a session prepared with QRB_ORM_OP_READ.
  * Keys and records are byte buffers of exactly the lengths below; layouts of keys: members in
- * order, without gaps. Records: tarnd_qrb/records.h, and for "acl_group_id" the comment there.
+ * order, without gaps. Records: tarnd_qrb/records.h, and for "acl_group_id" the comment at its
+ * accessors below.
  */
 #ifndef TARND_PLATFORM_ORM_ACCESSORS_H
 #define TARND_PLATFORM_ORM_ACCESSORS_H
