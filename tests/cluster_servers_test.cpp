@@ -12,6 +12,7 @@
 #include "sources/cluster.h"
 #include "sources/json_file.h"
 #include "support/changes.h"
+#include "support/command.h"
 #include "support/network.h"
 #include "support/ovsdb.h"
 #include "support/platform.h"
@@ -288,11 +289,12 @@ uint16_t FreePort()
 TEST_F(ServersTest, OverTcpAndTls)
 {
     const auto certify = [&](const std::string& name) {
-        support::Run(
+        const auto made = support::Run(
             "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -days 2 "
             "-subj /CN=" +
             name + " -keyout " + folder_ / name + ".key -out " + folder_ / name +
             ".pem 2>/dev/null");
+        EXPECT_EQ(made.status, 0);
     };
     certify("board");
     certify("stranger");

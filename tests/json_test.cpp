@@ -208,6 +208,7 @@ TEST_F(JsonTest, TheShippedDeviceFillsEveryTableAndAgreesWithItself)
 std::string LineOf(std::string_view list, const Field& field, const char* more = "")
 {
     const std::string forms[] = {
+        // in the order of Kind
         "0 to " + std::to_string(~uint64_t{0} >> (64 - 8 * std::min(field.width, 8U))),
         "IPv4 address", "MAC address",
         "text of up to " + std::to_string(standin::LongestText(field)) + " bytes",

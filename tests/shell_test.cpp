@@ -10,15 +10,12 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "support/command.h"
+
 namespace {
 
 using Json  = nlohmann::ordered_json;
 using Names = std::set<std::string>;
-
-struct Outcome {
-    std::string output;
-    int         status;
-};
 
 const std::string root   = TARND_PROJECT_ROOT;
 const std::string device = root + "/data/access-switch.json ";
@@ -30,16 +27,11 @@ std::string TextOf(const std::string& file)
     return text.str();
 }
 
-Outcome RunShell(const std::string& arguments, const std::string& input = "")
+support::Outcome RunShell(const std::string& arguments, const std::string& input = "")
 {
     const std::string file = testing::TempDir() + "shell-input-" + std::to_string(getpid());
     std::ofstream(file) << input;
-    const std::string command = TARND_SHELL " " + arguments + " 2>&1 <" + file;
-    FILE* const       pipe    = popen(command.c_str(), "r");
-    Outcome           run;
-    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe))
-        run.output.push_back(static_cast<char>(c));
-    run.status = WEXITSTATUS(pclose(pipe));
+    const auto run = support::Run(TARND_SHELL " " + arguments + " 2>&1 <" + file);
     std::remove(file.c_str());
     return run;
 }
@@ -98,7 +90,7 @@ TEST(Shell, ShowsWhatPeopleExpect)
     for (std::string line; std::getline(lines, line);)
         if (line.starts_with("> "))
             input += line.substr(2) + "\n";
-    const auto [output, status] = RunShell("--echo " + device, input);
+    const auto [status, output] = RunShell("--echo " + device, input);
     const std::regex changing(R"(\d\d:\d\d:\d\d\.\d{6}|[\d.]+(?= us)|:\d+(?=\] ))");
     EXPECT_EQ(std::regex_replace(output, changing, "@"), expected);
     EXPECT_EQ(status, 2);

@@ -3,33 +3,14 @@
 #include <sched.h>
 
 #include <chrono>
-#include <cstdio>
 #include <sstream>
 #include <thread>
 
 #include <gtest/gtest.h>
 
+#include "support/command.h"
+
 namespace support {
-namespace {
-
-struct Outcome {
-    int         status;
-    std::string output;
-};
-
-Outcome Run(const std::string& command)
-{
-    Outcome     outcome{-1, ""};
-    FILE* const pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr)
-        return outcome;
-    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe))
-        outcome.output.push_back(static_cast<char>(c));
-    outcome.status = pclose(pipe);
-    return outcome;
-}
-
-}  // namespace
 
 bool InOwnNetwork(const std::function<void()>& body)
 {

@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/command.h"
 #include "support/network.h"
 #include "support/platform.h"
 
@@ -42,12 +43,7 @@ Wire StateOf(const std::string& path)
 
 bool HaveOvsdb()
 {
-    return std::system("command -v ovsdb-server ovsdb-tool >/dev/null") == 0;
-}
-
-void Run(const std::string& command)
-{
-    EXPECT_EQ(std::system(command.c_str()), 0) << command;
+    return Run("command -v ovsdb-server ovsdb-tool").status == 0;
 }
 
 std::string TakeLogText()
@@ -76,12 +72,11 @@ OvsdbServer::OvsdbServer(const Folder& folder, const std::string& name, Role rol
     const std::string own   = base_ + ".db ";
     const std::string first = " unix:" + folder / "first.raft";
     const std::string here  = " unix:" + base_ + ".raft";
-    if (role == Role::Alone)
-        Run("ovsdb-tool create " + own + schema);
-    else if (role == Role::First)
-        Run("ovsdb-tool --election-timer=200 create-cluster " + own + schema + first);
-    else
-        Run("ovsdb-tool join-cluster " + own + sources::ovsdb::database + here + first);
+    const std::string create =
+        role == Role::Alone   ? "create " + own + schema
+        : role == Role::First ? "--election-timer=200 create-cluster " + own + schema + first
+                              : "join-cluster " + own + sources::ovsdb::database + here + first;
+    EXPECT_EQ(Run("ovsdb-tool " + create).status, 0) << create;
     Start();
 }
 

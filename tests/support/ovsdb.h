@@ -17,9 +17,6 @@ using Wire = sources::ovsdb::Json;
 // Whether the servers' programs are installed.
 bool HaveOvsdb();
 
-// Runs a command of the shell's; one that fails is a failure of the test.
-void Run(const std::string& command);
-
 // What was written to the system log since the last call.
 std::string TakeLogText();
 
