@@ -33,7 +33,7 @@ uint32_t CountMatches(const char* function, ORM_SESSION session, const char* con
     return OK;
 }
 
-// The same in a session of its own, which has nothing to add to what the count itself reports.
+// The same in a session of its own. What CountMatches reports is not reported again.
 uint32_t CountRecords(const char* function, const char* table, const char* condition,
                       uint32_t* count)
 {

@@ -1,7 +1,7 @@
 // The shapes that queries are made of: a one-shot read, steps in a session, a scan.
 //
-// A helper that logs does so on behalf of its caller, which hands its own name over as __func__.
-// Never log inside a lambda: there __func__ is the lambda's.
+// A helper that logs does so on behalf of its caller, which hands its own name over as __func__. A
+// lambda, whose __func__ names nobody, takes the name from around it.
 #ifndef TARND_QRB_DB_ACCESS_H
 #define TARND_QRB_DB_ACCESS_H
 
@@ -106,7 +106,7 @@ uint32_t InSession(const char* function, CHECK close, Body&& body)
 }
 
 // Hands each row of a table to onRow(session, &done), in a session of its own, until one fails or
-// sets done. The scan ends on every path.
+// sets done. The scan ends, and the session is closed, on every path.
 template <typename OnRow>
 uint32_t ScanTable(const char* function, CHECK check, const char* table, OnRow&& onRow)
 {

@@ -115,7 +115,7 @@ uint32_t Advance(const char* function, const WALK_S& walk, uint32_t* value)
     return OK;
 }
 
-// Also of a walk that is not open: the database refuses the null handles.
+// It is not asked whether the walk is open: the database refuses the null handles.
 uint32_t WalkFinish(const char* function, const WALK_S& walk)
 {
     const uint32_t ended = OrmScanEnd(*walk.session, *walk.scan);
