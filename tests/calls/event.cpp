@@ -55,6 +55,7 @@ std::string TakeEvents()
 // A subscription of the test's own, which hands its messages to onMessage.
 std::function<void(ORM_MESSAGE, uint32_t)> onMessage;
 int32_t                                    descriptor = -1;
+std::string                                answer;
 
 int32_t KeepDescriptor(uint32_t opened, uint32_t operation)
 {
@@ -106,9 +107,10 @@ Call Delivery(const char* name, std::function<void(ORM_MESSAGE, uint32_t)> funct
             [=] {
                 support::WatchPlatform(false);
                 onMessage = function;
+                answer    = "";
                 Write(write, now);
                 DbcHandleEvent(descriptor);
-                return TakeEvents();
+                return TakeEvents() + answer;
             },
             expectations,
             [=] {
@@ -129,25 +131,19 @@ Call Delivery(const char* name, std::function<void(ORM_MESSAGE, uint32_t)> funct
             }};
 }
 
-// A function of one message, the first of a delivery: its answer, and the events.
+// A function of one message, the first of a delivery. What it answers is noted behind the events.
 template <typename Function>
 Call OfMessage(const char* name, Function function, Writing write, RowOf row,
                const std::string& expectations)
 {
-    static std::string answer;
-    const auto         first = [=](ORM_MESSAGE message, uint32_t) {
+    const auto first = [=](ORM_MESSAGE message, uint32_t) {
         uint8_t end = 0;
         support::WatchPlatform(false);
         EXPECT_EQ(OrmSubFetchNext(message, &end), 0U);
         support::WatchPlatform(true);
-        answer = function(message);
+        answer = ' ' + function(message);
     };
-    Call call = Delivery(name, first, write, row, expectations);
-    call.run  = [run = call.run] {
-        const std::string events = run();
-        return events == "-" ? answer : answer.empty() ? events : answer + ' ' + events;
-    };
-    return call;
+    return Delivery(name, first, write, row, expectations);
 }
 
 // What a call that starts the listener answers, and whether the session is open.
@@ -360,17 +356,17 @@ Calls OfMessages()
             QRB_IF_BASE_S  row = {};
             const uint32_t ret = QRB_EVENT_GetIfBaseFromSession(message, ORM_OBJECT_NEW, &row);
             return Texts({ret, row.if_index}) + ' ' + Text(row.if_name);
-        }, Insert, Named, R"(0 91 91
-            extract   1 0 ""  | OrmSubExtractData fail, ret=%.\n
-            field#1   1 0 ""  | get ifindex from db sub session fail, ret=%.\n
-            field#2   1 91 "" | get ifname from db sub session fail, ret=%.\n)"),
+        }, Insert, Named, R"(- 0 91 91
+            extract   - 1 0 ""  | OrmSubExtractData fail, ret=%.\n
+            field#1   - 1 0 ""  | get ifindex from db sub session fail, ret=%.\n
+            field#2   - 1 91 "" | get ifname from db sub session fail, ret=%.\n)"),
         OfMessage("QRB_EVENT_IfPhyInsert", [](ORM_MESSAGE message) {
             QRB_IF_PHY_S        row    = {};
             QRB_IF_PHY_NOTICE_S notice = {UNTOUCHED, UNTOUCHED};
             QRB_EVENT_IfPhyInsert(message, &row, &notice);
             return Texts({notice.ifIndex, notice.phyState});
-        }, Insert, Phy, R"(91 1 9/8 flag 0 if 91, notify 3 if 91
-            any       - -  | QRB_EVENT_IfPhyOrmGetNewData: Failed to fetch DB, ret=%\n | Failed to get new orm phy data.\n)"),
+        }, Insert, Phy, R"(9/8 flag 0 if 91, notify 3 if 91 91 1
+            any       - - -  | QRB_EVENT_IfPhyOrmGetNewData: Failed to fetch DB, ret=%\n | Failed to get new orm phy data.\n)"),
     };
 }
 
