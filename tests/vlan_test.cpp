@@ -44,10 +44,12 @@ TEST_F(Vlan, PortIsAMemberByEitherSetOfTheVlanInItsOwnScope)
             {"vlan_scope0": 0, "vlan_scope1": 0, "vlan_id": 10, "member_bitmap_1": [9]},
             {"vlan_scope0": 0, "vlan_scope1": 0, "vlan_id": 20, "member_bitmap_2": [255]},
             {"vlan_scope0": 0, "vlan_scope1": 0, "vlan_id": 30, "member_bitmap_1": [0]},
+            {"vlan_scope0": 0, "vlan_scope1": 0, "vlan_id": 31, "member_bitmap_1": ["1-255"]},
             {"vlan_scope0": 5, "vlan_scope1": 6, "vlan_id": 40, "member_bitmap_2": [9]}]})");
-    const std::pair<uint32_t, uint16_t> members[] = {{1, 10}, {2, 20}, {3, 40}, {4, 30}};
+    const std::pair<uint32_t, uint16_t> members[] = {{1, 10}, {2, 20}, {3, 40},
+                                                     {4, 30}, {1, 31}, {2, 31}};
     for (const uint32_t ifIndex : {1U, 2U, 3U, 4U}) {
-        for (const uint16_t id : std::initializer_list<uint16_t>{10, 20, 30, 40, 50}) {
+        for (const uint16_t id : std::initializer_list<uint16_t>{10, 20, 30, 40, 50, 31}) {
             const bool member = std::ranges::count(members, std::pair(ifIndex, id)) != 0;
             EXPECT_EQ(VLAN_IsPortInVlan(ifIndex, id), member ? 0U : 1U) << ifIndex << " " << id;
             EXPECT_EQ(BDS_L2IF_VP_PortIsInVlan(ifIndex, id), member ? 1U : 0U);
