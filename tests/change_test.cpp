@@ -115,6 +115,34 @@ const Case cases[] = {
 };
 // clang-format on
 
+// The events are those of which the database hands the old object first, or the new one.
+std::string Definition(const std::string& table, const Messages& events)
+{
+    std::string listed;
+    for (const std::string& event : events) {
+        const bool oldFirst = event[0] == '-';
+        listed += (listed.empty() ? R"({"type":")" : R"(,{"type":")") + event.substr(1) +
+                  (oldFirst ? R"(", "msgTypes": ["old object", "new object"]})"
+                            : R"(", "msgTypes": ["new object", "old object"]})");
+    }
+    const std::string name = "qrb_json_sub_" + table;
+    return R"({"name":")" + name + R"(","label_name":")" + table + R"(","comment":")" + name +
+           R"(","type":"before_commit","events": [)" + listed +
+           R"( ], "is_path":false, "persist":false })";
+}
+
+TEST_F(Change, IsSubscribedToByTheseTexts)
+{
+    const Messages all = {"+insert", "-replace", "-delete", "+update"};
+    EXPECT_EQ(
+        support::PlatformTexts(),
+        (Messages{
+            "channel:", "osc", "port", "qrb_orm_sub_port", Definition("port", all), "qrb_port",
+            "qrb_orm_sub_if_route_table", Definition("if_route", {"-replace", "+update"}),
+            "qrb_if_route", "qrb_orm_sub_if_phy", Definition("if_phy", all), "qrb_if_phy",
+            "qrb_orm_sub_if_base", Definition("if_base", {"-insert", "+delete"}), "qrb_if_base"}));
+}
+
 TEST_F(Change, BecomesTheEventsOfItsTable)
 {
     for (const Case& one : cases) {

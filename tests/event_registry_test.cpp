@@ -143,6 +143,8 @@ TEST_F(EventRegistry, RefusesEventsThatDoNotExist)
          R"(1 | strcpy_s for pszModuleName failed, ret = 22.\n)"},
         {CALL(IF_EvtUnRegCbf, InterfaceA, UNUSED, 2U, SUB_EVENTS, 2U),
          R"(1 | Failed to find event node.\n)"},
+        {CALL(IF_EvtUnRegCbf, InterfaceA, UNUSED, 2U, 76U, 2U),
+         R"(1 | Failed to reg event id=76, subId=2\n)"},
         {CALL(IF_EvtRegCbf, InterfaceA, UNUSED, 1U, 1U, 76U),
          R"(1 | Failed to reg event id=76, subId=4294967295\n)", IF_EvtInit},
         {CALL(IF_EvtRegCbf, InterfaceA, UNUSED, 1U, 2U, 4U, 0U),

@@ -36,6 +36,7 @@ struct Planned {
 bool                     watching = false;  // by atomic built-ins, as what malloc looks at
 std::mutex               mutex;
 std::vector<std::string> points;
+std::vector<std::string> texts;
 std::optional<Planned>   planned;
 std::optional<uint32_t>  cleanUpCode;  // set once a fault is to be followed by failing clean-ups
 std::atomic<int>         openSessions = 0;
@@ -75,10 +76,20 @@ UNWATCHED auto Next(const char* name)
     return found;
 }
 
+void Note(const char* text)
+{
+    const std::lock_guard lock(mutex);
+    texts.emplace_back(text != nullptr ? text : "");
+}
+void Note(auto /*noText*/) {}
+
 template <auto Operation, typename... Arguments>
 auto Pass(const char* name, Arguments... arguments)
 {
-    using Result                        = decltype(Operation(arguments...));
+    using Result = decltype(Operation(arguments...));
+    if (__atomic_load_n(&watching, __ATOMIC_RELAXED) && std::string_view(name).starts_with("Orm")) {
+        (Note(arguments), ...);
+    }
     const std::optional<uint32_t> fault = Fault(name);
     return fault ? static_cast<Result>(*fault) : Next<Operation>(name)(arguments...);
 }
@@ -189,10 +200,17 @@ std::vector<std::string> PlatformCalls()
     return calls;
 }
 
+std::vector<std::string> PlatformTexts()
+{
+    const std::lock_guard lock(mutex);
+    return texts;
+}
+
 void ResetPlatform()
 {
     const std::lock_guard lock(mutex);
     points.clear();
+    texts.clear();
     planned.reset();
     cleanUpCode.reset();
 }

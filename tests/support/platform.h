@@ -16,6 +16,9 @@ namespace support {
 std::vector<std::string> FaultPoints();
 std::vector<std::string> PlatformCalls();
 
+// The texts among their arguments.
+std::vector<std::string> PlatformTexts();
+
 // Forgets the calls and whatever was to fail.
 void ResetPlatform();
 
