@@ -138,6 +138,8 @@ TEST_F(JsonTest, AValueThatDoesNotFitIsRefused)
         {"port", "pvid", "-1", ": -1 is out of range"},
         {"port", "pvid", "1.5", ": 1.5 is not a whole number"},
         {"port", "pvid", R"("1")", R"(: "1" is not a whole number)"},
+        {"port", "pvid", "null", ": null is not a whole number"},
+        {"port", "pvid", "true", ": true is not a whole number"},
         {"if_base", "if_name", "5", ": 5 is not a text"},
         {"if_base", "if_name", R"("a\u0000b")", R"(: "a\u0000b" is not a text without NUL)"},
         {"if_phy", "mac_addr", R"("02:00:00:00:00:1")", ": \"02:00:00:00:00:1\" is not a MAC"},
