@@ -250,7 +250,10 @@ TEST(VlanBitmap, TheFirstDifferenceDecides)
     QRB_PORT_S       other = {};
     other.reserved_1048[0] = 1;
     EXPECT_EQ(QRB_EVENT_PortCheckIsVlanBitMapChange(&row, &other, 4096, 0), 1U);
-    EXPECT_EQ(QRB_EVENT_PortCheckIsVlanBitMapChange(&row, &other, -1, 0), 1U);
+    other.vlan_bitmap_2[0] = 1;
+    for (const int32_t length : {-1, 0}) {
+        EXPECT_EQ(QRB_EVENT_PortCheckIsVlanBitMapChange(&row, &other, length, 0), 1U);
+    }
     support::ForgetEvents();
 }
 
