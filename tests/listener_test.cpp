@@ -173,6 +173,11 @@ TEST_F(Listener, AnEpollInstanceThatIsThereIsUsed)
     EXPECT_TRUE(Eventually([] { return delivered == 1; }));
     EXPECT_EQ(g_epollDbListenerFd, made);
     support::ResetPlatform();
+
+    support::StopListener();
+    g_epollDbListenerFd = 0;  // which is none
+    EXPECT_EQ(Register(), 0U);
+    EXPECT_GT(g_epollDbListenerFd, 0);
 }
 
 // The flag alone stops it; what comes late touches nobody's descriptor.

@@ -398,7 +398,11 @@ Calls Starts()
             copy#5    1 open
             OrmSubscribe#4  1 closed | [DEBUG]: OrmSubscribe fail, ret=%\n
             behind    -)" + Fill(SUBSCRIPTION, {{"$own", "QRB_EVENT_SubToPortTable"}, {"$table", "port"}}),
-            {}, LeftUnlocked, Tidy},
+            [] { g_isL2IFEvtInited = 0; },
+            [] {
+                EXPECT_EQ(g_isL2IFEvtInited, 1);
+                LeftUnlocked();
+            }, Tidy},
         {"DbListenerEpollCtrl", [] {
              const int32_t ret = DbListenerEpollCtrl(static_cast<uint32_t>(descriptor), 0);
              return std::to_string(ret);
