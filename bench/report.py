@@ -50,7 +50,10 @@ TIMES = [
             ("SQLite", "sqlite", None, None),
         ]
     ],
-    ("scan, a row, a million rows over a thousand", "scan/stand_in/1000000", "scan/stand_in/1000", None, None),
+    *[
+        (f"scan of {name}, a row, a million rows over a thousand", f"scan/{store}/1000000", f"scan/{store}/1000", None, None)
+        for name, store in [("the stand-in", "stand_in"), ("an array", "array"), ("LMDB", "lmdb")]
+    ],
     ("session query over one-shot read", "session_read/session/10000", "session_read/one_shot/10000", AT_MOST, 5),
     ("list push and pop, over malloc, copy, free", "list_push_pop/util_list", "list_push_pop/malloc_copy_free", AT_MOST, 1.5),
     ("list push and pop, over std::list", "list_push_pop/util_list", "list_push_pop/std_list", None, None),
