@@ -166,11 +166,17 @@ void* Label(void* block, uint16_t handle, const char* file, uint32_t line, size_
     return header + 1;
 }
 
-// Not inlined, so that a block from a pile needs no registers saved.
+// These two are not inlined, so that blocks of piles come and go without a register saved.
 [[gnu::noinline]] void* TakeNew(uint16_t handle, const char* file, uint32_t line, size_t size)
 {
     void* block = malloc(sizeof(Header) + GrainsOf(size) * GRAIN);
     return block != nullptr ? Label(block, handle, file, line, size) : nullptr;
+}
+
+[[gnu::noinline]] void Free(Header* header)
+{
+    Charge(header->Handle(), -static_cast<int64_t>(header->Size()), -1);
+    free(header);
 }
 
 }  // namespace
@@ -214,10 +220,11 @@ void free_ex(uint16_t /*handle*/, void* memory)
     const uint16_t charged = header->Handle();
     const size_t   size    = header->Size();
     Pile*          pile    = OwnPile(size);
-    if (pile == nullptr || !pile->Put(header)) {
-        free(header);
+    if (pile != nullptr && pile->Put(header)) {
+        Charge(charged, -static_cast<int64_t>(size), -1);
+    } else {
+        Free(header);
     }
-    Charge(charged, -static_cast<int64_t>(size), -1);
 }
 
 uint32_t meminfo_get(uint32_t selector, uint16_t handle, uint64_t* first, uint64_t* second)
