@@ -1,6 +1,7 @@
 // Interfaces: the comparison of names, types and the one-time build of their table, states.
 #include <algorithm>
 #include <cstdlib>
+#include <latch>
 #include <span>
 #include <thread>
 
@@ -117,10 +118,12 @@ TEST_F(Interface, TypesAreAskedForFirstByManyThreads)
     support::WatchPlatform(false);
     for (int round = 0; round < 200; round++) {
         const BDS_IF_TYPE_INFO_S* seen[4] = {};
+        std::latch                start(std::ssize(seen));
         std::vector<std::jthread> threads;
         for (const BDS_IF_TYPE_INFO_S*& table : seen) {
-            threads.emplace_back([&table] {
+            threads.emplace_back([&table, &start] {
                 uint32_t portType = 0;
+                start.arrive_and_wait();
                 EXPECT_EQ(BDS_IfPortTypeSwitch(16, &portType), 0U);
                 EXPECT_EQ(portType, 1U);
                 table = Published();

@@ -87,10 +87,19 @@ TEST_F(Listener, StartsOnceAndOpensOneSession)
     EXPECT_TRUE(Eventually([] { return delivered == 4; }));
     EXPECT_NE(pthread_equal(deliverer, g_epollDbListenerThreadId), 0);
 
+    // A subscription that fails takes the session along, but not the thread.
+    const pthread_t thread = g_epollDbListenerThreadId;
+    FailCall("OrmSubscribe", 1, 77);
+    EXPECT_EQ(Register(), 77U);
+    EXPECT_EQ(Register(), 0U);
+    EXPECT_EQ(g_epollDbListenerThreadId, thread);
+
     const std::string epollFd = std::to_string(g_epollDbListenerFd);
     support::StopListener();
+    auto messages = TakeMessages();
+    std::erase(messages, "QrbDbListenerRegisterEvent: [DEBUG]: OrmSubscribe fail, ret=77\n");
     EXPECT_EQ(
-        TakeMessages(),
+        messages,
         (Messages{"DbListenerEpollThreadFunc: [DEBUG]: epoll DbListener thread start, epollFd=" +
                       epollFd + ", exit=0\n",
                   "DbListenerEpollThreadFunc: [DEBUG]: epoll thread exit. epoll_fd=" + epollFd +

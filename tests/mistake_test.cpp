@@ -71,6 +71,7 @@ TEST_F(Mistakes, NullIsRefused)
         {CALL(FIB_InquiryRoute, &KEY, nullptr), "1 | [FIB Inquiry Route] parameter failed"},
         {CALL(FIB_InquiryRoutes, nullptr, nullptr, Out32()), "1 - | [FIB Inquiry Routes] parameter failed, pstFibKey:1, pstFibNhp:1, count:0"},
         {CALL(FIB_InquiryRoutes, &KEY, nullptr, Out32()), "1 - | [FIB Inquiry Routes] parameter failed, pstFibKey:0, pstFibNhp:1, count:0"},
+        {CALL(FIB_InquiryRoutes, &KEY, OutNextHops(), nullptr), "1 - - - - | [FIB Inquiry Routes] parameter failed, pstFibKey:0, pstFibNhp:0, count:1"},
         {CALL(FIB_InquiryRoutes, &KEY, nullptr, nullptr), "1 | [FIB Inquiry Routes] parameter failed, pstFibKey:0, pstFibNhp:1, count:1"},
         {CALL(FIB_InquiryRoutes, &KEY, OutNextHops(), Out32{0}), "1 - - - - 0 | [FIB Inquiry Routes] parameter failed, pstFibKey:0, pstFibNhp:0, count:0"},
         {CALL(IF_RegNotifyFunc, 1U, nullptr), "1"},

@@ -35,15 +35,18 @@ TEST_F(UtilList, RefusesWhatCannotBeAnElement)
     }
 }
 
-TEST_F(UtilList, ErasesInTheIteratorsOwnDirection)
+TEST_F(UtilList, MovesBytesAndErasesInTheIteratorsOwnDirection)
 {
     static constexpr UTIL_LIST_ITER_METHODS_S backward = {UTIL_LIST_Prev, nullptr, nullptr,
                                                           nullptr};
+    uint32_t                                  value    = 7;
     UTIL_LIST_S                               list;
     UTIL_LIST_Construct(&list, &NUMBERS);
-    for (const uint32_t value : {1U, 2U}) {
-        EXPECT_EQ(UTIL_LIST_PushBack(&list, &value), 0U);
+    support::FailCall("memcpy_s", 1, 22);
+    for (const uint32_t failed : {1U, 0U, 0U}) {
+        EXPECT_EQ(UTIL_LIST_PushBackMove(&list, &value), failed);
     }
+    EXPECT_EQ(*static_cast<uint32_t*>(UTIL_LIST_Data(list.tail)), 7U);
     UTIL_LIST_ITER_S iterator = {list.tail, &list, &backward};
     EXPECT_EQ(UTIL_LIST_Erase(&iterator).node, list.head);
     EXPECT_TRUE(iterator.node == list.tail && list.count == 1);
