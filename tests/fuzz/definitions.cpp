@@ -55,7 +55,8 @@ std::vector<uint32_t> WriteEachWay(const Table& table, const json& listed)
         Transaction transaction;
         write(transaction, Row(table));
         transaction.Commit();
-        if (std::ranges::any_of(listed, [&](const json& one) { return one.at("type") == name; })) {
+        if (std::ranges::any_of(
+                listed, [&name = name](const json& one) { return one.at("type") == name; })) {
             expected.push_back(event);
         }
     }
