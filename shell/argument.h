@@ -32,6 +32,8 @@ struct Argument {
     bool zeroed = false;
     // A text that takes all the words that are left.
     bool rest = false;
+    // A text that the callee doesn't check for null.
+    bool neverNull = false;
 };
 
 // The word that stands for a null pointer.

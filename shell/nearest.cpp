@@ -21,7 +21,7 @@ size_t Distance(std::string_view a, std::string_view b)
         for (size_t j = 0; j < b.size(); ++j) {
             const size_t changed = diagonal + (Lower(a[i]) != Lower(b[j]) ? 1 : 0);
             diagonal             = row[j + 1];
-            row[j + 1]           = std::min({changed, row[j] + 1, row[j + 1] + 1});
+            row[j + 1]           = std::min(changed, std::min(row[j], row[j + 1]) + 1);
         }
     }
     return row.back();

@@ -35,6 +35,12 @@ constexpr Argument Optional(std::string_view name, std::string_view fallback)
     return {.name = name, .fallback = fallback};
 }
 
+constexpr Argument NeverNull(Argument argument)
+{
+    argument.neverNull = true;
+    return argument;
+}
+
 constexpr Argument Required(Argument argument)
 {
     argument.fallback = {};

@@ -79,6 +79,7 @@ void Log(uint32_t priority, const char* function, uint32_t line, const char* tex
 
 // clang-format off
 constexpr Argument table     {.name = "table", .table = "tables"};
+constexpr Argument someTable = arguments::NeverNull(table);
 constexpr Argument key       {.name = "key", .rest = true};
 constexpr Argument record    {.name = "record"};
 constexpr Argument records   {.name = "records"};
@@ -98,12 +99,12 @@ std::vector<Function> FrameFunctions()
         Define("Tarn_QRB_Log_Printf", Log, value, "", "Writes a line to the system log; priorities above 3 are dropped.", Number("priority"), Number("function"), Number("line"), message),
         FUNCTION(QRB_DB_InitOrm, okOr1, "", "Initialises the access layer. Done at start-up."),
         Define("QRB_CreatDbSession", CreateSession, oneIsOk, "", "Opens a session and prepares it for a table: operation 4 a read, 7 a scan. Here, closes it too.", table, operation),
-        Define("QRB_DB_SESSION_SetKey", SetKey, okOrDatabase, "", "Sets the primary key on an open session and reads the row.", table, key),
-        Define("QRB_DB_SESSION_Get", SessionGet, okOrDatabase, "", "The row with a primary key, on an open session.", table, key, record),
-        Define("QRB_DB_Get", Get, okOrDatabase, "", "The row with a primary key.", table, key, record),
-        Define("QRB_DB_SESSION_Scan", SessionScan, okOr1, "", "The rows that a condition matches, on an open session.", table, condition, count, records),
-        Define("QRB_DB_Scan", Scan, okOr1, "", "The rows that a condition matches, such as: pvid = 10 and switch_port = 1", table, condition, count, records),
-        FUNCTION(QRB_DB_TransStringToHexNumString, okOr1, "", "A text, cut or padded to a size, as a literal for conditions.", Number("text"), hexText, hexSize),
+        Define("QRB_DB_SESSION_SetKey", SetKey, okOrDatabase, "", "Sets the primary key on an open session and reads the row.", someTable, key),
+        Define("QRB_DB_SESSION_Get", SessionGet, okOrDatabase, "", "The row with a primary key, on an open session.", someTable, key, record),
+        Define("QRB_DB_Get", Get, okOrDatabase, "", "The row with a primary key.", someTable, key, record),
+        Define("QRB_DB_SESSION_Scan", SessionScan, okOr1, "", "The rows that a condition matches, on an open session.", someTable, condition, count, records),
+        Define("QRB_DB_Scan", Scan, okOr1, "", "The rows that a condition matches, such as: pvid = 10 and switch_port = 1", someTable, condition, count, records),
+        FUNCTION(QRB_DB_TransStringToHexNumString, okOr1, "", "A text, cut or padded to a size, as a literal for conditions.", NeverNull(Number("text")), hexText, hexSize),
     };
 }
 // clang-format on

@@ -47,7 +47,7 @@ void TranslationTable(Json* entries)
 }
 
 // clang-format off
-constexpr Argument inputName  {.name = "input", .table = "if_base", .field = "if_name", .highest = 1023};
+constexpr Argument inputName  {.name = "input", .table = "if_base", .field = "if_name", .highest = 1023, .neverNull = true};
 constexpr Argument inputCopy  {.name = "output", .size = 1024};
 constexpr Argument typeCode   {.name = "type", .table = "if_base", .field = "if_type"};
 constexpr Argument numberText {.name = "output", .size = 64};

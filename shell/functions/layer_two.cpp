@@ -27,7 +27,7 @@ void Handle(uintptr_t* shown)
 constexpr Argument portIndex   {.name = "portIndex", .table = "port", .field = "port_index"};
 constexpr Argument pvid        {.name = "pvid"};
 constexpr Argument description {.name = "description", .size = 81};
-constexpr Argument vlanName    {.name = "name", .table = "vlan", .field = "name"};
+constexpr Argument vlanName    {.name = "name", .table = "vlan", .field = "name", .neverNull = true};
 constexpr Argument digits      {.name = "output", .size = 64};
 constexpr Argument textSize    {.name = "size", .highest = 64, .fallback = "64"};
 constexpr Argument cursor      {.name = "handle", .form = Form::Hex};

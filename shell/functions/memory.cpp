@@ -32,7 +32,7 @@ std::vector<Function> MemoryFunctions()
         Define("g_memExModuleMap", ModuleMap, value, "", "The daemon's modules, by module id.", Number("modules")),
         FUNCTION(MEM_EX_Init, value, "", "Asks the accounting service for every handle."),
         FUNCTION(MEM_EX_GetHandle, value, "", "The handle of a module; 0 where there is none.", module),
-        FUNCTION(MEM_EX_GetModule, value, "", "The id of a module; 32 where no module has the name.", Number("name")),
+        FUNCTION(MEM_EX_GetModule, value, "", "The id of a module; 32 where no module has the name.", NeverNull(Number("name"))),
         FUNCTION(MEM_EX_GetDetailedInfoSize, okOr1, "", "How many entries a usage report has.", count),
         FUNCTION(MEM_EX_GetDetailedInfo, okOrMemory, "", "What each module has in use.", entries, entryCount),
         FUNCTION(MEM_EX_CopyDetailedInfo, okOrMemory, "", "What the first modules have in use.", entries, entryCount),

@@ -60,6 +60,8 @@ struct Slot<const char*> {
     {
         text   = argument.rest && !words.Empty() ? words.TakeRest() : TakeWord(argument, words);
         isNull = text == nullWord;
+        if (isNull && argument.neverNull)
+            throw UsageError(std::string(argument.name) + ": must not be null");
         if (text.size() > argument.highest)
             throw UsageError(std::string(argument.name) + ": more than " +
                              std::to_string(argument.highest) + " characters");
