@@ -164,7 +164,9 @@ void EmptyTables()
     {
         const Alone alone;
         for (const Table& table : Tables()) {
-            taken.push_back(StoreOf(table).TakeAll());
+            if (StoreOf(table).Order().RowCount() > 0) {
+                taken.push_back(StoreOf(table).TakeAll());
+            }
         }
     }
     for (const RowOrder& order : taken) {

@@ -51,11 +51,10 @@ std::vector<Row> MakeRows()
 
 std::string Hexadecimal(std::span<const uint8_t> bytes)
 {
-    std::string text = "0x";
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string                text   = "0x";
     for (const uint8_t byte : bytes) {
-        char digits[3];
-        std::snprintf(digits, sizeof(digits), "%02x", byte);
-        text += digits;
+        text += {digits[byte >> 4], digits[byte & 15]};
     }
     return text;
 }
