@@ -35,37 +35,48 @@ Row MakeRow(const Table& table, uint64_t seed)
     return row;
 }
 
-std::vector<Row> MakeRows()
+// What a condition may say of a field.
+struct Value {
+    std::string plain;
+    std::string literal;
+};
+
+Value Rendered(const Row& row, const Field& field)
 {
-    std::vector<Row> rows;
-    Transaction      transaction;
+    if (field.kind == Kind::Number || field.kind == Kind::Ipv4) {
+        const std::string number = std::to_string(row.Number(field.name));
+        return {number, number};
+    }
+    constexpr std::string_view digits  = "0123456789abcdef";
+    std::string                literal = "0x";
+    for (const uint8_t byte : row.Bytes(field)) {
+        literal += {digits[byte >> 4], digits[byte & 15]};
+    }
+    return {field.kind == Kind::Text ? std::string(row.Text(field.name)) : literal, literal};
+}
+
+struct Described {
+    const Table&       table;
+    std::vector<Value> values;  // by field
+};
+
+// Rows in the database, and what may be said of them.
+std::vector<Described> MakeRows()
+{
+    std::vector<Described> rows;
+    Transaction            transaction;
     for (const Table& table : Tables()) {
         for (uint64_t seed = 0; seed < 4; seed++) {
-            rows.push_back(MakeRow(table, seed));
-            transaction.Insert(rows.back());
+            const Row row = MakeRow(table, seed);
+            transaction.Insert(row);
+            rows.push_back({table, {}});
+            for (const Field& field : table.fields) {
+                rows.back().values.push_back(Rendered(row, field));
+            }
         }
     }
     transaction.Commit();
     return rows;
-}
-
-std::string Hexadecimal(std::span<const uint8_t> bytes)
-{
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string                text   = "0x";
-    for (const uint8_t byte : bytes) {
-        text += {digits[byte >> 4], digits[byte & 15]};
-    }
-    return text;
-}
-
-std::string Rendered(const Row& row, const Field& field, bool asText)
-{
-    if (field.kind == Kind::Number || field.kind == Kind::Ipv4) {
-        return std::to_string(row.Number(field.name));
-    }
-    return asText && field.kind == Kind::Text ? std::string(row.Text(field.name))
-                                              : Hexadecimal(row.Bytes(field));
 }
 
 std::string Lower(std::string_view text)
@@ -84,34 +95,34 @@ std::string WithoutLeadingZeros(std::string_view number)
     return std::string(digits == std::string_view::npos ? "0" : number.substr(digits));
 }
 
-bool Describes(std::string_view term, const Row& row)
+bool Describes(std::string_view term, const Described& row)
 {
     const size_t           at    = term.find(equals);
-    const std::string_view value = term.substr(at + equals.size());
-    const Field*           field = FindField(row.Description().fields, term.substr(0, at));
+    const std::string_view said  = term.substr(at + equals.size());
+    const Field*           field = FindField(row.table.fields, term.substr(0, at));
     CHECK(at != std::string_view::npos && field != nullptr);
+    const auto& [plain, literal] = row.values[static_cast<size_t>(field - row.table.fields.data())];
     if (field->kind == Kind::Number || field->kind == Kind::Ipv4) {
-        return Rendered(row, *field, true) == WithoutLeadingZeros(value);
+        return plain == WithoutLeadingZeros(said);
     }
-    return Rendered(row, *field, true) == value || Rendered(row, *field, false) == Lower(value);
+    return plain == said || literal == Lower(said);
 }
 
-bool AllDescribe(std::string_view text, const Row& row)
+bool AllDescribe(std::string_view text, const Described& row)
 {
     const size_t end = text.find(joint);
     return Describes(text.substr(0, end), row) &&
            (end == std::string_view::npos || AllDescribe(text.substr(end + joint.size()), row));
 }
 
-std::string DescribeSome(fuzz::Input& input, const Row& row)
+std::string DescribeSome(fuzz::Input& input, const Described& row)
 {
     std::string text;
     do {
-        const Field& field = row.Description().fields[input.ConsumeIntegralInRange<size_t>(
-            0, row.Description().fields.size() - 1)];
+        const size_t field = input.ConsumeIntegralInRange<size_t>(0, row.values.size() - 1);
         text += text.empty() ? "" : joint;
-        text += std::string(field.name) + std::string(equals);
-        text += Rendered(row, field, input.ConsumeBool());
+        text += std::string(row.table.fields[field].name) + std::string(equals);
+        text += input.ConsumeBool() ? row.values[field].plain : row.values[field].literal;
     } while (input.ConsumeBool());
     return text;
 }
@@ -134,11 +145,11 @@ ptrdiff_t CountSelected(ORM_SESSION session)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    static const std::vector<Row> rows = MakeRows();
+    static const std::vector<Described> rows = MakeRows();
 
     fuzz::Input       input(data, size);
-    const Row&        described = rows[input.ConsumeIntegralInRange<size_t>(0, rows.size() - 1)];
-    const Table&      table     = described.Description();
+    const Described&  described = rows[input.ConsumeIntegralInRange<size_t>(0, rows.size() - 1)];
+    const Table&      table     = described.table;
     const bool        mustWork  = input.ConsumeBool();
     const std::string text =
         mustWork ? DescribeSome(input, described) : input.ConsumeRemainingBytesAsString();
@@ -149,8 +160,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const bool accepted = OrmSetScanCond(session, text.c_str()) == 0;
     CHECK(accepted || !mustWork);
     if (accepted) {
-        const auto expected = std::ranges::count_if(rows, [&](const Row& row) {
-            return &row.Description() == &table && AllDescribe(text.c_str(), row);
+        const auto expected = std::ranges::count_if(rows, [&](const Described& row) {
+            return &row.table == &table && AllDescribe(text.c_str(), row);
         });
         CHECK(CountSelected(session) == expected);
         CHECK(!mustWork || AllDescribe(text, described));
