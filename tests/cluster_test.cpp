@@ -13,15 +13,12 @@
 #include "support/network.h"
 #include "support/ovsdb.h"
 #include "support/platform.h"
-#include "support/rows.h"
+#include "support/writes.h"
 
 namespace {
 
 using sources::Cluster;
 using sources::ovsdb::Replica;
-using standin::Row;
-using standin::Table;
-using standin::Transaction;
 using support::Base;
 using support::Change;
 using support::Events;
@@ -47,19 +44,6 @@ TEST_F(ClusterTest, TheKeptSchemaIsUpToDate)
     kept << std::ifstream(TARND_PROJECT_ROOT "/data/tarnd_qrb.ovsschema").rdbuf();
     EXPECT_EQ(kept.str(), sources::ovsdb::Schema().dump(2) + "\n")
         << "to be made anew: ovsdb_schema > data/tarnd_qrb.ovsschema";
-}
-
-TEST_F(ClusterTest, RowsOfAnyContentsComeBack)
-{
-    support::RandomRows random(1);
-    for (const Table& table : standin::Tables()) {
-        for (int round = 0; round < 10; ++round) {
-            const Row row = random.Next(table);
-            EXPECT_EQ(sources::ovsdb::RowFromWire(
-                          table, Wire::parse(sources::ovsdb::RowToWire(row).dump())),
-                      row);
-        }
-    }
 }
 
 // What the servers say of interfaces, for a replica: of each by a name of its own.
@@ -209,9 +193,7 @@ TEST_F(ClusterTest, NonsenseIsReportedAndChangesNothing)
          "out of range"},
         {here, "silent"},
     };
-    Transaction before;
-    before.Insert(Phy(1, 5));
-    before.Commit();
+    support::writes::Write(support::writes::Insert, {Phy(1, 5)});
     for (const auto& [words, reason] : nonsense) {
         std::string fault = "none";
         for (auto patience = 20ms; patience < 10s && fault.find(reason) == std::string::npos;

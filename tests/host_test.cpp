@@ -2,7 +2,6 @@
 #include <net/if.h>
 
 #include <algorithm>
-#include <map>
 #include <random>
 #include <set>
 #include <utility>
@@ -23,25 +22,23 @@ namespace {
 
 using sources::Host;
 using sources::Json;
-using sources::NextHop;
 using sources::Route;
 using standin::Row;
-using support::AskIp;
 using support::Eventually;
 using support::Ip;
 
 class HostTest : public support::PlatformTest {};
 
+// Null where it fails.
+Json AskIp(const std::string& arguments)
+{
+    const auto [status, output] = support::Run("ip -json " + arguments + " 2>/dev/null");
+    return status == 0 ? Json::parse(output) : Json();
+}
+
 std::vector<Row> RowsOf(const char* table)
 {
     return support::RowsOf(*standin::FindTable(table));
-}
-
-std::string Dotted(uint32_t address)
-{
-    const in_addr network{htonl(address)};
-    char          text[INET_ADDRSTRLEN];
-    return inet_ntop(AF_INET, &network, text, sizeof text);
 }
 
 // Of each link: index, name, MAC address, carrier twice, running, member of a bridge; and of each
@@ -102,37 +99,24 @@ bool SameInterfaces()
     return InDatabase() == OfSystem() && std::ranges::all_of(sources::linkTables, isComplete);
 }
 
-// "gateway interface" for each next hop that the library names; none where it has no route.
-std::set<std::string> Inquire(const std::string& destination)
+// Among the next hops that the library names is the one that the kernel would use now; it names
+// none where the kernel has no route.
+bool SameRoute(const std::string& destination)
 {
     FIB_KEY_S key{};
     FIB_NHP_S hops[FIB_GROUP_MEMBERS_MAX]{};
-    uint32_t  count = FIB_GROUP_MEMBERS_MAX;
-    key.destAddr    = ntohl(inet_addr(destination.c_str()));
-    std::set<std::string> answers;
-    if (FIB_InquiryRoutes(&key, hops, &count) == 0) {
-        for (uint32_t i = 0; i < count; ++i)
-            answers.insert(Dotted(hops[i].firstValue) + " " + std::to_string(hops[i].secondValue));
-    }
-    return answers;
-}
-
-// The one that the kernel would use now; empty where it has no route.
-std::string RouteOfSystem(const std::string& destination)
-{
-    const auto answer = AskIp("route get " + destination);
+    uint32_t  count   = FIB_GROUP_MEMBERS_MAX;
+    key.destAddr      = ntohl(inet_addr(destination.c_str()));
+    const bool found  = FIB_InquiryRoutes(&key, hops, &count) == 0;
+    const Json answer = AskIp("route get " + destination);
     if (answer.is_null())
-        return "";
-    const std::string device = answer[0]["dev"];
-    return answer[0].value("gateway", "0.0.0.0") + " " +
-           std::to_string(if_nametoindex(device.c_str()));
-}
-
-bool SameRoute(const std::string& destination)
-{
-    const auto answers = Inquire(destination);
-    const auto used    = RouteOfSystem(destination);
-    return used.empty() ? answers.empty() : answers.contains(used);
+        return !found;
+    const std::string device  = answer[0]["dev"];
+    const std::string gateway = answer[0].value("gateway", "0.0.0.0");
+    return found && std::any_of(hops, hops + count, [&](const FIB_NHP_S& hop) {
+               return hop.firstValue == ntohl(inet_addr(gateway.c_str())) &&
+                      hop.secondValue == if_nametoindex(device.c_str());
+           });
 }
 
 bool SameRoutes()
@@ -242,26 +226,18 @@ TEST_F(HostTest, AnOverrunLosesNothingThatLasts)
     });
 }
 
-TEST_F(HostTest, NumbersOfGroupsLastAndAreNeverGivenTwice)
+TEST_F(HostTest, NumbersLastAndAreNeverGivenTwice)
 {
-    sources::Forwarding forwarding;
-    const Route         first{0x0A010000, 16, 0, {{1, 2}}};
-    const Route         second{0x0A020000, 24, 0, {{3, 4}, {1, 2}}};
-    const auto          groups = [](const sources::ForwardingRows& rows) {
-        std::map<uint64_t, uint64_t> groupOf;
-        for (const Row& row : rows.forwards)
-            groupOf[row.Number("destAddr")] = row.Number("nhpGroupId");
-        return groupOf;
-    };
-    auto       before = groups(forwarding.RowsOf({first}));
-    const auto both   = forwarding.RowsOf({second, first});
-    EXPECT_EQ(both.nextHops.size(), 2U);
-    EXPECT_EQ(both.groupNodes.size(), 3U);
-    EXPECT_EQ(groups(both)[first.destination], before[first.destination]);
-    forwarding.RowsOf({second});
-    const auto again = groups(forwarding.RowsOf({first, second}));
-    EXPECT_EQ(again.at(second.destination), groups(both)[second.destination]);
-    EXPECT_GT(again.at(first.destination), again.at(second.destination));
+    sources::Numbering<char>                  numbering;
+    const std::pair<const char*, const char*> rounds[] = {
+        {"a", "1"}, {"ba", "21"}, {"b", "2"}, {"ab", "32"}};
+    for (const auto& [things, expected] : rounds) {
+        std::string numbers;
+        for (const char thing : std::string(things))
+            numbers += std::to_string(numbering.Of(thing).number);
+        EXPECT_EQ(numbers, expected);
+        numbering.NextRound();
+    }
 }
 
 // Random routing tables, one after another, mirrored onto each other's rows.
@@ -283,8 +259,7 @@ TEST_F(HostTest, TheFirstCoveringEntryIsAlwaysTheLongest)
         sources::MirrorForwarding(transaction, wanted);
         transaction.Commit();
         ASSERT_TRUE(LongestPrefixesFirst());
-        const auto rows = RowsOf("Fib.ConfigIpv4Fwd");
-        ASSERT_TRUE(std::ranges::is_permutation(rows, wanted.forwards));
+        ASSERT_TRUE(std::ranges::is_permutation(RowsOf("Fib.ConfigIpv4Fwd"), wanted.forwards));
         ASSERT_TRUE(std::ranges::is_permutation(RowsOf("Fib.ConfigNhpStandard"), wanted.nextHops));
     }
 }

@@ -1,32 +1,44 @@
-// Network namespaces of a test's own, and what the operating system's own tool says about them.
+// What a test makes of the operating system's network, and waits for.
 #pragma once
 
-#include <functional>
-#include <string>
+#include <sched.h>
 
-#include <nlohmann/json.hpp>
+#include <chrono>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "support/command.h"
 
 namespace support {
 
-// Runs the body on a thread that stands in a new, empty network namespace. False where none can be
-// made. Commands that the body starts stand there too; no traffic leaves it.
-bool InOwnNetwork(const std::function<void()>& body);
-
-// Runs "ip" with these arguments; one that fails is a failure of the test. Several commands are
-// separated by ";".
-void Ip(const std::string& commands);
-
-// What "ip -json" with these arguments prints; null where it fails.
-nlohmann::json AskIp(const std::string& arguments);
+// Runs "ip" with these arguments; several commands are separated by ";".
+inline void Ip(const std::string& commands)
+{
+    const auto done = Run("echo '" + commands + "' | tr ';' '\\n' | ip -batch -");
+    EXPECT_EQ(done.status, 0) << "ip " << commands;
+}
 
 // Waits for a condition; false when it does not come true within ten seconds.
-bool Eventually(const std::function<bool()>& condition);
+template <typename Condition>
+bool Eventually(const Condition& condition)
+{
+    using Clock         = std::chrono::steady_clock;
+    const auto deadline = Clock::now() + std::chrono::seconds(10);
+    while (!condition()) {
+        if (Clock::now() > deadline)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    return true;
+}
 
 }  // namespace support
 
-// For a test's body.
-#define IN_OWN_NETWORK(body)                                         \
-    do {                                                             \
-        if (!support::InOwnNetwork(body))                            \
-            GTEST_SKIP() << "no network namespace can be made here"; \
-    } while (false)
+// For a test's body, which goes on in a new, empty network namespace, as do commands that it
+// starts; no traffic leaves it.
+#define IN_OWN_NETWORK(body)                                     \
+    if (unshare(CLONE_NEWNET) != 0)                              \
+        GTEST_SKIP() << "no network namespace can be made here"; \
+    (body)()

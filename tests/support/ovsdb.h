@@ -1,21 +1,20 @@
-// Real servers, started and stopped by a test, and a client that knows nothing of ours.
+// Real servers, started and stopped by a test.
 #pragma once
 
 #include <sys/types.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
 
-#include "sources/ovsdb_framing.h"
+#include <gtest/gtest.h>
+
 #include "sources/ovsdb_schema.h"
 
 namespace support {
 
 using Wire = sources::ovsdb::Json;
-
-// Whether the servers' programs are installed.
-bool HaveOvsdb();
 
 // What was written to the system log since the last call.
 std::string TakeLogText();
@@ -23,15 +22,15 @@ std::string TakeLogText();
 // A new folder below /tmp, which goes with the object.
 class Folder {
 public:
-    Folder();
-    ~Folder();
+    Folder() { EXPECT_NE(mkdtemp(path_.data()), nullptr); }
+    ~Folder() { std::filesystem::remove_all(path_); }
     Folder(const Folder&)            = delete;
     Folder& operator=(const Folder&) = delete;
 
     std::string operator/(const std::string& name) const { return path_ + "/" + name; }
 
 private:
-    std::string path_;
+    std::string path_ = "/tmp/ovsdb-XXXXXX";
 };
 
 class OvsdbServer {
@@ -39,7 +38,8 @@ public:
     // A new database of its own, the first of a cluster, or one more of the first's; started.
     // Options are those of the server's command line.
     enum class Role { Alone, First, Further };
-    OvsdbServer(const Folder& folder, const std::string& name, Role role, std::string options = "");
+    explicit OvsdbServer(const Folder& folder, const std::string& name = "first",
+                         Role role = Role::Alone, std::string options = "");
     ~OvsdbServer();
     OvsdbServer(const OvsdbServer&)            = delete;
     OvsdbServer& operator=(const OvsdbServer&) = delete;
@@ -49,32 +49,20 @@ public:
     void Stop(int signal);  // and waits for its end
     void Signal(int signal) const;
 
-    bool        IsRunning() const { return process_ > 0; }
-    bool        IsLeader() const;
-    std::string Path() const { return base_ + ".sock"; }
-    std::string Remote() const { return "unix:" + Path(); }
+    bool        IsLeader() const { return StateOf("leader"); }
+    std::string Remote() const { return "unix:" + base_ + ".sock"; }
+
+    // The answers to the operations, each time over a connection of its own. The first refusal is
+    // an exception, and so is the loss of the connection.
+    Wire Transact(const std::vector<Wire>& operations,
+                  const char*              name = sources::ovsdb::database) const;
 
 private:
+    bool StateOf(const char* column) const;  // of the database; false where nobody answers
+
     const std::string base_;
     const std::string options_;
     pid_t             process_ = 0;
-};
-
-// Throws std::runtime_error where the connection is lost, or a request is refused.
-class OvsdbClient {
-public:
-    explicit OvsdbClient(const std::string& path);
-    ~OvsdbClient();
-    OvsdbClient(const OvsdbClient&)            = delete;
-    OvsdbClient& operator=(const OvsdbClient&) = delete;
-
-    Wire Ask(const std::string& method, const Wire& parameters);
-    // The answers to the operations; the first refusal is an exception.
-    Wire Transact(const std::vector<Wire>& operations);
-
-private:
-    int                     socket_;
-    sources::ovsdb::Framing framing_;
 };
 
 }  // namespace support
