@@ -1,11 +1,11 @@
 // List operations in any order, with memory that runs out now and then, against vectors.
-#include <dlfcn.h>
-
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 #include <utility>
 #include <vector>
 
+#include <tarnd_platform/bounded.h>
 #include <tarnd_platform/memory.h>
 #include <tarnd_qrb/util_list.h>
 
@@ -13,27 +13,41 @@
 
 namespace {
 
-uint32_t blocks          = 0;  // in use
-uint32_t allocationsLeft = 0;  // before one fails; 0: none does
+uint32_t blocks    = 0;  // in use
+uint32_t callsLeft = 0;  // before one fails; 0: none does
+
+bool FailsNow()
+{
+    return callsLeft > 0 && --callsLeft == 0;
+}
 
 }  // namespace
 
 // Ahead of the platform's.
-extern "C" void* malloc_ex(uint16_t handle, const char* file, uint32_t line, size_t size)
+extern "C" void* malloc_ex(uint16_t /*handle*/, const char* /*file*/, uint32_t /*line*/,
+                           size_t size)
 {
-    static const auto next = reinterpret_cast<decltype(&malloc_ex)>(dlsym(RTLD_NEXT, "malloc_ex"));
-    if (allocationsLeft > 0 && --allocationsLeft == 0) {
+    if (FailsNow()) {
         return nullptr;
     }
     blocks++;
-    return next(handle, file, line, size);
+    return std::malloc(size);
 }
 
-extern "C" void free_ex(uint16_t handle, void* memory)
+extern "C" void free_ex(uint16_t /*handle*/, void* memory)
 {
-    static const auto next = reinterpret_cast<decltype(&free_ex)>(dlsym(RTLD_NEXT, "free_ex"));
     blocks -= memory != nullptr ? 1 : 0;
-    next(handle, memory);
+    std::free(memory);
+}
+
+extern "C" int memcpy_s(void* to, size_t capacity, const void* from, size_t size)
+{
+    CHECK(size <= capacity);
+    if (FailsNow()) {
+        return 22;
+    }
+    std::memcpy(to, from, size);
+    return 0;
 }
 
 namespace {
@@ -45,6 +59,12 @@ using Model = std::vector<uint32_t>;
 // Elements that own memory, so that one destroyed twice, or not at all, is seen.
 using Owner = uint32_t*;
 
+Owner Make(uint32_t value)
+{
+    blocks++;
+    return new uint32_t(value);
+}
+
 uint32_t ValueIn(const void* element)
 {
     return **static_cast<const Owner*>(element);
@@ -52,13 +72,14 @@ uint32_t ValueIn(const void* element)
 
 void Destroy(void* element)
 {
+    blocks--;
     delete *static_cast<Owner*>(element);
 }
 
 // The statuses are nobody's business.
 uint32_t Copy(void* element, const void* value)
 {
-    *static_cast<Owner*>(element) = new uint32_t(ValueIn(value));
+    *static_cast<Owner*>(element) = Make(ValueIn(value));
     return 1;
 }
 
@@ -68,8 +89,17 @@ uint32_t Move(void* element, void* value)
     return 1;
 }
 
-constexpr UTIL_LIST_TRAITS_S owners = {sizeof(Owner), nullptr, Destroy, Copy,
-                                       Move,          nullptr, nullptr};
+Model printed;
+
+void Print(const void* element)
+{
+    printed.push_back(ValueIn(element));
+}
+
+// With every callback, and without those that may be left out.
+constexpr UTIL_LIST_TRAITS_S owners[] = {
+    {sizeof(Owner), nullptr, Destroy, Copy, Move, nullptr, Print},
+    {sizeof(Owner), nullptr, Destroy, Copy, nullptr, nullptr, nullptr}};
 
 bool StaysAhead(const void* existing, const void* added, uint64_t context)
 {
@@ -120,209 +150,255 @@ constexpr Way ways[] = {
 };
 // clang-format on
 
+// What is in a list, whose links and count agree.
+Model ValuesIn(const List& list)
+{
+    Model values;
+    Node  previous = nullptr;
+    for (Node node = list.head; node != nullptr; previous = node, node = node->next) {
+        CHECK(node->prev == previous);
+        values.push_back(ValueIn(UTIL_LIST_Data(node)));
+    }
+    CHECK(list.tail == previous && list.count == values.size());
+    CHECK(UTIL_LIST_IsEmpty(&list) == values.empty());
+    return values;
+}
+
+// Null behind the tail.
+Node NodeAt(const List& list, std::ptrdiff_t place)
+{
+    Node node = list.head;
+    for (; place > 0; place--) {
+        node = node->next;
+    }
+    return node;
+}
+
 // A list and what must be in it.
 struct Pair {
     List  list;
     Model model;
 };
 
-void CheckPair(const Pair& pair)
+fuzz::Input* input;
+Pair         pairs[3];
+
+uint32_t Below(size_t limit)
 {
-    Model values;
-    Node  previous = nullptr;
-    for (Node node = pair.list.head; node != nullptr; previous = node, node = node->next) {
-        CHECK(node->prev == previous);
-        values.push_back(ValueIn(UTIL_LIST_Data(node)));
-    }
-    CHECK(values == pair.model);
-    CHECK(pair.list.tail == previous && pair.list.count == values.size());
-    CHECK(UTIL_LIST_IsEmpty(&pair.list) == values.empty());
+    return input->ConsumeIntegralInRange<uint32_t>(0, static_cast<uint32_t>(limit) - 1);
 }
 
-class Lists {
-public:
-    explicit Lists(fuzz::Input& input) : input_(input)
-    {
-        for (Pair& pair : pairs_) {
-            UTIL_LIST_Construct(&pair.list, &owners);
-        }
-    }
-    ~Lists()
-    {
-        for (Pair& pair : pairs_) {
-            UTIL_LIST_Destruct(&pair.list);
-        }
-    }
-    Lists(const Lists&)            = delete;
-    Lists& operator=(const Lists&) = delete;
+Pair& Any()
+{
+    return pairs[Below(std::size(pairs))];
+}
 
-    void Step()
-    {
-        constexpr void (Lists::*steps[])() = {
-            &Lists::Insert, &Lists::Insert,    &Lists::Insert,    &Lists::Pop,
-            &Lists::Remove, &Lists::Search,    &Lists::Iterate,   &Lists::Delete,
-            &Lists::Swap,   &Lists::MoveWhole, &Lists::CopyWhole, &Lists::Concatenate};
-        allocationsLeft = Below(16) == 0 ? 1 + Below(4) : 0;
-        (this->*steps[Below(std::size(steps))])();
-        for (const Pair& pair : pairs_) {
-            CheckPair(pair);
-        }
+void Insert()
+{
+    auto& [list, model]  = Any();
+    const Way&     way   = ways[Below(std::size(ways))];
+    const uint64_t order = Below(2);
+    const uint32_t value = Below(10);
+    auto           place = model.end();
+    if (way.place == Place::Front) {
+        place = model.begin();
+    } else if (way.place == Place::Before) {
+        place = model.begin() + Below(model.size() + 1);
+    } else if (way.place == Place::Sorted) {
+        place = std::ranges::find_if(model, [=](auto one) { return one + order <= value; });
     }
-
-private:
-    uint32_t Below(size_t limit)
-    {
-        return input_.ConsumeIntegralInRange<uint32_t>(0, static_cast<uint32_t>(limit) - 1);
+    Owner      given  = Make(value);
+    const bool failed = way.insert(&list, NodeAt(list, place - model.begin()), &given, order) != 0;
+    CHECK((given == nullptr) == (way.moves && !failed && list.traits->constructMove != nullptr));
+    if (failed || !way.moves) {
+        Destroy(&given);
     }
-    Pair& Any() { return pairs_[Below(std::size(pairs_))]; }
-
-    void Insert()
-    {
-        auto& [list, model]  = Any();
-        const Way&     way   = ways[Below(std::size(ways))];
-        const uint64_t order = Below(2);
-        const uint32_t value = Below(10);
-        auto           place = model.end();
-        Node           at    = nullptr;  // before which is the end
-        if (way.place == Place::Front) {
-            place = model.begin();
-        } else if (way.place == Place::Before && !model.empty()) {
-            place = model.begin();
-            at    = list.head;
-            for (uint32_t steps = Below(model.size()); steps > 0; steps--, at = at->next, ++place) {
-            }
-        } else if (way.place == Place::Sorted) {
-            place = std::ranges::find_if(model, [=](auto one) { return one + order <= value; });
-        }
-        Owner      given  = new uint32_t(value);
-        const bool failed = way.insert(&list, at, &given, order) != 0;
-        CHECK((given == nullptr) == (way.moves && !failed));
-        delete given;
-        if (!failed) {
-            model.insert(place, value);
-        }
+    if (!failed) {
+        model.insert(place, value);
     }
+}
 
-    void Pop()
-    {
-        auto& [list, model] = Any();
-        const bool front    = Below(2) != 0;
-        CHECK((front ? UTIL_LIST_PopFront(&list) : UTIL_LIST_PopBack(&list)) ==
-              (model.empty() ? 1 : 0));
-        if (!model.empty()) {
-            model.erase(front ? model.begin() : model.end() - 1);
-        }
+// Nothing, in a list of nothing, or as large as nothing can be.
+void Refuse()
+{
+    constexpr UTIL_LIST_TRAITS_S absurd = {~uint64_t{0} - 8, nullptr, nullptr, nullptr,
+                                           nullptr,          nullptr, nullptr};
+    for (const UTIL_LIST_TRAITS_S* traits : {&owners[0], &absurd, {}}) {
+        List  list;
+        Owner value = nullptr;
+        UTIL_LIST_Construct(&list, traits);
+        CHECK(ways[Below(std::size(ways))].insert(&list, nullptr,
+                                                  traits == owners ? nullptr : &value, 0) != 0);
+        CHECK(ValuesIn(list).empty());
     }
+}
 
-    void Remove()
-    {
-        auto& [list, model] = Any();
-        const uint32_t from = Below(11);  // 0: all
-        from == 0 ? UTIL_LIST_Clear(&list) : UTIL_LIST_RemoveIf(&list, IsAtLeast, from);
-        std::erase_if(model, [=](uint32_t value) { return value >= from; });
+void Pop()
+{
+    auto& [list, model] = Any();
+    const bool front    = Below(2) != 0;
+    CHECK((front ? UTIL_LIST_PopFront(&list) : UTIL_LIST_PopBack(&list)) ==
+          (model.empty() ? 1 : 0));
+    if (!model.empty()) {
+        model.erase(front ? model.begin() : model.end() - 1);
     }
+}
 
-    void Search()
-    {
-        const auto& [list, model] = Any();
-        const uint32_t from       = Below(10);
-        const auto     meant      = [=](uint32_t value) { return value >= from; };
-        const auto     count      = std::ranges::count_if(model, meant);
-        const Node     found      = UTIL_LIST_FindIf(&list, IsAtLeast, from);
-        CHECK(UTIL_LIST_CountIf(&list, IsAtLeast, from) == static_cast<uint64_t>(count));
-        CHECK((found == nullptr) == (count == 0));
-        for (Node node = list.head; node != found; node = node->next) {
-            CHECK(!meant(ValueIn(UTIL_LIST_Data(node))));
-        }
-        CHECK(found == nullptr || meant(ValueIn(UTIL_LIST_Data(found))));
+void Remove()
+{
+    auto& [list, model] = Any();
+    const uint32_t from = Below(11);  // 0: all
+    from == 0 ? UTIL_LIST_Clear(&list) : UTIL_LIST_RemoveIf(&list, IsAtLeast, from);
+    std::erase_if(model, [=](uint32_t value) { return value >= from; });
+}
+
+// And removes what is found.
+void Search()
+{
+    auto& [list, model]  = Any();
+    const uint32_t from  = Below(10);
+    const auto     meant = [=](uint32_t value) { return value >= from; };
+    const auto     place = std::ranges::find_if(model, meant);
+    const Node     found = UTIL_LIST_FindIf(&list, IsAtLeast, from);
+    CHECK(found == NodeAt(list, place - model.begin()));
+    CHECK(UTIL_LIST_CountIf(&list, IsAtLeast, from) ==
+          static_cast<uint64_t>(std::ranges::count_if(model, meant)));
+    if (found != nullptr) {
+        const Node next = found->next;
+        CHECK(UTIL_LIST_DeleteNode(&list, found) == next);
+        model.erase(place);
     }
+}
 
-    // From either end, erasing on the way to the tail.
-    void Iterate()
-    {
-        auto& [list, model] = Any();
-        auto at             = UTIL_LIST_End(&list);
-        for (size_t left = model.size(); at.methods->prev(&at).node != nullptr;) {
-            CHECK(ValueIn(at.methods->getDataPtr(&at)) == model.at(--left));
-        }
-        const uint32_t erased = Below(10);
-        for (at = UTIL_LIST_Begin(&list); at.node != nullptr;) {
-            ValueIn(UTIL_LIST_GetDataPtr(&at)) == erased ? at.methods->erase(&at)
-                                                         : at.methods->next(&at);
-        }
-        std::erase(model, erased);
+// From either end, erasing on the way, which goes on as the iterator's own methods say.
+void Iterate()
+{
+    constexpr UTIL_LIST_ITER_METHODS_S backwards = {UTIL_LIST_Prev, nullptr, UTIL_LIST_GetDataPtr,
+                                                    UTIL_LIST_Erase};
+    auto& [list, model]                          = Any();
+    const uint32_t erased                        = Below(10);
+    const bool     back                          = Below(2) != 0;
+    Model          met;
+    auto           at = back ? UTIL_LIST_End(&list) : UTIL_LIST_Begin(&list);
+    if (back) {
+        at.methods->prev(&at);
+        at.methods = &backwards;
     }
-
-    void Delete()
-    {
-        auto& [list, model] = Any();
-        if (!model.empty()) {
-            const Node next = list.head->next;
-            CHECK(UTIL_LIST_DeleteNode(&list, list.head) == next);
-            model.erase(model.begin());
-        }
+    while (at.node != nullptr) {
+        met.push_back(ValueIn(at.methods->getDataPtr(&at)));
+        const auto moved = met.back() == erased ? at.methods->erase(&at) : at.methods->next(&at);
+        CHECK(moved.node == at.node);
     }
-
-    void Swap()
-    {
-        Pair& one   = Any();
-        Pair& other = Any();
-        UTIL_LIST_Swap(&one.list, &other.list);
-        std::swap(one.model, other.model);
+    if (back) {
+        std::ranges::reverse(met);
     }
+    CHECK(met == model);
+    std::erase(model, erased);
+}
 
-    void MoveWhole()
-    {
-        Pair& source = Any();
-        Pair& target = Any();
-        if (&source != &target) {
-            UTIL_LIST_Destruct(&target.list);
-            target.model = std::exchange(source.model, {});
-        }
-        UTIL_LIST_ConstructMove(&target.list, &source.list);
+void Swap()
+{
+    Pair& one   = Any();
+    Pair& other = Any();
+    UTIL_LIST_Swap(&one.list, &other.list);
+    std::swap(one.model, other.model);
+}
+
+void MoveWhole()
+{
+    Pair& source = Any();
+    Pair& target = Any();
+    if (&source != &target) {
+        UTIL_LIST_Destruct(&target.list);
+        target.model = std::exchange(source.model, {});
     }
+    UTIL_LIST_ConstructMove(&target.list, &source.list);
+}
 
-    // Where memory runs out, what was copied so far stays.
-    void CopyWhole()
-    {
-        const Pair& source = Any();
-        Pair&       target = Any();
-        if (&source != &target) {
-            UTIL_LIST_Destruct(&target.list);
-            target.model = source.model;
-        }
-        if (UTIL_LIST_ConstructCopy(&target.list, &source.list) != 0) {
-            CHECK(target.list.count < target.model.size());
-            target.model.resize(target.list.count);
-        }
+// Where memory runs out, what was copied so far stays.
+void CopyWhole()
+{
+    const Pair& source = Any();
+    Pair&       target = Any();
+    if (&source != &target) {
+        UTIL_LIST_Destruct(&target.list);
+        target.model = source.model;
     }
-
-    void Concatenate()
-    {
-        Pair& target = Any();
-        Pair& source = Any();
-        UTIL_LIST_ConcatenateMove(&target.list, &source.list);
-        if (&target != &source) {
-            target.model.insert(target.model.end(), source.model.begin(), source.model.end());
-            source.model.clear();
-        }
+    if (UTIL_LIST_ConstructCopy(&target.list, &source.list) != 0) {
+        CHECK(target.list.count < target.model.size());
+        target.model.resize(target.list.count);
     }
+}
 
-    fuzz::Input& input_;
-    Pair         pairs_[3];
-};
+void Concatenate()
+{
+    Pair& target = Any();
+    Pair& source = Any();
+    UTIL_LIST_ConcatenateMove(&target.list, &source.list);
+    if (&target != &source) {
+        target.model.insert(target.model.end(), source.model.begin(), source.model.end());
+        source.model.clear();
+    }
+}
+
+// A list as an element, by value or by pointer: copied, moved, and copied when it has been moved.
+void Nest()
+{
+    union Element {
+        List  list;
+        List* pointer;
+    } copied, moved, left;
+    const auto& [list, model]   = Any();
+    const bool        scarce    = callsLeft > 0;
+    const bool        byPointer = Below(2) != 0;
+    const List* const pointer   = &list;
+    const auto&       traits    = byPointer ? g_utilListByPtrTraits : g_utilListByValueTraits;
+    const uint32_t    status =
+        traits.constructCopy(&copied, byPointer ? static_cast<const void*>(&pointer) : pointer);
+    CHECK(status == (byPointer && copied.pointer == nullptr ? 1 : 0));
+    CHECK(traits.elemSize == (byPointer ? sizeof(List*) : sizeof(List)));
+    CHECK(traits.constructMove(&moved, &copied) == 0 && traits.constructCopy(&left, &copied) == 0);
+
+    const List* const inner  = byPointer ? moved.pointer : &moved.list;
+    const Model       values = inner == nullptr ? Model() : ValuesIn(*inner);
+    CHECK(values.size() <= model.size() && std::equal(values.begin(), values.end(), model.begin()));
+    CHECK(scarce || values == model);
+    CHECK(byPointer ? copied.pointer == nullptr : ValuesIn(copied.list).empty());
+    CHECK(byPointer ? left.pointer == nullptr : ValuesIn(left.list).empty());
+
+    const List unmade = {};
+    g_utilListByValueTraits.print(&unmade);
+    for (Element* element : {&copied, &moved, &left}) {
+        traits.print(element);
+        traits.destruct(element);
+    }
+    CHECK(std::exchange(printed, {}) == (list.traits->print != nullptr ? values : Model()));
+}
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    fuzz::Input input(data, size);
-    {
-        Lists lists(input);
-        while (input.remaining_bytes() > 0) {
-            lists.Step();
+    constexpr void (*steps[])() = {Insert,    Insert,      Insert,  Refuse, Pop,
+                                   Remove,    Search,      Iterate, Swap,   MoveWhole,
+                                   CopyWhole, Concatenate, Nest};
+    fuzz::Input all(data, size);
+    input              = &all;
+    const auto& traits = owners[Below(2)];
+    for (Pair& pair : pairs) {
+        UTIL_LIST_Construct(&pair.list, &traits);
+    }
+    while (all.remaining_bytes() > 0) {
+        callsLeft = Below(16) == 0 ? 1 + Below(4) : 0;
+        steps[Below(std::size(steps))]();
+        for (const Pair& pair : pairs) {
+            CHECK(ValuesIn(pair.list) == pair.model);
         }
-        allocationsLeft = 0;
+    }
+    callsLeft = 0;
+    for (Pair& pair : pairs) {
+        UTIL_LIST_Destruct(&pair.list);
+        pair.model.clear();
     }
     CHECK(blocks == 0);
     return 0;
