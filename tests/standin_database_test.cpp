@@ -4,51 +4,32 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
 #include <random>
 
 #include <gtest/gtest.h>
-#include <standin/database.h>
+
+#include "support/writes.h"
 
 namespace {
 
 using standin::Row;
 using standin::Transaction;
-using Numbers = std::vector<uint32_t>;
-
+using Numbers           = std::vector<uint32_t>;
 constexpr uint32_t none = UINT32_MAX;
 
-// Each inserted row has a number of its own, kept in its mtu, so that it can be told from another
-// one with its key. Numbers grow with insertion.
-struct Model {
-    struct Content {
-        std::string name;
-        uint32_t    number;
-    };
-    std::map<uint32_t, Content> rows;
-    uint32_t                    inserted = 0;
+// Each inserted row has a number of its own, its mtu, so that it can be told from another one with
+// its key. Numbers grow with insertion.
+struct Entry {
+    uint32_t    index;
+    std::string name;
+    uint32_t    number;
 
-    uint32_t NumberOf(uint32_t index) const
+    Row AsRow() const
     {
-        return rows.contains(index) ? rows.at(index).number : none;
-    }
-    uint32_t IndexOf(const std::string& name) const
-    {
-        const auto named = [&](const auto& row) { return row.second.name == name; };
-        const auto found = std::ranges::find_if(rows, named);
-        return found == rows.end() ? none : found->first;
-    }
-    // As a scan goes.
-    Numbers Order() const
-    {
-        Numbers order;
-        for (const auto& [index, content] : rows) {
-            order.push_back(content.number);
-        }
-        std::ranges::sort(order);
-        return order;
+        return support::writes::Base(index).Set("if_name", name).Set("mtu", number);
     }
 };
+using Model = std::vector<Entry>;  // in the order of their insertion
 
 class StandinDatabase : public testing::Test {
 protected:
@@ -66,8 +47,6 @@ protected:
     }
 
     uint32_t Below(uint32_t limit) { return static_cast<uint32_t>(random_() % limit); }
-
-    std::string AnyName() { return "eth" + std::to_string(Below(600)); }
 
     // A transaction of a few writes, committed to both, or to neither where one can't be done.
     void CommitSome()
@@ -90,27 +69,24 @@ protected:
     // Asks by each key. What a session has read it keeps, whatever was written since.
     void ReadSome()
     {
-        const uint32_t        index = Below(300);
-        std::array<char, 387> record{};
-        const uint32_t        code = OrmgIfBaseReadInner(&index, 4, record.data(), record.size());
-        ASSERT_EQ(code, model_.NumberOf(index) == none ? ORM_NO_RECORD : 0U);
-        if (code == 0) {
-            ASSERT_EQ(record.data() + 8, model_.rows.at(index).name);
-        }
+        const Entry asked = AnyEntry();
+        const auto  there = std::ranges::find(model_, asked.index, &Entry::index);
+        ASSERT_EQ(standin::Find(asked.AsRow()),
+                  there == model_.end() ? std::nullopt : std::optional(there->AsRow()));
 
         uint32_t kept = none;
         ASSERT_EQ(OrmGetField(reading_, "mtu", &kept, 4) == 0, read_ != none);
         ASSERT_EQ(kept, read_);
-        const std::string    name = AnyName();
         std::array<char, 68> key{};
-        name.copy(key.data() + 4, name.size());
+        asked.name.copy(key.data() + 4, asked.name.size());
+        const auto named = std::ranges::find(model_, asked.name, &Entry::name);
+        read_            = named == model_.end() ? none : named->number;
         ASSERT_EQ(OrmPrepare(reading_, "if_base", QRB_ORM_OP_READ), 0U);
         ASSERT_EQ(OrmgIfBaseSetKeyLocalKeyInner(reading_, key.data(), key.size()), 0U);
-        read_ = model_.NumberOf(model_.IndexOf(name));
         ASSERT_EQ(OrmExecute(reading_), read_ == none ? ORM_NO_RECORD : 0U);
     }
 
-    // The rows that a scan meets, with something done after each.
+    // Rows by their numbers, as a scan meets them, with something done after each.
     template <typename Action>
     Numbers Scan(Action afterEach)
     {
@@ -127,50 +103,51 @@ protected:
         return seen;
     }
 
-    Model model_;
+    Numbers InModel() const
+    {
+        Numbers numbers;
+        std::ranges::transform(model_, std::back_inserter(numbers), &Entry::number);
+        return numbers;
+    }
 
 private:
+    Entry AnyEntry() { return {Below(300), "eth" + std::to_string(Below(600)), 0}; }
+
     // What is to be said of the write; empty where it can be done.
     std::string AddWrite(Transaction& transaction, Model& model)
     {
-        const uint32_t    kind    = Below(5);
-        const uint32_t    index   = Below(300);
-        const std::string name    = AnyName();
-        const bool        isThere = model.rows.contains(index);
-        const uint32_t    number  = isThere ? model.NumberOf(index) : model.inserted;
-        const Row         row =
-            Row("if_base").Set("if_index", index).Set("if_name", name).Set("mtu", number);
-        const std::string key = "if_base: if_index " + std::to_string(index);
-        if (kind < 2) {
-            transaction.Insert(row);
-        } else if (kind == 2) {
-            transaction.Replace(row);
-        } else if (kind == 3) {
-            transaction.Update(row);
-        } else {
-            transaction.Delete(row);
-        }
-        if (kind < 2 && isThere) {
+        using namespace support::writes;
+        constexpr Writing kinds[] = {Insert, Insert, Replace, Update, Delete};
+        const Writing     kind    = kinds[Below(std::size(kinds))];
+        Entry             entry   = AnyEntry();
+        const auto        there   = std::ranges::find(model, entry.index, &Entry::index);
+        const auto        named   = std::ranges::find(model, entry.name, &Entry::name);
+        const bool        isThere = there != model.end();
+        const std::string key     = "if_base: if_index " + std::to_string(entry.index);
+        entry.number              = isThere ? there->number : ++last_;
+        kind(transaction, entry.AsRow());
+        if (kind == Insert && isThere) {
             return key + ": there is such a row already";
         }
-        if (kind > 2 && !isThere) {
+        if ((kind == Update || kind == Delete) && !isThere) {
             return key + ": there is no such row";
         }
-        if (kind == 4) {
-            model.rows.erase(index);
-            return "";
-        }
-        const uint32_t holder = model.IndexOf(name);
-        if (holder != none && holder != index) {
-            return "if_base: name_scope 0, if_name \"" + name +
+        if (kind == Delete) {
+            model.erase(there);
+        } else if (named != model.end() && named != there) {
+            return "if_base: name_scope 0, if_name \"" + entry.name +
                    "\": another row has this local_key";
+        } else if (isThere) {
+            *there = entry;
+        } else {
+            model.push_back(entry);
         }
-        model.rows[index] = {name, number};
-        model.inserted += isThere ? 0 : 1;
         return "";
     }
 
+    Model        model_;
     std::mt19937 random_{20};
+    uint32_t     last_     = 0;  // number that was given
     ORM_SESSION  reading_  = 0;
     ORM_SESSION  scanning_ = 0;
     uint32_t     read_     = none;  // the number of the row that the first session stands on
@@ -200,7 +177,7 @@ TEST_F(StandinDatabase, AgreesWithAModelThroughRandomTransactions)
         CommitSome();
         ReadSome();
         if (round % 100 == 0) {
-            ASSERT_EQ(Scan([] {}), model_.Order());
+            ASSERT_EQ(Scan([] {}), InModel());
         }
         ASSERT_FALSE(HasFatalFailure());
     }
@@ -212,12 +189,12 @@ TEST_F(StandinDatabase, OpenScansAreFairThroughRandomTransactions)
         for (int fill = 0; fill < 50; fill++) {
             CommitSome();
         }
-        const Numbers before     = model_.Order();
+        const Numbers before     = InModel();
         Numbers       throughout = before;
         const Numbers seen       = Scan([&] {
             for (uint32_t commits = Below(3); commits > 0; commits--) {
                 CommitSome();
-                std::erase_if(throughout, [order = model_.Order()](uint32_t row) {
+                std::erase_if(throughout, [order = InModel()](uint32_t row) {
                     return !std::ranges::binary_search(order, row);
                 });
             }
