@@ -9,7 +9,6 @@
 #include <random>
 
 #include "support/events.h"
-#include "support/listener.h"
 #include "support/network.h"
 #include "support/platform.h"
 #include "support/writes.h"

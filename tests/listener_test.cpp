@@ -12,7 +12,7 @@
 
 #include <standin/database.h>
 
-#include "support/listener.h"
+#include "support/events.h"
 #include "support/network.h"
 #include "support/platform.h"
 

@@ -5,7 +5,6 @@
 
 #include "sources/host.h"
 #include "support/events.h"
-#include "support/listener.h"
 #include "support/network.h"
 #include "support/platform.h"
 

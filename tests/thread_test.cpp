@@ -3,13 +3,10 @@
 #include <thread>
 
 #include <tarnd_qrb/event_publish.h>
-#include <tarnd_qrb/listener.h>
 #include <tarnd_qrb/subscription.h>
 #include <tarnd_qrb/table_walk.h>
 
 #include "calls/calls.h"
-#include "support/events.h"
-#include "support/listener.h"
 #include "support/network.h"
 #include "support/writes.h"
 
@@ -20,20 +17,7 @@ using namespace support::writes;
 using standin::Row;
 using standin::Transaction;
 
-class Threads : public DeviceTest {
-protected:
-    void SetUp() override
-    {
-        DeviceTest::SetUp();
-        support::WatchPlatform(false);
-    }
-    void TearDown() override
-    {
-        support::StopListener();
-        support::ForgetEvents();
-        DeviceTest::TearDown();
-    }
-};
+using Threads = DeviceTest;
 
 // Rows that no call asks for come and go, and the rows of a table are replaced by the same.
 void Write(const std::atomic<bool>& stop)
@@ -67,8 +51,8 @@ void WalkInterfaces(const std::atomic<bool>& stop)
 
 TEST_F(Threads, AnswerAlikeWhileOthersWriteWalkAndAreTold)
 {
-    static std::atomic<uint32_t> told;
-    told = 0;
+    static std::atomic<uint32_t> told = 0;
+    support::WatchPlatform(false);
     IF_RegNotifyFunc(1, [](auto...) { return ++told; });
     ASSERT_EQ(BDS_InitStart(), 0U);
     Calls calls = QueryCalls();

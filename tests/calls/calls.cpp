@@ -124,7 +124,7 @@ constexpr char DEVICE[] = R"({
 
 void DeviceTest::SetUp()
 {
-    PlatformTest::SetUp();
+    EventTest::SetUp();
     Load(DEVICE);
 }
 

@@ -38,7 +38,7 @@
 
 #include <standin/database.h>
 
-#include "support/platform.h"
+#include "support/events.h"
 
 namespace calls {
 
@@ -66,7 +66,7 @@ Calls QueryCalls();  // all but those of events and start-up
 Calls AllCalls();
 
 // The device that the answers are those of.
-class DeviceTest : public support::PlatformTest {
+class DeviceTest : public support::EventTest {
 protected:
     void SetUp() override;
 };

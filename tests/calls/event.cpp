@@ -13,7 +13,6 @@
 
 #include "calls/calls.h"
 #include "support/events.h"
-#include "support/listener.h"
 #include "support/writes.h"
 
 namespace calls {

@@ -1,16 +1,18 @@
 #include "support/events.h"
 
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/listener.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <mutex>
 #include <utility>
 
-#include <gtest/gtest.h>
-#include <standin/database.h>
-
 #include "support/network.h"
+#include "support/writes.h"
 
 namespace support {
 
@@ -109,15 +111,6 @@ bool IsMarkers(const std::string& event)
     return event.ends_with(Interface(marker));
 }
 
-void WriteMarker()
-{
-    const auto           row = standin::Row("if_base").Set("if_index", marker).Set("if_name", "m");
-    standin::Transaction transaction;
-    transaction.Insert(row);
-    transaction.Delete(row);
-    transaction.Commit();
-}
-
 }  // namespace
 
 void RecordEvents()
@@ -153,13 +146,40 @@ Events TakeEvents()
 Events AwaitEvents()
 {
     Events seen;
-    WriteMarker();
+    writes::Write(writes::Insert, {writes::Base(marker)});
+    writes::Write(writes::Delete, {writes::Base(marker)});
     EXPECT_TRUE(Eventually([&] {
         std::ranges::move(TakeEvents(), std::back_inserter(seen));
         return std::ranges::count_if(seen, IsMarkers) == 2;
     }));
     std::erase_if(seen, IsMarkers);
     return seen;
+}
+
+void StopListener()
+{
+    if (std::exchange(g_isDbListenerSubOpened, uint8_t{0}) != 0) {
+        OrmCloseSession(g_dbListenerSubSession);
+    }
+    if (g_epollDbListenerThreadId != 0) {
+        std::atomic_ref(g_epollDbListenerThreadExit).store(1, std::memory_order_release);
+        // The thread may sleep for two seconds, and a hundred starts can't wait for that.
+        const int   wake     = eventfd(1, EFD_CLOEXEC);
+        epoll_event readable = {EPOLLIN, {}};
+        pthread_mutex_lock(&g_epollDbListenerCondLock);
+        epoll_ctl(g_epollDbListenerFd, EPOLL_CTL_ADD, wake, &readable);
+        pthread_mutex_unlock(&g_epollDbListenerCondLock);
+        pthread_join(std::exchange(g_epollDbListenerThreadId, pthread_t{0}), nullptr);
+        close(wake);
+    }
+    g_regDbListenerInfo = nullptr;
+}
+
+void EventTest::TearDown()
+{
+    StopListener();
+    ForgetEvents();
+    PlatformTest::TearDown();
 }
 
 }  // namespace support

@@ -1,8 +1,10 @@
-// Everything that the library tells its modules, in words.
+// Everything that the library tells its modules, in words; and how that comes to an end.
 #pragma once
 
 #include <string>
 #include <vector>
+
+#include "support/platform.h"
 
 namespace support {
 
@@ -27,5 +29,15 @@ Events TakeEvents();
 // The same, once everything is told that was committed before. Only in tests that are notified of
 // if_base: it writes a row there.
 Events AwaitEvents();
+
+// Closes the listener's session, stops and joins its thread, as a daemon would, and sets everything
+// back, so that a registration starts anew. Nothing where nothing runs.
+void StopListener();
+
+// Afterwards nobody listens, and nobody is registered.
+class EventTest : public PlatformTest {
+protected:
+    void TearDown() override;
+};
 
 }  // namespace support
