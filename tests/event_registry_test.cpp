@@ -1,157 +1,76 @@
-// Callbacks registered and unregistered: their order, what finds them again, what is refused.
-#include <tarnd_qrb/event_registry.h>
+// Callbacks: registered and unregistered, called in their order, and what they may do meanwhile.
+#include <tarnd_qrb/change_detection.h>
+#include <tarnd_qrb/event_publish.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <random>
+#include <thread>
 
 #include "calls/calls.h"
 #include "support/events.h"
 
 namespace {
 
-using calls::Expect;
-using support::TakeMessages;
+constexpr uint32_t EVENT = L2IF_EVT_COUNT - 1;
 
-using Messages = std::vector<std::string>;
+using EventRegistry = support::EventTest;
 
-constexpr uint32_t SUB_EVENTS = 9;  // an event with 14
-constexpr uint32_t UNUSED     = 99;
-constexpr uint16_t PRIORITY   = 5;
-
-// Told apart by their addresses.
-constexpr L2IF_SH_EVT_CB_FUNC* Layer2A    = [](auto...) { return 0U; };
-constexpr L2IF_SH_EVT_CB_FUNC* Layer2B    = [](auto...) { return 0U; };
-constexpr IF_EVT_CB_FUNC*      InterfaceA = [](auto...) { return 0U; };
-constexpr IF_EVT_CB_FUNC*      InterfaceB = [](auto...) { return 0U; };
-constexpr IF_NOTIFY_FUNC*      NotifyA    = [](auto...) { return 0U; };
-constexpr IF_NOTIFY_FUNC*      NotifyB    = [](auto...) { return 0U; };
-
-// What toText makes of each entry, from the head on.
-template <typename Entry>
-std::string Listed(const UTIL_LIST_S& list, std::string (*toText)(const Entry& entry))
+TEST_F(EventRegistry, HandsEverythingThrough)
 {
-    std::string text;
-    for (UTIL_LIST_NODE_S* node = list.head; node != nullptr; node = node->next) {
-        text += toText(*static_cast<Entry*>(UTIL_LIST_Data(node))) + ", ";
+    static const int   data     = 0;
+    static int         argument = 0;
+    static std::string calls;
+    for (int callback = 0; callback < 2; callback++) {
+        L2IF_SH_EvtCbFuncReg("m", EVENT, 2, [](const void* d, uint32_t value, void* a, auto* word) {
+            EXPECT_TRUE(d == &data && a == &argument && value == 5);
+            calls += std::to_string((*word)++);
+            return 1U;
+        });
     }
-    return text;
-}
-
-std::string Layer2(uint32_t eventId)
-{
-    return Listed<L2IF_SH_EVT_CB_S>(g_qrbL2IFEventCallbacks[eventId], [](const auto& entry) {
-        return entry.moduleName + (" " + std::to_string(entry.priority));
+    IF_RegNotifyFunc(3, [](uint32_t ifIndex, uint32_t command, uint32_t a, uint32_t b) {
+        calls += " " + calls::Texts({ifIndex, command, a, b});
+        return 1U;
     });
+    EXPECT_EQ(L2IF_SH_EvtPublishEvent(EVENT, &data, 5, &argument), 0U);
+    EXPECT_EQ(L2IF_SH_EvtPublishEvent(EVENT, &data, 5, &argument), 0U);
+    EXPECT_EQ(IF_NotifyAll(9, IF_NOTIFY_DOWN, 7, 8), 0U);
+    EXPECT_EQ(calls, "0101 9 4 7 8");
 }
 
-std::string Interface(uint32_t subId)
+TEST_F(EventRegistry, ServesThreadsAtTheSameTime)
 {
-    const IF_EVT_NODE_S& event = g_qrbIFEventCallbacks.children[SUB_EVENTS];
-    const IF_EVT_NODE_S& node  = subId == IF_EVT_WHOLE ? event : event.children[subId];
-    return Listed<IF_EVT_CB_S>(node.list, [](const auto& entry) {
-        return (entry.pfCallback == InterfaceA ? "A " : "B ") + std::to_string(entry.priority);
-    });
+    static std::atomic<uint32_t> calls = 0;
+    for (int i = 0; i < 3; i++) {
+        L2IF_SH_EvtCbFuncReg("m", EVENT, 1, [](auto...) { return ++calls; });
+    }
+    std::array<std::jthread, 2> threads;
+    for (std::jthread& thread : threads) {
+        thread = std::jthread([] {
+            for (int i = 0; i < 1000; i++) {
+                EXPECT_EQ(L2IF_SH_EvtPublishEvent(EVENT, nullptr, 0, nullptr), 0U);
+            }
+        });
+    }
+    std::ranges::for_each(threads, &std::jthread::join);
+    EXPECT_EQ(calls, 6000U);
 }
 
-std::string Notified()
+uint32_t RegisterAnew(uint32_t, uint32_t, uint32_t a, uint32_t)
 {
-    return Listed<IF_NOTIFY_FUNC_S>(g_pstIfNotifyFunc, [](const auto& entry) {
-        return (entry.pfCallback == NotifyA ? "A " : "B ") + std::to_string(entry.ulKey);
-    });
+    EXPECT_EQ(IF_UnRegNotifyFunc(a, RegisterAnew), 0U);
+    return IF_RegNotifyFunc(a, RegisterAnew);
 }
 
-class EventRegistry : public support::PlatformTest {
-protected:
-    void TearDown() override
-    {
-        support::ForgetEvents();
-        EXPECT_EQ(support::LibraryBlocks(), 0);
-        PlatformTest::TearDown();
-    }
-};
-
-TEST_F(EventRegistry, HigherPriorityComesFirstAndAmongEqualsTheNewest)
+// Each time the list's tail is another entry.
+TEST_F(EventRegistry, ComesToAnEndWhenCallbacksRegisterAnew)
 {
-    for (const auto& [name, priority] :
-         {std::pair<const char*, uint16_t>{"a", 5}, {"b", 9}, {"c", 5}, {"d", 0xFFFF}, {"e", 0}}) {
-        EXPECT_EQ(L2IF_SH_EvtCbFuncReg(name, 73, priority, Layer2A), 0U);
+    for (int entries = 0; entries < 3; entries++) {
+        IF_RegNotifyFunc(1, RegisterAnew);
     }
-    EXPECT_EQ(Layer2(73), "d 65535, b 9, c 5, a 5, e 0, ");
-
-    for (const auto& [callback, priority] :
-         {std::pair{InterfaceA, 5U}, {InterfaceB, 0xFFFFFFFFU}, {InterfaceB, 5U}}) {
-        EXPECT_EQ(IF_EvtRegCbf(callback, UNUSED, priority, 2, SUB_EVENTS, 13U), 0U);
-        EXPECT_EQ(IF_EvtRegCbf(callback, UNUSED, priority, 3, SUB_EVENTS, 13U), 0U);
-    }
-    EXPECT_EQ(Interface(13), "B 4294967295, B 5, A 5, ");
-    EXPECT_EQ(Interface(IF_EVT_WHOLE), "B 4294967295, B 5, A 5, ");
-
-    for (const uint32_t key : {7U, 3U, 7U}) {
-        EXPECT_EQ(IF_RegNotifyFunc(key, NotifyA), 0U);
-    }
-    EXPECT_EQ(Notified(), "A 7, A 3, A 7, ");
-}
-
-TEST_F(EventRegistry, UnregistersTheFirstThatMatches)
-{
-    const std::string longest(63, 'x');
-    for (const char* name : {"m", "M", "m", longest.c_str()}) {
-        EXPECT_EQ(L2IF_SH_EvtCbFuncReg(name, 0, PRIORITY, Layer2A), 0U);
-    }
-    Expect({
-        {CALL(L2IF_SH_EvtCbFuncUnReg, "m", 0U, uint16_t{6}, Layer2A), "1"},
-        {CALL(L2IF_SH_EvtCbFuncUnReg, "m", 0U, PRIORITY, Layer2B), "1"},
-        {CALL(L2IF_SH_EvtCbFuncUnReg, "m", 1U, PRIORITY, Layer2A), "1"},
-        {CALL(L2IF_SH_EvtCbFuncUnReg, "xx", 0U, PRIORITY, Layer2A), "1"},
-        {CALL(L2IF_SH_EvtCbFuncUnReg, nullptr, 0U, PRIORITY, Layer2A), "1"},
-    });
-    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("m", 0, PRIORITY, Layer2A), 0U);
-    EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg(longest.c_str(), 0, PRIORITY, Layer2A), 0U);
-    EXPECT_EQ(Layer2(0), "M 5, m 5, ");
-
-    // By callback alone; the two forms are the same.
-    for (const uint32_t subId : {8U, IF_EVT_WHOLE}) {
-        EXPECT_EQ(IF_INTF_RegEvtCb(SUB_EVENTS, subId, InterfaceA, UNUSED, 1), 0U);
-        EXPECT_EQ(IF_INTF_RegEvtCb(SUB_EVENTS, subId, InterfaceB, UNUSED, 2), 0U);
-        EXPECT_EQ(IF_INTF_RegEvtCb(SUB_EVENTS, subId, InterfaceA, UNUSED, 3), 0U);
-    }
-    EXPECT_EQ(IF_EvtUnRegCbf(InterfaceA, UNUSED, 2, SUB_EVENTS, 8U), 0U);
-    EXPECT_EQ(IF_EvtUnRegCbf(InterfaceB, UNUSED, 1, SUB_EVENTS, 8U), 0U);
-    EXPECT_EQ(IF_INTF_UnRegEvtCb(SUB_EVENTS, IF_EVT_WHOLE, InterfaceA, UNUSED), 0U);
-    EXPECT_EQ(Interface(8) + Interface(IF_EVT_WHOLE), "B 2, A 1, A 1, ");
-    EXPECT_EQ(IF_INTF_UnRegEvtCb(SUB_EVENTS, 8, InterfaceB, UNUSED), 0U);
-    EXPECT_EQ(IF_INTF_UnRegEvtCb(SUB_EVENTS, 8, InterfaceB, UNUSED), 1U);
-
-    for (IF_NOTIFY_FUNC* const callback : {NotifyA, NotifyB, NotifyA}) {
-        EXPECT_EQ(IF_RegNotifyFunc(1, callback), 0U);
-        EXPECT_EQ(IF_RegNotifyFunc(2, callback), 0U);
-    }
-    EXPECT_EQ(IF_UnRegNotifyFunc(2, NotifyA), 0U);
-    EXPECT_EQ(IF_UnRegNotifyFunc(3, NotifyA), 1U);
-    EXPECT_EQ(Notified(), "A 1, B 1, B 2, A 1, A 2, ");
-    EXPECT_EQ(TakeMessages(), Messages{});
-}
-
-TEST_F(EventRegistry, RefusesEventsThatDoNotExist)
-{
-    static const std::string tooLong(64, 'x');
-    Expect({
-        {CALL(L2IF_SH_EvtCbFuncReg, "m", 74U, PRIORITY, Layer2A),
-         R"(1 | Failed to reg event id=74\n)"},
-        {CALL(L2IF_SH_EvtCbFuncUnReg, "m", 74U, PRIORITY, Layer2A),
-         R"(1 | Failed to reg event id=74\n)"},
-        {CALL(L2IF_SH_EvtCbFuncReg, tooLong.c_str(), 73U, PRIORITY, Layer2A),
-         R"(1 | strcpy_s for pszModuleName failed, ret = 34.\n)"},
-        {CALL(L2IF_SH_EvtCbFuncReg, nullptr, 73U, PRIORITY, Layer2A),
-         R"(1 | strcpy_s for pszModuleName failed, ret = 22.\n)"},
-        {CALL(IF_EvtUnRegCbf, InterfaceA, UNUSED, 2U, SUB_EVENTS, 2U),
-         R"(1 | Failed to find event node.\n)"},
-        {CALL(IF_EvtUnRegCbf, InterfaceA, UNUSED, 2U, 76U, 2U),
-         R"(1 | Failed to reg event id=76, subId=2\n)"},
-        {CALL(IF_EvtRegCbf, InterfaceA, UNUSED, 1U, 1U, 76U),
-         R"(1 | Failed to reg event id=76, subId=4294967295\n)", IF_EvtInit},
-        {CALL(IF_EvtRegCbf, InterfaceA, UNUSED, 1U, 2U, 4U, 0U),
-         R"(1 | Failed to reg event id=4, subId=0\n)"},
-        {CALL(IF_EvtUnRegCbf, InterfaceA, UNUSED, 2U, SUB_EVENTS, 14U),
-         R"(1 | Failed to reg event id=9, subId=14\n)"},
-    });
+    EXPECT_EQ(IF_NotifyAll(0, 0, 1, 0), 0U);
+    EXPECT_EQ(g_pstIfNotifyFunc.count, 3U);
 }
 
 TEST_F(EventRegistry, TheTreeHoldsEverySubEventAndNoOther)
@@ -160,11 +79,10 @@ TEST_F(EventRegistry, TheTreeHoldsEverySubEventAndNoOther)
     IF_EvtInit();
     for (uint32_t eventId = 0; eventId < g_qrbIFEventCallbacks.childCount; eventId++) {
         const IF_EVT_NODE_S& event = g_qrbIFEventCallbacks.children[eventId];
-        const uint32_t       count = event.childCount;
         EXPECT_EQ(event.parent, &g_qrbIFEventCallbacks);
-        if (count != 0) {
+        if (const uint32_t count = event.childCount; count != 0) {
             EXPECT_EQ(event.children[count - 1].parent, &event);
-            EXPECT_EQ(IF_INTF_RegEvtCb(eventId, count - 1, InterfaceA, UNUSED, 0), 0U);
+            EXPECT_EQ(IF_INTF_RegEvtCb(eventId, count - 1, nullptr, 0, 0), 0U);
             subEvents += std::to_string(eventId) + ":" + std::to_string(count) + " ";
         }
     }
@@ -173,36 +91,176 @@ TEST_F(EventRegistry, TheTreeHoldsEverySubEventAndNoOther)
               "1:10 2:13 3:7 5:46 7:55 8:32 9:14 11:3 12:5 46:9 52:2 58:4 66:2 67:12 71:1 74:1 ");
 }
 
-TEST_F(EventRegistry, StartsAfreshAfterDeinit)
-{
-    for (int round = 0; round < 2; round++) {
-        EXPECT_EQ(L2IF_SH_EvtCbFuncReg("m", 1, 1, Layer2A), 0U);
-        EXPECT_EQ(IF_EvtRegCbf(InterfaceA, UNUSED, 1, 2, SUB_EVENTS, 2U), 0U);
-        EXPECT_EQ(IF_RegNotifyFunc(1, NotifyA), 0U);
-        EXPECT_EQ(Layer2(1) + Interface(2) + Notified(), "m 1, A 1, A 1, ");
-        L2IF_SH_EvtCbRegTbl_Deinit();
-        IF_EvtDeInit();
-        IF_NotifyFuncRegTbl_Deinit();
-        EXPECT_EQ(support::LibraryBlocks(), 0);
-        EXPECT_EQ(g_isL2IFEvtInited + g_isIFEvtInited + g_isIFNotifyInited, 2);
-        EXPECT_EQ(L2IF_SH_EvtCbFuncUnReg("m", 1, 1, Layer2A), 1U);
-        EXPECT_EQ(IF_UnRegNotifyFunc(1, NotifyA), 1U);
+// Callbacks that do, at random, what callbacks may: register, unregister, tear down, publish. Held
+// against a vector.
+class Turmoil : public EventRegistry {
+protected:
+    static constexpr size_t CALLBACKS = 8;
+
+    // Works on the callbacks' numbers.
+    struct Registry {
+        uint32_t (*add)(size_t number);
+        uint32_t (*remove)(size_t number);
+        void (*tearDown)();
+        uint32_t (*publish)();
+        bool byPriority;  // and the newest first; the oldest otherwise
+    };
+
+    using Counts = std::array<ptrdiff_t, CALLBACKS>;
+
+    // One that knows its number.
+    template <typename Function>
+    static Function* Callback(size_t number)
+    {
+        return [=]<size_t... N>(std::index_sequence<N...>)
+        {
+            Function* const all[] = {[](auto...) { return Called(N); }...};
+            return all[number];
+        }
+        (std::make_index_sequence<CALLBACKS>());
     }
+
+    // From the lowest to the highest.
+    static uint16_t PriorityOf(size_t number) { return static_cast<uint16_t>(number / 2 * 0x5555); }
+
+    static size_t Below(size_t limit) { return random_() % limit; }
+
+    static void Add(size_t number)
+    {
+        const auto place = std::ranges::find_if(entries_, [=](size_t entry) {
+            return registry_.byPriority && PriorityOf(entry) <= PriorityOf(number);
+        });
+        entries_.insert(place, number);
+        changes_[number]++;
+        EXPECT_EQ(registry_.add(number), 0U);
+    }
+
+    static void Remove(size_t number)
+    {
+        const auto found = std::ranges::find(entries_, number);
+        const bool there = found != entries_.end();
+        if (there) {
+            entries_.erase(found);
+            changes_[number]++;
+        }
+        EXPECT_EQ(registry_.remove(number), there ? 0U : 1U);
+    }
+
+    static void TearDownAll()
+    {
+        for (const size_t number : std::exchange(entries_, {})) {
+            changes_[number]++;
+        }
+        registry_.tearDown();
+        EXPECT_EQ(support::LibraryBlocks(), 0);
+    }
+
+    static void Act()
+    {
+        const size_t number = Below(CALLBACKS);
+        const size_t kind   = Below(100);
+        if (kind == 0) {
+            TearDownAll();
+        } else if (kind < 10 && depth_ < 4) {
+            Publish();
+        } else if (kind < 35) {
+            Add(number);
+        } else if (kind < 75) {
+            Remove(number);
+        }
+    }
+
+    // Who is registered all along is called once, and all in their order where nothing changes.
+    static void Publish()
+    {
+        const Counts begun = changes_;
+        const auto   outer = std::exchange(calls_, {});
+        depth_++;
+        EXPECT_EQ(registry_.publish(), 0U);
+        depth_--;
+        const auto calls = std::exchange(calls_, outer);
+        EXPECT_TRUE(changes_ != begun || calls == entries_);
+        for (size_t i = 0; i < CALLBACKS; i++) {
+            EXPECT_TRUE(changes_[i] != begun[i] ||
+                        std::ranges::count(calls, i) == std::ranges::count(entries_, i));
+        }
+    }
+
+    // Who is not registered is never called.
+    static uint32_t Called(size_t number)
+    {
+        EXPECT_NE(std::ranges::count(entries_, number), 0) << number;
+        calls_.push_back(number);
+        if (Below(3) == 0) {
+            Act();
+            Act();
+        }
+        return 0;
+    }
+
+    static void Run(const Registry& registry)
+    {
+        registry_ = registry;
+        for (unsigned seed = 20261124; seed < 20261174 && !HasFailure(); seed++) {
+            SCOPED_TRACE("seed " + std::to_string(seed));
+            random_.seed(seed);
+            for (int i = 0; i < 500 && !HasFailure(); i++) {
+                Act();
+            }
+            TearDownAll();
+        }
+    }
+
+    static inline std::mt19937        random_;
+    static inline Registry            registry_;
+    static inline std::vector<size_t> entries_;  // in the order of their calls
+    static inline Counts              changes_;  // to these, by number
+    static inline std::vector<size_t> calls_;    // of the publication under way
+    static inline int                 depth_ = 0;
+};
+
+TEST_F(Turmoil, AmongLayer2Events)
+{
+    using Function = L2IF_SH_EVT_CB_FUNC;
+    L2IF_SH_EvtCbRegTbl_Init();
+    Run({[](size_t n) {
+             return L2IF_SH_EvtCbFuncReg("m", EVENT, PriorityOf(n), Callback<Function>(n));
+         },
+         [](size_t n) {
+             return L2IF_SH_EvtCbFuncUnReg("m", EVENT, PriorityOf(n), Callback<Function>(n));
+         },
+         L2IF_SH_EvtCbRegTbl_Deinit,
+         [] { return L2IF_SH_EvtPublishEvent(EVENT, nullptr, 0, nullptr); }, true});
 }
 
-TEST_F(EventRegistry, GivesAnyNodeChildren)
+// Raised by the library itself: the layer 3 of an interface goes up.
+TEST_F(Turmoil, AmongInterfaceEvents)
 {
-    IF_EVT_NODE_S node = {};
-    IF_CBF_Create_Child(&node, 0);
-    EXPECT_EQ(TakeMessages(), Messages{"IF_CBF_Create_Child: ulCnt is equal 0 \n"});
-    IF_CBF_Create_Child(&node, 2);
-    ASSERT_TRUE(node.children != nullptr && node.childCount == 2);
-    const IF_EVT_CB_S entry = {1, InterfaceA, 1};
-    EXPECT_EQ(UTIL_LIST_PushBack(&node.children[1].list, &entry), 0U);
-    for (int again = 0; again < 2; again++) {
-        IF_CBF_Free_Child(&node, 3);
-        EXPECT_TRUE(node.children == nullptr && node.childCount == 0);
-    }
+    using Function           = IF_EVT_CB_FUNC;
+    constexpr uint32_t STATE = IF_EVT_STATE;
+    constexpr uint32_t ROUTE = IF_SUB_EVT_ROUTE_STATE;
+    Run({[](size_t n) {
+             return IF_INTF_RegEvtCb(STATE, ROUTE, Callback<Function>(n), 0,
+                                     PriorityOf(n) * 0x10001U);
+         },
+         [](size_t n) { return IF_INTF_UnRegEvtCb(STATE, ROUTE, Callback<Function>(n), 0); },
+         IF_EvtDeInit,
+         [] {
+             const QRB_IF_ROUTE_S down = {};
+             QRB_IF_ROUTE_S       up   = down;
+             up.route_state            = 1;
+             QRB_EVENT_IfRouteUpdate(&down, &up);
+             return 0U;
+         },
+         true});
+}
+
+TEST_F(Turmoil, AmongNotifications)
+{
+    IF_NotifyFuncRegTbl_Init();
+    Run({[](size_t n) { return IF_RegNotifyFunc(1, Callback<IF_NOTIFY_FUNC>(n)); },
+         [](size_t n) { return IF_UnRegNotifyFunc(1, Callback<IF_NOTIFY_FUNC>(n)); },
+         IF_NotifyFuncRegTbl_Deinit, [] { return IF_NotifyAll(1, 2, 0, 0); }, false});
 }
 
 }  // namespace

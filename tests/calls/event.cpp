@@ -42,6 +42,27 @@ std::string Built(const IF_EVT_NODE_S& root)
     return std::to_string(root.childCount) + ' ' + std::to_string(events);
 }
 
+void Registered()
+{
+    EXPECT_EQ(L2IF_SH_EvtCbFuncReg("m", 36, PRIORITY, nullptr), 0U);
+    EXPECT_EQ(IF_INTF_RegEvtCb(9, 8, ON_INTERFACE, 0, 1), 0U);
+    EXPECT_EQ(IF_INTF_RegEvtCb(9, IF_EVT_WHOLE, ON_INTERFACE, 0, 1), 0U);
+    EXPECT_EQ(IF_RegNotifyFunc(1, ON_NOTICE), 0U);
+}
+
+// Answers the number of callbacks, and whether there is a first.
+Call Finds(uint32_t eventId, uint32_t subId, const std::string& expectations,
+           void (*before)() = ForgetEvents)
+{
+    const auto find = [=] {
+        UTIL_LIST_NODE_S* first = nullptr;
+        uint64_t          count = UNTOUCHED;
+        const uint32_t    ret   = IF_SH_EvtPublishEventGetEventNode(eventId, subId, &first, &count);
+        return Texts({ret, static_cast<uint32_t>(count), first != nullptr});
+    };
+    return {"IF_SH_EvtPublishEventGetEventNode", find, expectations, before, ForgetEvents};
+}
+
 std::string TakeEvents()
 {
     std::string text;
@@ -56,12 +77,6 @@ std::function<void(ORM_MESSAGE, uint32_t)> onMessage;
 int32_t                                    descriptor = -1;
 std::string                                answer;
 
-int32_t KeepDescriptor(uint32_t opened, uint32_t operation)
-{
-    descriptor = operation == 0 ? static_cast<int32_t>(opened) : -1;
-    return 0;
-}
-
 void HandOver(ORM_MESSAGE message, uint32_t eventType)
 {
     support::WatchPlatform(true);
@@ -71,24 +86,26 @@ void HandOver(ORM_MESSAGE message, uint32_t eventType)
 
 void Subscribe(const std::string& table)
 {
-    const std::string events =
-        R"("events":[{"type":"insert"},{"type":"delete"},{"type":"update"},{"type":"replace"}]})";
+    const std::string definition =
+        R"({"events":[{"type":"insert"},{"type":"delete"},{"type":"update"},{"type":"replace"}],)"
+        R"("label_name":")" +
+        table + R"("})";
+    const auto keep = [](uint32_t opened, uint32_t /*operation*/) {
+        descriptor = static_cast<int32_t>(opened);
+        return 0;
+    };
     ORM_SESSION_PARAM param = 0;
-    session                 = 0;
     EXPECT_EQ(OrmCreateSessionParam("channel:", "osc", &param), 0U);
-    EXPECT_EQ(OrmOpenSubSession(param, KeepDescriptor, &session), 0U);
+    EXPECT_EQ(OrmOpenSubSession(param, keep, &session), 0U);
     OrmDestroySessionParam(param);
-    const std::string definition = R"({"label_name":")" + table + "\"," + events;
     EXPECT_EQ(OrmSubscribe(session, "s", definition.c_str(), HandOver, nullptr, "o"), 0U);
 }
 
 // The rows of a table, in two states.
 using RowOf = Row (*)(uint64_t index, uint64_t state);
 
-Row Named(uint64_t index, uint64_t /*state*/)
-{
-    return Base(index);
-}
+constexpr RowOf Named = [](uint64_t index, uint64_t /*state*/) { return Base(index); };
+
 Row Member(uint64_t index, uint64_t state)
 {
     const auto id = static_cast<uint32_t>(state);
@@ -100,8 +117,11 @@ Call Delivery(const char* name, std::function<void(ORM_MESSAGE, uint32_t)> funct
               RowOf row, const std::string& expectations)
 {
     const bool             isNew = write == Writing{Insert};
-    const std::vector<Row> old   = {row(91, 1), row(92, 1)};
+    std::vector<Row>       old   = {row(91, 1), row(92, 1)};
     const std::vector<Row> now   = {row(91, isNew ? 1 : 0), row(92, isNew ? 1 : 0)};
+    if (write == Writing{Replace}) {
+        old.pop_back();
+    }
     return {name,
             [=] {
                 support::WatchPlatform(false);
@@ -113,13 +133,11 @@ Call Delivery(const char* name, std::function<void(ORM_MESSAGE, uint32_t)> funct
             },
             expectations,
             [=] {
-                if (write == Writing{Replace}) {
-                    Write(Insert, {old[0]});
-                } else if (!isNew) {
+                if (!isNew) {
                     Write(Insert, old);
                 }
                 support::RecordEvents();
-                Subscribe(std::string(old[0].Description().name));
+                Subscribe(std::string(now[0].Description().name));
             },
             [=] {
                 Closed();
@@ -131,8 +149,7 @@ Call Delivery(const char* name, std::function<void(ORM_MESSAGE, uint32_t)> funct
 }
 
 // A function of one message, the first of a delivery. What it answers is noted behind the events.
-template <typename Function>
-Call OfMessage(const char* name, Function function, Writing write, RowOf row,
+Call OfMessage(const char* name, std::string (*function)(ORM_MESSAGE), Writing write, RowOf row,
                const std::string& expectations)
 {
     const auto first = [=](ORM_MESSAGE message, uint32_t) {
@@ -190,20 +207,16 @@ const std::string FETCHES = R"(
     fetch#2   $1     | Failed to fetch DB, ret=%\n
     fetch#3   $1, $2 | Failed to fetch DB, ret=%\n)";
 
-// A row that can't be had ends the delivery ...
+// A row that can't be had, extracted or read, ends the delivery ...
 const std::string UPDATED = "$1, $2" + FETCHES + R"(
     reporter  QRB_EVENT_$nameOrmGetOldData
     behind    Failed to get old orm $table data.\n
-    extract#1 -  | Failed to fetch DB, ret=%\n
-    row#1     -  | Failed to fetch DB, ret=%\n
-    extract#3 $1 | Failed to fetch DB, ret=%\n
-    row#3     $1 | Failed to fetch DB, ret=%\n
+    any#1     -  | Failed to fetch DB, ret=%\n
+    any#3     $1 | Failed to fetch DB, ret=%\n
     reporter  QRB_EVENT_$nameOrmGetNewData
     behind    Failed to get new orm $table data.\n
-    extract#2 -  | Failed to fetch DB, ret=%\n
-    row#2     -  | Failed to fetch DB, ret=%\n
-    extract#4 $1 | Failed to fetch DB, ret=%\n
-    row#4     $1 | Failed to fetch DB, ret=%\n)";
+    any#2     -  | Failed to fetch DB, ret=%\n
+    any#4     $1 | Failed to fetch DB, ret=%\n)";
 const std::string BASE = "$1, $2" + FETCHES + R"(
     reporter  QRB_EVENT_GetIfBaseFromSession
     behind    get if base data from db sub session fail.\n
@@ -217,10 +230,8 @@ const std::string BASE = "$1, $2" + FETCHES + R"(
 const std::string INSERTED = "$1, $2" + FETCHES + R"(
     reporter  QRB_EVENT_$extraction
     behind    QRB_EVENT_$handler: Failed to get $age orm $table data.\n
-    extract#1 $2 | Failed to fetch DB, ret=%\n
-    row#1     $2 | Failed to fetch DB, ret=%\n
-    extract#2 $1 | Failed to fetch DB, ret=%\n
-    row#2     $1 | Failed to fetch DB, ret=%\n)";
+    any#1     $2 | Failed to fetch DB, ret=%\n
+    any#2     $1 | Failed to fetch DB, ret=%\n)";
 // The first row was there, the second is an insertion. Who can't be asked for its old object is one
 // too.
 const std::string REPLACED = "$1, $2" + FETCHES + R"(
@@ -235,8 +246,7 @@ const std::string REPLACED = "$1, $2" + FETCHES + R"(
     extract#3 -  | Failed to fetch DB, ret=%\n
     row#2     -  | Failed to fetch DB, ret=%\n
     behind    QRB_EVENT_$nameInsert: Failed to get new orm $table data.\n
-    extract   $1 | Failed to fetch DB, ret=%\n
-    row       $1 | Failed to fetch DB, ret=%\n)";
+    any       $1 | Failed to fetch DB, ret=%\n)";
 
 // The steps of a registration, for a call that answers $failed to a failure and $done without one.
 const std::string REGISTRATION = R"(
@@ -258,13 +268,27 @@ const std::string SUBSCRIPTION = Fill(REGISTRATION, {
 
 Calls Registries()
 {
+    static const std::string longest(63, 'x');
+    static const std::string tooLong(64, 'x');
+    const std::string unbuilt = R"( | Failed to execute callback, it is not inited\n)";
     return {
         {CALL(L2IF_SH_EvtCbRegTbl_Init), ""},
         {CALL(L2IF_SH_EvtCbRegTbl_Deinit), ""},
-        {CALL(L2IF_SH_EvtCbFuncReg, "m", 36U, PRIORITY, ON_LAYER2), R"(0
+        {CALL(L2IF_SH_EvtCbFuncReg, longest.c_str(), 36U, PRIORITY, ON_LAYER2), R"(0
             copy#1    1 | strcpy_s for pszModuleName failed, ret = %.\n
             any       1 | Failed to make sorted insert, ret=1\n)", {}, ForgetEvents},
-        {CALL(L2IF_SH_EvtCbFuncUnReg, "m", 36U, PRIORITY, ON_LAYER2), "1"},
+        {CALL(L2IF_SH_EvtCbFuncReg, tooLong.c_str(), 36U, PRIORITY, ON_LAYER2), R"(1 | strcpy_s for pszModuleName failed, ret = 34.\n
+            copy      1 | strcpy_s for pszModuleName failed, ret = %.\n)"},
+        {CALL(L2IF_SH_EvtCbFuncReg, nullptr, 36U, PRIORITY, ON_LAYER2), R"(1 | strcpy_s for pszModuleName failed, ret = 22.\n
+            copy      1 | strcpy_s for pszModuleName failed, ret = %.\n)"},
+        {CALL(L2IF_SH_EvtCbFuncReg, "m", 74U, PRIORITY, ON_LAYER2), R"(1 | Failed to reg event id=74\n)"},
+        {CALL(L2IF_SH_EvtCbFuncUnReg, "m", 74U, PRIORITY, ON_LAYER2), R"(1 | Failed to reg event id=74\n)"},
+        {CALL(L2IF_SH_EvtCbFuncUnReg, "m", 36U, PRIORITY, nullptr), "0", Registered, ForgetEvents},
+        {CALL(L2IF_SH_EvtCbFuncUnReg, "M", 36U, PRIORITY, nullptr), "1", Registered, ForgetEvents},
+        {CALL(L2IF_SH_EvtCbFuncUnReg, nullptr, 36U, PRIORITY, nullptr), "1", Registered, ForgetEvents},
+        {CALL(L2IF_SH_EvtCbFuncUnReg, "m", 35U, PRIORITY, nullptr), "1", Registered, ForgetEvents},
+        {CALL(L2IF_SH_EvtCbFuncUnReg, "m", 36U, uint16_t{2}, nullptr), "1", Registered, ForgetEvents},
+        {CALL(L2IF_SH_EvtCbFuncUnReg, "m", 36U, PRIORITY, ON_LAYER2), "1", Registered, ForgetEvents},
         {CALL(L2IF_SH_EventPriorityComparator, &LAYER2_ENTRY, &LAYER2_ENTRY, 0U), "0"},
         {"IF_EvtInit", [] {
              IF_EvtInit();
@@ -279,31 +303,50 @@ Calls Registries()
              return Built(tree);
          }, R"(2 0
             memory    0 0)", {}, [] { IF_CBF_Free_Child(&tree, 2); }},
-        {CALL(IF_CBF_Free_Child, &tree, 2U), "", [] { IF_CBF_Create_Child(&tree, 2); }},
+        {CALL(IF_CBF_Create_Child, &tree, 0U), R"( | ulCnt is equal 0 \n)"},
+        {"IF_CBF_Free_Child", [] {
+             IF_CBF_Free_Child(&tree, 3);
+             IF_CBF_Free_Child(&tree, 3);
+             return Built(tree);
+         }, "0 0", [] { IF_CBF_Create_Child(&tree, 2); }},
         {CALL(IF_EvtRegCbf, ON_INTERFACE, 0U, 1U, 2U, 9U, 13U), R"(0
             memory#1  1 | Failed to find event node.\n
             memory#8  1 | Failed to reg event id=9, subId=13\n
             memory#18 1 | Failed to add callback to list.\n
             copy#2    1 | Failed to add callback to list.\n
             any       =)", {}, ForgetEvents},
+        {CALL(IF_EvtRegCbf, ON_INTERFACE, 0U, 1U, 3U, 76U, 2U), R"(1 | Failed to reg event id=76, subId=4294967295\n)", IF_EvtInit, ForgetEvents},
+        {CALL(IF_EvtRegCbf, ON_INTERFACE, 0U, 1U, 2U, 4U, 0U), R"(1 | Failed to reg event id=4, subId=0\n)", IF_EvtInit, ForgetEvents},
         {CALL(IF_INTF_RegEvtCb, 9U, IF_EVT_WHOLE, ON_INTERFACE, 0U, 1U), R"(0
             any       1 | IF_EvtRegCbf: Failed to add callback to list.\n)", IF_EvtInit, ForgetEvents},
-        {CALL(IF_EvtUnRegCbf, ON_INTERFACE, 0U, 2U, 9U, 13U), "1", IF_EvtInit, ForgetEvents},
-        {CALL(IF_INTF_UnRegEvtCb, 9U, IF_EVT_WHOLE, ON_INTERFACE, 0U), "1", IF_EvtInit, ForgetEvents},
+        {CALL(IF_EvtUnRegCbf, ON_INTERFACE, 0U, 2U, 9U, 8U), "0", Registered, ForgetEvents},
+        {CALL(IF_EvtUnRegCbf, ON_INTERFACE, 0U, 2U, 9U, 13U), "1", Registered, ForgetEvents},
+        {CALL(IF_EvtUnRegCbf, nullptr, 0U, 2U, 9U, 8U), "1", Registered, ForgetEvents},
+        {CALL(IF_EvtUnRegCbf, ON_INTERFACE, 0U, 2U, 9U, 14U), R"(1 | Failed to reg event id=9, subId=14\n)", Registered, ForgetEvents},
+        {CALL(IF_EvtUnRegCbf, ON_INTERFACE, 0U, 2U, 9U, 8U), R"(1 | Failed to find event node.\n)"},
+        {CALL(IF_EvtUnRegCbf, ON_INTERFACE, 0U, 2U, 76U, 2U), R"(1 | Failed to reg event id=76, subId=2\n)"},
+        {CALL(IF_INTF_UnRegEvtCb, 9U, IF_EVT_WHOLE, ON_INTERFACE, 0U), "0", Registered, ForgetEvents},
         {CALL(IF_EventPriorityComparator, &INTERFACE_ENTRY, &INTERFACE_ENTRY, 0U), "0"},
         {CALL(IF_NotifyFuncRegTbl_Init), ""},
         {CALL(IF_NotifyFuncRegTbl_Deinit), ""},
         {CALL(IF_RegNotifyFunc, 1U, ON_NOTICE), R"(0
             any       1 | Failed to add callback to list.\n)", {}, ForgetEvents},
-        {CALL(IF_UnRegNotifyFunc, 1U, ON_NOTICE), "1"},
-        {CALL(L2IF_SH_EvtPublishEvent, 36U, nullptr, 0U, nullptr), "0"},
-        {"IF_SH_EvtPublishEventGetEventNode", [] {
-             UTIL_LIST_NODE_S* first = nullptr;
-             uint64_t          count = UNTOUCHED;
-             const uint32_t    ret   = IF_SH_EvtPublishEventGetEventNode(9, 8, &first, &count);
-             return Texts({ret, static_cast<uint32_t>(count)});
-         }, "0 0", IF_EvtInit, ForgetEvents},
+        {CALL(IF_UnRegNotifyFunc, 1U, ON_NOTICE), "0", Registered, ForgetEvents},
+        {CALL(IF_UnRegNotifyFunc, 2U, ON_NOTICE), "1", Registered, ForgetEvents},
+        {CALL(IF_UnRegNotifyFunc, 1U, nullptr), "1", Registered, ForgetEvents},
+        {CALL(L2IF_SH_EvtPublishEvent, 35U, nullptr, 0U, nullptr), "0", Registered, ForgetEvents},
+        {CALL(L2IF_SH_EvtPublishEvent, 36U, nullptr, 0U, nullptr), R"(1 | Failed to execute callback, moduleName=m, priority=1\n)", Registered, ForgetEvents},
+        {CALL(L2IF_SH_EvtPublishEvent, 74U, nullptr, 0U, nullptr), R"(1 | Failed to publis event id=74\n)"},
+        {CALL(L2IF_SH_EvtPublishEvent, 36U, nullptr, 0U, nullptr), "1" + unbuilt, [] { g_isL2IFEvtInited = 0; }, L2IF_SH_EvtCbRegTbl_Init},
+        Finds(9, 8, "0 1 1", Registered),
+        Finds(9, IF_EVT_WHOLE, "0 1 1", Registered),
+        Finds(9, 13, "0 0 0", Registered),
+        Finds(9, 14, R"(1 - 0 | Failed to publish event id=9, subId=14\n)", Registered),
+        Finds(4, 0, R"(1 - 0 | Failed to publish event id=4, subId=0\n)", Registered),
+        Finds(9, 8, "1 - 0" + unbuilt),
+        Finds(76, 1, R"(1 - 0 | Failed to publish event id=76, subId=1\n)"),
         {CALL(IF_NotifyAll, 1U, 2U, 3U, 4U), "0", IF_NotifyFuncRegTbl_Init, ForgetEvents},
+        {CALL(IF_NotifyAll, 1U, 2U, 3U, 4U), "1" + unbuilt},
     };
 }
 
@@ -350,7 +393,6 @@ Calls Deliveries()
 Calls OfMessages()
 {
     return {
-    
         OfMessage("QRB_EVENT_GetIfBaseFromSession", [](ORM_MESSAGE message) {
             QRB_IF_BASE_S  row = {};
             const uint32_t ret = QRB_EVENT_GetIfBaseFromSession(message, ORM_OBJECT_NEW, &row);
@@ -371,6 +413,9 @@ Calls OfMessages()
 
 Calls Starts()
 {
+    const auto refused = [](const char* type, const char* error) {
+        return Fill(R"( | [DEBUG]: epoll_ctrl:g_epollDbListenerFd=N, fd=N type=$type, Error:[$error]\n)", {{"$type", type}, {"$error", error}});
+    };
 #define SUBSCRIBES(function, table)                                                                  \
     {#function, Started<function>, "0 open" + Fill(SUBSCRIPTION, {{"$own", #function}, {"$table", table}}), {}, LeftUnlocked, Tidy}
     return {
@@ -402,11 +447,16 @@ Calls Starts()
                 EXPECT_EQ(g_isL2IFEvtInited, 1);
                 LeftUnlocked();
             }, Tidy},
+        // Added, removed, and not there any more.
         {"DbListenerEpollCtrl", [] {
-             const int32_t ret = DbListenerEpollCtrl(static_cast<uint32_t>(descriptor), 0);
-             return std::to_string(ret);
-         }, R"(0
-            epoll_ctl -1 | [DEBUG]: epoll_ctrl:g_epollDbListenerFd=N, fd=N type=0, Error:[9:Bad file descriptor]\n)",
+             const auto control = [](uint32_t operation) {
+                 return static_cast<uint32_t>(DbListenerEpollCtrl(static_cast<uint32_t>(descriptor), operation));
+             };
+             return Texts({control(0), control(1), control(7)});
+         }, "0 0 NONE" + refused("7", "2:No such file or directory") + R"(
+            epoll_ctl#1 NONE NONE NONE)" + refused("0", "9:Bad file descriptor") + refused("1", "2:No such file or directory") + refused("7", "2:No such file or directory") + R"(
+            epoll_ctl#2 0 NONE 0)" + refused("1", "9:Bad file descriptor") + R"(
+            epoll_ctl#3 0 0 NONE)" + refused("7", "9:Bad file descriptor"),
          [] {
              g_epollDbListenerFd = epoll_create1(EPOLL_CLOEXEC);
              descriptor          = eventfd(0, EFD_CLOEXEC);
