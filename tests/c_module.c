@@ -1,15 +1,11 @@
 /*
- * A module of the daemon, in C: builds a list, registers a callback of each kind, publishes events;
- * and the daemon itself, which starts and stops the listener. Prints what went wrong; the exit
- * status tells whether anything did.
+ * A module of the daemon, in C: builds a list, registers a callback of each kind, publishes events.
+ * Prints what went wrong; the exit status tells whether anything did.
  */
 #include <stdio.h>
-#include <sys/eventfd.h>
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/event_registry.h>
-#include <tarnd_qrb/listener.h>
 #include <tarnd_qrb/memory_map.h>
-#include <tarnd_qrb/subscription.h>
 
 /* The example of tarnd_qrb/util_list.h, taken from there. */
 #include "util_list_example.h"
@@ -77,12 +73,5 @@ int main(void)
     EXPECT(IF_RegNotifyFunc(1, OnNotification) == 0);
     EXPECT(IF_NotifyAll(42, IF_NOTIFY_CREATED, 0, 0) == 0 && g_lastCreated == 42);
     EXPECT(IF_UnRegNotifyFunc(1, OnNotification) == 0);
-
-    /* The thread may sleep for two seconds, unless something can be read. */
-    EXPECT(BDS_InitStart() == 0);
-    __atomic_store_n(&g_epollDbListenerThreadExit, 1, __ATOMIC_RELEASE);
-    DbListenerEpollCtrl((uint32_t)eventfd(1, EFD_CLOEXEC), 0);
-    EXPECT(pthread_join(g_epollDbListenerThreadId, NULL) == 0);
-    EXPECT(g_epollDbListenerFd == -1);
     return g_failures != 0;
 }

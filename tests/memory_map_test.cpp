@@ -2,7 +2,7 @@
 #include <tarnd_platform/memory.h>
 #include <tarnd_qrb/memory_map.h>
 
-#include <cstring>
+#include <algorithm>
 #include <random>
 #include <set>
 #include <span>
@@ -16,17 +16,11 @@ namespace {
 const std::vector<MEM_EX_MODULE_S> atStart(std::begin(g_memExModuleMap),
                                            std::end(g_memExModuleMap));
 
-class MemoryMap : public support::PlatformTest {
-protected:
-    void SetUp() override
-    {
-        PlatformTest::SetUp();
-        MEM_EX_Init();
-    }
-};
+using MemoryMap = support::PlatformTest;
 
 TEST_F(MemoryMap, FindsEveryModuleByItsName)
 {
+    MEM_EX_Init();
     std::set<uint16_t> handles = {0};
     std::string        names;
     for (uint32_t module = 0; module < MEM_EX_MODULE_COUNT; module++) {
@@ -47,6 +41,7 @@ TEST_F(MemoryMap, FindsEveryModuleByItsName)
 
 TEST_F(MemoryMap, ReportsTrueFiguresOrSaysWhereItStopped)
 {
+    MEM_EX_Init();
     MEM_EX_DETAILED_INFO_S        entries[33] = {};
     const MEM_EX_DETAILED_INFO_S& own         = entries[MEM_EX_MODULE_QRB];
     const uint16_t                handle      = MEM_EX_GetHandle(MEM_EX_MODULE_QRB);
@@ -55,12 +50,10 @@ TEST_F(MemoryMap, ReportsTrueFiguresOrSaysWhereItStopped)
     EXPECT_EQ(count, 31U);
     EXPECT_EQ(MEM_EX_GetDetailedInfoSize(&count), 0U);
     EXPECT_EQ(count++, 32U);
-    for (int again = 0; again < 2; again++) {
-        EXPECT_EQ(MEM_EX_GetDetailedInfo(nullptr, &count), 1U);
-        EXPECT_EQ(MEM_EX_GetDetailedInfo(entries, nullptr), 1U);
-        EXPECT_EQ(MEM_EX_GetDetailedInfo(entries, &count), 0U);
-        EXPECT_EQ(count, 32U);
-    }
+    EXPECT_EQ(MEM_EX_GetDetailedInfo(nullptr, &count), 1U);
+    EXPECT_EQ(MEM_EX_GetDetailedInfo(entries, nullptr), 1U);
+    EXPECT_EQ(MEM_EX_GetDetailedInfo(entries, &count), 0U);
+    EXPECT_EQ(count, 32U);
     EXPECT_STREQ(own.name, "QRB");
     const MEM_EX_DETAILED_INFO_S before = own;
     void* const block[] = {malloc_ex(handle, "", 1, 100), malloc_ex(handle, "", 2, 28)};
@@ -83,31 +76,28 @@ TEST_F(MemoryMap, ReportsTrueFiguresOrSaysWhereItStopped)
 // Blocks of all sizes, each full of its size, come and go on one thread after another.
 TEST_F(MemoryMap, HandsNoBlockOutTwice)
 {
-    const uint16_t                  handle   = MEM_EX_GetHandle(MEM_EX_MODULE_QRB);
     uint64_t                        inUse[4] = {};
     std::mt19937                    random(1);
     std::vector<std::span<uint8_t>> blocks;
-    EXPECT_EQ(meminfo_get(5, handle, &inUse[0], &inUse[1]), 0U);
+    EXPECT_EQ(meminfo_get(5, 0, &inUse[0], &inUse[1]), 0U);
     for (const size_t most : {4000U, 10U, 1000U, 0U}) {
         std::thread([&] {
             while (blocks.size() < most) {
-                const size_t size  = random() % 300;
-                auto*        block = static_cast<uint8_t*>(malloc_ex(handle, "", 1, size));
-                blocks.emplace_back(block, size);
-                memset(block, static_cast<int>(size), size);
+                const size_t size = random() % 300;
+                blocks.emplace_back(static_cast<uint8_t*>(malloc_ex(0, "", 1, size)), size);
+                std::ranges::fill(blocks.back(), static_cast<uint8_t>(size));
             }
             while (blocks.size() > most) {
                 std::swap(blocks[random() % blocks.size()], blocks.back());
-                for (const uint8_t byte : blocks.back()) {
-                    ASSERT_EQ(byte, blocks.back().size() & 0xFF);
-                }
-                free_ex(handle, blocks.back().data());
+                const auto block = blocks.back();
+                ASSERT_EQ(std::ranges::count(block, block.size() & 0xFF), std::ssize(block));
+                free_ex(0, block.data());
                 blocks.pop_back();
             }
         }).join();
     }
-    EXPECT_EQ(malloc_ex(handle, "", 1, size_t{1} << 48), nullptr);
-    EXPECT_EQ(meminfo_get(5, handle, &inUse[2], &inUse[3]), 0U);
+    EXPECT_EQ(malloc_ex(0, "", 1, size_t{1} << 48), nullptr);
+    EXPECT_EQ(meminfo_get(5, 0, &inUse[2], &inUse[3]), 0U);
     EXPECT_TRUE(inUse[0] == inUse[2] && inUse[1] == inUse[3]);
 }
 
