@@ -137,11 +137,7 @@ Calls QosCalls()
             item#4    0 1 1 40 41 1 5 -   | get remark 8021p list value failed. ret: 2002
             value#3   0 1 1 40 41 - - -   | get remark 8021p list value failed. ret: %
             value#4   0 1 1 40 41 1 5 -   | get remark 8021p list value failed. ret: %
-            reporter  QOS_SetQosIntePk
-            open      0 - - - - - - -     | [qrb qos]error : open session failed. ret: %
-            prepare   0 - - - - - - -     | [qrb qos]error : prepare failed. ret: %
-            key       0 - - - - - - -     | [qrb qos]error : set key failed. ret: %
-            execute   0 - - - - - - -     | [qrb qos]error : execute failed. ret: %
+            within    QOS_SetQosIntePk 0 - - - - - - -
             reporter  QOS_GetDscp
             behind    orm prepare for scan failed.ret = 200
             item#1    0 - - - - - - -     | get remark desp list failed. ret: 2002
@@ -158,12 +154,8 @@ Calls QosCalls()
             item#2    0 1 1 10 30 20 40 - - - - - | orm prepare for scan failed. ret = %+8008
             value#1-4 0 - - - - - - - - - - -  | orm prepare for scan failed. ret = %
             value     0 1 1 10 30 20 40 - - - - - | orm prepare for scan failed. ret = %
-            reporter  QOS_SetQosIntePk
             behind    qos read db in car info failed.
-            open      0 - - - - - - - - - - -  | [qrb qos]error : open session failed. ret: %
-            prepare   0 - - - - - - - - - - -  | [qrb qos]error : prepare failed. ret: %
-            key       0 - - - - - - - - - - -  | [qrb qos]error : set key failed. ret: %
-            execute   0 - - - - - - - - - - -  | [qrb qos]error : execute failed. ret: %)"},
+            within    QOS_SetQosIntePk 0 - - - - - - - - - - -)"},
         {CALL(QOS_AssignCars, OutCars(), 0U, 10U, 20U, 30U, 40U), " - 1 10 30 20 40 - - - - -"},
     };
 }

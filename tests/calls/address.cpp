@@ -9,12 +9,6 @@ namespace {
 constexpr uint32_t IF_INDEX = 1;
 constexpr uint32_t SECOND   = 0x0A000002;
 
-struct OutPair {
-    uint32_t    pair[2] = {UNTOUCHED, UNTOUCHED};
-    uint32_t*   Argument() { return pair; }
-    std::string Output() const { return Texts({pair[0], pair[1]}); }
-};
-
 void OnItem()
 {
     ORM_NODE list = 0;
@@ -24,11 +18,6 @@ void OnItem()
 }
 
 // clang-format off
-constexpr char OWNER[] = R"(0 1
-    reporter  IP_GetIfindexbyIpAddr
-    closing   1 -
-    session   1 -)";
-
 // The calls that count the addresses in a first session and read them in a second.
 constexpr char COUNTING[] = R"(
     memory    $memory | Failed to calloc fetched addrs\n
@@ -36,16 +25,13 @@ constexpr char COUNTING[] = R"(
     close@1!  = | Failed to fetch DB, ret=%\n | SYSAPI_GetIp4AllAddrByIf: Failed to fetch DB, ret=%\n | $caller: Failed to get all addresses by if, ifIndex=1, ret=1\n
     close@1   = | Failed to fetch DB, ret=%\n
     behind    $quiet
-    open@1    $none | Failed to fetch DB, ret=%\n
-    execute@1=1001000  $none
-    any@1     $none | DB error: %\n
+    within    SYSAPI_GetIp4AddrNumByIf@1 $none
     reporter  SYSAPI_GetIp4AllAddrByIf
     behind    Failed to get all addresses by if, ifIndex=1, ret=1\n
-    closing   =
     value#4   = | DB error: %\n
     value#2-3 $half | DB error: %\n
     item#2    $half | DB error: %\n
-    session   $unread)";
+    session   $unread; =)";
 
 }  // namespace
 
@@ -68,14 +54,6 @@ Calls AddressCalls()
             value#3   NONE 10.0.0.1 24 - | get ipv4 addr item type fail, ret=%\n)",
             OnItem, Closed},
         {CALL(BDS_IPGetMainIpByIfIndex, 1U, Out32(), Out32()), R"(0 10.0.0.2 25
-            reporter  BDS_IPGetIpv4AddrTblByIfIndex
-            behind    get main ipv4 get db session fail ret=4294967295, ifIndex=1\n
-            open      NONE - - | get main ipv4 addr create db session fail, ret=%\n
-            prepare   NONE - - | get main ipv4 addr prepare am_ipv4_address fail, ret=%\n
-            key       NONE - - | get main ipv4 addr set primary am_ipv4_address fail, ret=%\n
-            execute   NONE - - | get main ipv4 addr set primary am_ipv4_address fail, ret=%\n
-            reporter  BDS_IPGetMainIpByIfIndex
-            behind    -
             list      NONE - - | get main ipv4 get addr list fail ret=%, ifIndex=1\n
             size      NONE - - | get main ipv4 get addr list len is zero ret=%, ifIndex=1\n
             item#1    = | get node item by index fail, ret=%\n
@@ -89,19 +67,18 @@ Calls AddressCalls()
             behind    get ipv4 address fail, ret=4294967295\n | get main ipv4 fail, ret=4294967295, ifIndex=1\n
             value#4   NONE - - | get ipv4 addr item address fail, ret=%\n
             value#5   NONE - - | get ipv4 addr item masklen fail, ret=%\n
-            value#6   NONE - - | get ipv4 addr item type fail, ret=%\n)"},
+            value#6   NONE - - | get ipv4 addr item type fail, ret=%\n
+            behind    get main ipv4 get db session fail ret=4294967295, ifIndex=1\n
+            within    BDS_IPGetIpv4AddrTblByIfIndex NONE - -)"},
 
         {CALL(IP_GetMainIpAddr, 1U, Out32(), Out32()), R"(0 10.0.0.2 25
-            closing   1 - -
             session   1 - -)"},
         {CALL(IP_GetMask, 1U, SECOND, Out32()), R"(0 255.255.255.128
-            closing   1 255.255.255.128
-            session   1 -)"},
+            session   1 -; 1 255.255.255.128)"},
         {CALL(BDS_IPGetIFBestMatchIpAddr, 1U, 0x0A000009U, Out32(), Out32(), Out32()), R"(0 25 10.0.0.0 10.0.0.2
-            closing   1 25 10.0.0.0 10.0.0.2
             item#2    1 24 10.0.0.0 10.0.0.1 | DB error: %\n
             value#3-4 1 24 10.0.0.0 10.0.0.1 | DB error: %\n
-            session   1 - - -)"},
+            session   1 - - -; 1 25 10.0.0.0 10.0.0.2)"},
         {CALL(BDS_IPGetIFBestMatchIpAddr, 4U, 0x0A000009U, Out32(), Out32(), Out32()), R"(1 - - - | There is no ip address on interface!
             close     1 - - - | There is no ip address on interface! | Failed to fetch DB, ret=%\n
             session   1 - - -)"},
@@ -110,31 +87,29 @@ Calls AddressCalls()
 
         {CALL(SYSAPI_GetIp4AddrNumByIf, 1U), R"(2
             execute=1001000  0
-            closing   2
-            session   0)"},
+            session   0; 2)"},
         {CALL(SYSAPI_GetIp4AllAddrByIf, 1U, OutAddresses(), 2U), R"(0 10.0.0.1 24 10.0.0.2 25
-            closing   1 10.0.0.1 24 10.0.0.2 25
             value#2   1 10.0.0.1 - - - | DB error: %\n
             item#2    1 10.0.0.1 24 - - | DB error: %\n
             value#3   1 10.0.0.1 24 - - | DB error: %\n
             value#4   1 10.0.0.1 24 10.0.0.2 - | DB error: %\n
-            session   1 - - - -)"},
+            session   1 - - - -; 1 10.0.0.1 24 10.0.0.2 25)"},
         {CALL(BDS_IPIFIsThisIfIpAddr, 1U, SECOND), "1" + Fill(COUNTING, {
             {"$caller", "BDS_IPIFIsThisIfIpAddr"}, {"$none", "0"}, {"$quiet", "Interface 1 without addresses passed\\n"},
             {"$memory", "0"}, {"$unread", "0"}, {"$half", "0"}})},
-        {CALL(BDS_IPIFGetThisIfIpAddr, 1U, OutPair(), 2U, Out32()), "0 10.0.0.1 10.0.0.2 2" + Fill(COUNTING, {
+        {CALL(BDS_IPIFGetThisIfIpAddr, 1U, Out<uint32_t, 2>(), 2U, Out32()), "0 10.0.0.1 10.0.0.2 2" + Fill(COUNTING, {
             {"$caller", "BDS_IPIFGetThisIfIpAddr"}, {"$none", "0 - - 0"}, {"$quiet", "-"},
             {"$memory", "1 - - -"}, {"$unread", "0 0 0 2"}, {"$half", "0 10.0.0.1 0 2"}})},
         {CALL(BDS_IPGetFirstIpByIfIndex, 1U, Out32()), "0 10.0.0.1" + Fill(COUNTING, {
             {"$caller", "BDS_IPGetFirstIpByIfIndex"}, {"$none", "1 -"}, {"$quiet", "-"},
             {"$memory", "1 -"}, {"$unread", "0 0"}, {"$half", "="}})},
 
-        {CALL(IP_GetIfindexbyIpAddr, SECOND, 0U, Out32()), OWNER},
-        {CALL(BDS_IPGetIfindexbyIpAddr, SECOND, 0U, Out32()), OWNER},
+        {CALL(IP_GetIfindexbyIpAddr, SECOND, 0U, Out32()), R"(0 1
+            session   1 -)"},
+        {CALL(BDS_IPGetIfindexbyIpAddr, SECOND, 0U, Out32()), R"(0 1
+            within    IP_GetIfindexbyIpAddr 1 -)"},
         {CALL(BDS_IPIsLocalIfAddr, SECOND, 0U), R"(1
-            reporter  IP_GetIfindexbyIpAddr
-            closing   0
-            session   0)"},
+            within    IP_GetIfindexbyIpAddr 0)"},
     };
 }
 // clang-format on

@@ -11,10 +11,13 @@ ORM_SESSION session = 0;
 ORM_SCAN    scan    = 0;
 ORM_NODE    node    = 0;
 
+unsigned nullPointer = 0;
+
 std::string Text(uint32_t number)
 {
     const auto octet = [number](int shift) { return std::to_string(number >> shift & 0xFF); };
-    return number == UNTOUCHED    ? "-"
+    return number == UNTOUCHED * 0x01010101U || number == UNTOUCHED * 0x0101U || number == UNTOUCHED
+               ? "-"
            : number == UINT32_MAX ? "NONE"
            : number < 1U << 24    ? std::to_string(number)
                                   : octet(24) + '.' + octet(16) + '.' + octet(8) + '.' + octet(0);
@@ -131,15 +134,12 @@ void DeviceTest::SetUp()
 void PrintTo(const Outcome& outcome, std::ostream* out)
 {
     *out << outcome.answer << ", logging " << testing::PrintToString(outcome.lines) << ", leaving "
-         << outcome.sessions << " sessions, " << outcome.scans << " scans, " << outcome.blocks
-         << " blocks";
+         << outcome.left;
 }
 
 Outcome Perform(const Call& call, const Lines& points, const Fault* fault)
 {
-    const int sessions = support::OpenSessions();
-    const int scans    = support::OpenScans();
-    const int blocks   = support::LibraryBlocks();
+    const int before = support::OpenHandles() + support::LibraryBlocks();
     support::WatchPlatform(false);
     if (call.before) {
         call.before();
@@ -160,9 +160,7 @@ Outcome Perform(const Call& call, const Lines& points, const Fault* fault)
     if (call.tidy != nullptr) {
         call.tidy(outcome.lines);
     }
-    outcome.sessions = support::OpenSessions() - sessions;
-    outcome.scans    = support::OpenScans() - scans;
-    outcome.blocks   = support::LibraryBlocks() - blocks;
+    outcome.left = support::OpenHandles() + support::LibraryBlocks() - before;
     return outcome;
 }
 
@@ -178,17 +176,15 @@ Calls QueryCalls()
     Calls all;
     for (const auto family : {DatabaseCalls, InterfaceCalls, AddressCalls, Layer2Calls, RouteCalls,
                               AclCalls, QosCalls}) {
-        const Calls calls = family();
-        all.insert(all.end(), calls.begin(), calls.end());
+        std::ranges::move(family(), std::back_inserter(all));
     }
     return all;
 }
 
 Calls AllCalls()
 {
-    Calls       all    = QueryCalls();
-    const Calls events = EventCalls();
-    all.insert(all.end(), events.begin(), events.end());
+    Calls all = QueryCalls();
+    std::ranges::move(EventCalls(), std::back_inserter(all));
     return all;
 }
 

@@ -28,18 +28,6 @@ uint32_t Unscoped(ORM_SESSION in, void* /*context*/)
 }
 
 // clang-format off
-constexpr char KEYED[] = R"($good
-    reporter  QRB_DB_SESSION_SetKey
-    prepare   %$none | Table: if_phy prepare failed.
-    key       %$none | Table: if_phy set key failed.
-    execute   %$none | Table: if_phy execute failed.
-    reporter  QRB_DB_SESSION_Get
-    field     %$none | Table: if_phy get fields failed.
-    reporter  QRB_DB_Get
-    open      %$none | Table: if_phy open session failed.
-    close     %$good)";
-const Values READ = {{"%$good", "% 1.2.3.4"}, {"$good", "0 1.2.3.4"}, {"$none", " -"}};
-
 // Outputs: the last entry, then the count.
 constexpr char SCANNED[] = R"(0 10 2
     next#1    1 - -  | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n
@@ -62,11 +50,17 @@ Calls DatabaseCalls()
             open      0 closed | Database error, info: open session failed\n
             prepare   0 closed | Database error, info: prepare session failed\n)",
             {}, Closed},
-        {CALL(QRB_DB_SESSION_SetKey, session, QRB_ORM_OP_READ, "if_phy", &IF_INDEX, SetIfIndex),
-            Fill(KEYED, {{"$good", "0"}, {"$none", ""}}), Opened, Closed},
-        {CALL(QRB_DB_SESSION_Get, session, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot),
-            Fill(KEYED, READ), Opened, Closed},
-        {CALL(QRB_DB_Get, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), Fill(KEYED, READ)},
+        {CALL(QRB_DB_SESSION_SetKey, session, QRB_ORM_OP_READ, "if_phy", &IF_INDEX, SetIfIndex), R"(0
+            prepare   % | Table: if_phy prepare failed.
+            key       % | Table: if_phy set key failed.
+            execute   % | Table: if_phy execute failed.)", Opened, Closed},
+        {CALL(QRB_DB_SESSION_Get, session, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), R"(0 1.2.3.4
+            within    QRB_DB_SESSION_SetKey % -
+            field     % - | Table: if_phy get fields failed.)", Opened, Closed},
+        {CALL(QRB_DB_Get, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), R"(0 1.2.3.4
+            within    QRB_DB_SESSION_Get % -
+            open      % - | Table: if_phy open session failed.
+            close     % 1.2.3.4)"},
         {CALL(QRB_DB_SESSION_Scan, session, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(),
               "vlan_scope0 = 0", nullptr), SCANNED, Opened, Closed},
         {CALL(QRB_DB_SESSION_Scan, session, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(),

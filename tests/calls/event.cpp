@@ -252,8 +252,6 @@ const std::string REPLACED = "$1, $2" + FETCHES + R"(
 const std::string REGISTRATION = R"(
     reporter  DbListenerCreateEpollThread
     pthread_create  = | [DEBUG]: create epoll thread failed,errmsg=Bad file descriptor\n
-    epoll_wait      =
-    close     =
     reporter  QrbDbListenerRegisterEvent
     behind    $behind
     OrmCreateSessionParam       $failed closed | [DEBUG]: OrmCreateSessionParam fail, ret=%\n

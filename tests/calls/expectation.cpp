@@ -1,6 +1,9 @@
 // The lines of an expectation, read and applied.
+#include <fnmatch.h>
+
 #include <algorithm>
 #include <climits>
+#include <map>
 #include <optional>
 #include <regex>
 #include <sstream>
@@ -11,120 +14,149 @@ namespace calls {
 
 namespace {
 
-// What an operation is called, by how its name begins and ends.
-constexpr struct {
-    std::string_view begin;
-    std::string_view end;
-    const char*      step;
-} STEPS[] = {
-    {"OrmOpenSession", "", "open"},
-    {"OrmCloseSession", "", "close"},
-    {"OrmPrepare", "", "prepare"},
-    {"OrmSetKeyName", "", "key"},
-    {"OrmSetIndexKeyValue", "", "key"},
-    {"Ormg", "KeyInner", "key"},
-    {"OrmExecute", "", "execute"},
-    {"OrmGetField", "", "field"},
-    {"OrmSetScanCond", "", "condition"},
-    {"OrmScanStart", "", "start"},
-    {"OrmScanNext", "", "next"},
-    {"OrmScanEnd", "", "end"},
-    {"OrmNodeGetChild", "", "list"},
-    {"OrmNodeGetSize", "", "size"},
-    {"OrmNodeGetItem", "", "item"},
-    {"OrmNodeGetField", "", "value"},
-    {"Ormg", "ReadInner", "read"},
-    {"Ormg", "GetAllFieldsInner", "row"},
-    {"str", "_s", "copy"},
-    {"mem", "_s", "copy"},
-    {"sprintf_s", "", "format"},
-    {"OrmSubFetchNext", "", "fetch"},
-    {"OrmSubExtractData", "", "extract"},
-    {"calloc", "", "memory"},
-    {"malloc_ex", "", "memory"},
-};
+// What an operation is called.
+constexpr std::pair<const char*, const char*> STEPS[] = {{"OrmOpenSession*", "open"},
+                                                         {"OrmCloseSession", "close"},
+                                                         {"OrmPrepare", "prepare"},
+                                                         {"OrmSetKeyName", "key"},
+                                                         {"OrmSetIndexKeyValue", "key"},
+                                                         {"Ormg*KeyInner", "key"},
+                                                         {"OrmExecute", "execute"},
+                                                         {"OrmGetField*", "field"},
+                                                         {"OrmSetScanCond", "condition"},
+                                                         {"OrmScanStart", "start"},
+                                                         {"OrmScanNext", "next"},
+                                                         {"OrmScanEnd", "end"},
+                                                         {"OrmNodeGetChild", "list"},
+                                                         {"OrmNodeGetSize", "size"},
+                                                         {"OrmNodeGetItem*", "item"},
+                                                         {"OrmNodeGetField*", "value"},
+                                                         {"Ormg*ReadInner", "read"},
+                                                         {"Ormg*GetAllFieldsInner", "row"},
+                                                         {"str*_s", "copy"},
+                                                         {"mem*_s", "copy"},
+                                                         {"sprintf_s", "format"},
+                                                         {"OrmSubFetchNext", "fetch"},
+                                                         {"OrmSubExtractData", "extract"},
+                                                         {"calloc", "memory"},
+                                                         {"malloc_ex", "memory"}};
 
-std::string_view StepOf(const std::string& operation)
+std::string StepOf(const std::string& operation)
 {
-    for (const auto& [begin, end, step] : STEPS) {
-        if (operation.starts_with(begin) && operation.ends_with(end)) {
+    for (const auto& [pattern, step] : STEPS) {
+        if (fnmatch(pattern, operation.c_str(), 0) == 0) {
             return step;
         }
     }
     return operation;
 }
 
+// Lines that stand for many, with A and B for $1 and $2.
+const std::map<std::string, const char*> SHAPES = {{"session", R"(
+        close     $2 | Failed to fetch DB, ret=%\n
+        open      $1 | Failed to fetch DB, ret=%\n
+        any       $1 | DB error: %\n)"},
+                                                   {"scan", R"(
+        open      $1 | QRB_DB_Scan: Failed to fetch DB, ret=%\n
+        close     $2 | QRB_DB_Scan: Failed to fetch DB, ret=%\n
+        end       $2 | QRB_DB_SESSION_Scan: $failed
+        prepare   $1 | QRB_DB_SESSION_Scan: $failed
+        condition $1 | QRB_DB_SESSION_Scan: $failed
+        start     $1 | QRB_DB_SESSION_Scan: $failed
+        any       $1 | QRB_DB_SESSION_ProcessScanEntries: $failed)"}};
+const char* const FAILED_SCAN = R"(Failed to fetch DB, ret=%\n | QRB_DB_Scan: DB error: 1\n)";
+
 // Reads an expectation line by line.
 class Reader {
 public:
     explicit Reader(const Call& call) : name_(call.name), reporter_(call.name)
     {
-        std::istringstream text(call.expectations);
-        std::string        line;
-        std::getline(text, line);
-        read_.good = ReadOutcome(line, name_);
-        for (std::string word; text >> word && std::getline(text >> std::ws, line);) {
-            AddLine(word, line);
-        }
+        const size_t end = call.expectations.find('\n');
+        read_.good       = ReadOutcome(call.expectations.substr(0, end), name_);
+        AddLines(end != std::string::npos ? call.expectations.substr(end) : "");
     }
 
     const Expectation& Result() const { return read_; }
 
 private:
-    void AddLine(const std::string& word, const std::string& text)
+    // row: the one that stands for these lines, if there is one.
+    void AddLines(const std::string& lines, const std::string& row = "")
+    {
+        std::istringstream text(lines);
+        for (std::string word, line; text >> word && std::getline(text >> std::ws, line);) {
+            AddLine(word, line, row.empty() ? word + ' ' + line : row);
+        }
+    }
+
+    void AddLine(const std::string& word, const std::string& text, const std::string& row)
     {
         if (word == "reporter") {
             reporter_ = text;
         } else if (word == "behind") {
             behind_ = text == "-" ? "" : "| " + text;
-        } else if (word == "session") {
-            AddStep("open", text + " | Failed to fetch DB, ret=%\\n");
-            AddStep("any", text + " | DB error: %\\n");
-        } else if (word == "closing") {
-            AddStep("close", text + " | Failed to fetch DB, ret=%\\n");
-        } else if (word == "scan") {
-            AddScan(text.substr(0, text.find(';')), text.substr(text.find(';') + 2));
+        } else if (word == "within") {
+            AddWithin(text, row);
+        } else if (SHAPES.contains(word)) {
+            const size_t      semicolon = text.find("; ");
+            const std::string first     = text.substr(0, semicolon);
+            const std::string second =
+                semicolon != std::string::npos ? text.substr(semicolon + 2) : first;
+            AddLines(
+                Fill(SHAPES.at(word), {{"$1", first}, {"$2", second}, {"$failed", FAILED_SCAN}}),
+                row);
         } else {
-            AddStep(word, text);
+            AddStep(word, ReadOutcome(text, reporter_), row);
         }
     }
 
-    void AddStep(const std::string& condition, const std::string& outcome)
+    void AddWithin(const std::string& text, const std::string& row)
+    {
+        static const Calls      calls = QueryCalls();
+        static const std::regex shape(R"((\w+)(?:@(\d+))? +(.*))");
+        std::smatch             part;
+        ASSERT_TRUE(std::regex_match(text, part, shape)) << name_ << ": " << row;
+        const auto call = std::ranges::find(calls, part[1], &Call::name);
+        ASSERT_NE(call, calls.end()) << name_ << ": " << row;
+        for (Step step : Reader(*call).read_.steps) {
+            if (step.outcome.answer != "=") {
+                step.outcome.answer = part[3];
+            }
+            step.session =
+                part[2].matched ? static_cast<unsigned>(std::stoul(part[2])) : step.session;
+            Add(step, row);
+        }
+    }
+
+    void AddStep(const std::string& condition, const Outcome& outcome, const std::string& row)
     {
         static const std::regex shape(
             R"(([^#@=!]+)(?:#(\d+)(?:-(\d+))?)?(?:@(\d+))?(?:=(\d+))?(!)?)");
         std::smatch part;
-        if (!std::regex_match(condition, part, shape)) {
-            ADD_FAILURE() << name_ << ": not a step: " << condition;
-            return;
-        }
+        ASSERT_TRUE(std::regex_match(condition, part, shape)) << name_ << ": " << row;
         const auto number = [&part](size_t group, unsigned otherwise) {
             return part[group].matched ? static_cast<unsigned>(std::stoul(part[group])) : otherwise;
         };
-        Step step = {part[1],      number(2, 1), number(3, number(2, UINT_MAX)), number(4, 0),
-                     number(5, 0), {},           ReadOutcome(outcome, reporter_)};
+        Step step = {part[1],
+                     number(2, 1),
+                     number(3, number(2, UINT_MAX)),
+                     number(4, 0),
+                     number(5, 0),
+                     {},
+                     outcome,
+                     {}};
         if (part[6].matched) {
             step.cleanUps = support::CleanUp::FailsToo;
         }
-        for (const std::string& line : ReadOutcome(behind_, name_).lines) {
-            step.outcome.lines.push_back(line);
-        }
-        read_.steps.push_back(step);
+        Add(step, row);
     }
 
-    void AddScan(const std::string& failure, const std::string& afterEntry)
+    void Add(Step step, const std::string& row)
     {
-        const std::string line   = ": Failed to fetch DB, ret=%\\n";
-        const std::string outer  = " | QRB_DB_Scan" + line;
-        const std::string behind = line + " | QRB_DB_Scan: DB error: 1\\n";
-        const std::string inner  = " | QRB_DB_SESSION_Scan" + behind;
-        AddStep("open", failure + outer);
-        AddStep("close", afterEntry + outer);
-        AddStep("end", afterEntry + inner);
-        for (const char* step : {"prepare", "condition", "start"}) {
-            AddStep(step, failure + inner);
-        }
-        AddStep("any", failure + " | QRB_DB_SESSION_ProcessScanEntries" + behind);
+        std::ranges::move(ReadOutcome(behind_, name_).lines,
+                          std::back_inserter(step.outcome.lines));
+        step.row = row;
+        read_.steps.push_back(step);
+        read_.unused.insert(row);
     }
 
     // "answer | line | line"
@@ -158,42 +190,41 @@ private:
 // "%" and "%+n" in the words of an expectation.
 std::string WithCode(std::string text, uint32_t code)
 {
-    for (size_t at = text.find('%'); at != std::string::npos; at = text.find('%')) {
-        size_t digits = 0;
-        size_t more   = 0;
-        if (text.substr(at).starts_with("%+")) {
-            more = std::stoul(text.substr(at + 2), &digits);
-            digits++;
-        }
-        text.replace(at, 1 + digits, std::to_string(code + more));
+    static const std::regex sum(R"(%(\+(\d+))?)");
+    std::smatch             part;
+    while (std::regex_search(text, part, sum)) {
+        const size_t more = part[2].matched ? std::stoul(part[2]) : 0;
+        text              = part.prefix().str() + std::to_string(code + more) + part.suffix().str();
     }
     return text;
 }
 
-Outcome WithCode(Outcome outcome, uint32_t code)
+// Which step a fault makes fail: the nth of its kind in this session.
+struct Place {
+    std::string operation;
+    unsigned    session = 0;
+    unsigned    nth     = 0;
+};
+
+Place PlaceOf(const Lines& points, const Fault& fault)
 {
-    outcome.answer = WithCode(outcome.answer, code);
-    for (std::string& line : outcome.lines) {
-        line = WithCode(line, code);
+    Place place = {StepOf(points[fault.number - 1])};
+    for (unsigned i = 0; i < fault.number; i++) {
+        const std::string step = StepOf(points[i]);
+        if (step == "open") {
+            place.session++;
+            place.nth = 0;
+        }
+        place.nth += step == place.operation ? 1U : 0U;
     }
-    return outcome;
+    return place;
 }
 
-bool Holds(const Step& step, const Lines& points, const Fault& fault)
+bool Holds(const Step& step, const Place& place, const Fault& fault)
 {
-    const std::string_view operation = StepOf(points[fault.number - 1]);
-    unsigned               session   = 0;
-    unsigned               nth       = 0;
-    for (unsigned i = 0; i < fault.number; i++) {
-        const std::string_view point = StepOf(points[i]);
-        if (point == "open") {
-            session++;
-            nth = 0;
-        }
-        nth += point == operation ? 1U : 0U;
-    }
-    return (step.operation == operation || step.operation == "any") && nth >= step.from &&
-           nth <= step.to && (step.session == 0 || step.session == session) &&
+    return (step.operation == place.operation || step.operation == "any") &&
+           place.nth >= step.from && place.nth <= step.to &&
+           (step.session == 0 || step.session == place.session) &&
            (step.code == 0 || step.code == fault.code) &&
            (!step.cleanUps || step.cleanUps == fault.cleanUps);
 }
@@ -205,29 +236,39 @@ Expectation Read(const Call& call)
     return Reader(call).Result();
 }
 
-Outcome WithFault(const Expectation& expectation, const Lines& points, const Fault& fault)
+bool IsLogging(const std::string& operation)
+{
+    return operation == "malloc" || operation == "vsprintf_s";
+}
+
+Outcome WithFault(Expectation& expectation, const Lines& points, const Fault& fault)
 {
     Outcome            outcome   = expectation.good;
     const std::string& operation = points[fault.number - 1];
-    if (operation == "malloc" || operation == "vsprintf_s") {  // a line that is lost
+    if (IsLogging(operation)) {
         const auto lost = std::count(points.begin(), points.begin() + fault.number - 1, operation);
         if (lost < std::ssize(outcome.lines)) {
             outcome.lines.erase(outcome.lines.begin() + lost);
         }
         return outcome;
     }
-    for (const Step& step : expectation.steps) {
-        if (Holds(step, points, fault)) {
-            if (step.outcome.answer != "=") {
-                outcome = step.outcome;
-            } else {
-                outcome.lines.insert(outcome.lines.begin(), step.outcome.lines.begin(),
-                                     step.outcome.lines.end());
-            }
-            return WithCode(outcome, fault.code);
-        }
+    const Place place = PlaceOf(points, fault);
+    const auto  step  = std::ranges::find_if(
+          expectation.steps, [&](const Step& told) { return Holds(told, place, fault); });
+    if (step == expectation.steps.end()) {
+        return {"not told", {}};
     }
-    return {"not told", {}};
+    expectation.unused.erase(step->row);
+    if (step->outcome.answer != "=") {
+        outcome = {step->outcome.answer, {}};
+    }
+    outcome.lines.insert(outcome.lines.begin(), step->outcome.lines.begin(),
+                         step->outcome.lines.end());
+    outcome.answer = WithCode(outcome.answer, fault.code);
+    for (std::string& line : outcome.lines) {
+        line = WithCode(line, fault.code);
+    }
+    return outcome;
 }
 
 std::string Fill(std::string text, const Values& values)

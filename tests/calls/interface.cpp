@@ -12,26 +12,9 @@ namespace calls {
 
 namespace {
 
-struct OutBase {
-    QRB_IF_BASE_S  record = {};
-    QRB_IF_BASE_S* Argument() { return &record; }
-    std::string    Output() const { return Text(record.if_name); }
-};
-
-struct OutMac {
-    uint8_t     mac[7] = {UNTOUCHED, 0, 0, 0, 0, UNTOUCHED, UNTOUCHED};
-    uint8_t*    Argument() { return mac; }
-    std::string Output() const
-    {
-        return Texts({mac[0], mac[1], mac[2], mac[3], mac[4], mac[5], mac[6]});
-    }
-};
-
-struct OutTypes {
-    BDS_IF_TYPE_INFO_S  table[QRB_IF_TYPE_COUNT] = {};
-    BDS_IF_TYPE_INFO_S* Argument() { return table; }
-    std::string         Output() const { return Text(table[16].third_value); }
-};
+using OutBase  = Out<QRB_IF_BASE_S, 1, &QRB_IF_BASE_S::if_index, &QRB_IF_BASE_S::if_type>;
+using OutMac   = Out<uint8_t, 7>;
+using OutTypes = Out<BDS_IF_TYPE_INFO_S, QRB_IF_TYPE_COUNT, &BDS_IF_TYPE_INFO_S::port_type>;
 
 constexpr IF_NAME_KEY_S SIMPLE_NAME = {"E1", 0};
 
@@ -47,16 +30,9 @@ void OnBase()
     Positioned("if_base");
 }
 
-// clang-format off
-constexpr char LINE_STATE[] = R"(0 1
-    reporter  IF_INTF_GetIfLineState
-    read      1 - | Failed to fetch DB, ret=%\n)";
-constexpr char LINK_STATE[] = R"(0 1
-    reporter  IF_INTF_GetIfLinkState
-    read      1 - | Failed to fetch DB, ret=%\n)";
-
 }  // namespace
 
+// clang-format off
 Calls InterfaceCalls()
 {
     return {
@@ -83,19 +59,16 @@ Calls InterfaceCalls()
             copy      NONE | IF_CmpIfBaseRecord: copy all field if_base fail for cmp\n
             end       =
             close     =)"},
-        {CALL(IF_CmpIfBaseRecord, session, &SIMPLE_NAME, OutBase(), 387), R"(1 Eth0/0/1
-            row       0 "" | get all field if_base fail for cmp %\n
-            copy      0 "" | copy all field if_base fail for cmp\n)",
-            OnBase, Closed},
+        {CALL(IF_CmpIfBaseRecord, session, &SIMPLE_NAME, OutBase(), 387), R"(1 1 1
+            row       0 - - | get all field if_base fail for cmp %\n
+            copy      0 - - | copy all field if_base fail for cmp\n)", OnBase, Closed},
         {CALL(IF_INTF_GetIfIndexByFullName, "Vlanif10"), R"(2
-            open      NONE | QRB_CreatDbSession: Database error, info: open session failed\n
-            prepare   NONE | QRB_CreatDbSession: Database error, info: prepare session failed\n
+            within    QRB_CreatDbSession NONE
             close     =
             any       NONE)"},
         {CALL(BDS_Ifname2IfGetIndexByname, "Vlanif10", Out32()), R"(0 2
-            closing   1 2
             end       1 2 | DB error: %\n
-            session   1 -)"},
+            session   1 -; 1 2)"},
         {CALL(IF_INTF_GetSimpleName, "Vlanif10", OutText()), R"(0 V10
             copy      1 - | strcpy_s failed\n
             close     =
@@ -111,33 +84,28 @@ Calls InterfaceCalls()
              const uint32_t ret = BDS_InitIfTypeInfo();
              return Text(ret) + (g_pstBDSIfTypeInfo != nullptr ? " built" : " none");
          }, R"(0 built
-            memory    1 none | g_pstBDSIfTypeInfo malloc fail\n)",
-            ForgetTypes, ForgetTypes},
-        {CALL(BDS_InitNewIfTypeInfo, OutTypes(), QRB_IF_TYPE_COUNT), "0 12"},
+            memory    1 none | g_pstBDSIfTypeInfo malloc fail\n)", ForgetTypes, ForgetTypes},
+        {CALL(BDS_InitNewIfTypeInfo, OutTypes(), QRB_IF_TYPE_COUNT), "0 - - - - - - - - - - 41 104 105 43 26 103 1"},
         {CALL(BDS_IfPortTypeSwitch, 8U, Out32()), R"(0 41
-            memory    1 - | BDS_InitIfTypeInfo: g_pstBDSIfTypeInfo malloc fail\n)",
-            ForgetTypes, ForgetTypes},
+            memory    1 - | BDS_InitIfTypeInfo: g_pstBDSIfTypeInfo malloc fail\n)", ForgetTypes, ForgetTypes},
         {CALL(BDS_IfnetGetPortType, 2U, Out32()), R"(0 41
             memory    1 - | BDS_InitIfTypeInfo: g_pstBDSIfTypeInfo malloc fail\n
-            closing   1 -
-            session   1 -)",
-            ForgetTypes, ForgetTypes},
+            session   1 -)", ForgetTypes, ForgetTypes},
         {CALL(IFPDT_GetPortType, 2U), R"(41
-            reporter  BDS_IfnetGetPortType
-            memory    NONE | BDS_InitIfTypeInfo: g_pstBDSIfTypeInfo malloc fail\n
-            closing   NONE
-            session   NONE)",
-            ForgetTypes, ForgetTypes},
+            within    BDS_IfnetGetPortType NONE)", ForgetTypes, ForgetTypes},
         {CALL(IF_INTF_GetPhyTypeByIndex, 1U), R"(6
             read      101 | get phy tyep orm read ifIndex[1] failed, ret = %.\n)"},
 
-        {CALL(IF_INTF_GetIfLineState, 1U, Out32()), LINE_STATE},
-        {CALL(BDS_IfnetGetLineState, 1U, Out32()), LINE_STATE},
-        {CALL(IF_INTF_GetIfLinkState, 1U, Out32()), LINK_STATE},
-        {CALL(BDS_IfnetGetLinkState, 1U, Out32()), LINK_STATE},
+        {CALL(IF_INTF_GetIfLineState, 1U, Out32()), R"(0 1
+            read      1 - | Failed to fetch DB, ret=%\n)"},
+        {CALL(BDS_IfnetGetLineState, 1U, Out32()), R"(0 1
+            within    IF_INTF_GetIfLineState 1 -)"},
+        {CALL(IF_INTF_GetIfLinkState, 1U, Out32()), R"(0 1
+            read      1 - | Failed to fetch DB, ret=%\n)"},
+        {CALL(BDS_IfnetGetLinkState, 1U, Out32()), R"(0 1
+            within    IF_INTF_GetIfLinkState 1 -)"},
         {CALL(BDS_IfnetGetIfPhyState, 1U, Out8()), R"(0 1
-            closing   1 1
-            session   1 -)"},
+            session   1 -; 1 1)"},
         {CALL(BDS_IfnetIsSwitchPort, 1U), R"(1
             read=1001000  0
             read      0 | Failed to fetch port status for ifIndex=1, ret=%)"},
@@ -148,9 +116,9 @@ Calls InterfaceCalls()
         {CALL(BDS_IfnetGetCardByIfIndex, 1U, Out32()), R"(0 241.242.243.244
             read      1 - | Failed to fetch if_phy, ret=%\n)"},
         {CALL(BDS_IfnetGetIfMacByIfIndex, 1U, OutMac()), R"(0 2 0 94 16 32 48 -
-            any       1 - 0 0 0 0 - -)"},
+            any       1 - - - - - - -)"},
         {CALL(IF_GetMacAddrByIfIndex, 1U, OutMac()), R"(0 2 0 94 16 32 48 -
-            any       1 - 0 0 0 0 - -)"},
+            any       1 - - - - - - -)"},
         {CALL(IF_GetSlotStrBySlotId, -5, OutText()), R"(0 -5
             format    1 - | sprintf_s failed\n
             copy      1 - | strcpy_s failed\n)"},

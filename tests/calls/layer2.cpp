@@ -56,6 +56,7 @@ constexpr char FIRST[] = R"(0 $1st open
     next      1 $none closed | OrmScanNext ret:%, isEof:0
     row!      1 $none closed | $row fail ret:% | QRB_Scan$kindFinish: OrmScanEnd fail ret:%
     row       1 $none closed | $row fail ret:%)";
+constexpr char AGAIN[] = "1 - open";
 constexpr char NEXT[] = R"(0 $2nd open
     reporter  QRB_GetNext$kind
     next      1 $none open | OrmScanNext ret:%, isEof:0
@@ -94,35 +95,28 @@ Call StepOf(const Walk& walk, const char* name, const char* expectations, const 
 }
 
 // clang-format off
-constexpr char IS_ACTIVE[] = R"($yes
-    reporter  VLAN_IsVlanActive
-    end       =
-    close     =
-    session   $no)";
-constexpr char IS_USED[] = R"($yes
-    reporter  VLAN_IsVlanUsed
-    read      $no | Failed to fetch vlan msg for VlanId =10, ret =%)";
-// An absent port stands in position 0, of which VLAN 10 is no member.
-constexpr char IS_MEMBER[] = R"($yes
-    reporter  VLAN_IsPortInVlan
-    read=1001000  $no
-    read#1    $no | Failed to fetch port status for ifIndex=1, ret=%
-    read#2    $no | Failed to fetch vlan status for ifIndex=1, ret=%)";
-
-const Values STATUS_FORM  = {{"$yes", "0"}, {"$no", "1"}};
-const Values BOOLEAN_FORM = {{"$yes", "1"}, {"$no", "0"}};
-
 }  // namespace
 
 Calls Layer2Calls()
 {
     return {
-        {CALL(VLAN_IsVlanActive, uint16_t{10}), Fill(IS_ACTIVE, STATUS_FORM)},
-        {CALL(BDS_L2IF_VLAN_IsActive, uint16_t{10}), Fill(IS_ACTIVE, BOOLEAN_FORM)},
-        {CALL(VLAN_IsVlanUsed, uint16_t{10}), Fill(IS_USED, STATUS_FORM)},
-        {CALL(BDS_L2IF_VLAN_IsUsed, uint16_t{10}), Fill(IS_USED, BOOLEAN_FORM)},
-        {CALL(VLAN_IsPortInVlan, 1U, uint16_t{10}), Fill(IS_MEMBER, STATUS_FORM)},
-        {CALL(BDS_L2IF_VP_PortIsInVlan, 1U, uint16_t{10}), Fill(IS_MEMBER, BOOLEAN_FORM)},
+        {CALL(VLAN_IsVlanActive, uint16_t{10}), R"(0
+            end       =
+            close     =
+            session   1)"},
+        {CALL(BDS_L2IF_VLAN_IsActive, uint16_t{10}), R"(1
+            within    VLAN_IsVlanActive 0)"},
+        {CALL(VLAN_IsVlanUsed, uint16_t{10}), R"(0
+            read      1 | Failed to fetch vlan msg for VlanId =10, ret =%)"},
+        {CALL(BDS_L2IF_VLAN_IsUsed, uint16_t{10}), R"(1
+            within    VLAN_IsVlanUsed 0)"},
+        // An absent port stands in position 0, of which VLAN 10 is no member.
+        {CALL(VLAN_IsPortInVlan, 1U, uint16_t{10}), R"(0
+            read=1001000  1
+            read#1    1 | Failed to fetch port status for ifIndex=1, ret=%
+            read#2    1 | Failed to fetch vlan status for ifIndex=1, ret=%)"},
+        {CALL(BDS_L2IF_VP_PortIsInVlan, 1U, uint16_t{10}), R"(1
+            within    VLAN_IsPortInVlan 0)"},
         {CALL(BDS_L2IF_VP_PortIsInVlanWithTag, 1U, uint16_t{10}),
             R"(0 | STUB for BDS_L2IF_VP_PortIsInVlanWithTag\n)"},
         {CALL(VLAN_PortIndex2PortIdx, 0x100U), "1"},
@@ -149,37 +143,35 @@ Calls Layer2Calls()
             close     =
             format    1 - | sprintf failed\n
             behind    Get if index by ifname failed\n
-            open      1 NONE | QRB_CreatDbSession: Database error, info: open session failed\n
-            prepare   1 NONE | QRB_CreatDbSession: Database error, info: prepare session failed\n
+            within    QRB_CreatDbSession 1 NONE
             any       1 NONE)"},
         {CALL(BDS_L2IF_VLAN_GetVlanIfIndex, uint16_t{10}), R"(2
-            close     =
             format    1
-            open      NONE | QRB_CreatDbSession: Database error, info: open session failed\n
-            prepare   NONE | QRB_CreatDbSession: Database error, info: prepare session failed\n
-            any       NONE)"},
+            within    IF_INTF_GetIfIndexByFullName NONE)"},
         {CALL(BDS_IfnetGetVlanIdByIfName, "Vlanif10", OutText(), 64U), R"(0 10
             copy      1 - | memcpy failed, ret=%\n)"},
         {CALL(BDS_IfnetGetVlanIdByIfIndex, 2U, Out32()), R"(0 10
             read      1 - | BDS_IfnetGetIfNameByIfIndex: Failed to fetch if_base, ret=%\n | Get ifName by ifIndex fail, ret=1
             copy#1    1 - | BDS_IfnetGetIfNameByIfIndex: Failed to copy ifName from db struct to output\n | Get ifName by ifIndex fail, ret=1
             copy#2    1 - | BDS_IfnetGetVlanIdByIfName: memcpy failed, ret=%\n | Get vlanId by ifName fail, ret=1
-            closing   1 -
             session   1 -)"},
 
         StepOf(IF_INDEXES, "QRB_GetFirstIfIndex", FIRST, "-", QRB_GetFirstIfIndex, Out32()),
+        StepOf(IF_INDEXES, "QRB_GetFirstIfIndex", AGAIN, "-", QRB_GetFirstIfIndex, Out32()),
         StepOf(IF_INDEXES, "QRB_GetNextIfIndex", NEXT, "-", QRB_GetNextIfIndex, Out32()),
         StepOf(IF_INDEXES, "QRB_ScanIfIndexFinish", FINISH, "-", QRB_ScanIfIndexFinish),
         StepOf(IF_INDEXES, "IF_INTF_GetFirstIfIndex", FIRST, "0", IF_INTF_GetFirstIfIndex, Out32()),
         StepOf(IF_INDEXES, "IF_INTF_GetNextIfIndex", NEXT, "0", IF_INTF_GetNextIfIndex, 9U, Out32()),
         StepOf(IF_INDEXES, "IF_INTF_ScanFinish", FINISH, "0", IF_INTF_ScanFinish),
         StepOf(PORTS, "QRB_GetFirstPort", FIRST, "-", QRB_GetFirstPort, Out32()),
+        StepOf(PORTS, "QRB_GetFirstPort", AGAIN, "-", QRB_GetFirstPort, Out32()),
         StepOf(PORTS, "QRB_GetNextPort", NEXT, "-", QRB_GetNextPort, Out32()),
         StepOf(PORTS, "QRB_ScanPortFinish", FINISH, "-", QRB_ScanPortFinish),
         StepOf(PORTS, "L2IF_GetFirstPort", FIRST, "0", L2IF_GetFirstPort, Out32()),
         StepOf(PORTS, "L2IF_GetNextPort", NEXT, "0", L2IF_GetNextPort, Out32()),
         StepOf(PORTS, "L2IF_ScanFinish", FINISH, "0", L2IF_ScanFinish),
         StepOf(VLANS, "QRB_GetFirstVlan", FIRST, "-", QRB_GetFirstVlan, Out32()),
+        StepOf(VLANS, "QRB_GetFirstVlan", AGAIN, "-", QRB_GetFirstVlan, Out32()),
         StepOf(VLANS, "QRB_GetNextVlan", NEXT, "-", QRB_GetNextVlan, Out32()),
         StepOf(VLANS, "QRB_ScanVlanFinish", FINISH, "-", QRB_ScanVlanFinish),
         StepOf(VLANS, "L2IF_GetFirstVlan", FIRST, "0", L2IF_GetFirstVlan, Out16()),

@@ -9,54 +9,26 @@
 
 namespace calls {
 
-struct OutItem {
-    BDS_IPV4_ADDR_ITEM_S  item = {UNTOUCHED, UNTOUCHED, UNTOUCHED};
-    BDS_IPV4_ADDR_ITEM_S* Argument() { return &item; }
-    std::string           Output() const { return Texts({item.address, item.masklen, item.type}); }
-};
-
-// Room for two addresses.
-struct OutAddresses {
-    SYSAPI_IP4_ADDR_S  both[2] = {{UNTOUCHED, UNTOUCHED}, {UNTOUCHED, UNTOUCHED}};
-    SYSAPI_IP4_ADDR_S* Argument() { return both; }
-    std::string        Output() const
-    {
-        return Texts({both[0].address, both[0].masklen, both[1].address, both[1].masklen});
-    }
-};
-
-// Room for two.
-struct OutNextHops {
-    FIB_NHP_S   nextHops[2] = {{UNTOUCHED, UNTOUCHED, {}}, {UNTOUCHED, UNTOUCHED, {}}};
-    FIB_NHP_S*  Argument() { return nextHops; }
-    std::string Output() const
-    {
-        return Texts({nextHops[0].firstValue, nextHops[0].secondValue, nextHops[1].firstValue,
-                      nextHops[1].secondValue});
-    }
-};
+using OutItem = Out<BDS_IPV4_ADDR_ITEM_S, 1, &BDS_IPV4_ADDR_ITEM_S::address,
+                    &BDS_IPV4_ADDR_ITEM_S::masklen, &BDS_IPV4_ADDR_ITEM_S::type>;
+using OutAddresses =
+    Out<SYSAPI_IP4_ADDR_S, 2, &SYSAPI_IP4_ADDR_S::address, &SYSAPI_IP4_ADDR_S::masklen>;
+using OutNextHops = Out<FIB_NHP_S, 2, &FIB_NHP_S::firstValue, &FIB_NHP_S::secondValue>;
 
 // A profile: its remarks, or its CAR entries.
-struct OutProfile {
-    static constexpr QOS_CAR_S NO_CAR = {UNTOUCHED, UNTOUCHED, UNTOUCHED, UNTOUCHED, UNTOUCHED};
-
-    QOS_PROFILE_INFO_S  info = {UNTOUCHED, NO_CAR,    NO_CAR,    UNTOUCHED, UNTOUCHED,
-                                UNTOUCHED, UNTOUCHED, UNTOUCHED, UNTOUCHED};
-    QOS_PROFILE_INFO_S* Argument() { return &info; }
-};
-struct OutRemarks : OutProfile {
+using Profile = QOS_PROFILE_INFO_S;
+using OutRemarks =
+    Out<Profile, 1, &Profile::valid, &Profile::dscpValid, &Profile::dscp0, &Profile::dscp1,
+        &Profile::pri8021pValid, &Profile::pri8021p0, &Profile::pri8021p1>;
+struct OutCars : Out<Profile> {
     std::string Output() const
     {
-        return Texts({info.valid, info.dscpValid, info.dscp0, info.dscp1, info.pri8021pValid,
-                      info.pri8021p0, info.pri8021p1});
-    }
-};
-struct OutCars : OutProfile {
-    std::string Output() const
-    {
-        const auto& [present, field1, field3, field2, field4] = info.car0;
-        return Texts({info.valid, present, field1, field3, field2, field4, info.car1.present,
-                      info.car1.field1, info.car1.field3, info.car1.field2, info.car1.field4});
+        std::string text = Text(values[0].valid);
+        for (const auto& [present, field1, field3, field2, field4] :
+             {values[0].car0, values[0].car1}) {
+            text += ' ' + Texts({present, field1, field3, field2, field4});
+        }
+        return text;
     }
 };
 

@@ -12,31 +12,18 @@ constexpr FIB_KEY_S    KEY         = {{0, 0}, DESTINATION};
 constexpr FIB_PREFIX_S PREFIX      = {0x0A000000, 8};
 constexpr FIB_PREFIX_S PROBE       = {DESTINATION, 32};
 
-struct OutIndexes {
-    uint32_t    indexes[2] = {UNTOUCHED, UNTOUCHED};
-    uint32_t*   Argument() { return indexes; }
-    std::string Output() const { return Texts({indexes[0], indexes[1]}); }
-};
+using OutIndexes = Out<uint32_t, 2>;
 
 // clang-format off
 // An inquiry up to the group's members, in its first two sessions.
 constexpr char TO_MEMBERS[] = R"(
     end       =
     close     =
-    behind    [$inquiry] FIB ScanIp4Forward failed
-    next@1    $failed | FIB_ScanIp4Forward: OrmScanNext ret:%, isEof:0
-    field#1-4@1  $failed
-    open@1    $failed
-    prepare@1 $failed
-    start@1   $failed
-    reporter  FIB_ScanNhpGroupNode
     behind    [$inquiry] FIB ScanNHPGroupNode $failing
-    field#5@1 $failed | OrmScanNext ret:0, isEof:1. session: 0, scan: 0
-    next@2    $failed | OrmScanNext ret:%, isEof:0. session: 0, scan: 0
-    field#3@2 $failed | Ormg Fib Config Nhp Group Node Get Primary NhpId ret:%
-    field#5@2 $failed | Ormg Fib Config Nhp Group Node Get Primary NhpId ret:%
-    field@2   $failed | Ormg Fib Config Nhp Group Node Get Nhp GroupId ret:%
-    any@2     $failed | scan nhp group node failed
+    field#5@1 $failed | FIB_ScanNhpGroupNode: OrmScanNext ret:0, isEof:1. session: 0, scan: 0
+    within    FIB_ScanNhpGroupNode@2 $failed
+    behind    [$inquiry] FIB ScanIp4Forward failed
+    within    FIB_ScanIp4Forward@1 $failed
     reporter  FIB_ScanNhpStd
     behind    -)";
 
@@ -91,7 +78,8 @@ Calls RouteCalls()
             any       1 - - - -)"},
         // The end of the members is logged, so it stands before what fails in the sessions behind.
         {CALL(FIB_InquiryRoutes, &KEY, OutNextHops(), Out32{3}), Fill(
-            std::string("0 1001 1 1002 2 2 | $ended") + TO_MEMBERS + R"(
+            R"(0 1001 1 1002 2 2 | $ended
+            field#5@2 $failed | FIB_ScanNhpGroupNode: Ormg Fib Config Nhp Group Node Get Primary NhpId ret:% | [$inquiry] FIB ScanNHPGroupNode $failing)" + std::string(TO_MEMBERS) + R"(
             field#3@3 0 0 1 1002 2 2    | $ended
             field#4@3 0 1001 0 1002 2 2 | $ended
             field#2@4 0 1001 1 0 2 2    | $ended

@@ -39,8 +39,13 @@ std::vector<std::string> points;
 std::vector<std::string> texts;
 std::optional<Planned>   planned;
 std::optional<uint32_t>  cleanUpCode;  // set once a fault is to be followed by failing clean-ups
-std::atomic<int>         openSessions = 0;
-std::atomic<int>         openScans    = 0;
+std::atomic<int>         openHandles = 0;
+
+// What does its work even where it is to fail, so that what stays open is the caller's doing.
+bool IsCleanUp(std::string_view operation)
+{
+    return operation == "OrmScanEnd" || operation == "OrmCloseSession";
+}
 
 // What an operation is to answer instead of its own answer.
 std::optional<uint32_t> Fault(std::string_view operation)
@@ -94,20 +99,19 @@ auto Pass(const char* name, Arguments... arguments)
     return fault ? static_cast<Result>(*fault) : Next<Operation>(name)(arguments...);
 }
 
-// A clean-up does its work even where it is to fail, so that what stays open is the caller's doing.
+uint32_t Opened(uint32_t result)
+{
+    openHandles += result == 0 ? 1 : 0;
+    return result;
+}
+
 template <auto Operation, typename... Arguments>
-uint32_t PassCleanUp(const char* name, std::atomic<int>& open, Arguments... arguments)
+uint32_t Close(const char* name, Arguments... arguments)
 {
     const std::optional<uint32_t> fault  = Fault(name);
     const uint32_t                result = Next<Operation>(name)(arguments...);
-    open -= result == 0 ? 1 : 0;
+    openHandles -= result == 0 ? 1 : 0;
     return fault.value_or(result);
-}
-
-uint32_t Opened(uint32_t result, std::atomic<int>& open)
-{
-    open += result == 0 ? 1 : 0;
-    return result;
 }
 
 // Everybody's malloc and calloc come to the test program, the library's by the address that they
@@ -153,37 +157,21 @@ int PassSystem(const char* name, const void* returnAddress, Arguments... argumen
 void* blocks[64];
 int   blockCount = 0;
 
-void* Taken(void* block)
+// A block goes into an empty slot, or out of its own.
+UNWATCHED void* Exchange(void* before, void* after)
 {
     for (void*& slot : blocks) {
-        void* empty = nullptr;
-        if (block != nullptr && __atomic_compare_exchange_n(&slot, &empty, block, false,
-                                                            __ATOMIC_ACQ_REL, __ATOMIC_RELAXED)) {
-            __atomic_add_fetch(&blockCount, 1, __ATOMIC_RELAXED);
+        void* expected = before;
+        if (before != after && __atomic_compare_exchange_n(&slot, &expected, after, false,
+                                                           __ATOMIC_ACQ_REL, __ATOMIC_RELAXED)) {
+            __atomic_add_fetch(&blockCount, after != nullptr ? 1 : -1, __ATOMIC_RELAXED);
             break;
         }
     }
-    return block;
-}
-
-UNWATCHED void GivenBack(void* block)
-{
-    for (void*& slot : blocks) {
-        void* same = block;
-        if (block != nullptr && __atomic_compare_exchange_n(&slot, &same, nullptr, false,
-                                                            __ATOMIC_ACQ_REL, __ATOMIC_RELAXED)) {
-            __atomic_sub_fetch(&blockCount, 1, __ATOMIC_RELAXED);
-            return;
-        }
-    }
+    return after;
 }
 
 }  // namespace
-
-bool IsCleanUp(std::string_view operation)
-{
-    return operation == "OrmScanEnd" || operation == "OrmCloseSession" || operation == "close";
-}
 
 std::vector<std::string> FaultPoints()
 {
@@ -229,13 +217,9 @@ void FailCall(std::string_view operation, unsigned nth, uint32_t code, CleanUp l
     planned = {std::string(operation), nth, code, later};
 }
 
-int OpenSessions()
+int OpenHandles()
 {
-    return openSessions;
-}
-int OpenScans()
-{
-    return openScans;
+    return openHandles;
 }
 int LibraryBlocks()
 {
@@ -248,13 +232,13 @@ void PlatformTest::SetUp()
     ResetPlatform();
     WatchPlatform(true);
     TakeLog();
-    sessionsBefore_ = OpenSessions();
+    handlesBefore_ = OpenHandles();
 }
 
 void PlatformTest::TearDown()
 {
     WatchPlatform(false);
-    EXPECT_EQ(OpenSessions(), sessionsBefore_);
+    EXPECT_EQ(OpenHandles(), handlesBefore_);
     ResetPlatform();
 }
 
@@ -263,96 +247,62 @@ void PlatformTest::TearDown()
 using namespace support;
 
 // clang-format off
-#define PASS(name, ...) { return Pass<&name>(#name, __VA_ARGS__); }
-#define OPERATION1(result, name, A) extern "C" result name(A a) PASS(name, a)
-#define OPERATION2(result, name, A, B) extern "C" result name(A a, B b) PASS(name, a, b)
-#define OPERATION3(result, name, A, B, C) extern "C" result name(A a, B b, C c) PASS(name, a, b, c)
-#define OPERATION4(result, name, A, B, C, D) extern "C" result name(A a, B b, C c, D d) PASS(name, a, b, c, d)
-#define OPERATION5(result, name, A, B, C, D, E) extern "C" result name(A a, B b, C c, D d, E e) PASS(name, a, b, c, d, e)
-#define OPERATION6(result, name, A, B, C, D, E, F) extern "C" result name(A a, B b, C c, D d, E e, F f) PASS(name, a, b, c, d, e, f)
-#define READER(table) OPERATION4(uint32_t, Ormg##table##ReadInner, const void*, uint32_t, void*, uint32_t)
-#define ALL_FIELDS(table) OPERATION3(uint32_t, Ormg##table##GetAllFieldsInner, ORM_SESSION, void*, uint32_t)
-#define SET_KEY(table, key) OPERATION3(uint32_t, Ormg##table##SetKey##key##Inner, ORM_SESSION, const void*, uint32_t)
+#define OPERATION(result, name, parameters, ...) extern "C" result name parameters { return Pass<&name>(#name, __VA_ARGS__); }
+#define OPENING(name, parameters, ...) extern "C" uint32_t name parameters { return Opened(Pass<&name>(#name, __VA_ARGS__)); }
+#define CLOSING(name, parameters, ...) extern "C" uint32_t name parameters { return Close<&name>(#name, __VA_ARGS__); }
+#define READER(table) OPERATION(uint32_t, Ormg##table##ReadInner, (const void* a, uint32_t b, void* c, uint32_t d), a, b, c, d)
+#define ALL_FIELDS(table) OPERATION(uint32_t, Ormg##table##GetAllFieldsInner, (ORM_SESSION a, void* b, uint32_t c), a, b, c)
+#define RECORD(table) READER(table) ALL_FIELDS(table)
+#define SET_KEY(table, key) OPERATION(uint32_t, Ormg##table##SetKey##key##Inner, (ORM_SESSION a, const void* b, uint32_t c), a, b, c)
 
-OPERATION2(uint32_t, OrmInit, uint32_t, uint32_t)
-OPERATION3(uint32_t, OrmPrepare, ORM_SESSION, const char*, uint32_t)
-OPERATION2(uint32_t, OrmSetKeyName, ORM_SESSION, const char*)
-OPERATION5(uint32_t, OrmSetIndexKeyValue, ORM_SESSION, uint32_t, uint32_t, const void*, uint32_t)
-OPERATION1(uint32_t, OrmExecute, ORM_SESSION)
-OPERATION4(uint32_t, OrmGetField, ORM_SESSION, const char*, void*, uint32_t)
-OPERATION4(uint32_t, OrmGetFieldById, ORM_SESSION, uint32_t, void*, uint32_t)
-OPERATION2(uint32_t, OrmSetScanCond, ORM_SESSION, const char*)
-OPERATION3(uint32_t, OrmScanNext, ORM_SESSION, ORM_SCAN, uint8_t*)
-OPERATION4(uint32_t, OrmNodeGetChild, ORM_SESSION, ORM_NODE, const char*, ORM_NODE*)
-OPERATION2(uint32_t, OrmNodeGetSize, ORM_NODE, uint32_t*)
-OPERATION3(uint32_t, OrmNodeGetItemByIdx, ORM_NODE, uint32_t, ORM_NODE*)
-OPERATION4(uint32_t, OrmNodeGetFieldById, ORM_NODE, uint32_t, void*, uint32_t)
-OPERATION2(uint32_t, OrmSessionParamSetConnName, ORM_SESSION_PARAM, const char*)
-OPERATION6(uint32_t, OrmSubscribe, ORM_SESSION, const char*, const char*, ORM_SUB_CALLBACK, void*, const char*)
-OPERATION2(uint32_t, OrmSubFetchNext, ORM_MESSAGE, uint8_t*)
-OPERATION3(uint32_t, OrmSubExtractData, ORM_MESSAGE, uint32_t, uint32_t)
-OPERATION1(uint32_t, DbcHandleEvent, int32_t)
-READER(IfBase)
-READER(IfPhy)
+OPENING(OrmOpenSessionByDefault, (ORM_SESSION* a), a)
+OPENING(OrmCreateSessionParam, (const char* a, const char* b, ORM_SESSION_PARAM* c), a, b, c)
+OPENING(OrmOpenSubSession, (ORM_SESSION_PARAM a, ORM_FD_CONTROL b, ORM_SESSION* c), a, b, c)
+OPENING(OrmScanStart, (ORM_SESSION a, ORM_SCAN* b), a, b)
+CLOSING(OrmScanEnd, (ORM_SESSION a, ORM_SCAN b), a, b)
+CLOSING(OrmCloseSession, (ORM_SESSION a), a)
+OPERATION(uint32_t, OrmInit, (uint32_t a, uint32_t b), a, b)
+OPERATION(uint32_t, OrmPrepare, (ORM_SESSION a, const char* b, uint32_t c), a, b, c)
+OPERATION(uint32_t, OrmSetKeyName, (ORM_SESSION a, const char* b), a, b)
+OPERATION(uint32_t, OrmSetIndexKeyValue, (ORM_SESSION a, uint32_t b, uint32_t c, const void* d, uint32_t e), a, b, c, d, e)
+OPERATION(uint32_t, OrmExecute, (ORM_SESSION a), a)
+OPERATION(uint32_t, OrmGetField, (ORM_SESSION a, const char* b, void* c, uint32_t d), a, b, c, d)
+OPERATION(uint32_t, OrmGetFieldById, (ORM_SESSION a, uint32_t b, void* c, uint32_t d), a, b, c, d)
+OPERATION(uint32_t, OrmSetScanCond, (ORM_SESSION a, const char* b), a, b)
+OPERATION(uint32_t, OrmScanNext, (ORM_SESSION a, ORM_SCAN b, uint8_t* c), a, b, c)
+OPERATION(uint32_t, OrmNodeGetChild, (ORM_SESSION a, ORM_NODE b, const char* c, ORM_NODE* d), a, b, c, d)
+OPERATION(uint32_t, OrmNodeGetSize, (ORM_NODE a, uint32_t* b), a, b)
+OPERATION(uint32_t, OrmNodeGetItemByIdx, (ORM_NODE a, uint32_t b, ORM_NODE* c), a, b, c)
+OPERATION(uint32_t, OrmNodeGetFieldById, (ORM_NODE a, uint32_t b, void* c, uint32_t d), a, b, c, d)
+OPERATION(uint32_t, OrmSessionParamSetConnName, (ORM_SESSION_PARAM a, const char* b), a, b)
+OPERATION(uint32_t, OrmSubscribe, (ORM_SESSION a, const char* b, const char* c, ORM_SUB_CALLBACK d, void* e, const char* f), a, b, c, d, e, f)
+OPERATION(uint32_t, OrmSubFetchNext, (ORM_MESSAGE a, uint8_t* b), a, b)
+OPERATION(uint32_t, OrmSubExtractData, (ORM_MESSAGE a, uint32_t b, uint32_t c), a, b, c)
+OPERATION(uint32_t, DbcHandleEvent, (int32_t a), a)
+RECORD(IfBase)
+RECORD(IfPhy)
+RECORD(IfRoute)
+RECORD(Port)
+RECORD(Vlan)
 READER(IfLink)
-READER(IfRoute)
-READER(Port)
-READER(Vlan)
-ALL_FIELDS(IfBase)
-ALL_FIELDS(IfPhy)
-ALL_FIELDS(IfRoute)
-ALL_FIELDS(Port)
-ALL_FIELDS(Vlan)
 ALL_FIELDS(AclGroupId)
 SET_KEY(IfBase, LocalKey)
 SET_KEY(AmIpv4Address, PrimaryKey)
 SET_KEY(AclGroupId, PrimaryKey)
 SET_KEY(QosIntegration, PrimaryKey)
-OPERATION4(int, memcpy_s, void*, size_t, const void*, size_t)
-OPERATION4(int, memset_s, void*, size_t, int, size_t)
-OPERATION3(int, strcpy_s, char*, size_t, const char*)
-OPERATION4(int, strncpy_s, char*, size_t, const char*, size_t)
-OPERATION3(int, strcat_s, char*, size_t, const char*)
+OPERATION(int, memcpy_s, (void* a, size_t b, const void* c, size_t d), a, b, c, d)
+OPERATION(int, memset_s, (void* a, size_t b, int c, size_t d), a, b, c, d)
+OPERATION(int, strcpy_s, (char* a, size_t b, const char* c), a, b, c)
+OPERATION(int, strncpy_s, (char* a, size_t b, const char* c, size_t d), a, b, c, d)
+OPERATION(int, strcat_s, (char* a, size_t b, const char* c), a, b, c)
 // clang-format on
 
 extern "C" {
 
-uint32_t OrmOpenSessionByDefault(ORM_SESSION* session)
-{
-    return Opened(Pass<&OrmOpenSessionByDefault>("OrmOpenSessionByDefault", session), openSessions);
-}
-
-uint32_t OrmCreateSessionParam(const char* channel, const char* kind, ORM_SESSION_PARAM* param)
-{
-    return Opened(Pass<&OrmCreateSessionParam>("OrmCreateSessionParam", channel, kind, param),
-                  openSessions);
-}
-
 void OrmDestroySessionParam(ORM_SESSION_PARAM param)
 {
-    openSessions -= param != 0 ? 1 : 0;
+    openHandles -= param != 0 ? 1 : 0;
     Next<&OrmDestroySessionParam>("OrmDestroySessionParam")(param);
-}
-
-uint32_t OrmOpenSubSession(ORM_SESSION_PARAM param, ORM_FD_CONTROL control, ORM_SESSION* session)
-{
-    return Opened(Pass<&OrmOpenSubSession>("OrmOpenSubSession", param, control, session),
-                  openSessions);
-}
-
-uint32_t OrmCloseSession(ORM_SESSION session)
-{
-    return PassCleanUp<&OrmCloseSession>("OrmCloseSession", openSessions, session);
-}
-
-uint32_t OrmScanStart(ORM_SESSION session, ORM_SCAN* scan)
-{
-    return Opened(Pass<&OrmScanStart>("OrmScanStart", session, scan), openScans);
-}
-
-uint32_t OrmScanEnd(ORM_SESSION session, ORM_SCAN scan)
-{
-    return PassCleanUp<&OrmScanEnd>("OrmScanEnd", openScans, session, scan);
 }
 
 int vsprintf_s(char* to, size_t size, const char* format, va_list arguments)
@@ -375,13 +325,14 @@ int sprintf_s(char* to, size_t size, const char* format, ...)
 
 void* malloc_ex(uint16_t handle, const char* file, uint32_t line, size_t size)
 {
-    return Fault("malloc_ex") ? nullptr
-                              : Taken(Next<&malloc_ex>("malloc_ex")(handle, file, line, size));
+    return Fault("malloc_ex")
+               ? nullptr
+               : Exchange(nullptr, Next<&malloc_ex>("malloc_ex")(handle, file, line, size));
 }
 
 void free_ex(uint16_t handle, void* block)
 {
-    GivenBack(block);
+    Exchange(block, nullptr);
     Next<&free_ex>("free_ex")(handle, block);
 }
 
@@ -390,7 +341,7 @@ UNWATCHED void* malloc(size_t size)
     if (!IsLibrary(__builtin_return_address(0))) {
         return Next<&malloc>("malloc")(size);
     }
-    return Fault("malloc") ? nullptr : Taken(Next<&malloc>("malloc")(size));
+    return Fault("malloc") ? nullptr : Exchange(nullptr, Next<&malloc>("malloc")(size));
 }
 
 UNWATCHED void* calloc(size_t count, size_t size)
@@ -398,13 +349,13 @@ UNWATCHED void* calloc(size_t count, size_t size)
     if (!IsLibrary(__builtin_return_address(0))) {
         return Next<&calloc>("calloc")(count, size);
     }
-    return Fault("calloc") ? nullptr : Taken(Next<&calloc>("calloc")(count, size));
+    return Fault("calloc") ? nullptr : Exchange(nullptr, Next<&calloc>("calloc")(count, size));
 }
 
 UNWATCHED void free(void* block)
 {
     if (__atomic_load_n(&blockCount, __ATOMIC_RELAXED) != 0) {
-        GivenBack(block);
+        Exchange(block, nullptr);
     }
     // Looking for the next one may free something itself, which is let go.
     static thread_local bool looking = false;
@@ -446,9 +397,7 @@ int epoll_wait(int epollFd, epoll_event* events, int count, int timeout)
 
 int close(int descriptor)
 {
-    const bool fails  = IsLibrary(__builtin_return_address(0)) && Fault("close");
-    const int  result = Next<&close>("close")(descriptor);
-    return fails ? -1 : result;
+    return PassSystem<&close>("close", __builtin_return_address(0), descriptor);
 }
 
 }  // extern "C"

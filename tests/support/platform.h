@@ -29,18 +29,15 @@ void WatchPlatform(bool on);
 enum class CleanUp { Works, FailsToo };
 
 // The nth call (from 1) of this operation, counted from now, does nothing and answers code; with
-// FailsToo, so does every later clean-up, after having done its work. Also "strcpy_s" and its kin,
-// "malloc", "calloc" and "malloc_ex", which answer null, and "pthread_create", "epoll_create",
-// "epoll_ctl", "epoll_wait" and "close", whose error is code. Of what belongs to the system only
-// the library's own calls count.
+// FailsToo, every later end of a scan or session answers it too, after having done its work. Also
+// "strcpy_s" and its kin, "malloc", "calloc" and "malloc_ex", which answer null, and
+// "pthread_create", "epoll_create", "epoll_ctl", "epoll_wait" and "close", whose error is code. Of
+// what belongs to the system only the library's own calls count.
 void FailCall(std::string_view operation, unsigned nth, uint32_t code,
               CleanUp later = CleanUp::Works);
 
-bool IsCleanUp(std::string_view operation);
-
-// Opened less closed, since the program started. Session parameters count as sessions.
-int OpenSessions();
-int OpenScans();
+// Sessions, scans and session parameters: opened less closed, since the program started.
+int OpenHandles();
 
 // Blocks that the library took while it was watched, of malloc, calloc and malloc_ex, and has not
 // given back.
@@ -67,7 +64,7 @@ protected:
     void TearDown() override;
 
 private:
-    int sessionsBefore_ = 0;
+    int handlesBefore_ = 0;
 };
 
 }  // namespace support
