@@ -1,6 +1,5 @@
 // Every exported call, with every one of its steps failing in turn, and then once more with every
 // clean-up behind it failing too.
-
 #include <fstream>
 #include <iostream>
 #include <regex>
@@ -28,27 +27,22 @@ TEST_F(Faults, OfEveryStepAreReportedAndLeaveNothingBehind)
         std::erase(points, "epoll_wait");  // the listener's thread comes to it when it may
 
         const auto inject = [&](const Fault& fault) {
-            const std::string where = call.name + ", call " + std::to_string(fault.number) + " (" +
-                                      points[fault.number - 1] + ") fails with " +
-                                      std::to_string(fault.code) +
-                                      (fault.cleanUps == CleanUp::Works ? "" : " and clean-ups do");
-            EXPECT_EQ(Perform(call, points, &fault), WithFault(expectation, points, fault))
-                << where;
+            const std::string where =
+                call.name + ", call " + std::to_string(fault.operations.size()) + " (" +
+                fault.operations.back() + ") fails with " + std::to_string(fault.code) +
+                (fault.cleanUps == CleanUp::Works ? "" : " and clean-ups do");
+            EXPECT_EQ(Perform(call, &fault), WithFault(expectation, fault)) << where;
             EXPECT_EQ(Perform(call), expectation.good) << "after " << where;
             injected++;
         };
-        for (unsigned number = 1; number <= points.size(); number++) {
-            const std::string& operation = points[number - 1];
-            // Codes that some queries treat apart, and one that none does. Only the database has
-            // any.
+        Lines operations;
+        for (const std::string& operation : points) {
+            operations.push_back(operation);
+            // Only the database has codes: some that queries treat apart, and one that none does.
             for (const uint32_t code : {9U, 1U, ORM_NO_RECORD, ORM_NO_LIST}) {
-                if (code != 9 && !operation.starts_with("Orm")) {
-                    continue;
-                }
-                inject({number, code, CleanUp::Works});
-                if (!calls::IsLogging(
-                        operation)) {  // behind a line that is lost, all goes on as ever
-                    inject({number, code, CleanUp::FailsToo});
+                if (code == 9 || operation.starts_with("Orm")) {
+                    inject({operations, code, CleanUp::Works});
+                    inject({operations, code, CleanUp::FailsToo});
                 }
             }
         }

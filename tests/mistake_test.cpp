@@ -51,8 +51,8 @@ TEST_F(Mistakes, NullIsRefused)
             if (std::exchange(nullPointer, 0) != 0) {
                 break;  // there are no more
             }
-            EXPECT_TRUE(std::regex_match(outcome.answer, std::regex("1( -)*"))) << outcome.answer;
-            EXPECT_EQ(outcome.lines, Lines{std::string(name) + ": Null value provided\n"});
+            EXPECT_TRUE(std::regex_match(outcome[0], std::regex("1( -)*"))) << outcome[0];
+            EXPECT_EQ(outcome, (Lines{outcome[0], std::string(name) + ": Null value provided\n"}));
         }
     }
     Expect({

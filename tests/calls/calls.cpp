@@ -131,13 +131,7 @@ void DeviceTest::SetUp()
     Load(DEVICE);
 }
 
-void PrintTo(const Outcome& outcome, std::ostream* out)
-{
-    *out << outcome.answer << ", logging " << testing::PrintToString(outcome.lines) << ", leaving "
-         << outcome.left;
-}
-
-Outcome Perform(const Call& call, const Lines& points, const Fault* fault)
+Outcome Perform(const Call& call, const Fault* fault)
 {
     const int before = support::OpenHandles() + support::LibraryBlocks();
     support::WatchPlatform(false);
@@ -147,20 +141,25 @@ Outcome Perform(const Call& call, const Lines& points, const Fault* fault)
     support::TakeLog();
     support::ResetPlatform();
     if (fault != nullptr) {
-        const auto& operation = points[fault->number - 1];
-        const auto  nth = std::count(points.begin(), points.begin() + fault->number, operation);
-        support::FailCall(operation, static_cast<unsigned>(nth), fault->code, fault->cleanUps);
+        const std::string& operation = fault->operations.back();
+        const auto         nth       = std::ranges::count(fault->operations, operation);
+        support::FailCall(operation, static_cast<unsigned>(nth), fault->code,
+                          IsLogging(operation) ? support::CleanUp::Works : fault->cleanUps);
     }
     support::WatchPlatform(true);
-    Outcome outcome = {call.run(), support::TakeMessages()};
+    Outcome outcome = {call.run()};
+    std::ranges::move(support::TakeMessages(), std::back_inserter(outcome));
     support::WatchPlatform(false);
     if (call.after) {
         call.after();
     }
     if (call.tidy != nullptr) {
-        call.tidy(outcome.lines);
+        call.tidy(outcome);
     }
-    outcome.left = support::OpenHandles() + support::LibraryBlocks() - before;
+    const int after = support::OpenHandles() + support::LibraryBlocks();
+    if (after != before) {
+        outcome.push_back("leaves behind " + std::to_string(after - before));
+    }
     return outcome;
 }
 

@@ -76,29 +76,28 @@ protected:
     void SetUp() override;
 };
 
+// What a call comes to: its answer, what it logs, and that it leaves something open.
+using Outcome = Lines;
+
+// The last of these operations fails.
 struct Fault {
-    unsigned         number;  // of the step, from 1
+    Lines            operations;
     uint32_t         code;
     support::CleanUp cleanUps;
 };
 
-// What a call comes to.
-struct Outcome {
-    std::string answer;
-    Lines       lines;
-    int         left = 0;  // sessions, scans and blocks that it leaves behind
+Outcome Perform(const Call& call, const Fault* fault = nullptr);
 
-    friend bool operator==(const Outcome&, const Outcome&) = default;
-};
-void PrintTo(const Outcome& outcome, std::ostream* out);
+// Calls that only have to come to what their first lines say.
+void Expect(const Calls& calls);
 
 struct Step {
-    std::string                     operation;
-    unsigned                        from     = 1;
-    unsigned                        to       = UINT_MAX;
-    unsigned                        session  = 0;  // 0: in each
-    uint32_t                        code     = 0;  // 0: whatever it is
-    std::optional<support::CleanUp> cleanUps = {};
+    std::string                     name;
+    unsigned                        from;
+    unsigned                        to;
+    unsigned                        session;  // 0: in each
+    uint32_t                        code;     // 0: whatever it is
+    std::optional<support::CleanUp> cleanUps;
     Outcome                         outcome;
     std::string                     row;  // that tells of it
 };
@@ -109,16 +108,10 @@ struct Expectation {
     std::set<std::string> unused;  // rows
 };
 
-Outcome Perform(const Call& call, const Lines& points = {}, const Fault* fault = nullptr);
-
-// Calls that only have to come to what their first lines say.
-void Expect(const Calls& calls);
-
 Expectation Read(const Call& call);
-// points: the operations of the call when nothing fails.
-Outcome WithFault(Expectation& expectation, const Lines& points, const Fault& fault);
+Outcome     WithFault(Expectation& expectation, const Fault& fault);
 
-// Whether all that is lost with it is a line of the log.
+// Whether all that is lost with it is a line of the log; no clean-up fails behind that.
 bool IsLogging(const std::string& operation);
 
 // An expectation with values for the names in it.

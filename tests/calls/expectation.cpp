@@ -14,34 +14,37 @@ namespace calls {
 
 namespace {
 
-// What an operation is called.
-constexpr std::pair<const char*, const char*> STEPS[] = {{"OrmOpenSession*", "open"},
-                                                         {"OrmCloseSession", "close"},
-                                                         {"OrmPrepare", "prepare"},
-                                                         {"OrmSetKeyName", "key"},
-                                                         {"OrmSetIndexKeyValue", "key"},
-                                                         {"Ormg*KeyInner", "key"},
-                                                         {"OrmExecute", "execute"},
-                                                         {"OrmGetField*", "field"},
-                                                         {"OrmSetScanCond", "condition"},
-                                                         {"OrmScanStart", "start"},
-                                                         {"OrmScanNext", "next"},
-                                                         {"OrmScanEnd", "end"},
-                                                         {"OrmNodeGetChild", "list"},
-                                                         {"OrmNodeGetSize", "size"},
-                                                         {"OrmNodeGetItem*", "item"},
-                                                         {"OrmNodeGetField*", "value"},
-                                                         {"Ormg*ReadInner", "read"},
-                                                         {"Ormg*GetAllFieldsInner", "row"},
-                                                         {"str*_s", "copy"},
-                                                         {"mem*_s", "copy"},
-                                                         {"sprintf_s", "format"},
-                                                         {"OrmSubFetchNext", "fetch"},
-                                                         {"OrmSubExtractData", "extract"},
-                                                         {"calloc", "memory"},
-                                                         {"malloc_ex", "memory"}};
+// clang-format off
+// What a step is called whose operation looks like this.
+constexpr std::pair<const char*, const char*> STEPS[] = {
+    {"OrmOpenSession*", "open"},      {"OrmCloseSession", "close"},      {"OrmPrepare", "prepare"},
+    {"OrmSetKeyName", "key"},         {"OrmSetIndexKeyValue", "key"},    {"Ormg*KeyInner", "key"},
+    {"OrmExecute", "execute"},        {"OrmGetField*", "field"},         {"OrmSetScanCond", "condition"},
+    {"OrmScanStart", "start"},        {"OrmScanNext", "next"},           {"OrmScanEnd", "end"},
+    {"OrmNodeGetChild", "list"},      {"OrmNodeGetSize", "size"},        {"OrmNodeGetItem*", "item"},
+    {"OrmNodeGetField*", "value"},    {"Ormg*ReadInner", "read"},        {"Ormg*FieldsInner", "row"},
+    {"OrmSubExtractData", "extract"}, {"OrmSubFetchNext", "fetch"},      {"sprintf_s", "format"},
+    {"str*_s", "copy"},               {"mem*_s", "copy"},                {"calloc", "memory"},
+    {"malloc_ex", "memory"},
+};
+// Lines that stand for many, with A and B for $1 and $2.
+const std::map<std::string, const char*> SHAPES = {
+    {"session", R"(
+        close     $2 | Failed to fetch DB, ret=%\n
+        open      $1 | Failed to fetch DB, ret=%\n
+        any       $1 | DB error: %\n)"},
+    {"scan", R"(
+        open      $1 | QRB_DB_Scan: Failed to fetch DB, ret=%\n
+        close     $2 | QRB_DB_Scan: Failed to fetch DB, ret=%\n
+        end       $2 | QRB_DB_SESSION_Scan: Failed to fetch DB, ret=%\n | QRB_DB_Scan: DB error: 1\n
+        prepare   $1 | QRB_DB_SESSION_Scan: Failed to fetch DB, ret=%\n | QRB_DB_Scan: DB error: 1\n
+        condition $1 | QRB_DB_SESSION_Scan: Failed to fetch DB, ret=%\n | QRB_DB_Scan: DB error: 1\n
+        start     $1 | QRB_DB_SESSION_Scan: Failed to fetch DB, ret=%\n | QRB_DB_Scan: DB error: 1\n
+        any       $1 | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n | QRB_DB_Scan: DB error: 1\n)"},
+};
+// clang-format on
 
-std::string StepOf(const std::string& operation)
+std::string NameOf(const std::string& operation)
 {
     for (const auto& [pattern, step] : STEPS) {
         if (fnmatch(pattern, operation.c_str(), 0) == 0) {
@@ -51,112 +54,93 @@ std::string StepOf(const std::string& operation)
     return operation;
 }
 
-// Lines that stand for many, with A and B for $1 and $2.
-const std::map<std::string, const char*> SHAPES = {{"session", R"(
-        close     $2 | Failed to fetch DB, ret=%\n
-        open      $1 | Failed to fetch DB, ret=%\n
-        any       $1 | DB error: %\n)"},
-                                                   {"scan", R"(
-        open      $1 | QRB_DB_Scan: Failed to fetch DB, ret=%\n
-        close     $2 | QRB_DB_Scan: Failed to fetch DB, ret=%\n
-        end       $2 | QRB_DB_SESSION_Scan: $failed
-        prepare   $1 | QRB_DB_SESSION_Scan: $failed
-        condition $1 | QRB_DB_SESSION_Scan: $failed
-        start     $1 | QRB_DB_SESSION_Scan: $failed
-        any       $1 | QRB_DB_SESSION_ProcessScanEntries: $failed)"}};
-const char* const FAILED_SCAN = R"(Failed to fetch DB, ret=%\n | QRB_DB_Scan: DB error: 1\n)";
+unsigned Number(const std::string& digits, unsigned otherwise)
+{
+    return digits.empty() ? otherwise : static_cast<unsigned>(std::stoul(digits));
+}
 
 // Reads an expectation line by line.
 class Reader {
 public:
     explicit Reader(const Call& call) : name_(call.name), reporter_(call.name)
     {
-        const size_t end = call.expectations.find('\n');
-        read_.good       = ReadOutcome(call.expectations.substr(0, end), name_);
-        AddLines(end != std::string::npos ? call.expectations.substr(end) : "");
+        std::istringstream text(call.expectations);
+        std::string        line;
+        std::getline(text, line);
+        read_.good = ReadOutcome(line, name_);
+        for (std::string word; text >> word && std::getline(text >> std::ws, line);) {
+            row_ = word + ' ' + line;
+            AddLine(word, line);
+        }
     }
 
     const Expectation& Result() const { return read_; }
 
 private:
-    // row: the one that stands for these lines, if there is one.
-    void AddLines(const std::string& lines, const std::string& row = "")
-    {
-        std::istringstream text(lines);
-        for (std::string word, line; text >> word && std::getline(text >> std::ws, line);) {
-            AddLine(word, line, row.empty() ? word + ' ' + line : row);
-        }
-    }
-
-    void AddLine(const std::string& word, const std::string& text, const std::string& row)
+    void AddLine(const std::string& word, const std::string& text)
     {
         if (word == "reporter") {
             reporter_ = text;
         } else if (word == "behind") {
             behind_ = text == "-" ? "" : "| " + text;
         } else if (word == "within") {
-            AddWithin(text, row);
+            AddStepsWithin(text);
         } else if (SHAPES.contains(word)) {
-            const size_t      semicolon = text.find("; ");
-            const std::string first     = text.substr(0, semicolon);
-            const std::string second =
-                semicolon != std::string::npos ? text.substr(semicolon + 2) : first;
-            AddLines(
-                Fill(SHAPES.at(word), {{"$1", first}, {"$2", second}, {"$failed", FAILED_SCAN}}),
-                row);
+            const size_t       first  = text.find(';');
+            const size_t       second = first == std::string::npos ? 0 : first + 2;
+            std::istringstream lines(Fill(
+                SHAPES.at(word), {{"$1", text.substr(0, first)}, {"$2", text.substr(second)}}));
+            for (std::string step, line; lines >> step && std::getline(lines >> std::ws, line);) {
+                AddLine(step, line);
+            }
         } else {
-            AddStep(word, ReadOutcome(text, reporter_), row);
+            AddStep(word, ReadOutcome(text, reporter_));
         }
     }
 
-    void AddWithin(const std::string& text, const std::string& row)
+    void AddStepsWithin(const std::string& text)
     {
         static const Calls      calls = QueryCalls();
         static const std::regex shape(R"((\w+)(?:@(\d+))? +(.*))");
         std::smatch             part;
-        ASSERT_TRUE(std::regex_match(text, part, shape)) << name_ << ": " << row;
+        ASSERT_TRUE(std::regex_match(text, part, shape)) << name_ << ": " << text;
         const auto call = std::ranges::find(calls, part[1], &Call::name);
-        ASSERT_NE(call, calls.end()) << name_ << ": " << row;
-        for (Step step : Reader(*call).read_.steps) {
-            if (step.outcome.answer != "=") {
-                step.outcome.answer = part[3];
-            }
-            step.session =
-                part[2].matched ? static_cast<unsigned>(std::stoul(part[2])) : step.session;
-            Add(step, row);
+        ASSERT_NE(call, calls.end()) << name_ << ": " << text;
+        for (Step step : Read(*call).steps) {
+            step.session        = Number(part[2], step.session);
+            std::string& answer = step.outcome[0];
+            answer              = answer == "=" ? answer : part[3].str();
+            Add(step);
         }
     }
 
-    void AddStep(const std::string& condition, const Outcome& outcome, const std::string& row)
+    void AddStep(const std::string& condition, const Outcome& outcome)
     {
         static const std::regex shape(
             R"(([^#@=!]+)(?:#(\d+)(?:-(\d+))?)?(?:@(\d+))?(?:=(\d+))?(!)?)");
         std::smatch part;
-        ASSERT_TRUE(std::regex_match(condition, part, shape)) << name_ << ": " << row;
-        const auto number = [&part](size_t group, unsigned otherwise) {
-            return part[group].matched ? static_cast<unsigned>(std::stoul(part[group])) : otherwise;
-        };
+        ASSERT_TRUE(std::regex_match(condition, part, shape)) << name_ << ": " << condition;
         Step step = {part[1],
-                     number(2, 1),
-                     number(3, number(2, UINT_MAX)),
-                     number(4, 0),
-                     number(5, 0),
+                     Number(part[2], 1),
+                     Number(part[3], Number(part[2], UINT_MAX)),
+                     Number(part[4], 0),
+                     Number(part[5], 0),
                      {},
                      outcome,
                      {}};
         if (part[6].matched) {
             step.cleanUps = support::CleanUp::FailsToo;
         }
-        Add(step, row);
+        Add(step);
     }
 
-    void Add(Step step, const std::string& row)
+    void Add(Step step)
     {
-        std::ranges::move(ReadOutcome(behind_, name_).lines,
-                          std::back_inserter(step.outcome.lines));
-        step.row = row;
+        const Outcome behind = ReadOutcome(behind_, name_);
+        step.outcome.insert(step.outcome.end(), behind.begin() + 1, behind.end());
+        step.row = row_;
         read_.steps.push_back(step);
-        read_.unused.insert(row);
+        read_.unused.insert(row_);
     }
 
     // "answer | line | line"
@@ -164,24 +148,23 @@ private:
     {
         static const std::regex          bar(" *\\| ");
         const std::sregex_token_iterator part(text.begin(), text.end(), bar, -1);
-        Outcome                          outcome = {*part, {}};
+        Outcome                          outcome = {*part};
         for (auto line = std::next(part); line != std::sregex_token_iterator(); ++line) {
-            outcome.lines.push_back(Named(reporter, *line));
+            outcome.push_back(Named(reporter, Fill(*line, {{R"(\n)", "\n"}})));
         }
         return outcome;
     }
 
     static std::string Named(const std::string& reporter, const std::string& line)
     {
-        static const std::regex named(R"((\w+_\w+|DbListener\w+): .*)");
-        static const std::regex newline(R"(\\n)");
-        const std::string       text = std::regex_replace(line, newline, "\n");
-        return line[0] == '/'                  ? text.substr(1)
-               : std::regex_match(line, named) ? text
-                                               : reporter + ": " + text;
+        static const std::regex named(R"((\w+_\w+|DbListener\w+): [^]*)");
+        return line[0] == '/'                  ? line.substr(1)
+               : std::regex_match(line, named) ? line
+                                               : reporter + ": " + line;
     }
 
     std::string name_;
+    std::string row_;
     std::string reporter_;  // of the lines from here on
     std::string behind_;    // what the call logs behind them
     Expectation read_;
@@ -191,42 +174,34 @@ private:
 std::string WithCode(std::string text, uint32_t code)
 {
     static const std::regex sum(R"(%(\+(\d+))?)");
-    std::smatch             part;
-    while (std::regex_search(text, part, sum)) {
-        const size_t more = part[2].matched ? std::stoul(part[2]) : 0;
-        text              = part.prefix().str() + std::to_string(code + more) + part.suffix().str();
+    for (std::smatch part; std::regex_search(text, part, sum);) {
+        const std::string value = std::to_string(code + Number(part[2], 0));
+        text                    = part.prefix().str() + value + part.suffix().str();
     }
     return text;
 }
 
-// Which step a fault makes fail: the nth of its kind in this session.
-struct Place {
-    std::string operation;
-    unsigned    session = 0;
-    unsigned    nth     = 0;
-};
-
-Place PlaceOf(const Lines& points, const Fault& fault)
+// The step that a fault makes fail: the nth of its name in a session.
+const Step* FindStep(const std::vector<Step>& steps, const Fault& fault)
 {
-    Place place = {StepOf(points[fault.number - 1])};
-    for (unsigned i = 0; i < fault.number; i++) {
-        const std::string step = StepOf(points[i]);
+    const std::string name    = NameOf(fault.operations.back());
+    unsigned          session = 0;
+    unsigned          nth     = 0;
+    for (const std::string& operation : fault.operations) {
+        const std::string step = NameOf(operation);
         if (step == "open") {
-            place.session++;
-            place.nth = 0;
+            session++;
+            nth = 0;
         }
-        place.nth += step == place.operation ? 1U : 0U;
+        nth += step == name ? 1U : 0U;
     }
-    return place;
-}
-
-bool Holds(const Step& step, const Place& place, const Fault& fault)
-{
-    return (step.operation == place.operation || step.operation == "any") &&
-           place.nth >= step.from && place.nth <= step.to &&
-           (step.session == 0 || step.session == place.session) &&
-           (step.code == 0 || step.code == fault.code) &&
-           (!step.cleanUps || step.cleanUps == fault.cleanUps);
+    const auto found = std::ranges::find_if(steps, [&](const Step& step) {
+        return (step.name == name || step.name == "any") && nth >= step.from && nth <= step.to &&
+               (step.session == 0 || step.session == session) &&
+               (step.code == 0 || step.code == fault.code) &&
+               (!step.cleanUps || step.cleanUps == fault.cleanUps);
+    });
+    return found != steps.end() ? &*found : nullptr;
 }
 
 }  // namespace
@@ -241,32 +216,29 @@ bool IsLogging(const std::string& operation)
     return operation == "malloc" || operation == "vsprintf_s";
 }
 
-Outcome WithFault(Expectation& expectation, const Lines& points, const Fault& fault)
+Outcome WithFault(Expectation& expectation, const Fault& fault)
 {
-    Outcome            outcome   = expectation.good;
-    const std::string& operation = points[fault.number - 1];
-    if (IsLogging(operation)) {
-        const auto lost = std::count(points.begin(), points.begin() + fault.number - 1, operation);
-        if (lost < std::ssize(outcome.lines)) {
-            outcome.lines.erase(outcome.lines.begin() + lost);
+    Outcome            good   = expectation.good;
+    const std::string& failed = fault.operations.back();
+    if (IsLogging(failed)) {
+        const auto line = std::ranges::count(fault.operations, failed);
+        if (line < std::ssize(good)) {
+            good.erase(good.begin() + line);
         }
-        return outcome;
+        return good;
     }
-    const Place place = PlaceOf(points, fault);
-    const auto  step  = std::ranges::find_if(
-          expectation.steps, [&](const Step& told) { return Holds(told, place, fault); });
-    if (step == expectation.steps.end()) {
-        return {"not told", {}};
+    const Step* const step = FindStep(expectation.steps, fault);
+    if (step == nullptr) {
+        return {"not told"};
     }
     expectation.unused.erase(step->row);
-    if (step->outcome.answer != "=") {
-        outcome = {step->outcome.answer, {}};
+    Outcome outcome = step->outcome;
+    if (outcome[0] == "=") {
+        outcome[0] = good[0];
+        outcome.insert(outcome.end(), good.begin() + 1, good.end());
     }
-    outcome.lines.insert(outcome.lines.begin(), step->outcome.lines.begin(),
-                         step->outcome.lines.end());
-    outcome.answer = WithCode(outcome.answer, fault.code);
-    for (std::string& line : outcome.lines) {
-        line = WithCode(line, fault.code);
+    for (std::string& text : outcome) {
+        text = WithCode(text, fault.code);
     }
     return outcome;
 }
