@@ -1,4 +1,5 @@
-// Access control lists and quality of service.
+// Access control lists: what each family takes for existence, rule counts, names and numbers.
+// Quality of service: profile names, slots, missing lists.
 #include <tarnd_qrb/acl.h>
 
 #include "calls/records.h"
@@ -12,22 +13,6 @@ void OnList(const char* list)
 {
     EXPECT_EQ(QOS_SetQosIntePk(&session, 1), 0U);
     EXPECT_EQ(OrmNodeGetChild(session, 0, list, &node), 0U);
-}
-void OnDscp()
-{
-    OnList("remark_dscp_list");
-}
-void On8021()
-{
-    OnList("remark_8021p_list");
-}
-void OnProfile()
-{
-    Positioned("qos_integration");
-}
-void OnGroup()
-{
-    Positioned("acl_group");
 }
 
 constexpr uint16_t VSID   = 1;
@@ -79,7 +64,7 @@ Calls AclCalls()
             format    0 -
             scan      0 -; 0 2)"},
         {CALL(ACL_DB_ScanAclGroupId, session, Out32(), 0U), R"(0 1
-            field     % -)", OnGroup, Closed},
+            field     % -)", [] { Positioned("acl_group"); }, Closed},
         {CALL(ACL_GetRuleCount, VSID, VSYSID, 3000U, Out32{0}),
             Fill(COUNTING, {{"$behind", "ACL_IsACLNodeExistByNumber: QRB_DB_Scan failed, ret = 1\\n"}})},
         {CALL(ACLIPv6_GetRuleCount, VSID, VSYSID, 3000U, Out32{0}), Fill(COUNTING, {{"$behind", "-"}})},
@@ -114,16 +99,16 @@ Calls QosCalls()
         {CALL(QOS_GetIdByName, session, "gold", Out32()), R"(0 1
             field#1   % - | orm get ProfileName failed. ret = %
             field#2   % - | orm get ProfileIndex failed. ret = %
-            copy      200 -)", OnProfile, Closed},
+            copy      200 -)", [] { Positioned("qos_integration"); }, Closed},
         {CALL(QOS_SetQosIntePk, OutSession(), 1U), R"(0 open
             open      % closed | [qrb qos]error : open session failed. ret: %
             prepare   % closed | [qrb qos]error : prepare failed. ret: %
             key       % closed | [qrb qos]error : set key failed. ret: %
             execute   % closed | [qrb qos]error : execute failed. ret: %)", {}, Closed},
         {CALL(QOS_GetDscp, node, OutRemarks()), "0 1 1 40 41 - - -" + Fill(REMARKS, {
-            {"$1st", "1 1 40 - - - -"}, {"$list", "desp list"}}), OnDscp, Closed},
+            {"$1st", "1 1 40 - - - -"}, {"$list", "desp list"}}), [] { OnList("remark_dscp_list"); }, Closed},
         {CALL(QOS_Get8021, node, OutRemarks()), "0 1 - - - 1 5 6" + Fill(REMARKS, {
-            {"$1st", "1 - - - 1 5 -"}, {"$list", "8021p list value"}}), On8021, Closed},
+            {"$1st", "1 - - - 1 5 -"}, {"$list", "8021p list value"}}), [] { OnList("remark_8021p_list"); }, Closed},
         {CALL(QOS_GetRemarkInfo, 0U, 1U, OutRemarks()), R"(0 1 1 40 41 1 5 6
             close     =
             list#1=10058  0 - - - - - - - | remark dscp list is not exist.
@@ -159,6 +144,97 @@ Calls QosCalls()
         {CALL(QOS_AssignCars, OutCars(), 0U, 10U, 20U, 30U, 40U), " - 1 10 30 20 40 - - - - -"},
     };
 }
+
+namespace {
+
+using Acl = DeviceTest;
+using Qos = support::PlatformTest;
+
+constexpr uint16_t MAX = UINT16_MAX;
+
+TEST_F(Acl, OnlyTheIpv4CheckByNumberTellsAbsence)
+{
+    Expect({
+        {CALL(ACL_IsExist, VSID, VSYSID, 9U, "web", Out32()), "1 1"},  // a name goes before the number
+        {CALL(ACL_IsExist, VSID, VSYSID, 3000U, "mail", Out32()), "1 -"},
+        {CALL(ACL_IsExist, VSYSID, VSYSID, 3000U, nullptr, Out32()), "1 -"},
+        {CALL(ACLIPv6_IsExist, VSID, VSYSID, 3000U, nullptr, Out32()), "1 2"},
+        {CALL(ACLIPv6_IsExist, VSID, VSID, 3000U, nullptr, Out32()), "1 -"},
+        {CALL(ACLIPv6_IsACLNodeExistByNumber, VSID, VSYSID, 3001U, Out32()), "1 -"},
+        {CALL(ACL_IsACLNodeExistByNumber, VSID, VSYSID, 3001U, Out32()),
+         R"(0 - | QRB_DB_Scan failed, ret = 0\n)"},
+    });
+}
+
+TEST_F(Acl, AConditionThatDoesNotFitIsRefusedSilently)
+{
+    Expect({
+        {CALL(ACL_IsExist, MAX, MAX, UINT32_MAX, nullptr, Out32()), "0 -"},
+        {CALL(ACLIPv6_IsExist, MAX, MAX, UINT32_MAX, nullptr, Out32()), "0 -"},
+        {CALL(ACL_IsACLNodeExistByNumber, MAX, MAX, UINT32_MAX, Out32()), "0 -"},
+        {CALL(ACLIPv6_IsACLNodeExistByNumber, MAX, MAX, UINT32_MAX, Out32()), "1 -"},
+    });
+}
+
+TEST_F(Acl, RulesAreAddedToTheCount)
+{
+    Load(R"({"acl_rule_id": [{"groupId": 0, "rule_id": 1}]})");
+    Expect({
+        {CALL(ACL_GetRuleCount, VSID, VSYSID, 3000U, Out32{5}), "0 7"},
+        {CALL(ACLIPv6_GetRuleCount, VSID, VSYSID, 3000U, Out32{5}), "0 7"},
+        {CALL(ACLIPv6_GetRuleCount, VSID, VSYSID, 3001U, Out32{5}), "0 6"},  // as group 0
+        {CALL(ACL_GetRuleCount, VSID, VSYSID, 3001U, Out32()),
+         R"(1 - | ACL_IsACLNodeExistByNumber: QRB_DB_Scan failed, ret = 0\n)"},
+    });
+}
+
+TEST_F(Acl, NamesAndNumbersThatAreNotThere)
+{
+    Expect({
+        {CALL(ACL_GetNameByGroupId, 9U, OutText()), R"(1 - | QRB_DB_Scan failed, ret = 0\n)"},
+        {CALL(BDS_AclGetAclNumberByName, "web", uint8_t{3}, 0U, 0U, Out32()),
+         "1 - | QRB_DB_SESSION_SetKey: Table: acl_group_id execute failed."},
+    });
+}
+
+TEST_F(Qos, TheLastProfileWithANameWins)
+{
+    Load(R"({"qos_integration": [
+        {"index": 1, "name": "gold"}, {"index": 3, "name": "gold"}, {"index": 4, "name": "golden"}]})");
+    Expect({
+        {CALL(QOS_GetProfileIdByName, 0U, "gol", Out32()), "0 -"},
+        {CALL(QOS_GetProfileIdByName, 0U, "gold", Out32()), "0 3"},
+    });
+}
+
+// Items 0 and 2 go to the first slot, item 1 to the second; nothing else is touched.
+TEST_F(Qos, SlotsTakeTheLastItemThatIsTheirs)
+{
+    Load(R"({"qos_integration": [
+        {"index": 1, "name": "three",
+            "car_list": [
+                {"index": 0, "cir": 10, "cbs": 20, "pir": 30, "pbs": 40},
+                {"index": 1, "cir": 11, "cbs": 21, "pir": 31, "pbs": 41},
+                {"index": 2, "cir": 12, "cbs": 22, "pir": 32, "pbs": 42}],
+            "remark_dscp_list": [{"index": 0, "dscp": 288}, {"index": 1, "dscp": 289}, {"index": 2, "dscp": 290}],
+            "remark_8021p_list": [{"index": 0, "priority": 256}, {"index": 1, "priority": 257}, {"index": 2, "priority": 258}]},
+        {"index": 2, "name": "none"},
+        {"index": 3, "name": "empty", "car_list": [], "remark_dscp_list": []}]})");
+    Expect({
+        {CALL(QOS_GetCarInfo, 0U, 1U, OutCars()), "0 1 1 12 32 22 42 1 11 31 21 41"},
+        {CALL(QOS_GetCarInfo, 0U, 2U, OutCars()),
+         "0 - - - - - - - - - - - | car list is not exist. ret = 10058"},
+        {CALL(QOS_GetCarInfo, 0U, 3U, OutCars()), "0 - - - - - - - - - - -"},
+        {CALL(QOS_GetRemarkInfo, 0U, 1U, OutRemarks()), "0 1 1 34 33 1 2 1"},
+        {CALL(QOS_GetRemarkInfo, 0U, 2U, OutRemarks()),
+         "0 - - - - - - - | remark dscp list is not exist."},
+        {CALL(QOS_GetRemarkInfo, 0U, 3U, OutRemarks()),
+         "0 - - - - - - - | remark 8021p list is not exist. ret = 10058"},
+    });
+}
+
 // clang-format on
+
+}  // namespace
 
 }  // namespace calls

@@ -32,7 +32,6 @@
 #include <functional>
 #include <initializer_list>
 #include <iosfwd>
-#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -92,14 +91,14 @@ Outcome Perform(const Call& call, const Fault* fault = nullptr);
 void Expect(const Calls& calls);
 
 struct Step {
-    std::string                     name;
-    unsigned                        from;
-    unsigned                        to;
-    unsigned                        session;  // 0: in each
-    uint32_t                        code;     // 0: whatever it is
-    std::optional<support::CleanUp> cleanUps;
-    Outcome                         outcome;
-    std::string                     row;  // that tells of it
+    std::string name;
+    unsigned    from;
+    unsigned    to;
+    unsigned    session;       // 0: in each
+    uint32_t    code;          // 0: whatever it is
+    bool        cleanUpsFail;  // only then
+    Outcome     outcome;
+    std::string row;  // that tells of it
 };
 
 struct Expectation {

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <climits>
 #include <map>
-#include <optional>
 #include <regex>
 #include <sstream>
 
@@ -107,6 +106,7 @@ private:
         const auto call = std::ranges::find(calls, part[1], &Call::name);
         ASSERT_NE(call, calls.end()) << name_ << ": " << text;
         for (Step step : Read(*call).steps) {
+            step.row            = row_;
             step.session        = Number(part[2], step.session);
             std::string& answer = step.outcome[0];
             answer              = answer == "=" ? answer : part[3].str();
@@ -120,25 +120,16 @@ private:
             R"(([^#@=!]+)(?:#(\d+)(?:-(\d+))?)?(?:@(\d+))?(?:=(\d+))?(!)?)");
         std::smatch part;
         ASSERT_TRUE(std::regex_match(condition, part, shape)) << name_ << ": " << condition;
-        Step step = {part[1],
-                     Number(part[2], 1),
-                     Number(part[3], Number(part[2], UINT_MAX)),
-                     Number(part[4], 0),
-                     Number(part[5], 0),
-                     {},
-                     outcome,
-                     {}};
-        if (part[6].matched) {
-            step.cleanUps = support::CleanUp::FailsToo;
-        }
-        Add(step);
+        const unsigned from = Number(part[2], 1);
+        const unsigned to   = Number(part[3], Number(part[2], UINT_MAX));
+        Add({part[1], from, to, Number(part[4], 0), Number(part[5], 0), part[6].matched, outcome,
+             row_});
     }
 
     void Add(Step step)
     {
         const Outcome behind = ReadOutcome(behind_, name_);
         step.outcome.insert(step.outcome.end(), behind.begin() + 1, behind.end());
-        step.row = row_;
         read_.steps.push_back(step);
         read_.unused.insert(row_);
     }
@@ -199,7 +190,7 @@ const Step* FindStep(const std::vector<Step>& steps, const Fault& fault)
         return (step.name == name || step.name == "any") && nth >= step.from && nth <= step.to &&
                (step.session == 0 || step.session == session) &&
                (step.code == 0 || step.code == fault.code) &&
-               (!step.cleanUps || step.cleanUps == fault.cleanUps);
+               (!step.cleanUpsFail || fault.cleanUps == support::CleanUp::FailsToo);
     });
     return found != steps.end() ? &*found : nullptr;
 }
