@@ -24,23 +24,26 @@
 namespace {
 
 thread_local unsigned allocationsLeft = 0;  // 0: all that there are
+std::atomic<int>      blocksInUse     = 0;
 
 }  // namespace
 
 void* operator new(size_t size)
 {
     void* block = allocationsLeft > 0 && --allocationsLeft == 0 ? nullptr : std::malloc(size);
+    blocksInUse += block != nullptr ? 1 : 0;
     return block != nullptr ? block : throw std::bad_alloc();
 }
 
 void operator delete(void* block) noexcept
 {
+    blocksInUse -= block != nullptr ? 1 : 0;
     std::free(block);
 }
 
 void operator delete(void* block, size_t /*size*/) noexcept
 {
-    std::free(block);
+    operator delete(block);
 }
 
 namespace {
@@ -75,7 +78,7 @@ ORM_SESSION Open(ORM_FD_CONTROL control)
     operations.clear();
     EXPECT_EQ(OrmCreateSessionParam("channel:", "osc", &param), 0U);
     EXPECT_EQ(OrmSessionParamSetConnName(param, "port"), 0U);
-    EXPECT_EQ(OrmOpenSubSession(param, control, &session), 0U);
+    OrmOpenSubSession(param, control, &session);
     OrmDestroySessionParam(param);
     return session;
 }
@@ -236,6 +239,18 @@ TEST_F(StandinSubscription, WithoutMemoryATransactionIsUndoneAndNotTold)
     EXPECT_GT(attempts, 10U);
 }
 
+TEST_F(StandinSubscription, GivesBackWhatDeliveredChangesTook)
+{
+    int blocks[3];
+    Write(Insert, {Phy(1)});
+    for (int& afterwards : blocks) {
+        Write(Update, {Phy(1)});
+        Deliver();
+        afterwards = blocksInUse;
+    }
+    EXPECT_EQ(blocks[0], blocks[2]);
+}
+
 TEST_F(StandinSubscription, CallbackMayWriteAndMayClose)
 {
     ORM_MESSAGE kept = 0;
@@ -263,6 +278,10 @@ TEST_F(StandinSubscription, CallbackMayWriteAndMayClose)
     EXPECT_EQ(fcntl(descriptor, F_GETFD), -1);
     EXPECT_NE(DbcHandleEvent(descriptor), 0U);
     EXPECT_EQ(OrmCloseSession(session_), 2002U);
+
+    const auto refuse = [](uint32_t watched, uint32_t) { return Control(watched, 0) - 1; };
+    EXPECT_EQ(Open(refuse), 0U);
+    EXPECT_EQ(fcntl(descriptor, F_GETFD), -1);
 }
 
 TEST_F(StandinSubscription, WithoutAControlFunctionAThreadServesUntilACallbackCloses)
