@@ -217,21 +217,25 @@ TEST_F(ServersTest, RowsOfAnyContentsGoThereAndComeBackInTheirOrder)
 {
     const OvsdbServer                        server(folder_);
     support::RandomRows                      random(1);
-    std::vector<Write>                       writes;
     std::map<const Table*, std::vector<Row>> rows;
+    std::vector<Write>                       writes;
     for (const Table& table : standin::Tables()) {
         for (int i = 0; i < 10; ++i) {
             rows[&table].push_back(random.Next(table));
             writes.push_back({Insert, rows[&table].back()});
         }
     }
+    const auto expectThem = [&](const char* reader) {
+        for (const auto& [table, written] : rows)
+            EXPECT_EQ(support::RowsOf(*table), written) << table->name << " for " << reader;
+    };
     Cluster writer(server.Remote(), brisk);
     writer.Follow();
     writer.Commit(writes);
+    expectThem("the writer");
     standin::Reset();
-    const Cluster reader(server.Remote(), brisk);
-    for (const auto& [table, written] : rows)
-        EXPECT_EQ(support::RowsOf(*table), written) << table->name;
+    const Cluster newcomer(server.Remote(), brisk);
+    expectThem("a newcomer");
 }
 
 // ---- a cluster ----
