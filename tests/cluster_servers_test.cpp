@@ -215,27 +215,18 @@ TEST_F(ServersTest, OverTcpAndTls)
 
 TEST_F(ServersTest, RowsOfAnyContentsGoThereAndComeBackInTheirOrder)
 {
-    const OvsdbServer                        server(folder_);
-    support::RandomRows                      random(1);
-    std::map<const Table*, std::vector<Row>> rows;
-    std::vector<Write>                       writes;
-    for (const Table& table : standin::Tables()) {
-        for (int i = 0; i < 10; ++i) {
-            rows[&table].push_back(random.Next(table));
-            writes.push_back({Insert, rows[&table].back()});
-        }
-    }
-    const auto expectThem = [&](const char* reader) {
-        for (const auto& [table, written] : rows)
-            EXPECT_EQ(support::RowsOf(*table), written) << table->name << " for " << reader;
-    };
+    const OvsdbServer  server(folder_);
+    const auto         rows = support::RandomRows(1).ForAllTables(10);
+    std::vector<Write> writes;
+    for (const Row& row : rows)
+        writes.push_back({Insert, row});
     Cluster writer(server.Remote(), brisk);
     writer.Follow();
     writer.Commit(writes);
-    expectThem("the writer");
+    EXPECT_EQ(support::AllRows(), rows);
     standin::Reset();
     const Cluster newcomer(server.Remote(), brisk);
-    expectThem("a newcomer");
+    EXPECT_EQ(support::AllRows(), rows);
 }
 
 // ---- a cluster ----

@@ -1,6 +1,8 @@
 // Rows of the database, for comparing.
 #pragma once
 
+#include <algorithm>
+#include <iterator>
 #include <random>
 #include <string>
 #include <string_view>
@@ -17,6 +19,15 @@ inline std::vector<standin::Row> RowsOf(const standin::Table& table)
     return rows;
 }
 
+// Table by table.
+inline std::vector<standin::Row> AllRows()
+{
+    std::vector<standin::Row> rows;
+    for (const standin::Table& table : standin::Tables())
+        std::ranges::move(RowsOf(table), std::back_inserter(rows));
+    return rows;
+}
+
 // Rows by the description alone: whatever a table can hold.
 class RandomRows {
 public:
@@ -30,6 +41,17 @@ public:
         for (const standin::List& list : table.lists)
             FillList(row, list);
         return row;
+    }
+
+    // So many of each.
+    std::vector<standin::Row> ForAllTables(int number)
+    {
+        std::vector<standin::Row> rows;
+        for (const standin::Table& table : standin::Tables()) {
+            for (int i = 0; i < number; ++i)
+                rows.push_back(Next(table));
+        }
+        return rows;
     }
 
     uint64_t Below(uint64_t end) { return random_() % end; }
