@@ -1,7 +1,6 @@
 // The tables from real servers, which the tests start, stop and kill.
 #include <algorithm>
 #include <csignal>
-#include <map>
 #include <thread>
 
 #include "sources/cluster.h"
@@ -57,14 +56,14 @@ protected:
 // The server's rows and the database's, whatever their order.
 void ExpectSameAs(const OvsdbServer& server)
 {
+    std::vector<Row> there;
     for (const Table& table : standin::Tables()) {
-        std::vector<Row> there;
-        const Wire       results = server.Transact(
-                  {{{"op", "select"}, {"table", ColumnsOf(table).name}, {"where", Wire::array()}}});
+        const Wire results = server.Transact(
+            {{{"op", "select"}, {"table", ColumnsOf(table).name}, {"where", Wire::array()}}});
         for (const Wire& row : results.at(0).at("rows"))
             there.push_back(sources::ovsdb::RowFromWire(table, row));
-        EXPECT_TRUE(std::ranges::is_permutation(support::RowsOf(table), there)) << table.name;
     }
+    EXPECT_TRUE(std::ranges::is_permutation(support::AllRows(), there));
 }
 
 // The action ends in an exception for this reason, which its text has somewhere.
@@ -119,33 +118,29 @@ TEST_F(ServersTest, TheReplicaEqualsTheServerAfterEachRound)
     Cluster     cluster(server.Remote(), brisk);
     cluster.Follow();
     support::RandomRows random(2);
-    for (int round = 0; round < 6; ++round) {
+    for (uint64_t round = 0; round < 6; ++round) {
         if (round == 2 || round == 4) {
             server.Stop(round == 2 ? SIGTERM : SIGKILL);
             EXPECT_TRUE(Eventually([&] { return cluster.Server().empty(); }));
             server.Start();
         }
         std::vector<Wire> operations;
-        for (const Table& table : standin::Tables()) {
-            const auto        rows = support::RowsOf(table);
-            const std::string name = ColumnsOf(table).name;
-            if (!rows.empty()) {
-                Row        some  = rows[random.Below(rows.size())];
-                const Wire where = sources::ovsdb::KeyCondition(table, RowToWire(some));
-                random.Fill(some, table.fields[random.Below(table.fields.size())]);
-                operations.push_back({{"op", random.Below(3) == 0 ? "delete" : "update"},
-                                      {"table", name},
-                                      {"where", where}});
-                if (operations.back()["op"] == "update")
-                    operations.back()["row"] = RowToWire(some);
-            }
-            for (int i = 0; i < 2; ++i)
-                operations.push_back(NewRow(name, RowToWire(random.Next(table))));
+        for (Row row : support::AllRows()) {
+            const Table& table  = row.Description();
+            Wire         change = {{"op", "delete"},
+                                   {"table", ColumnsOf(table).name},
+                                   {"where", sources::ovsdb::KeyCondition(table, RowToWire(row))}};
+            random.Fill(row, table.fields[random.Below(table.fields.size())]);
+            if (random.Below(3) > 0)
+                change.update({{"op", "update"}, {"row", RowToWire(row)}});
+            if (random.Below(3) == 0)
+                operations.push_back(change);
         }
+        for (const Row& row : random.ForAllTables(2))
+            operations.push_back(NewRow(ColumnsOf(row.Description()).name, RowToWire(row)));
         operations.push_back(NewRow("if_phy", {{"if_index", 1000 + round}}));
         server.Transact(operations);
-        EXPECT_TRUE(Eventually(
-            [&] { return standin::Find(Phy(1000 + static_cast<uint64_t>(round))).has_value(); }));
+        EXPECT_TRUE(Eventually([&] { return standin::Find(Phy(1000 + round)).has_value(); }));
         ExpectSameAs(server);
     }
 }
