@@ -22,6 +22,7 @@ TEST_F(EventRegistry, HandsEverythingThrough)
     static const int   data     = 0;
     static int         argument = 0;
     static std::string calls;
+    calls.clear();
     for (int callback = 0; callback < 2; callback++) {
         L2IF_SH_EvtCbFuncReg("m", EVENT, 2, [](const void* d, uint32_t value, void* a, auto* word) {
             EXPECT_TRUE(d == &data && a == &argument && value == 5);
@@ -41,7 +42,8 @@ TEST_F(EventRegistry, HandsEverythingThrough)
 
 TEST_F(EventRegistry, ServesThreadsAtTheSameTime)
 {
-    static std::atomic<uint32_t> calls = 0;
+    static std::atomic<uint32_t> calls;
+    calls = 0;
     for (int i = 0; i < 3; i++) {
         L2IF_SH_EvtCbFuncReg("m", EVENT, 1, [](auto...) { return ++calls; });
     }

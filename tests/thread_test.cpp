@@ -51,7 +51,8 @@ void WalkInterfaces(const std::atomic<bool>& stop)
 
 TEST_F(Threads, AnswerAlikeWhileOthersWriteWalkAndAreTold)
 {
-    static std::atomic<uint32_t> told = 0;
+    static std::atomic<uint32_t> told;
+    told = 0;
     support::WatchPlatform(false);
     IF_RegNotifyFunc(1, [](auto...) { return ++told; });
     ASSERT_EQ(BDS_InitStart(), 0U);
