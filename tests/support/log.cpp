@@ -4,7 +4,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <mutex>
-#include <string_view>
+#include <regex>
 #include <utility>
 
 #include "support/platform.h"
@@ -26,19 +26,6 @@ void Catch(int priority, const char* format, va_list arguments)
     }
 }
 
-// "[TARND_QRB][function:line] message" becomes "function: message".
-std::string Message(const std::string& text)
-{
-    constexpr std::string_view identity = "[TARND_QRB][";
-
-    const size_t colon = text.find(':');
-    const size_t end   = text.find("] ", colon);
-    if (!text.starts_with(identity) || end == std::string::npos) {
-        return text;
-    }
-    return text.substr(identity.size(), colon - identity.size()) + ": " + text.substr(end + 2);
-}
-
 }  // namespace
 
 std::vector<LogLine> TakeLog()
@@ -49,9 +36,10 @@ std::vector<LogLine> TakeLog()
 
 std::vector<std::string> TakeMessages()
 {
+    static const std::regex  identity(R"(^\[TARND_QRB\]\[(\w+):\d+\] )");
     std::vector<std::string> messages;
     for (const LogLine& line : TakeLog()) {
-        messages.push_back(Message(line.text));
+        messages.push_back(std::regex_replace(line.text, identity, "$1: "));
     }
     return messages;
 }
@@ -69,11 +57,6 @@ std::vector<std::string> TakeComplaints()
 }  // namespace support
 
 extern "C" {
-
-void vsyslog(int priority, const char* format, va_list arguments)
-{
-    support::Catch(priority, format, arguments);
-}
 
 void syslog(int priority, const char* format, ...)
 {

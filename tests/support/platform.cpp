@@ -2,7 +2,6 @@
 #include "support/platform.h"
 
 #include <dlfcn.h>
-#include <link.h>
 #include <pthread.h>
 #include <sys/epoll.h>
 #include <unistd.h>
@@ -18,6 +17,7 @@
 #include <tarnd_platform/memory.h>
 #include <tarnd_platform/orm_accessors.h>
 #include <tarnd_platform/orm_subscription.h>
+#include <tarnd_qrb/log.h>
 
 #define UNWATCHED __attribute__((no_sanitize("address", "thread", "undefined")))
 
@@ -116,29 +116,12 @@ uint32_t Close(const char* name, Arguments... arguments)
 
 // Everybody's malloc and calloc come to the test program, the library's by the address that they
 // return to.
-uintptr_t codeBegin = 0;
-uintptr_t codeEnd   = 0;
-
-int FindLibraryCode(dl_phdr_info* object, size_t /*size*/, void* /*context*/)
-{
-    if (std::string_view(object->dlpi_name).find("libtarnd_qrb.so") == std::string_view::npos) {
-        return 0;
-    }
-    for (int i = 0; i < object->dlpi_phnum; i++) {
-        const ElfW(Phdr)& segment = object->dlpi_phdr[i];
-        if (segment.p_type == PT_LOAD && (segment.p_flags & PF_X) != 0) {
-            codeBegin = object->dlpi_addr + segment.p_vaddr;
-            codeEnd   = codeBegin + segment.p_memsz;
-        }
-    }
-    return 1;
-}
+dl_find_object library = {};
 
 UNWATCHED bool IsLibrary(const void* returnAddress)
 {
-    const auto address = reinterpret_cast<uintptr_t>(returnAddress);
-    return __atomic_load_n(&watching, __ATOMIC_RELAXED) && address >= codeBegin &&
-           address < codeEnd;
+    return __atomic_load_n(&watching, __ATOMIC_RELAXED) &&
+           returnAddress >= library.dlfo_map_start && returnAddress < library.dlfo_map_end;
 }
 
 template <auto Operation, typename... Arguments>
@@ -205,8 +188,8 @@ void ResetPlatform()
 
 void WatchPlatform(bool on)
 {
-    if (codeEnd == 0) {
-        dl_iterate_phdr(FindLibraryCode, nullptr);
+    if (library.dlfo_map_start == nullptr) {
+        _dl_find_object(reinterpret_cast<void*>(&Tarn_QRB_Log_Printf), &library);
     }
     __atomic_store_n(&watching, on, __ATOMIC_RELAXED);
 }
@@ -250,6 +233,7 @@ using namespace support;
 #define OPERATION(result, name, parameters, ...) extern "C" result name parameters { return Pass<&name>(#name, __VA_ARGS__); }
 #define OPENING(name, parameters, ...) extern "C" uint32_t name parameters { return Opened(Pass<&name>(#name, __VA_ARGS__)); }
 #define CLOSING(name, parameters, ...) extern "C" uint32_t name parameters { return Close<&name>(#name, __VA_ARGS__); }
+#define SYSTEM(name, parameters, ...) extern "C" int name parameters { return PassSystem<&name>(#name, __builtin_return_address(0), __VA_ARGS__); }
 #define READER(table) OPERATION(uint32_t, Ormg##table##ReadInner, (const void* a, uint32_t b, void* c, uint32_t d), a, b, c, d)
 #define ALL_FIELDS(table) OPERATION(uint32_t, Ormg##table##GetAllFieldsInner, (ORM_SESSION a, void* b, uint32_t c), a, b, c)
 #define RECORD(table) READER(table) ALL_FIELDS(table)
@@ -295,6 +279,10 @@ OPERATION(int, memset_s, (void* a, size_t b, int c, size_t d), a, b, c, d)
 OPERATION(int, strcpy_s, (char* a, size_t b, const char* c), a, b, c)
 OPERATION(int, strncpy_s, (char* a, size_t b, const char* c, size_t d), a, b, c, d)
 OPERATION(int, strcat_s, (char* a, size_t b, const char* c), a, b, c)
+SYSTEM(epoll_create, (int a) noexcept, a)
+SYSTEM(epoll_ctl, (int a, int b, int c, epoll_event* d) noexcept, a, b, c, d)
+SYSTEM(epoll_wait, (int a, epoll_event* b, int c, int d), a, b, c, d)
+SYSTEM(close, (int a), a)
 // clang-format on
 
 extern "C" {
@@ -376,28 +364,6 @@ UNWATCHED void free(void* block)
         }
     }
     return Next<&pthread_create>("pthread_create")(thread, attributes, entry, argument);
-}
-
-int epoll_create(int size) noexcept
-{
-    return PassSystem<&epoll_create>("epoll_create", __builtin_return_address(0), size);
-}
-
-int epoll_ctl(int epollFd, int operation, int descriptor, epoll_event* event) noexcept
-{
-    return PassSystem<&epoll_ctl>("epoll_ctl", __builtin_return_address(0), epollFd, operation,
-                                  descriptor, event);
-}
-
-int epoll_wait(int epollFd, epoll_event* events, int count, int timeout)
-{
-    return PassSystem<&epoll_wait>("epoll_wait", __builtin_return_address(0), epollFd, events,
-                                   count, timeout);
-}
-
-int close(int descriptor)
-{
-    return PassSystem<&close>("close", __builtin_return_address(0), descriptor);
 }
 
 }  // extern "C"
