@@ -1,27 +1,33 @@
 // Every exported call, with every one of its steps failing in turn, and then once more with every
-// clean-up behind it failing too.
+// clean-up behind it failing too; and null for their pointers.
+#include <algorithm>
 #include <fstream>
 #include <iostream>
 #include <regex>
 #include <set>
+#include <utility>
+
+#include <tarnd_qrb/change_detection.h>
+#include <tarnd_qrb/event_registry.h>
+#include <tarnd_qrb/memory_map.h>
 
 #include "calls/calls.h"
 
 namespace {
 
-using calls::Call;
-using calls::Fault;
-using calls::Lines;
+using namespace calls;
 using support::CleanUp;
 
-class Faults : public calls::DeviceTest {};
+constexpr QRB_PORT_S PORT = {};
+
+class Faults : public DeviceTest {};
 
 TEST_F(Faults, OfEveryStepAreReportedAndLeaveNothingBehind)
 {
-    unsigned           injected = 0;
-    const calls::Calls all      = calls::AllCalls();
+    unsigned    injected = 0;
+    const Calls all      = AllCalls();
     for (const Call& call : all) {
-        calls::Expectation expectation = Read(call);
+        Expectation expectation = Read(call);
         ASSERT_EQ(Perform(call), expectation.good) << call.name;
         Lines points = support::FaultPoints();
         std::erase(points, "epoll_wait");  // the listener's thread comes to it when it may
@@ -52,6 +58,40 @@ TEST_F(Faults, OfEveryStepAreReportedAndLeaveNothingBehind)
     EXPECT_GT(injected, 4000U);
 }
 
+// Null in place of any of their pointers, one after the other.
+// clang-format off
+TEST_F(Faults, NullIsRefused)
+{
+    const Calls calls = QueryCalls();
+    for (const char* name : {
+             "BDS_IfnetGetIfNameByIfIndex", "BDS_Ifname2IfGetIndexByname", "IF_INTF_GetSimpleName",
+             "BDS_IfnetGetPortType", "IF_INTF_GetIfLineState", "IF_INTF_GetIfLinkState",
+             "BDS_IfnetGetCardByIfIndex", "BDS_IfnetGetIfMacByIfIndex", "BDS_IfnetGetSlotIdBySlotStr",
+             "IP_GetMainIpAddr", "SYSAPI_GetIp4AllAddrByIf", "BDS_IPIFGetThisIfIpAddr",
+             "BDS_IPGetFirstIpByIfIndex", "BDS_IPGetIFBestMatchIpAddr", "IP_GetMask",
+             "IP_GetIfindexbyIpAddr", "BDS_L2IF_VLAN_GetIfIndexByVlanId",
+             "BDS_IfnetGetVlanIdByIfName", "BDS_IfnetGetVlanIdByIfIndex"}) {
+        const auto call = std::ranges::find(calls, name, &Call::name);
+        ASSERT_NE(call, calls.end()) << name;
+        for (unsigned nth = 1;; nth++) {
+            nullPointer           = nth;
+            const Outcome outcome = Perform(*call);
+            if (std::exchange(nullPointer, 0) != 0) {
+                break;  // there are no more
+            }
+            EXPECT_TRUE(std::regex_match(outcome[0], std::regex("1( -)*"))) << outcome[0];
+            EXPECT_EQ(outcome, (Lines{outcome[0], std::string(name) + ": Null value provided\n"}));
+        }
+    }
+    Expect({
+        {CALL(IF_RegNotifyFunc, 1U, nullptr), "1"},
+        {CALL(QRB_EVENT_PortCheckIsVlanBitMapChange, &PORT, nullptr, 512, uint8_t{0}), R"(1 | Input parameter is NULL.\n)"},
+        {CALL(QRB_EVENT_PortCheckIsVlanBitMapChange, nullptr, &PORT, 512, uint8_t{0}), R"(1 | Input parameter is NULL.\n)"},
+        {CALL(MEM_EX_GetDetailedInfoSize, nullptr), "1"},
+    });
+}
+// clang-format on
+
 // Whoever exports a function tells here what becomes of it. The list and the memory map have no
 // database behind them, and tests of their own; the listener's thread runs in whatever starts it,
 // the rows of a message are read in its delivery, and the print hooks do nothing. What publishes a
@@ -59,7 +99,7 @@ TEST_F(Faults, OfEveryStepAreReportedAndLeaveNothingBehind)
 TEST(Calls, AreOfEveryExportedFunction)
 {
     std::set<std::string> told;
-    for (const Call& call : calls::AllCalls()) {
+    for (const Call& call : AllCalls()) {
         told.insert(call.name);
     }
     const std::regex exported(

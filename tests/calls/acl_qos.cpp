@@ -154,6 +154,7 @@ constexpr uint16_t MAX = UINT16_MAX;
 
 TEST_F(Acl, OnlyTheIpv4CheckByNumberTellsAbsence)
 {
+    Load(R"({"acl_rule_id": [{"groupId": 0, "rule_id": 1}]})");
     Expect({
         {CALL(ACL_IsExist, VSID, VSYSID, 9U, "web", Out32()), "1 1"},  // a name goes before the number
         {CALL(ACL_IsExist, VSID, VSYSID, 3000U, "mail", Out32()), "1 -"},
@@ -161,39 +162,20 @@ TEST_F(Acl, OnlyTheIpv4CheckByNumberTellsAbsence)
         {CALL(ACLIPv6_IsExist, VSID, VSYSID, 3000U, nullptr, Out32()), "1 2"},
         {CALL(ACLIPv6_IsExist, VSID, VSID, 3000U, nullptr, Out32()), "1 -"},
         {CALL(ACLIPv6_IsACLNodeExistByNumber, VSID, VSYSID, 3001U, Out32()), "1 -"},
-        {CALL(ACL_IsACLNodeExistByNumber, VSID, VSYSID, 3001U, Out32()),
-         R"(0 - | QRB_DB_Scan failed, ret = 0\n)"},
-    });
-}
-
-TEST_F(Acl, AConditionThatDoesNotFitIsRefusedSilently)
-{
-    Expect({
+        {CALL(ACLIPv6_IsACLNodeExistByNumber, VSID, VSYSID, 3000U, nullptr), "0"},
+        {CALL(ACL_IsACLNodeExistByNumber, VSID, VSYSID, 3001U, Out32()), R"(0 - | QRB_DB_Scan failed, ret = 0\n)"},
+        // A condition that doesn't fit is refused silently.
         {CALL(ACL_IsExist, MAX, MAX, UINT32_MAX, nullptr, Out32()), "0 -"},
         {CALL(ACLIPv6_IsExist, MAX, MAX, UINT32_MAX, nullptr, Out32()), "0 -"},
         {CALL(ACL_IsACLNodeExistByNumber, MAX, MAX, UINT32_MAX, Out32()), "0 -"},
         {CALL(ACLIPv6_IsACLNodeExistByNumber, MAX, MAX, UINT32_MAX, Out32()), "1 -"},
-    });
-}
-
-TEST_F(Acl, RulesAreAddedToTheCount)
-{
-    Load(R"({"acl_rule_id": [{"groupId": 0, "rule_id": 1}]})");
-    Expect({
+        // Rules are added to the count, where there is no group those of group 0.
         {CALL(ACL_GetRuleCount, VSID, VSYSID, 3000U, Out32{5}), "0 7"},
         {CALL(ACLIPv6_GetRuleCount, VSID, VSYSID, 3000U, Out32{5}), "0 7"},
-        {CALL(ACLIPv6_GetRuleCount, VSID, VSYSID, 3001U, Out32{5}), "0 6"},  // as group 0
-        {CALL(ACL_GetRuleCount, VSID, VSYSID, 3001U, Out32()),
-         R"(1 - | ACL_IsACLNodeExistByNumber: QRB_DB_Scan failed, ret = 0\n)"},
-    });
-}
-
-TEST_F(Acl, NamesAndNumbersThatAreNotThere)
-{
-    Expect({
+        {CALL(ACLIPv6_GetRuleCount, VSID, VSYSID, 3001U, Out32{5}), "0 6"},
+        {CALL(ACL_GetRuleCount, VSID, VSYSID, 3001U, Out32()), R"(1 - | ACL_IsACLNodeExistByNumber: QRB_DB_Scan failed, ret = 0\n)"},
         {CALL(ACL_GetNameByGroupId, 9U, OutText()), R"(1 - | QRB_DB_Scan failed, ret = 0\n)"},
-        {CALL(BDS_AclGetAclNumberByName, "web", uint8_t{3}, 0U, 0U, Out32()),
-         "1 - | QRB_DB_SESSION_SetKey: Table: acl_group_id execute failed."},
+        {CALL(BDS_AclGetAclNumberByName, "web", uint8_t{3}, 0U, 0U, Out32()), "1 - | QRB_DB_SESSION_SetKey: Table: acl_group_id execute failed."},
     });
 }
 

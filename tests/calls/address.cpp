@@ -128,6 +128,10 @@ TEST_F(Ipv4Address, WhereNoneFitsIsSaid)
         {CALL(BDS_IPGetMainIpByIfIndex, 4U, Out32(), Out32()),
          R"(NONE - - | get main ipv4 get addr list len is zero ret=0, ifIndex=4\n)"},
         {CALL(BDS_IPIFGetThisIfIpAddr, 1U, Out32(), 0U, Out32()), "0 - 0"},
+        {CALL(SYSAPI_GetIp4AllAddrByIf, 1U, OutAddresses(), 0U),
+         R"(1 - - - - | Null value provided\n)"},
+        {CALL(BDS_IPv6GetValidGlobalAddrByIfIndex, 1U, nullptr), "1"},
+        {CALL(IP6_Addr_GetValidGlobalAddrOnIf, 1U, nullptr), "0"},
         {CALL(BDS_IPIFIsThisIfIpAddr, 4U, 0U), R"(0 | Interface 4 without addresses passed\n)"},
     });
 }
@@ -137,7 +141,7 @@ TEST_F(Ipv4Address, OwnerIsTheFirst)
 {
     Load(R"({"am_ipv4_address": [{"if_index": 3, "ipv4_address_list": []}]})");
     Expect({{CALL(IP_GetIfindexbyIpAddr, 0x0A000001U, 0U, Out32()), "0 1"}});
-    EXPECT_EQ(support::PlatformCalls().size(), 16U);
+    EXPECT_EQ(support::FaultPoints().size(), 16U);
 }
 
 }  // namespace

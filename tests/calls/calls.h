@@ -165,13 +165,13 @@ struct OutText {
     char*       Argument() { return text; }
     std::string Output() const { return Text(text); }
 };
-template <typename Handle, Handle* handle>
+template <uintptr_t* handle>
 struct OutHandle {
-    Handle*     Argument() { return handle; }
+    uintptr_t*  Argument() { return handle; }
     std::string Output() const { return *handle != 0 ? "open" : "closed"; }
 };
-using OutSession = OutHandle<ORM_SESSION, &session>;
-using OutScan    = OutHandle<ORM_SCAN, &scan>;
+using OutSession = OutHandle<&session>;
+using OutScan    = OutHandle<&scan>;
 
 // So many pointers on, from 1, Run passes null; 0: nowhere.
 extern unsigned nullPointer;

@@ -139,6 +139,9 @@ TEST_F(Database, ScanDeliversWhatTheConditionAndTheLimitAllow)
         {CALL(QRB_DB_Scan, "vlan", Kept(), 10U, Keep, Out32(), nullptr, ScopeOne), "0 1 3 2"},
         {CALL(QRB_DB_Scan, "vlan", Kept(), 10U, Keep, Out32(), "vlan_scope0 = 0", ScopeOne), "0 1 4 2"},
         {CALL(QRB_DB_Scan, "vlan", Kept(), 10U, Keep, Out32(), "vlan_scope0 = 1 and vlan_id = 3", nullptr), "0 0 3 1"},
+        {CALL(QRB_DB_Scan, "vlan", nullptr, 1U, nullptr, nullptr, "vlan_id = 9", nullptr), "0"},
+        {CALL(QRB_CreatDbSession, nullptr, QRB_ORM_OP_SCAN, OutSession()), "0 closed"},
+        {CALL(QRB_CreatDbSession, "vlan", QRB_ORM_OP_SCAN, nullptr), "0"},
         {CALL(QRB_DB_TransStringToHexNumString, "x", OutText(), -1), "1 -"},
         {CALL(QRB_DB_TransStringToHexNumString, "x", OutText(), 0), "0 0x"},
     });

@@ -144,6 +144,7 @@ namespace {
 
 using Interface = DeviceTest;
 
+// clang-format off
 TEST_F(Interface, NameIsComparedInTheFormThatIsAskedFor)
 {
     static constexpr IF_NAME_KEY_S full  = {"Eth0/0/1", 1};
@@ -152,13 +153,16 @@ TEST_F(Interface, NameIsComparedInTheFormThatIsAskedFor)
     Expect({
         {CALL(IF_CmpIfBaseRecord, session, &wrong, OutBase(), 387), "0 - -"},
         {CALL(IF_CmpIfBaseRecord, session, &full, OutBase(), 388), "1 1 1"},
-        {CALL(IF_CmpIfBaseRecord, session, &full, OutBase(), 386),
-         R"(0 - - | copy all field if_base fail for cmp\n)"},
-        {CALL(IF_CmpIfBaseRecord, session, &full, OutBase(), -1),
-         R"(0 - - | copy all field if_base fail for cmp\n)"},
+        {CALL(IF_CmpIfBaseRecord, session, &full, OutBase(), 386), R"(0 - - | copy all field if_base fail for cmp\n)"},
+        {CALL(IF_CmpIfBaseRecord, session, &full, OutBase(), -1), R"(0 - - | copy all field if_base fail for cmp\n)"},
+        {CALL(IF_INTF_GetIfIndexByFullName, nullptr), R"(NONE | Null value provided\n)"},
+        {CALL(BDS_IfnetGetNumStrFromName, nullptr, OutText(), 4U), R"(0 - | Null value provided\n)"},
+        {CALL(BDS_IfnetGetNumStrFromName, "Trunk1", nullptr, 4U), R"(0 | Null value provided\n)"},
+        {CALL(BDS_IfnetGetNumStrFromName, "Trunk1", OutText(), 0U), R"(0 - | Null value provided\n)"},
     });
     Closed();
 }
+// clang-format on
 
 TEST_F(Interface, TypesFollowFromTheCode)
 {
@@ -220,7 +224,7 @@ TEST_F(Interface, TypesAreAskedForFirstByManyThreads)
     }
 }
 
-TEST_F(Interface, IsUpByItsLinkAndItsRoute)
+TEST_F(Interface, IsUpByItsLinkAndItsRouteAndOfAClassByItsIndex)
 {
     Load(R"({
         "if_link": [{"if_index": 10, "link_state": 1}, {"if_index": 11, "link_state": 0}, {"if_index": 12, "link_state": 2}],
@@ -236,18 +240,16 @@ TEST_F(Interface, IsUpByItsLinkAndItsRoute)
         {CALL(BDS_IfnetGetIfPhyState, 10U, Out8()), "0 200"},
         {CALL(BDS_IfnetIsSwitchPort, 10U), "1"},
         {CALL(BDS_IfnetIsSwitchPort, 11U), "0"},
-    });
-}
-
-TEST_F(Interface, ClassFollowsFromTheIndex)
-{
-    Expect({
         {CALL(IF_INIF_IsAPtunnleByIfIndex, 0x5FFFFFFFU), "0"},
         {CALL(IF_INIF_IsAPtunnleByIfIndex, 0x60000000U), "1"},
         {CALL(IF_INIF_IsAPtunnleByIfIndex, 0x60FFFFFFU), "1"},
         {CALL(IF_INIF_IsVapByIfIndex, 0x60FFFFFFU), "0"},
         {CALL(IF_INIF_IsVapByIfIndex, 0x61FFFFFFU), "1"},
         {CALL(IF_INIF_IsVapByIfIndex, 0x62000000U), "0"},
+        // Fixed answers don't mind null.
+        {CALL(IF_INTF_GetSlotByIfName, nullptr), "0"},
+        {CALL(BDS_TrunkGetTrunkIndex, 1U, nullptr), "1"},
+        {CALL(BDS_QINQ_INTF_GetEthType, 1U, nullptr), "1"},
     });
 }
 

@@ -157,7 +157,8 @@ Calls Layer2Calls()
 
 namespace {
 
-using Vlan = support::PlatformTest;
+using Vlan  = support::PlatformTest;
+using Walks = DeviceTest;
 
 TEST_F(Vlan, IsActiveInAnyScopeUntilAnOddStateEndsTheSearch)
 {
@@ -220,11 +221,44 @@ TEST_F(Vlan, InterfaceIsFoundByNameAndNumberedByRule)
         {CALL(BDS_L2IF_VLAN_GetVlanIfIndex, uint16_t{40}), "NONE"},
         {CALL(L2IF_SH_VLAN_GetVlanidByName, "red", Out16()),
          R"(1 - | QRB_DB_Scan failed, ret = 0\n)"},
+        {CALL(BDS_IfnetGetVlanIdByIfName, "Vlanif1", OutText(), 0U),
+         R"(1 - | Null value provided\n)"},
         {CALL(BDS_IfnetGetVlanIdByIfIndex, 1U, Out32()), "0 4094"},
         {CALL(BDS_IfnetGetVlanIdByIfIndex, 2U, Out32()), "1 - | IfType is not vlan interface"},
         {CALL(BDS_IfnetGetVlanIdByIfIndex, 3U, Out32()), R"(1 0 | atoi failed, ret=0\n)"},
         {CALL(BDS_IfnetGetVlanIdByIfIndex, 4U, Out32()), "1 - | Get vlanId by ifName fail, ret=1"},
     });
+}
+
+// 2002 is the stand-in's: no such handle. A walk over an empty table is over before it begins.
+TEST_F(Walks, InWrongStatesAnswerOne)
+{
+    // A session that has ended behind the walk's back.
+    uint32_t value = 0;
+    ASSERT_EQ(QRB_GetFirstVlan(&value), 0U);
+    ASSERT_EQ(OrmScanEnd(g_ScanVlanSession, g_VlanScanHandle), 0U);
+    ASSERT_EQ(OrmCloseSession(g_ScanVlanSession), 0U);
+    Expect({
+        {CALL(QRB_GetFirstVlan, Out32()), "1 -"},
+        {CALL(QRB_GetNextVlan, Out32()), "1 - | OrmScanNext ret:2002, isEof:0"},
+        {CALL(L2IF_ScanVlanFinish), "1 | QRB_ScanVlanFinish: OrmScanEnd fail ret:2002"},
+        {CALL(QRB_GetFirstVlan, Out32()), "0 20", {}, [] { QRB_ScanVlanFinish(); }},
+    });
+    standin::Reset();
+    for (int again = 0; again < 2; again++) {
+        Expect({
+            {CALL(QRB_GetFirstIfIndex, Out32()), "1 -"},
+            {CALL(QRB_GetNextIfIndex, Out32()), "1 -"},
+            {CALL(IF_INTF_GetNextIfIndex, 1U, Out32()), "1 0"},
+            {CALL(QRB_ScanIfIndexFinish), "1 | OrmScanEnd fail ret:2002"},
+            {CALL(QRB_GetFirstPort, Out32()), "1 -"},
+            {CALL(L2IF_GetNextPort, Out32()), "1 0"},
+            {CALL(QRB_ScanPortFinish), "1 | OrmScanEnd fail ret:2002"},
+            {CALL(L2IF_GetFirstVlan, Out16()), "1 0"},
+            {CALL(L2IF_GetNextVlan, Out16()), "1 0"},
+            {CALL(QRB_ScanVlanFinish), "1 | OrmScanEnd fail ret:2002"},
+        });
+    }
 }
 
 }  // namespace

@@ -103,13 +103,21 @@ namespace {
 
 using Route = DeviceTest;
 
-TEST_F(Route, TheEndOfATableIsLogged)
+// clang-format off
+TEST_F(Route, TheEndOfATableAndNullAreLogged)
 {
     Expect({
         {CALL(FIB_ScanIp4Forward, 0x0B000000U, Out32()), "NONE 0 | OrmScanNext ret:0, isEof:1"},
         {CALL(FIB_ScanNhpStd, 1U, Out32(), Out32()), "NONE 0 0 | OrmScanNext ret:0, isEof:1"},
+        {CALL(FIB_InquiryRoute, nullptr, OutNextHops()), "1 - - - - | [FIB Inquiry Route] parameter failed"},
+        {CALL(FIB_InquiryRoute, &KEY, nullptr), "1 | [FIB Inquiry Route] parameter failed"},
+        {CALL(FIB_InquiryRoutes, nullptr, OutNextHops(), Out32{1}), "1 - - - - 1 | [FIB Inquiry Routes] parameter failed, pstFibKey:1, pstFibNhp:0, count:0"},
+        {CALL(FIB_InquiryRoutes, &KEY, nullptr, Out32{1}), "1 1 | [FIB Inquiry Routes] parameter failed, pstFibKey:0, pstFibNhp:1, count:0"},
+        {CALL(FIB_InquiryRoutes, &KEY, OutNextHops(), nullptr), "1 - - - - | [FIB Inquiry Routes] parameter failed, pstFibKey:0, pstFibNhp:0, count:1"},
+        {CALL(FIB_InquiryRoutes, &KEY, OutNextHops(), Out32{0}), "1 - - - - 0 | [FIB Inquiry Routes] parameter failed, pstFibKey:0, pstFibNhp:0, count:0"},
     });
 }
+// clang-format on
 
 TEST_F(Route, GroupMembersAreGatheredBehindThoseThere)
 {

@@ -162,15 +162,6 @@ std::vector<std::string> FaultPoints()
     return points;
 }
 
-std::vector<std::string> PlatformCalls()
-{
-    std::vector<std::string> calls = FaultPoints();
-    std::erase_if(calls, [](std::string_view call) {
-        return !call.starts_with("Orm") && !call.starts_with("Dbc");
-    });
-    return calls;
-}
-
 std::vector<std::string> PlatformTexts()
 {
     const std::lock_guard lock(mutex);

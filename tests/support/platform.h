@@ -11,12 +11,9 @@
 
 namespace support {
 
-// The operations called since the last ResetPlatform, by name, in order, on any thread: everything
-// that can be made to fail; and of these only Orm*, Ormg* and DbcHandleEvent.
+// The operations called since the last ResetPlatform, by name, in order, on any thread, and the
+// texts among their arguments.
 std::vector<std::string> FaultPoints();
-std::vector<std::string> PlatformCalls();
-
-// The texts among their arguments.
 std::vector<std::string> PlatformTexts();
 
 // Forgets the calls and whatever was to fail.
