@@ -52,8 +52,10 @@ TEST_F(MemoryMap, ReportsTrueFiguresOrSaysWhereItStopped)
     EXPECT_EQ(count++, 32U);
     EXPECT_EQ(MEM_EX_GetDetailedInfo(nullptr, &count), 1U);
     EXPECT_EQ(MEM_EX_GetDetailedInfo(entries, nullptr), 1U);
-    EXPECT_EQ(MEM_EX_GetDetailedInfo(entries, &count), 0U);
-    EXPECT_EQ(count, 32U);
+    for (int again = 0; again < 2; again++) {  // with more room than is needed, and as much
+        EXPECT_EQ(MEM_EX_GetDetailedInfo(entries, &count), 0U);
+        EXPECT_EQ(count, 32U);
+    }
     EXPECT_STREQ(own.name, "QRB");
     const MEM_EX_DETAILED_INFO_S before = own;
     void* const block[] = {malloc_ex(handle, "", 1, 100), malloc_ex(handle, "", 2, 28)};
