@@ -1,12 +1,30 @@
 // Access control lists: what each family takes for existence, rule counts, names and numbers.
 // Quality of service: profile names, slots, missing lists.
 #include <tarnd_qrb/acl.h>
+#include <tarnd_qrb/qos.h>
 
-#include "calls/records.h"
+#include "calls/calls.h"
 
 namespace calls {
 
 namespace {
+
+// A profile: its remarks, or its CAR entries.
+using Profile = QOS_PROFILE_INFO_S;
+using OutRemarks =
+    Out<Profile, 1, &Profile::valid, &Profile::dscpValid, &Profile::dscp0, &Profile::dscp1,
+        &Profile::pri8021pValid, &Profile::pri8021p0, &Profile::pri8021p1>;
+struct OutCars : Out<Profile> {
+    std::string Output() const
+    {
+        std::string text = Text(values[0].valid);
+        for (const auto& [present, field1, field3, field2, field4] :
+             {values[0].car0, values[0].car1}) {
+            text += ' ' + Texts({present, field1, field3, field2, field4});
+        }
+        return text;
+    }
+};
 
 // The profile "gold", and one of its lists.
 void OnList(const char* list)
@@ -179,18 +197,8 @@ TEST_F(Acl, OnlyTheIpv4CheckByNumberTellsAbsence)
     });
 }
 
-TEST_F(Qos, TheLastProfileWithANameWins)
-{
-    Load(R"({"qos_integration": [
-        {"index": 1, "name": "gold"}, {"index": 3, "name": "gold"}, {"index": 4, "name": "golden"}]})");
-    Expect({
-        {CALL(QOS_GetProfileIdByName, 0U, "gol", Out32()), "0 -"},
-        {CALL(QOS_GetProfileIdByName, 0U, "gold", Out32()), "0 3"},
-    });
-}
-
 // Items 0 and 2 go to the first slot, item 1 to the second; nothing else is touched.
-TEST_F(Qos, SlotsTakeTheLastItemThatIsTheirs)
+TEST_F(Qos, TheLastWinsOfProfilesWithANameAndOfItemsWithASlot)
 {
     Load(R"({"qos_integration": [
         {"index": 1, "name": "three",
@@ -201,8 +209,11 @@ TEST_F(Qos, SlotsTakeTheLastItemThatIsTheirs)
             "remark_dscp_list": [{"index": 0, "dscp": 288}, {"index": 1, "dscp": 289}, {"index": 2, "dscp": 290}],
             "remark_8021p_list": [{"index": 0, "priority": 256}, {"index": 1, "priority": 257}, {"index": 2, "priority": 258}]},
         {"index": 2, "name": "none"},
-        {"index": 3, "name": "empty", "car_list": [], "remark_dscp_list": []}]})");
+        {"index": 3, "name": "empty", "car_list": [], "remark_dscp_list": []},
+        {"index": 4, "name": "gold"}, {"index": 5, "name": "gold"}, {"index": 6, "name": "golden"}]})");
     Expect({
+        {CALL(QOS_GetProfileIdByName, 0U, "gol", Out32()), "0 -"},
+        {CALL(QOS_GetProfileIdByName, 0U, "gold", Out32()), "0 5"},
         {CALL(QOS_GetCarInfo, 0U, 1U, OutCars()), "0 1 1 12 32 22 42 1 11 31 21 41"},
         {CALL(QOS_GetCarInfo, 0U, 2U, OutCars()),
          "0 - - - - - - - - - - - | car list is not exist. ret = 10058"},

@@ -1,6 +1,8 @@
 // IPv4 addresses. Interface 1 has 10.0.0.1/24 of type 6 and 10.0.0.2/25 of type 1,
 // interface 4 an empty list.
-#include "calls/records.h"
+#include <tarnd_qrb/ipv4_address.h>
+
+#include "calls/calls.h"
 
 namespace calls {
 
@@ -8,6 +10,11 @@ namespace {
 
 constexpr uint32_t IF_INDEX = 1;
 constexpr uint32_t SECOND   = 0x0A000002;
+
+using OutItem = Out<BDS_IPV4_ADDR_ITEM_S, 1, &BDS_IPV4_ADDR_ITEM_S::address,
+                    &BDS_IPV4_ADDR_ITEM_S::masklen, &BDS_IPV4_ADDR_ITEM_S::type>;
+using OutAddresses =
+    Out<SYSAPI_IP4_ADDR_S, 2, &SYSAPI_IP4_ADDR_S::address, &SYSAPI_IP4_ADDR_S::masklen>;
 
 void OnItem()
 {

@@ -2,6 +2,7 @@
 #include "calls/calls.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "sources/json_row.h"
 
@@ -67,14 +68,8 @@ void Positioned(const char* table)
 
 void Closed()
 {
-    if (scan != 0) {
-        OrmScanEnd(session, scan);
-    }
-    if (session != 0) {
-        OrmCloseSession(session);
-    }
-    scan    = 0;
-    session = 0;
+    OrmScanEnd(session, std::exchange(scan, 0));
+    OrmCloseSession(std::exchange(session, 0));
 }
 
 namespace {

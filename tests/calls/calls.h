@@ -26,15 +26,12 @@
 //     scan A; B             a scan by QRB_DB_Scan: A, but B once the entry is read
 #pragma once
 
-#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <functional>
 #include <initializer_list>
-#include <iosfwd>
 #include <set>
 #include <string>
-#include <string_view>
 #include <type_traits>
 #include <vector>
 

@@ -1,7 +1,9 @@
 // Route inquiry. The second forwarding entry covers the destination and leads to group 1, of which
 // the second and the third member are; the first of them has the second next hop, and the other way
 // round.
-#include "calls/records.h"
+#include <tarnd_qrb/route.h>
+
+#include "calls/calls.h"
 
 namespace calls {
 
@@ -12,7 +14,8 @@ constexpr FIB_KEY_S    KEY         = {{0, 0}, DESTINATION};
 constexpr FIB_PREFIX_S PREFIX      = {0x0A000000, 8};
 constexpr FIB_PREFIX_S PROBE       = {DESTINATION, 32};
 
-using OutIndexes = Out<uint32_t, 2>;
+using OutIndexes  = Out<uint32_t, 2>;
+using OutNextHops = Out<FIB_NHP_S, 2, &FIB_NHP_S::firstValue, &FIB_NHP_S::secondValue>;
 
 // clang-format off
 // An inquiry up to the group's members, in its first two sessions.
@@ -104,8 +107,11 @@ namespace {
 using Route = DeviceTest;
 
 // clang-format off
-TEST_F(Route, TheEndOfATableAndNullAreLogged)
+TEST_F(Route, EndsAndNullAreLoggedAndMembersGatheredBehindThoseThere)
 {
+    for (const char* member : {"1", "2", "3", "4", "5", "6", "7", "8"}) {
+        Load(Fill(R"({"Fib.ConfigNhpGroupNode": [{"nhpGroupId": 2, "primaryNhpId": 20$}]})", {{"$", member}}));
+    }
     Expect({
         {CALL(FIB_ScanIp4Forward, 0x0B000000U, Out32()), "NONE 0 | OrmScanNext ret:0, isEof:1"},
         {CALL(FIB_ScanNhpStd, 1U, Out32(), Out32()), "NONE 0 0 | OrmScanNext ret:0, isEof:1"},
@@ -115,27 +121,12 @@ TEST_F(Route, TheEndOfATableAndNullAreLogged)
         {CALL(FIB_InquiryRoutes, &KEY, nullptr, Out32{1}), "1 1 | [FIB Inquiry Routes] parameter failed, pstFibKey:0, pstFibNhp:1, count:0"},
         {CALL(FIB_InquiryRoutes, &KEY, OutNextHops(), nullptr), "1 - - - - | [FIB Inquiry Routes] parameter failed, pstFibKey:0, pstFibNhp:0, count:1"},
         {CALL(FIB_InquiryRoutes, &KEY, OutNextHops(), Out32{0}), "1 - - - - 0 | [FIB Inquiry Routes] parameter failed, pstFibKey:0, pstFibNhp:0, count:0"},
+        {CALL(FIB_ScanNhpGroupNode, 2U, Out<uint32_t, 9>(), uint8_t{1}, Out32{2}), "0 - - 201 202 203 204 205 206 - 8 | OrmScanNext ret:0, isEof:1. session: 0, scan: 0"},
+        {CALL(FIB_ScanNhpGroupNode, 3U, OutIndexes(), uint8_t{0}, Out32{0}), "NONE - - 0 | OrmScanNext ret:0, isEof:1. session: 0, scan: 0"},
+        {CALL(FIB_ScanNhpGroupNode, 3U, OutIndexes(), uint8_t{1}, Out32{0}), "NONE - - 0 | OrmScanNext ret:0, isEof:1. session: 0, scan: 0"},
     });
 }
 // clang-format on
-
-TEST_F(Route, GroupMembersAreGatheredBehindThoseThere)
-{
-    for (const char* member : {"1", "2", "3", "4", "5", "6", "7", "8"}) {
-        Load(Fill(R"({"Fib.ConfigNhpGroupNode": [{"nhpGroupId": 2, "primaryNhpId": 20$}]})",
-                  {{"$", member}}));
-    }
-    uint32_t indexes[9] = {};
-    uint32_t count      = 0;
-    EXPECT_EQ(FIB_ScanNhpGroupNode(1, indexes, 1, &count), 0U);
-    EXPECT_EQ(FIB_ScanNhpGroupNode(2, indexes, 1, &count), 0U);
-    EXPECT_EQ(count, 8U);
-    EXPECT_EQ(std::vector<uint32_t>(indexes, indexes + 9),
-              (std::vector<uint32_t>{101, 102, 201, 202, 203, 204, 205, 206, 0}));
-    for (const uint8_t multiple : {uint8_t{0}, uint8_t{1}}) {
-        EXPECT_EQ(FIB_ScanNhpGroupNode(3, indexes, multiple, &count), UINT32_MAX);
-    }
-}
 
 }  // namespace
 
