@@ -17,26 +17,13 @@
 
 namespace {
 
+using namespace support;
 using sources::Cluster;
 using sources::ovsdb::Replica;
-using support::Base;
-using support::Change;
-using support::Events;
-using support::Eventually;
-using support::Phy;
-using support::Speed;
-using support::Wire;
 
 using namespace std::chrono_literals;
 
-class ClusterTest : public support::PlatformTest {
-protected:
-    void SetUp() override
-    {
-        PlatformTest::SetUp();
-        support::WatchPlatform(false);
-    }
-};
+class ClusterTest : public PlatformTest {};
 
 TEST_F(ClusterTest, TheKeptSchemaIsUpToDate)
 {
@@ -74,7 +61,7 @@ TEST_F(ClusterTest, ARowThatBreaksARuleIsReportedAndSkipped)
                           {"Fib_ConfigNhpStandard",
                            {{"c", {{"initial", {{"nhpIndex", 7}, {"next_hop", "256"}}}}}}}});
     EXPECT_EQ(NameOf(1) + NameOf(2), "nonetwo");
-    const std::string log = support::TakeLogText();
+    const std::string log = TakeLogText();
     EXPECT_NE(log.find("if_base: if_index 1: /description: "), std::string::npos) << log;
     EXPECT_NE(log.find("NhpStandard: nhpIndex 7: /next_hop: \"256\" is not"), std::string::npos)
         << log;
@@ -93,7 +80,7 @@ TEST_F(ClusterTest, ARowThatBreaksARuleIsReportedAndSkipped)
     for (const auto& [changes, names, reports] : steps) {
         replica.TakeChanges(Interfaces(changes));
         EXPECT_EQ(NameOf(1) + NameOf(2), names);
-        EXPECT_EQ(support::TakeLog().size(), reports) << names;
+        EXPECT_EQ(TakeLog().size(), reports) << names;
     }
 }
 
@@ -108,8 +95,7 @@ TEST_F(ClusterTest, KeysChangeHandsInOneTransaction)
 
     // A row under one that has its key waits behind it.
     replica.TakeChanges(Interfaces({{"c", {{"insert", Interface(3, "x")}}}}));
-    EXPECT_EQ(support::TakeLogText(),
-              "if_base: if_index 3: another row has its key: not taken over\n");
+    EXPECT_EQ(TakeLogText(), "if_base: if_index 3: another row has its key: not taken over\n");
     EXPECT_EQ(NameOf(2) + NameOf(3), "xnone");
     replica.TakeChanges(Interfaces({{"b", named("z")}}));
     EXPECT_EQ(NameOf(2) + NameOf(3), "zx");
@@ -138,9 +124,9 @@ TEST_F(ClusterTest, ServersAreNamedInManyWays)
 // Why a server is no good that says these words to everybody, whatever it is asked.
 std::string FaultOfServer(const std::string& words, std::chrono::milliseconds patience)
 {
-    const support::Folder folder;
-    const int             listener = socket(AF_UNIX, SOCK_STREAM, 0);
-    sockaddr_un           address{.sun_family = AF_UNIX, .sun_path = {}};
+    const Folder folder;
+    const int    listener = socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un  address{.sun_family = AF_UNIX, .sun_path = {}};
     (folder / "s").copy(address.sun_path, sizeof(address.sun_path) - 1);
     EXPECT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
     listen(listener, 8);
@@ -191,7 +177,7 @@ TEST_F(ClusterTest, NonsenseIsReportedAndChangesNothing)
          "out of range"},
         {here, "silent"},
     };
-    support::writes::Write(support::writes::Insert, {Phy(1, 5)});
+    writes::Write(writes::Insert, {Phy(1, 5)});
     for (const auto& [words, reason] : nonsense) {
         std::string fault = "none";
         for (auto patience = 20ms; patience < 10s && fault.find(reason) == std::string::npos;
