@@ -180,7 +180,7 @@ TEST_F(ServersTest, OverTcpAndTls)
                                  key + " --certificate=" + pem + " --ca-cert=" + pem);
     const auto        withPort = [&](const std::string& address) {
         const auto port = support::Run("sed -n 's/.*:" + address + ": listening on port //p' " +
-                                              folder_ / "first.log" + " | tr -d '\n'");
+                                              folder_ / "first.log" + " | tr -d '\\n'");
         return address + ":" + port.output;
     };
     const std::string tls = "ssl:" + withPort("127.0.0.2");
@@ -270,8 +270,13 @@ TEST_F(ServersTest, EveryCommittedChangeIsOneEventThoughLeadersDie)
     };
     first.Transact({NewRow("if_phy", {{"if_index", 1}})});
     Cluster    cluster(first.Remote() + "," + second.Remote() + "," + third.Remote(), brisk);
-    const auto followed = [&] {
-        return *std::ranges::find(servers, cluster.Server(), &OvsdbServer::Remote);
+    const auto followed = [&]() -> OvsdbServer& {
+        const auto* found = std::end(servers);
+        EXPECT_TRUE(Eventually([&] {
+            found = std::ranges::find(servers, cluster.Server(), &OvsdbServer::Remote);
+            return found != std::end(servers);
+        }));
+        return **found;
     };
     const Events events;
     cluster.Follow();
@@ -282,13 +287,13 @@ TEST_F(ServersTest, EveryCommittedChangeIsOneEventThoughLeadersDie)
                 write(round * each + i);
         });
         EXPECT_TRUE(Eventually([&] { return Speed(1) > round * each + each / 4; }));
-        OvsdbServer& leader = *followed();
+        OvsdbServer& leader = followed();
         EXPECT_TRUE(leader.IsLeader());
         leader.Stop(SIGKILL);
         writer.join();
         EXPECT_TRUE(Eventually([&] { return Speed(1) == (round + 1) * each; }));
         EXPECT_NE(cluster.Server(), leader.Remote());
-        ExpectSameAs(*followed());
+        ExpectSameAs(followed());
         leader.Start();
     }
     EXPECT_TRUE(Eventually([&] { return Events::Count("if_base") >= rounds * each; }));
