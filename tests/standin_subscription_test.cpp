@@ -50,10 +50,7 @@ namespace {
 
 using standin::Transaction;
 using support::Phy;
-using support::writes::Delete;
-using support::writes::Insert;
-using support::writes::Update;
-using support::writes::Write;
+using namespace support::writes;
 using Lines = std::vector<std::string>;
 
 constexpr const char* everything =
