@@ -1,11 +1,9 @@
 // List operations in any order, with memory that runs out now and then, against vectors.
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 #include <utility>
 #include <vector>
 
-#include <tarnd_platform/bounded.h>
 #include <tarnd_platform/memory.h>
 #include <tarnd_qrb/util_list.h>
 
@@ -13,13 +11,8 @@
 
 namespace {
 
-uint32_t blocks    = 0;  // in use
-uint32_t callsLeft = 0;  // before one fails; 0: none does
-
-bool FailsNow()
-{
-    return callsLeft > 0 && --callsLeft == 0;
-}
+uint32_t blocks          = 0;  // in use
+uint32_t allocationsLeft = 0;  // before one fails; 0: none does
 
 }  // namespace
 
@@ -27,7 +20,7 @@ bool FailsNow()
 extern "C" void* malloc_ex(uint16_t /*handle*/, const char* /*file*/, uint32_t /*line*/,
                            size_t size)
 {
-    if (FailsNow()) {
+    if (allocationsLeft > 0 && --allocationsLeft == 0) {
         return nullptr;
     }
     blocks++;
@@ -38,16 +31,6 @@ extern "C" void free_ex(uint16_t /*handle*/, void* memory)
 {
     blocks -= memory != nullptr ? 1 : 0;
     std::free(memory);
-}
-
-extern "C" int memcpy_s(void* to, size_t capacity, const void* from, size_t size)
-{
-    CHECK(size <= capacity);
-    if (FailsNow()) {
-        return 22;
-    }
-    std::memcpy(to, from, size);
-    return 0;
 }
 
 namespace {
@@ -111,42 +94,24 @@ bool IsAtLeast(const void* element, uint64_t context)
     return ValueIn(element) >= context;
 }
 
-// The ways into a list: an element, or a node made beforehand, which is linked by a second call.
 enum class Place { Front, Back, Before, Sorted };
 
+// The ways into a place: a value, copied or moved, or a node that was made of one beforehand.
 struct Way {
     Place place;
-    bool  moves;
-    uint32_t (*insert)(List* list, Node at, Owner* value, uint64_t order);
+    uint32_t (*copy)(List* list, Node at, Owner* value, uint64_t order);
+    uint32_t (*move)(List* list, Node at, Owner* value, uint64_t order);
+    void (*link)(List* list, Node at, Node node, uint64_t order);
 };
 
-template <typename Link>
-uint32_t Then(Node built, Link link)
-{
-    if (built == nullptr) {
-        return 1;
-    }
-    CHECK(built->next == nullptr && built->prev == nullptr);
-    link(built);
-    return 0;
-}
-
 // clang-format off
-#define BY(...) [](List* l, [[maybe_unused]] Node at, Owner* v, [[maybe_unused]] uint64_t order) { return __VA_ARGS__; }
-#define LINK(...) [&](Node n) { __VA_ARGS__; }
+#define BY(...) [](List* l, [[maybe_unused]] Node at, auto* v, [[maybe_unused]] uint64_t order) { return __VA_ARGS__; }
 constexpr Way ways[] = {
-    {Place::Front, false, BY(UTIL_LIST_PushFront(l, v))},
-    {Place::Front, true, BY(UTIL_LIST_PushFrontMove(l, v))},
-    {Place::Front, false, BY(Then(UTIL_LIST_ConstructNodeCopy(v, l->traits), LINK(UTIL_LIST_PushFrontImpl(l, n))))},
-    {Place::Back, false, BY(UTIL_LIST_PushBack(l, v))},
-    {Place::Back, true, BY(UTIL_LIST_PushBackMove(l, v))},
-    {Place::Back, true, BY(Then(UTIL_LIST_ConstructNodeMove(v, l->traits), LINK(UTIL_LIST_PushBackImpl(l, n))))},
-    {Place::Before, false, BY(UTIL_LIST_InsertBefore(l, at, v))},
-    {Place::Before, true, BY(UTIL_LIST_InsertBeforeMove(l, at, v))},
-    {Place::Before, false, BY(Then(UTIL_LIST_ConstructNodeCopy(v, l->traits), LINK(UTIL_LIST_InsertBeforeImpl(l, at, n))))},
-    {Place::Sorted, false, BY(UTIL_LIST_SortedInsert(l, v, StaysAhead, order))},
-    {Place::Sorted, true, BY(UTIL_LIST_SortedInsertMove(l, v, StaysAhead, order))},
-    {Place::Sorted, true, BY(Then(UTIL_LIST_ConstructNodeMove(v, l->traits), LINK(UTIL_LIST_SortedInsertImpl(l, n, StaysAhead, order))))},
+    {Place::Front, BY(UTIL_LIST_PushFront(l, v)), BY(UTIL_LIST_PushFrontMove(l, v)), BY(UTIL_LIST_PushFrontImpl(l, v))},
+    {Place::Back, BY(UTIL_LIST_PushBack(l, v)), BY(UTIL_LIST_PushBackMove(l, v)), BY(UTIL_LIST_PushBackImpl(l, v))},
+    {Place::Before, BY(UTIL_LIST_InsertBefore(l, at, v)), BY(UTIL_LIST_InsertBeforeMove(l, at, v)), BY(UTIL_LIST_InsertBeforeImpl(l, at, v))},
+    {Place::Sorted, BY(UTIL_LIST_SortedInsert(l, v, StaysAhead, order)), BY(UTIL_LIST_SortedInsertMove(l, v, StaysAhead, order)),
+     BY(UTIL_LIST_SortedInsertImpl(l, v, StaysAhead, order))},
 };
 // clang-format on
 
@@ -193,10 +158,26 @@ Pair& Any()
     return pairs[Below(std::size(pairs))];
 }
 
+// False where that fails.
+bool Put(const Way& way, bool moves, List& list, Node at, Owner* value, uint64_t order)
+{
+    if (Below(2) == 0) {
+        return (moves ? way.move : way.copy)(&list, at, value, order) == 0;
+    }
+    const Node node = moves ? UTIL_LIST_ConstructNodeMove(value, list.traits)
+                            : UTIL_LIST_ConstructNodeCopy(value, list.traits);
+    if (node != nullptr) {
+        CHECK(node->next == nullptr && node->prev == nullptr);
+        way.link(&list, at, node, order);
+    }
+    return node != nullptr;
+}
+
 void Insert()
 {
     auto& [list, model]  = Any();
     const Way&     way   = ways[Below(std::size(ways))];
+    const bool     moves = Below(2) != 0;
     const uint64_t order = Below(2);
     const uint32_t value = Below(10);
     auto           place = model.end();
@@ -207,13 +188,13 @@ void Insert()
     } else if (way.place == Place::Sorted) {
         place = std::ranges::find_if(model, [=](auto one) { return one + order <= value; });
     }
-    Owner      given  = Make(value);
-    const bool failed = way.insert(&list, NodeAt(list, place - model.begin()), &given, order) != 0;
-    CHECK((given == nullptr) == (way.moves && !failed && list.traits->constructMove != nullptr));
-    if (failed || !way.moves) {
+    Owner      given = Make(value);
+    const bool done  = Put(way, moves, list, NodeAt(list, place - model.begin()), &given, order);
+    CHECK((given == nullptr) == (moves && done && list.traits->constructMove != nullptr));
+    if (!moves || !done) {
         Destroy(&given);
     }
-    if (!failed) {
+    if (done) {
         model.insert(place, value);
     }
 }
@@ -221,14 +202,14 @@ void Insert()
 // Nothing, in a list of nothing, or as large as nothing can be.
 void Refuse()
 {
-    constexpr UTIL_LIST_TRAITS_S absurd = {~uint64_t{0} - 8, nullptr, nullptr, nullptr,
-                                           nullptr,          nullptr, nullptr};
-    for (const UTIL_LIST_TRAITS_S* traits : {&owners[0], &absurd, {}}) {
+    UTIL_LIST_TRAITS_S absurd = owners[0];
+    absurd.elemSize           = ~uint64_t{0} - 8;
+    for (const UTIL_LIST_TRAITS_S* traits : {&owners[0], &std::as_const(absurd), {}}) {
         List  list;
         Owner value = nullptr;
         UTIL_LIST_Construct(&list, traits);
-        CHECK(ways[Below(std::size(ways))].insert(&list, nullptr,
-                                                  traits == owners ? nullptr : &value, 0) != 0);
+        CHECK(!Put(ways[Below(std::size(ways))], Below(2) != 0, list, nullptr,
+                   traits == owners ? nullptr : &value, 0));
         CHECK(ValuesIn(list).empty());
     }
 }
@@ -310,21 +291,22 @@ void MoveWhole()
     Pair& target = Any();
     if (&source != &target) {
         UTIL_LIST_Destruct(&target.list);
-        target.model = std::exchange(source.model, {});
     }
     UTIL_LIST_ConstructMove(&target.list, &source.list);
+    target.model = std::exchange(source.model, {});
 }
 
 // Where memory runs out, what was copied so far stays.
 void CopyWhole()
 {
-    const Pair& source = Any();
-    Pair&       target = Any();
+    Pair& source = Any();
+    Pair& target = Any();
     if (&source != &target) {
         UTIL_LIST_Destruct(&target.list);
-        target.model = source.model;
     }
-    if (UTIL_LIST_ConstructCopy(&target.list, &source.list) != 0) {
+    const bool failed = UTIL_LIST_ConstructCopy(&target.list, &source.list) != 0;
+    target.model      = source.model;
+    if (failed) {
         CHECK(target.list.count < target.model.size());
         target.model.resize(target.list.count);
     }
@@ -335,10 +317,8 @@ void Concatenate()
     Pair& target = Any();
     Pair& source = Any();
     UTIL_LIST_ConcatenateMove(&target.list, &source.list);
-    if (&target != &source) {
-        target.model.insert(target.model.end(), source.model.begin(), source.model.end());
-        source.model.clear();
-    }
+    const Model moved = std::exchange(source.model, {});
+    target.model.insert(target.model.end(), moved.begin(), moved.end());
 }
 
 // A list as an element, by value or by pointer: copied, moved, and copied when it has been moved.
@@ -349,7 +329,7 @@ void Nest()
         List* pointer;
     } copied, moved, left;
     const auto& [list, model]   = Any();
-    const bool        scarce    = callsLeft > 0;
+    const bool        scarce    = allocationsLeft > 0;
     const bool        byPointer = Below(2) != 0;
     const List* const pointer   = &list;
     const auto&       traits    = byPointer ? g_utilListByPtrTraits : g_utilListByValueTraits;
@@ -389,13 +369,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         UTIL_LIST_Construct(&pair.list, &traits);
     }
     while (all.remaining_bytes() > 0) {
-        callsLeft = Below(16) == 0 ? 1 + Below(4) : 0;
+        allocationsLeft = Below(16) == 0 ? 1 + Below(4) : 0;
         steps[Below(std::size(steps))]();
         for (const Pair& pair : pairs) {
             CHECK(ValuesIn(pair.list) == pair.model);
         }
     }
-    callsLeft = 0;
+    allocationsLeft = 0;
     for (Pair& pair : pairs) {
         UTIL_LIST_Destruct(&pair.list);
         pair.model.clear();
