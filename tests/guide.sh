@@ -27,21 +27,24 @@ tar -C "$tree" --exclude=./build --exclude=./.git -cf - . | tar -C "$scratch/tre
 
 if [ -n "$build" ]; then
     cmake --install "$build" --prefix "$scratch/installed" >/dev/null
-    export PATH=$scratch/installed/bin:$PATH
-    export CMAKE_PREFIX_PATH=$scratch/installed
+    export PATH=$scratch/installed/bin:$PATH CMAKE_PREFIX_PATH=$scratch/installed
     PKG_CONFIG_PATH=$(dirname "$(find "$scratch/installed" -name tarnd_qrb.pc)")
     LD_LIBRARY_PATH=$(dirname "$PKG_CONFIG_PATH")
     export PKG_CONFIG_PATH LD_LIBRARY_PATH
 fi
 
-# Each block becomes a file that is numbered in order: 3.sh and 3.expected, or 4.write and 4.name.
+# Each block becomes files that are numbered in order: 3.sh, to be run, and 3.expected, or what is to
+# be written, 4.text, and 4.sh, which does so.
 awk -v blocks="$scratch/blocks" '
     /^```/ && !inside { inside = 1; language = substr($1, 4); name = $2; body = ""; next }
     /^```/ {
         inside = 0
         if (language == "sh") { file = ++count ".sh" }
         else if (language == "text" && adjacent) { file = count ".expected" }
-        else if (name != "") { file = ++count ".write"; print name > (blocks "/" count ".name") }
+        else if (name != "") {
+            file = ++count ".text"
+            print "mkdir -p $(dirname " name ") && cp " blocks "/" file " " name > (blocks "/" count ".sh")
+        }
         else { next }
         printf "%s", body > (blocks "/" file)
         adjacent = language == "sh"
@@ -49,7 +52,6 @@ awk -v blocks="$scratch/blocks" '
     }
     inside { body = body $0 "\n"; next }
     /[^ ]/ { adjacent = 0 }
-    END { print count + 0 > (blocks "/count") }
 ' "$guide"
 
 # Whether the text in file $2 is that in $1, but for what "..." stands for.
@@ -61,15 +63,10 @@ matches() {
 }
 
 cd "$scratch/tree"
-for ((number = 1; number <= $(cat "$scratch/blocks/count"); ++number)); do
-    block=$scratch/blocks/$number
-    if [ -f "$block.write" ]; then
-        mkdir -p "$(dirname "$(cat "$block.name")")"
-        cp "$block.write" "$(cat "$block.name")"
-        continue
-    fi
+for script in $(find "$scratch/blocks" -name '*.sh' | sort -V); do
+    block=${script%.sh}
     # shellcheck disable=SC1090
-    . "$block.sh" >"$block.printed" 2>&1 3>&- </dev/null  # what it leaves running holds nothing of ours
+    . "$script" >"$block.printed" 2>&1 3>&- </dev/null  # what it leaves running holds nothing of ours
     [ ! -f "$block.expected" ] || matches "$block.expected" "$block.printed"
 done
 block=

@@ -41,62 +41,43 @@ std::vector<Row> RowsOf(const char* table)
     return support::RowsOf(*standin::FindTable(table));
 }
 
-// Of each link: index, name, MAC address, carrier twice, running, member of a bridge; and of each
-// address: the link's index, address, length, type code.
-using View = std::set<Json>;
-
-// A link's row in one table.
-Json RowOf(const char* table, uint64_t index)
-{
-    const auto row = standin::Find(Row(table).Set("if_index", index));
-    return row ? sources::RowToJson(*row) : Json::object();
-}
-
-View InDatabase()
-{
-    View view;
-    for (const Row& row : RowsOf("if_base")) {
-        const uint64_t index = row.Number("if_index");
-        const Json     phy   = RowOf("if_phy", index);
-        view.insert({index, row.Text("if_name"), phy.value("mac_addr", "00:00:00:00:00:00"),
-                     phy.value("phy_state", 0) == 1,
-                     RowOf("if_link", index).value("link_state", 0) == 1,
-                     RowOf("if_route", index).value("route_state", 0) == 1,
-                     RowOf("port", index).value("switch_port", 0) == 1});
-    }
-    for (const Row& row : RowsOf("am_ipv4_address")) {
-        const Json json = sources::RowToJson(row);
-        for (const Json& item : json["ipv4_address_list"])
-            view.insert({json["if_index"], item["address"], item["masklen"], item["type"]});
-    }
-    return view;
-}
-
-View OfSystem()
-{
-    View view;
-    for (const auto& link : AskIp("-details address")) {
-        const std::set<std::string> flags   = link["flags"];
-        const bool                  running = flags.contains("UP") && !flags.contains("NO-CARRIER");
-        const std::string master = link.value("/linkinfo/info_slave_kind"_json_pointer, "");
-        const uint64_t    index  = link["ifindex"];
-        view.insert({index, link["ifname"], link.value("address", "00:00:00:00:00:00"),
-                     flags.contains("LOWER_UP"), flags.contains("LOWER_UP"), running,
-                     master == "bridge"});
-        for (int type = 1; const auto& info : link["addr_info"]) {
-            if (info["family"] == "inet")
-                view.insert({index, info["local"], info["prefixlen"], std::exchange(type, 2)});
-        }
-    }
-    return view;
-}
-
+// Each link has a row in each of its tables, and one more for its addresses; there are no others.
 bool SameInterfaces()
 {
-    const auto isComplete = [](const char* table) {
-        return RowsOf(table).size() == RowsOf("if_base").size();
-    };
-    return InDatabase() == OfSystem() && std::ranges::all_of(sources::linkTables, isComplete);
+    const std::string noMac       = "00:00:00:00:00:00";
+    const Json        links       = AskIp("-details address");
+    size_t            withAddress = 0;
+    for (const Json& link : links) {
+        const auto rowOf = [index = link["ifindex"].get<uint64_t>()](const char* table) {
+            const auto row = standin::Find(Row(table).Set("if_index", index));
+            return row ? sources::RowToJson(*row) : Json::object();
+        };
+        const std::set<std::string> flags   = link["flags"];
+        const bool                  carrier = flags.contains("LOWER_UP");
+        const bool                  running = flags.contains("UP") && !flags.contains("NO-CARRIER");
+        const std::string master = link.value("/linkinfo/info_slave_kind"_json_pointer, "");
+        std::set<Json>    expected;
+        std::set<Json>    addresses;
+        for (int type = 1; const Json& info : link["addr_info"]) {
+            if (info["family"] == "inet")
+                expected.insert({info["local"], info["prefixlen"], std::exchange(type, 2)});
+        }
+        for (const Json& item : rowOf("am_ipv4_address").value("ipv4_address_list", Json::array()))
+            addresses.insert({item["address"], item["masklen"], item["type"]});
+        withAddress += expected.empty() ? 0U : 1U;
+        if (rowOf("if_base").value("if_name", "") != link["ifname"] ||
+            rowOf("if_phy").value("mac_addr", noMac) != link.value("address", noMac) ||
+            rowOf("if_phy").value("phy_state", 0) != (carrier ? 1 : 0) ||
+            rowOf("if_link").value("link_state", 0) != (carrier ? 1 : 0) ||
+            rowOf("if_route").value("route_state", 0) != (running ? 1 : 0) ||
+            rowOf("port").value("switch_port", 0) != (master == "bridge" ? 1 : 0) ||
+            addresses != expected)
+            return false;
+    }
+    return RowsOf("am_ipv4_address").size() == withAddress &&
+           std::ranges::all_of(sources::linkTables, [&](const char* table) {
+               return RowsOf(table).size() == links.size();
+           });
 }
 
 // Among the next hops that the library names is the one that the kernel would use now; it names
