@@ -13,9 +13,7 @@
 //     size!     0 - | ...                     a step behind which the clean-ups fail as well
 //     close     =                             nobody asks: as if nothing had failed
 //     any       1 - | ...                     every step that is not told before
-//
-//     within   QRB_DB_Get@2  1 -              as every step of that call, here in the second
-//     session
+//     within    QRB_DB_Get@2  1 -             as that call's steps, here in the second session
 //
 // Steps go by what they do (see STEPS), or by the operation's own name. Of several that fit, the
 // first counts; one that never comes is a mistake. Outputs that were left alone are "-", 0xFFFFFFFF
