@@ -30,7 +30,10 @@ TEST_F(Faults, OfEveryStepAreReportedAndLeaveNothingBehind)
         Expectation expectation = Read(call);
         ASSERT_EQ(Perform(call), expectation.good) << call.name;
         Lines points = support::FaultPoints();
-        std::erase(points, "epoll_wait");  // the listener's thread comes to it when it may
+        // What the listener's thread does beside, when it may: it logs its start, and waits.
+        std::erase_if(points, [&](const std::string& point) {
+            return point == "epoll_wait" || (IsLogging(point) && expectation.good.size() == 1);
+        });
 
         const auto inject = [&](const Fault& fault) {
             const std::string where =
