@@ -84,6 +84,7 @@ TEST_F(EventRegistry, TheTreeHoldsEverySubEventAndNoOther)
         EXPECT_EQ(event.parent, &g_qrbIFEventCallbacks);
         if (const uint32_t count = event.childCount; count != 0) {
             EXPECT_EQ(event.children[count - 1].parent, &event);
+            EXPECT_EQ(IF_INTF_RegEvtCb(eventId, 0, nullptr, 0, 0), 0U);
             EXPECT_EQ(IF_INTF_RegEvtCb(eventId, count - 1, nullptr, 0, 0), 0U);
             subEvents += std::to_string(eventId) + ":" + std::to_string(count) + " ";
         }
@@ -91,6 +92,8 @@ TEST_F(EventRegistry, TheTreeHoldsEverySubEventAndNoOther)
     EXPECT_EQ(g_qrbIFEventCallbacks.childCount, 76U);
     EXPECT_EQ(subEvents,
               "1:10 2:13 3:7 5:46 7:55 8:32 9:14 11:3 12:5 46:9 52:2 58:4 66:2 67:12 71:1 74:1 ");
+    IF_EvtDeInit();
+    EXPECT_EQ(support::LibraryBlocks(), 0);
 }
 
 // Callbacks that do, at random, what callbacks may: register, unregister, tear down, publish. Held
