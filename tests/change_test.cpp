@@ -10,7 +10,7 @@
 #include "calls/calls.h"
 #include "sources/host.h"
 #include "support/events.h"
-#include "support/network.h"
+#include "support/system.h"
 #include "support/writes.h"
 
 namespace {

@@ -5,11 +5,10 @@
 
 #include "sources/cluster.h"
 #include "support/changes.h"
-#include "support/command.h"
-#include "support/network.h"
 #include "support/ovsdb.h"
 #include "support/platform.h"
 #include "support/rows.h"
+#include "support/system.h"
 #include "support/writes.h"
 
 namespace {

@@ -5,14 +5,12 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <fstream>
-#include <sstream>
 #include <thread>
 
 #include "support/changes.h"
-#include "support/network.h"
 #include "support/ovsdb.h"
 #include "support/platform.h"
+#include "support/system.h"
 #include "support/writes.h"
 
 namespace {
@@ -27,9 +25,8 @@ class ClusterTest : public PlatformTest {};
 
 TEST_F(ClusterTest, TheKeptSchemaIsUpToDate)
 {
-    std::ostringstream kept;
-    kept << std::ifstream(TARND_PROJECT_ROOT "/data/tarnd_qrb.ovsschema").rdbuf();
-    EXPECT_EQ(kept.str(), sources::ovsdb::Schema().dump(2) + "\n")
+    EXPECT_EQ(TextOf(TARND_PROJECT_ROOT "/data/tarnd_qrb.ovsschema"),
+              sources::ovsdb::Schema().dump(2) + "\n")
         << "to be made anew: ovsdb_schema > data/tarnd_qrb.ovsschema";
 }
 

@@ -14,9 +14,9 @@
 #include "sources/host.h"
 #include "sources/host_mirror.h"
 #include "sources/json_row.h"
-#include "support/network.h"
 #include "support/platform.h"
 #include "support/rows.h"
+#include "support/system.h"
 
 namespace {
 

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <fstream>
 #include <regex>
-#include <sstream>
 
 #include "support/platform.h"
 #include "support/rows.h"
+#include "support/system.h"
 #include "support/writes.h"
 
 namespace {
@@ -19,13 +19,6 @@ using standin::Table;
 using support::RowsOf;
 
 const std::string projectRoot = TARND_PROJECT_ROOT;
-
-std::string ReadText(const std::string& file)
-{
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    return text.str();
-}
 
 // In memory.
 const std::string deviceFile =
@@ -193,7 +186,7 @@ TEST_F(JsonTest, ThePageListsEveryTableAndField)
                 expected += LineOf(std::string(list.name) + "[].", field);
         }
     }
-    const std::string page = ReadText(projectRoot + "/docs/json-format.md");
+    const std::string page = support::TextOf(projectRoot + "/docs/json-format.md");
     const std::regex  described(R"((^|\n)(### `.*`|\| `[^`]*` \| [^|]* \|))");
     std::string       listed;
     for (std::sregex_iterator at(page.begin(), page.end(), described), end; at != end; ++at)
@@ -203,7 +196,7 @@ TEST_F(JsonTest, ThePageListsEveryTableAndField)
 
 TEST_F(JsonTest, ThePagesExamplesLoad)
 {
-    const std::string page = ReadText(projectRoot + "/docs/json-format.md");
+    const std::string page = support::TextOf(projectRoot + "/docs/json-format.md");
     const std::regex  example("```json\n([^`]*)```");
     size_t            examples = 0;
     for (std::sregex_iterator at(page.begin(), page.end(), example), end; at != end; ++at) {

@@ -12,7 +12,7 @@
 #include <filesystem>
 
 #include "support/events.h"
-#include "support/network.h"
+#include "support/system.h"
 #include "support/writes.h"
 
 namespace {

@@ -1,5 +1,4 @@
 // The shell, run as a program on the example device.
-#include <fstream>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -8,22 +7,16 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "support/command.h"
+#include "support/system.h"
 
 namespace {
 
 using Json  = nlohmann::ordered_json;
 using Names = std::set<std::string>;
+using support::TextOf;
 
 const std::string root   = TARND_PROJECT_ROOT;
 const std::string device = root + "/data/access-switch.json ";
-
-std::string TextOf(const std::string& file)
-{
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    return text.str();
-}
 
 // Input: a command that prints it.
 support::Outcome RunShell(const std::string& arguments, const std::string& input = "true")

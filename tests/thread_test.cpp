@@ -7,7 +7,7 @@
 #include <tarnd_qrb/table_walk.h>
 
 #include "calls/calls.h"
-#include "support/network.h"
+#include "support/system.h"
 #include "support/writes.h"
 
 namespace {

@@ -11,7 +11,7 @@
 #include <mutex>
 #include <utility>
 
-#include "support/network.h"
+#include "support/system.h"
 #include "support/writes.h"
 
 namespace support {

@@ -16,9 +16,8 @@
 
 #include "sources/ovsdb_connection.h"
 #include "sources/ovsdb_write.h"
-#include "support/command.h"
-#include "support/network.h"
 #include "support/platform.h"
+#include "support/system.h"
 
 namespace support {
 

@@ -1,17 +1,45 @@
-// What a test makes of the operating system's network, and waits for.
+// What a test does with the operating system, and waits for.
 #pragma once
 
 #include <sched.h>
+#include <sys/wait.h>
 
 #include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
 #include <string>
 #include <thread>
 
 #include <gtest/gtest.h>
 
-#include "support/command.h"
-
 namespace support {
+
+inline std::string TextOf(const std::string& file)
+{
+    std::ostringstream text;
+    text << std::ifstream(file).rdbuf();
+    return text.str();
+}
+
+struct Outcome {
+    int         status;  // -1: it did not end by itself
+    std::string output;
+};
+
+// Runs a command of the shell's.
+inline Outcome Run(const std::string& command)
+{
+    Outcome     outcome{-1, ""};
+    FILE* const pipe = popen(command.c_str(), "r");
+    if (pipe == nullptr)
+        return outcome;
+    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe))
+        outcome.output.push_back(static_cast<char>(c));
+    const int ended = pclose(pipe);
+    outcome.status  = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
+    return outcome;
+}
 
 // Runs "ip" with these arguments; several commands are separated by ";".
 inline void Ip(const std::string& commands)
