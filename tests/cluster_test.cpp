@@ -120,7 +120,7 @@ std::string FaultOfServer(const std::string& words, std::chrono::milliseconds pa
     (folder / "s").copy(address.sun_path, sizeof(address.sun_path) - 1);
     EXPECT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
     listen(listener, 8);
-    std::jthread server([&] {
+    std::jthread      server([&] {
         for (int peer = 0; (peer = accept(listener, nullptr, nullptr)) >= 0; close(peer)) {
             send(peer, words.data(), words.size(), MSG_NOSIGNAL);
             char ignored[4096];
@@ -128,12 +128,9 @@ std::string FaultOfServer(const std::string& words, std::chrono::milliseconds pa
             }
         }
     });
-    std::string  fault = "none";
-    try {
+    const std::string fault = RefusalOf([&] {
         Cluster("unix:" + folder / "s", {patience, 20ms, 5ms, 5ms});
-    } catch (const standin::Error& error) {
-        fault = error.what();
-    }
+    });
     shutdown(listener, SHUT_RDWR);
     server.join();
     close(listener);

@@ -33,23 +33,18 @@ class RandomRows {
 public:
     explicit RandomRows(uint64_t seed) : random_(seed) {}
 
-    standin::Row Next(const standin::Table& table)
-    {
-        standin::Row row(table);
-        for (const standin::Field& field : table.fields)
-            Fill(row, field);
-        for (const standin::List& list : table.lists)
-            FillList(row, list);
-        return row;
-    }
-
     // So many of each.
     std::vector<standin::Row> ForAllTables(int number)
     {
         std::vector<standin::Row> rows;
         for (const standin::Table& table : standin::Tables()) {
-            for (int i = 0; i < number; ++i)
-                rows.push_back(Next(table));
+            for (int i = 0; i < number; ++i) {
+                standin::Row& row = rows.emplace_back(table);
+                for (const standin::Field& field : table.fields)
+                    Fill(row, field);
+                for (const standin::List& list : table.lists)
+                    FillList(row, list);
+            }
         }
         return rows;
     }

@@ -22,6 +22,18 @@ inline std::string TextOf(const std::string& file)
     return text.str();
 }
 
+// The text of what the action throws; empty where it throws nothing.
+template <typename Action>
+std::string RefusalOf(const Action& action)
+{
+    try {
+        action();
+        return "";
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+}
+
 struct Outcome {
     int         status;  // -1: it did not end by itself
     std::string output;
