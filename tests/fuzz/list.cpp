@@ -1,9 +1,12 @@
-// List operations in any order, with memory that runs out now and then, against vectors.
+// List operations in any order, with memory that runs out and copies that fail now and then,
+// against vectors.
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 #include <utility>
 #include <vector>
 
+#include <tarnd_platform/bounded.h>
 #include <tarnd_platform/memory.h>
 #include <tarnd_qrb/util_list.h>
 
@@ -11,8 +14,13 @@
 
 namespace {
 
-uint32_t blocks          = 0;  // in use
-uint32_t allocationsLeft = 0;  // before one fails; 0: none does
+uint32_t blocks    = 0;  // in use
+uint32_t stepsLeft = 0;  // to the one that fails; 0: none does
+
+bool Fails()
+{
+    return stepsLeft > 0 && --stepsLeft == 0;
+}
 
 }  // namespace
 
@@ -20,11 +28,20 @@ uint32_t allocationsLeft = 0;  // before one fails; 0: none does
 extern "C" void* malloc_ex(uint16_t /*handle*/, const char* /*file*/, uint32_t /*line*/,
                            size_t size)
 {
-    if (allocationsLeft > 0 && --allocationsLeft == 0) {
+    if (Fails()) {
         return nullptr;
     }
     blocks++;
     return std::malloc(size);
+}
+
+extern "C" int memcpy_s(void* destination, size_t /*size*/, const void* source, size_t count)
+{
+    if (Fails()) {
+        return 1;
+    }
+    std::memcpy(destination, source, count);
+    return 0;
 }
 
 extern "C" void free_ex(uint16_t /*handle*/, void* memory)
@@ -329,7 +346,7 @@ void Nest()
         List* pointer;
     } copied, moved, left;
     const auto& [list, model]   = Any();
-    const bool        scarce    = allocationsLeft > 0;
+    const bool        scarce    = stepsLeft > 0;
     const bool        byPointer = Below(2) != 0;
     const List* const pointer   = &list;
     const auto&       traits    = byPointer ? g_utilListByPtrTraits : g_utilListByValueTraits;
@@ -369,13 +386,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         UTIL_LIST_Construct(&pair.list, &traits);
     }
     while (all.remaining_bytes() > 0) {
-        allocationsLeft = Below(16) == 0 ? 1 + Below(4) : 0;
+        stepsLeft = Below(16) == 0 ? 1 + Below(4) : 0;
         steps[Below(std::size(steps))]();
         for (const Pair& pair : pairs) {
             CHECK(ValuesIn(pair.list) == pair.model);
         }
     }
-    allocationsLeft = 0;
+    stepsLeft = 0;
     for (Pair& pair : pairs) {
         UTIL_LIST_Destruct(&pair.list);
         pair.model.clear();
