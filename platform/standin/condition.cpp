@@ -8,6 +8,8 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
+constexpr std::string_view equals = " = ";
+
 // All of the text, or nothing.
 std::optional<uint32_t> ParseNumber(std::string_view text, int base)
 {
@@ -74,27 +76,33 @@ std::optional<Condition> Condition::Parse(const Table& table, std::string_view t
     constexpr std::string_view joint = " and ";
     Condition                  condition;
     for (;;) {
-        const size_t end = text.find(joint);
+        // The first blank behind the value, which has none: it may be "and" itself.
+        const size_t sign = text.find(equals);
+        const size_t end  = sign == std::string_view::npos ? std::string_view::npos
+                                                           : text.find(' ', sign + equals.size());
         if (!condition.AddTerm(table, text.substr(0, end))) {
             return std::nullopt;
         }
         if (end == std::string_view::npos) {
             return condition;
         }
-        text.remove_prefix(end + joint.size());
+        text.remove_prefix(end);
+        if (!text.starts_with(joint)) {
+            return std::nullopt;
+        }
+        text.remove_prefix(joint.size());
     }
 }
 
 bool Condition::AddTerm(const Table& table, std::string_view text)
 {
-    constexpr std::string_view equals = " = ";
-    const size_t               end    = text.find(equals);
+    const size_t end = text.find(equals);
     if (end == std::string_view::npos) {
         return false;
     }
     const Field*           field = FindField(table.fields, text.substr(0, end));
     const std::string_view value = text.substr(end + equals.size());
-    if (field == nullptr || value.empty() || value.find(' ') != std::string_view::npos) {
+    if (field == nullptr || value.empty()) {
         return false;
     }
     auto bytes = ValueBytes(*field, value);

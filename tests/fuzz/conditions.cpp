@@ -20,7 +20,7 @@ constexpr std::string_view equals = " = ";
 
 Row MakeRow(const Table& table, uint64_t seed)
 {
-    constexpr std::string_view texts[] = {"a", "Vlanif10", "0x61", "10"};
+    constexpr std::string_view texts[] = {"and", "Vlanif10", "0x61", "10"};
     Row                        row(table);
     for (const Field& field : table.fields) {
         if (field.kind == Kind::Number || field.kind == Kind::Ipv4) {
@@ -110,7 +110,7 @@ bool Describes(std::string_view term, const Described& row)
 
 bool AllDescribe(std::string_view text, const Described& row)
 {
-    const size_t end = text.find(joint);
+    const size_t end = text.find(' ', text.find(equals) + equals.size());
     return Describes(text.substr(0, end), row) &&
            (end == std::string_view::npos || AllDescribe(text.substr(end + joint.size()), row));
 }
