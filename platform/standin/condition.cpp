@@ -8,8 +8,6 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-constexpr std::string_view equals = " = ";
-
 // All of the text, or nothing.
 std::optional<uint32_t> ParseNumber(std::string_view text, int base)
 {
@@ -73,20 +71,25 @@ std::optional<Bytes> ValueBytes(const Field& field, std::string_view text)
 
 std::optional<Condition> Condition::Parse(const Table& table, std::string_view text)
 {
-    constexpr std::string_view joint = " and ";
+    constexpr std::string_view equals = " = ";
+    constexpr std::string_view joint  = " and ";
     Condition                  condition;
     for (;;) {
-        // The first blank behind the value, which has none: it may be "and" itself.
         const size_t sign = text.find(equals);
-        const size_t end  = sign == std::string_view::npos ? std::string_view::npos
-                                                           : text.find(' ', sign + equals.size());
-        if (!condition.AddTerm(table, text.substr(0, end))) {
+        if (sign == std::string_view::npos) {
             return std::nullopt;
         }
-        if (end == std::string_view::npos) {
+        const std::string_view field = text.substr(0, sign);
+        text.remove_prefix(sign + equals.size());
+        // A value has no blank, and may be "and" itself.
+        const std::string_view value = text.substr(0, text.find(' '));
+        text.remove_prefix(value.size());
+        if (!condition.AddTerm(table, field, value)) {
+            return std::nullopt;
+        }
+        if (text.empty()) {
             return condition;
         }
-        text.remove_prefix(end);
         if (!text.starts_with(joint)) {
             return std::nullopt;
         }
@@ -94,14 +97,9 @@ std::optional<Condition> Condition::Parse(const Table& table, std::string_view t
     }
 }
 
-bool Condition::AddTerm(const Table& table, std::string_view text)
+bool Condition::AddTerm(const Table& table, std::string_view name, std::string_view value)
 {
-    const size_t end = text.find(equals);
-    if (end == std::string_view::npos) {
-        return false;
-    }
-    const Field*           field = FindField(table.fields, text.substr(0, end));
-    const std::string_view value = text.substr(end + equals.size());
+    const Field* field = FindField(table.fields, name);
     if (field == nullptr || value.empty()) {
         return false;
     }

@@ -31,7 +31,7 @@ private:
         std::vector<uint8_t> bytes;  // of the field's width
     };
 
-    bool AddTerm(const Table& table, std::string_view text);
+    bool AddTerm(const Table& table, std::string_view name, std::string_view value);
 
     std::vector<Term> terms_;
 };
