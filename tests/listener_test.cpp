@@ -106,8 +106,8 @@ TEST_F(Listener, GoesOnWithoutAThread)
     EXPECT_NE(Register(), 0U);
     support::StopListener();
     EXPECT_EQ(g_epollDbListenerFd, -1);
-    const auto complaints = support::TakeComplaints();
-    EXPECT_EQ(std::ranges::count(complaints,
+    const Messages messages = support::TakeMessages();
+    EXPECT_EQ(std::ranges::count(messages,
                                  "DbListenerEpollThreadFunc: [DEBUG]: failed to init "
                                  "epoll, thread will exit.\n"),
               1);

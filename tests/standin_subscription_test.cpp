@@ -16,6 +16,7 @@
 #include <standin/changes.h>
 
 #include "support/changes.h"
+#include "support/subscription.h"
 #include "support/system.h"
 #include "support/writes.h"
 
@@ -47,15 +48,12 @@ void operator delete(void* block, size_t /*size*/) noexcept
 namespace {
 
 using standin::Transaction;
+using support::OpenSubscriptions;
 using support::Phy;
 using namespace support::writes;
 using Lines = std::vector<std::string>;
 
-constexpr const char* everything =
-    R"({"label_name":"if_phy","events":[{"type":"insert"},{"type":"delete"},{"type":"update"},{"type":"replace"}]})";
-constexpr const char* deletes = R"({"label_name":"if_phy","events":[{"type":"delete"}]})";
-
-std::vector<uint32_t>                      operations;  // on the descriptor, of the last session
+std::vector<uint32_t>                      operations;  // on the descriptor
 std::function<void(ORM_MESSAGE, uint32_t)> onMessage;
 int                                        descriptor = -1;
 
@@ -66,22 +64,10 @@ int32_t Control(uint32_t watched, uint32_t operation)
     return 0;
 }
 
-ORM_SESSION Open(ORM_FD_CONTROL control)
+uint32_t Subscribe(ORM_SESSION session)
 {
-    ORM_SESSION_PARAM param   = 0;
-    ORM_SESSION       session = 0;
-    operations.clear();
-    EXPECT_EQ(OrmCreateSessionParam("channel:", "osc", &param), 0U);
-    EXPECT_EQ(OrmSessionParamSetConnName(param, "port"), 0U);
-    OrmOpenSubSession(param, control, &session);
-    OrmDestroySessionParam(param);
-    return session;
-}
-
-uint32_t Subscribe(ORM_SESSION session, const char* definition)
-{
-    const auto callback = [](ORM_MESSAGE message, uint32_t event) { onMessage(message, event); };
-    return OrmSubscribe(session, "test", definition, callback, nullptr, "test");
+    return support::SubscribeTo(
+        session, "if_phy", [](ORM_MESSAGE message, uint32_t event) { onMessage(message, event); });
 }
 
 bool IsReadable()
@@ -126,8 +112,9 @@ protected:
         onMessage = [this](ORM_MESSAGE message, uint32_t event) {
             seen_.push_back(Described(message, event));
         };
-        session_ = Open(Control);
-        EXPECT_EQ(Subscribe(session_, everything), 0U);
+        operations.clear();
+        session_ = OpenSubscriptions(Control);
+        EXPECT_EQ(Subscribe(session_), 0U);
     }
     void TearDown() override
     {
@@ -188,25 +175,6 @@ TEST_F(StandinSubscription, DeliversNeighboursTogetherAndEachChangeOnce)
     eventfd_write(descriptor, 1);  // late, for what has been taken
     EXPECT_EQ(Deliver(), Lines());
     EXPECT_FALSE(IsReadable());
-}
-
-TEST_F(StandinSubscription, DeliversOnlyWhatADefinitionLists)
-{
-    ASSERT_EQ(OrmCloseSession(session_), 0U);
-    session_ = Open(Control);
-    for (const char* refused :
-         {"no json", "[]", R"({"label_name":"if_phy"})", R"({"label_name":"if_phy","events":[]})",
-          R"({"label_name":"no_table","events":[{"type":"insert"}]})",
-          R"({"label_name":"if_phy","events":[{"type":"insert"},{"type":"upsert"}]})",
-          R"({"label_name":7,"events":[{"type":"insert"}]})",
-          R"({"label_name":"if_phy","events":["insert"]})"}) {
-        EXPECT_NE(Subscribe(session_, refused), 0U) << refused;
-    }
-    ASSERT_EQ(Subscribe(session_, deletes), 0U);
-    Write(Insert, {Phy(1)});
-    EXPECT_FALSE(IsReadable());
-    Write(Delete, {Phy(1)});
-    EXPECT_EQ(Deliver(), Lines{"d 1:0>-"});
 }
 
 // Memory runs out at the first allocation, then at the second, and so on until there is enough.
@@ -271,19 +239,19 @@ TEST_F(StandinSubscription, CallbackMayWriteAndMayClose)
     EXPECT_EQ(OrmCloseSession(session_), 2002U);
 
     const auto refuse = [](uint32_t watched, uint32_t) { return Control(watched, 0) - 1; };
-    EXPECT_EQ(Open(refuse), 0U);
+    EXPECT_EQ(OpenSubscriptions(refuse), 0U);
     EXPECT_EQ(fcntl(descriptor, F_GETFD), -1);
 }
 
 TEST_F(StandinSubscription, WithoutAControlFunctionAThreadServesUntilACallbackCloses)
 {
     std::atomic<bool> closed = false;
-    const ORM_SESSION served = Open(nullptr);
+    const ORM_SESSION served = OpenSubscriptions(nullptr);
     onMessage                = [&](ORM_MESSAGE, uint32_t) {
         EXPECT_EQ(OrmCloseSession(served), 0U);
         closed = true;
     };
-    ASSERT_EQ(Subscribe(served, everything), 0U);
+    ASSERT_EQ(Subscribe(served), 0U);
     Write(Insert, {Phy(1)});
     while (!closed) {
         std::this_thread::yield();

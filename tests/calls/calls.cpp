@@ -143,7 +143,7 @@ Outcome Perform(const Call& call, const Fault* fault)
     }
     support::WatchPlatform(true);
     Outcome outcome = {call.run()};
-    std::ranges::move(support::TakeMessages(), std::back_inserter(outcome));
+    std::ranges::move(support::TakeComplaints(), std::back_inserter(outcome));
     support::WatchPlatform(false);
     if (call.after) {
         call.after();

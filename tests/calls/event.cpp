@@ -13,6 +13,7 @@
 
 #include "calls/calls.h"
 #include "support/events.h"
+#include "support/subscription.h"
 #include "support/writes.h"
 
 namespace calls {
@@ -86,19 +87,12 @@ void HandOver(ORM_MESSAGE message, uint32_t eventType)
 
 void Subscribe(const std::string& table)
 {
-    const std::string definition =
-        R"({"events":[{"type":"insert"},{"type":"delete"},{"type":"update"},{"type":"replace"}],)"
-        R"("label_name":")" +
-        table + R"("})";
     const auto keep = [](uint32_t opened, uint32_t /*operation*/) {
         descriptor = static_cast<int32_t>(opened);
         return 0;
     };
-    ORM_SESSION_PARAM param = 0;
-    EXPECT_EQ(OrmCreateSessionParam("channel:", "osc", &param), 0U);
-    EXPECT_EQ(OrmOpenSubSession(param, keep, &session), 0U);
-    OrmDestroySessionParam(param);
-    EXPECT_EQ(OrmSubscribe(session, "s", definition.c_str(), HandOver, nullptr, "o"), 0U);
+    session = support::OpenSubscriptions(keep);
+    EXPECT_EQ(support::SubscribeTo(session, table, HandOver), 0U);
 }
 
 // The rows of a table, in two states.
@@ -189,13 +183,10 @@ void LeftUnlocked()
     }
 }
 
-// Without what the thread says, which may come at any time, and without descriptors.
+// Without descriptors.
 void Tidy(Lines& lines)
 {
     static const std::regex fd("(F|f)d=-?[0-9]+");
-    std::erase_if(lines, [](const std::string& line) {
-        return line.starts_with("DbListenerEpollThreadFunc");
-    });
     for (std::string& line : lines) {
         line = std::regex_replace(line, fd, "$1d=N");
     }

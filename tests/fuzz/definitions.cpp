@@ -4,13 +4,14 @@
 #include <string>
 #include <vector>
 
-#include <standin/database.h>
-#include <tarnd_platform/orm_subscription.h>
 #include <nlohmann/json.hpp>
 
 #include "fuzz.h"
+#include "tests/support/subscription.h"
+#include "tests/support/writes.h"
 
 using namespace standin;
+using namespace support::writes;
 using nlohmann::json;
 
 namespace {
@@ -29,34 +30,20 @@ void Hear(ORM_MESSAGE /*message*/, uint32_t event)
     heard.push_back(event);
 }
 
-ORM_SESSION Open()
-{
-    ORM_SESSION_PARAM param   = 0;
-    ORM_SESSION       session = 0;
-    CHECK(OrmCreateSessionParam("channel:", "osc", &param) == 0);
-    CHECK(OrmOpenSubSession(param, Control, &session) == 0);
-    OrmDestroySessionParam(param);
-    return session;
-}
-
 // The events that the writes of these tables, one of each kind, are to bring.
 std::vector<uint32_t> WriteEachWay(const std::vector<Row>& rows, const json& listed)
 {
     constexpr struct {
         const char* name;
         uint32_t    event;
-        void (*write)(Transaction&, const Row&);
-    } ways[] = {{"insert", ORM_EVENT_INSERT, [](auto& t, auto& row) { t.Insert(row); }},
-                {"update", ORM_EVENT_UPDATE, [](auto& t, auto& row) { t.Update(row); }},
-                {"replace", ORM_EVENT_REPLACE, [](auto& t, auto& row) { t.Replace(row); }},
-                {"delete", ORM_EVENT_DELETE, [](auto& t, auto& row) { t.Delete(row); }}};
+        Writing     write;
+    } ways[] = {{"insert", ORM_EVENT_INSERT, Insert},
+                {"update", ORM_EVENT_UPDATE, Update},
+                {"replace", ORM_EVENT_REPLACE, Replace},
+                {"delete", ORM_EVENT_DELETE, Delete}};
     std::vector<uint32_t> expected;
     for (const auto& [name, event, write] : ways) {
-        Transaction transaction;
-        for (const Row& row : rows) {
-            write(transaction, row);
-        }
-        transaction.Commit();
+        Write(write, rows);
         if (std::ranges::any_of(
                 listed, [&name = name](const json& one) { return one.at("type") == name; })) {
             expected.push_back(event);
@@ -70,7 +57,7 @@ std::vector<uint32_t> WriteEachWay(const std::vector<Row>& rows, const json& lis
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const std::string text(reinterpret_cast<const char*>(data), size);
-    const ORM_SESSION session    = Open();
+    const ORM_SESSION session    = support::OpenSubscriptions(Control);
     const bool        accepted   = OrmSubscribe(session, "", text.c_str(), Hear, nullptr, "") == 0;
     const json        definition = accepted ? json::parse(text.c_str()) : json();
     std::vector<Row>  meant;

@@ -1,8 +1,8 @@
 // JSON tables. What is loaded comes back from its own dump unchanged; what is refused changes
 // nothing.
 #include <sys/mman.h>
-#include <unistd.h>
 
+#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -11,36 +11,17 @@
 
 namespace {
 
-// A file in memory, by the name that stands for its descriptor.
-class MemoryFile {
-public:
-    MemoryFile() : descriptor_(memfd_create("fuzz", MFD_CLOEXEC)) {}
-    ~MemoryFile() { close(descriptor_); }
-    MemoryFile(const MemoryFile&)            = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-
-    std::string Name() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
-
-    void Put(std::string_view text) const
-    {
-        CHECK(ftruncate(descriptor_, 0) == 0);
-        CHECK(pwrite(descriptor_, text.data(), text.size(), 0) ==
-              static_cast<ssize_t>(text.size()));
-    }
-
-private:
-    int descriptor_;
-};
-
 bool Load(std::string_view text)
 {
-    static const MemoryFile file;
-    file.Put(text);
+    // In memory.
+    static const std::string file =
+        "/proc/self/fd/" + std::to_string(memfd_create("fuzz", MFD_CLOEXEC));
+    std::ofstream(file) << text;
     try {
-        sources::LoadJson(file.Name());
+        sources::LoadJson(file);
         return true;
     } catch (const standin::Error& error) {
-        CHECK(std::string_view(error.what()).starts_with(file.Name() + ": "));
+        CHECK(std::string_view(error.what()).starts_with(file + ": "));
         return false;
     }
 }

@@ -127,27 +127,20 @@ std::string TakeName(fuzz::Input& input)
 void Store(const std::string& name)
 {
     Transaction transaction;
-    transaction.Replace(Row("if_base")
-                            .Set("if_index", ifIndex)
-                            .Set("if_name", name.substr(0, 63))
-                            .Set("simple_name", name.substr(0, 63))
-                            .Set("if_type", 8));
-    transaction.Replace(Row("vlan")
-                            .Set("vlan_id", 9)
-                            .Set("name", name.substr(0, 32))
-                            .Set("description", name.substr(0, 80)));
-    transaction.Replace(
+    transaction.Insert(Row("if_base")
+                           .Set("if_index", ifIndex)
+                           .Set("if_name", name.substr(0, 63))
+                           .Set("simple_name", name.substr(0, 63))
+                           .Set("if_type", 8));
+    transaction.Insert(Row("vlan")
+                           .Set("vlan_id", 9)
+                           .Set("name", name.substr(0, 32))
+                           .Set("description", name.substr(0, 80)));
+    transaction.Insert(
         Row("acl_group").Set("acl_group_id", 5).Set("vsid", 1).Set("acl_name", name.substr(0, 64)));
-    transaction.Replace(Row("qos_integration").Set("index", 3).Set("name", name.substr(0, 63)));
-    transaction.Replace(
+    transaction.Insert(Row("qos_integration").Set("index", 3).Set("name", name.substr(0, 63)));
+    transaction.Insert(
         Row("acl_group_id").Set("id", 4).Set("name", name.substr(0, 64)).Set("acl_number", 3001));
-    transaction.Commit();
-}
-
-void Forget(const std::string& name)
-{
-    Transaction transaction;
-    transaction.Delete(Row("acl_group_id").Set("name", name.substr(0, 64)));
     transaction.Commit();
 }
 
@@ -236,6 +229,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     CheckVlan(stored, name);
     CheckAcl(stored, name);
     CheckProfile(stored, name);
-    Forget(stored);
+    standin::Reset();
     return 0;
 }

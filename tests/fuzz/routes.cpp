@@ -32,11 +32,16 @@ struct Forward {
     uint32_t address;
     uint32_t prefixLen;
     uint32_t group;
+    bool     operator==(const Forward& other) const
+    {
+        return address == other.address && prefixLen == other.prefixLen;
+    }
 };
 
 struct Member {
     uint32_t group;
     uint32_t nextHop;
+    bool     operator==(const Member&) const = default;
 };
 
 struct Routes {
@@ -45,10 +50,10 @@ struct Routes {
     std::vector<uint32_t> nextHops;  // indexes
 };
 
-template <typename Element, typename Same>
-void AddNew(std::vector<Element>& elements, const Element& added, Same same)
+template <typename Element>
+void AddNew(std::vector<Element>& elements, const Element& added)
 {
-    if (std::ranges::none_of(elements, [&](const Element& one) { return same(one, added); })) {
+    if (std::ranges::count(elements, added) == 0) {
         elements.push_back(added);
     }
 }
@@ -61,17 +66,11 @@ Routes TakeRoutes(fuzz::Input& input, uint32_t destination)
         const auto prefixLen =
             input.ConsumeIntegralInRange<uint32_t>(0, 40) + (input.ConsumeBool() ? 256 : 0);
         const uint32_t address = destination ^ static_cast<uint32_t>(uint64_t{1} << flipped);
-        AddNew(routes.forwards, {address, prefixLen, input.ConsumeIntegralInRange<uint32_t>(0, 2)},
-               [](const Forward& one, const Forward& other) {
-                   return one.address == other.address && one.prefixLen == other.prefixLen;
-               });
+        AddNew(routes.forwards, {address, prefixLen, input.ConsumeIntegralInRange<uint32_t>(0, 2)});
     }
     for (size_t left = input.ConsumeIntegralInRange<size_t>(0, 24); left > 0; left--) {
         const auto group = input.ConsumeIntegralInRange<uint32_t>(0, 2);
-        AddNew(routes.members, {group, input.ConsumeIntegralInRange<uint32_t>(0, 15)},
-               [](const Member& one, const Member& other) {
-                   return one.group == other.group && one.nextHop == other.nextHop;
-               });
+        AddNew(routes.members, {group, input.ConsumeIntegralInRange<uint32_t>(0, 15)});
     }
     const auto present = input.ConsumeIntegral<uint16_t>();
     for (uint32_t nextHop = 0; nextHop < 16; nextHop++) {

@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include <gtest/gtest.h>
 #include <standin/database.h>
-#include <tarnd_platform/orm_subscription.h>
+
+#include "support/subscription.h"
 
 namespace support {
 
@@ -45,12 +45,8 @@ class Events {
 public:
     Events()
     {
-        ORM_SESSION_PARAM parameter = 0;
-        OrmCreateSessionParam("channel:", "osc", &parameter);
-        OrmOpenSubSession(parameter, nullptr, &session_);
-        OrmDestroySessionParam(parameter);
-        Subscribe("if_phy", [](ORM_MESSAGE message, uint32_t) { Note("if_phy", message); });
-        Subscribe("if_base", [](ORM_MESSAGE message, uint32_t) { Note("if_base", message); });
+        SubscribeTo(session_, "if_phy", [](auto message, auto) { Note("if_phy", message); });
+        SubscribeTo(session_, "if_base", [](auto message, auto) { Note("if_base", message); });
         Take();
     }
     ~Events() { OrmCloseSession(session_); }
@@ -69,14 +65,6 @@ public:
     }
 
 private:
-    void Subscribe(const std::string& table, ORM_SUB_CALLBACK callback)
-    {
-        const std::string definition =
-            R"({"label_name":")" + table +
-            R"(","events":[{"type":"insert"},{"type":"delete"},{"type":"update"}]})";
-        ASSERT_EQ(OrmSubscribe(session_, "t", definition.c_str(), callback, nullptr, "t"), 0U);
-    }
-
     static std::optional<uint32_t> Field(ORM_MESSAGE message, uint32_t object, uint32_t field)
     {
         uint32_t value = 0;
@@ -100,7 +88,7 @@ private:
 
     static inline std::mutex          mutex;
     static inline std::vector<Change> changes;
-    ORM_SESSION                       session_ = 0;
+    const ORM_SESSION                 session_ = OpenSubscriptions(nullptr);
 };
 
 }  // namespace support

@@ -48,8 +48,7 @@ std::vector<std::string> TakeComplaints()
 {
     std::vector<std::string> messages = TakeMessages();
     std::erase_if(messages, [](const std::string& message) {
-        return message.find("thread start") != std::string::npos ||
-               message.find("thread exit.") != std::string::npos;
+        return message.starts_with("DbListenerEpollThreadFunc");
     });
     return messages;
 }

@@ -51,7 +51,7 @@ std::vector<LogLine> TakeLog();
 // Only what a function reported: "function: message", without identity and line number.
 std::vector<std::string> TakeMessages();
 
-// The same, without what the listener thread says of its start and end, which may come at any time.
+// The same, without what the listener's thread says, which may come at any time.
 std::vector<std::string> TakeComplaints();
 
 // An empty database, nothing to fail, an empty log; afterwards nothing may be open.
