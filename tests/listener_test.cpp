@@ -106,8 +106,7 @@ TEST_F(Listener, GoesOnWithoutAThread)
     EXPECT_NE(Register(), 0U);
     support::StopListener();
     EXPECT_EQ(g_epollDbListenerFd, -1);
-    const Messages messages = support::TakeMessages();
-    EXPECT_EQ(std::ranges::count(messages,
+    EXPECT_EQ(std::ranges::count(support::TakeMessages(),
                                  "DbListenerEpollThreadFunc: [DEBUG]: failed to init "
                                  "epoll, thread will exit.\n"),
               1);
