@@ -28,7 +28,7 @@ TEST_F(Faults, OfEveryStepAreReportedAndLeaveNothingBehind)
     const Calls all      = AllCalls();
     for (const Call& call : all) {
         Expectation expectation = Read(call);
-        ASSERT_EQ(Perform(call), expectation.good) << call.name;
+        ASSERT_EQ(Perform(call), expectation.good) << call.title;
         Lines points = support::FaultPoints();
         // What the listener's thread does beside, when it may: it logs its start, and waits.
         std::erase_if(points, [&](const std::string& point) {
@@ -37,7 +37,7 @@ TEST_F(Faults, OfEveryStepAreReportedAndLeaveNothingBehind)
 
         const auto inject = [&](const Fault& fault) {
             const std::string where =
-                call.name + ", call " + std::to_string(fault.operations.size()) + " (" +
+                call.title + ", call " + std::to_string(fault.operations.size()) + " (" +
                 fault.operations.back() + ") fails with " + std::to_string(fault.code) +
                 (fault.cleanUps == CleanUp::Works ? "" : " and clean-ups do");
             EXPECT_EQ(Perform(call, &fault), WithFault(expectation, fault)) << where;
@@ -55,7 +55,7 @@ TEST_F(Faults, OfEveryStepAreReportedAndLeaveNothingBehind)
                 }
             }
         }
-        EXPECT_EQ(expectation.unused, std::set<std::string>()) << call.name;
+        EXPECT_EQ(expectation.unused, std::set<std::string>()) << call.title;
     }
     std::cout << injected << " faults in " << all.size() << " calls\n";
     EXPECT_GT(injected, 4000U);
@@ -74,7 +74,7 @@ TEST_F(Faults, NullIsRefused)
              "BDS_IPGetFirstIpByIfIndex", "BDS_IPGetIFBestMatchIpAddr", "IP_GetMask",
              "IP_GetIfindexbyIpAddr", "BDS_L2IF_VLAN_GetIfIndexByVlanId",
              "BDS_IfnetGetVlanIdByIfName", "BDS_IfnetGetVlanIdByIfIndex"}) {
-        const auto call = std::ranges::find(calls, name, &Call::name);
+        const auto call = std::ranges::find(calls, name, &Call::Name);
         ASSERT_NE(call, calls.end()) << name;
         for (unsigned nth = 1;; nth++) {
             nullPointer           = nth;
@@ -102,9 +102,12 @@ TEST_F(Faults, NullIsRefused)
 TEST(Calls, AreOfEveryExportedFunction)
 {
     std::set<std::string> told;
+    std::set<std::string> titles;
     for (const Call& call : AllCalls()) {
-        told.insert(call.name);
+        told.insert(call.Name());
+        titles.insert(call.title);
     }
+    EXPECT_EQ(titles, Titles());
     const std::regex exported(
         " +((?!g_|UTIL_LIST_|MEM_EX_|DbListenerEpollThreadFunc|"
         "QRB_EVENT_(Print|Port(Insert|Delete)|.*(Update|Check|OrmGet)))"

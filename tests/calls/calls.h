@@ -1,27 +1,6 @@
-// Every exported call with example arguments on a small device: what it answers and logs, and what
-// it comes to when one of its steps fails. Expectations are written after what the headers promise,
-// one a line:
-//
-//     0 2                                     answers 0, and 2 in its output, and logs nothing
-//     reporter Other_Function                 from here on, another function logs the lines
-//     behind   text                           and then the call itself logs this; "-": no more
-//     open      1 - | no session, ret=%       where the session can't be opened: answers 1, writes
-//                                             nothing, logs this with the code of the failure
-//     field#3   1 2 | Other_Function: text    the third such step; the line is another function's
-//     next@2    1 -                           a step in the second session that is opened
-//     read=1    1 -                           a step that fails with the code 1
-//     size!     0 - | ...                     a step behind which the clean-ups fail as well
-//     close     =                             nobody asks: as if nothing had failed
-//     any       1 - | ...                     every step that is not told before
-//     within    QRB_DB_Get@2  1 -             as that call's steps, here in the second session
-//
-// Steps go by what they do (see STEPS), or by the operation's own name. Of several that fit, the
-// first counts; one that never comes is a mistake. Outputs that were left alone are "-", 0xFFFFFFFF
-// is "NONE". "%+8" stands for the code and 8; a line that begins with "/" is reported by nobody.
-// Two shapes stand for more lines (see SHAPES):
-//
-//     session A; B          any step: A, with a line of its own; but close: B
-//     scan A; B             a scan by QRB_DB_Scan: A, but B once the entry is read
+// Every exported call with example arguments on a small device. What it answers and logs there, and
+// what it comes to when one of its steps fails, stands in docs/failures, under the call as it
+// stands here; docs/failures.md tells how to read it.
 #pragma once
 
 #include <cstdint>
@@ -44,12 +23,12 @@ namespace calls {
 using Lines = std::vector<std::string>;
 
 struct Call {
-    std::string                  name;
+    std::string title;                 // in docs/failures: the name, and what tells it from others
     std::function<std::string()> run;  // the answer
-    std::string                  expectations;
     std::function<void()>        before = {};  // what run needs; not watched
     std::function<void()>        after  = {};
-    void (*tidy)(Lines& lines)          = nullptr;  // what is logged, before it is compared
+
+    std::string Name() const { return title.substr(0, title.find_first_of("(,")); }
 };
 using Calls = std::vector<Call>;
 
@@ -63,6 +42,7 @@ Calls QosCalls();
 Calls EventCalls();
 Calls QueryCalls();  // all but those of events and start-up
 Calls AllCalls();
+Calls Joined(std::initializer_list<Calls (*)()> families);
 
 // The device that the answers are those of.
 class DeviceTest : public support::EventTest {
@@ -82,8 +62,13 @@ struct Fault {
 
 Outcome Perform(const Call& call, const Fault* fault = nullptr);
 
-// Calls that only have to come to what their first lines say.
-void Expect(const Calls& calls);
+// Questions of the moment, and what comes of them.
+struct Question {
+    std::string                  title;
+    std::function<std::string()> run;
+    std::string                  outcome;  // as in docs/failures
+};
+void Expect(const std::vector<Question>& questions);
 
 struct Step {
     std::string name;
@@ -102,15 +87,13 @@ struct Expectation {
     std::set<std::string> unused;  // rows
 };
 
-Expectation Read(const Call& call);
-Outcome     WithFault(Expectation& expectation, const Fault& fault);
+Expectation           Read(const Call& call);
+Outcome               ReadOutcome(const std::string& text, const std::string& name);
+Outcome               WithFault(Expectation& expectation, const Fault& fault);
+std::set<std::string> Titles();  // of all that is told
 
 // Whether all that is lost with it is a line of the log; no clean-up fails behind that.
 bool IsLogging(const std::string& operation);
-
-// An expectation with values for the names in it.
-using Values = std::vector<std::pair<const char*, std::string>>;
-std::string Fill(std::string text, const Values& values);
 
 // Adds rows in JSON: {"vlan": [{"vlan_scope0": 0, ...}]}.
 void Load(const std::string& device);
@@ -198,11 +181,11 @@ std::string Written([[maybe_unused]] const Argument& argument)
     }
 }
 
-// The result code, if there is one, and the outputs.
+// The result code, or "done" where there is none, and the outputs.
 template <typename Function, typename... Arguments>
 std::string Run(Function function, Arguments... arguments)
 {
-    std::string answer;
+    std::string answer = "done";
     if constexpr (std::is_void_v<decltype(function(Passed(arguments)...))>) {
         function(Passed(arguments)...);
     } else {
@@ -213,6 +196,8 @@ std::string Run(Function function, Arguments... arguments)
 
 }  // namespace calls
 
-// The name and the run of a call, with its arguments.
-#define CALL(function, ...) \
-#function, [] { return ::calls::Run(function __VA_OPT__(, ) __VA_ARGS__); }
+// The title and the run of a call.
+#define CALL(function, ...) #function "(" #__VA_ARGS__ ")", RUN(function, __VA_ARGS__)
+#define CALL_WHEN(when, function, ...) \
+#function "(" #__VA_ARGS__ ")" when, RUN(function, __VA_ARGS__)
+#define RUN(function, ...) [] { return ::calls::Run(function __VA_OPT__(, ) __VA_ARGS__); }

@@ -27,56 +27,24 @@ uint32_t Unscoped(ORM_SESSION in, void* /*context*/)
     return OrmSetScanCond(in, "vlan_scope0 = 0");
 }
 
-// clang-format off
-// Outputs: the last entry, then the count.
-constexpr char SCANNED[] = R"(0 10 2
-    next#1    1 - -  | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n
-    field#1   1 - -  | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n
-    next#2    1 20 - | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n
-    field#2   1 20 - | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n
-    next#3    1 10 - | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n
-    end       1 10 - | Failed to fetch DB, ret=%\n
-    any       1 - -  | Failed to fetch DB, ret=%\n)";
-
 }  // namespace
 
+// clang-format off
 Calls DatabaseCalls()
 {
     return {
-        {CALL(Tarn_QRB_Log_Printf, 3U, "Tarn_QRB_Log_Printf", 1U, "%u\n", 5U), R"( | 5\n)"},
-        {CALL(QRB_DB_InitOrm), R"(0
-            OrmInit   1 | [Error]: Orm init failed, ret=%\n)"},
-        {CALL(QRB_CreatDbSession, "if_base", QRB_ORM_OP_SCAN, OutSession()), R"(1 open
-            open      0 closed | Database error, info: open session failed\n
-            prepare   0 closed | Database error, info: prepare session failed\n)",
-            {}, Closed},
-        {CALL(QRB_DB_SESSION_SetKey, session, QRB_ORM_OP_READ, "if_phy", &IF_INDEX, SetIfIndex), R"(0
-            prepare   % | Table: if_phy prepare failed.
-            key       % | Table: if_phy set key failed.
-            execute   % | Table: if_phy execute failed.)", Opened, Closed},
-        {CALL(QRB_DB_SESSION_Get, session, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), R"(0 1.2.3.4
-            within    QRB_DB_SESSION_SetKey % -
-            field     % - | Table: if_phy get fields failed.)", Opened, Closed},
-        {CALL(QRB_DB_Get, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), R"(0 1.2.3.4
-            within    QRB_DB_SESSION_Get % -
-            open      % - | Table: if_phy open session failed.
-            close     % 1.2.3.4)"},
+        {CALL(Tarn_QRB_Log_Printf, 3U, "Tarn_QRB_Log_Printf", 1U, "%u\n", 5U)},
+        {CALL(QRB_DB_InitOrm)},
+        {CALL(QRB_CreatDbSession, "if_base", QRB_ORM_OP_SCAN, OutSession()), {}, Closed},
+        {CALL(QRB_DB_SESSION_SetKey, session, QRB_ORM_OP_READ, "if_phy", &IF_INDEX, SetIfIndex), Opened, Closed},
+        {CALL(QRB_DB_SESSION_Get, session, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), Opened, Closed},
+        {CALL(QRB_DB_Get, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot)},
         {CALL(QRB_DB_SESSION_Scan, session, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(),
-              "vlan_scope0 = 0", nullptr), SCANNED, Opened, Closed},
+              "vlan_scope0 = 0", nullptr), Opened, Closed},
         {CALL(QRB_DB_SESSION_Scan, session, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(),
-              nullptr, Unscoped), SCANNED, Opened, Closed},
-        {CALL(QRB_DB_Scan, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(), nullptr, nullptr), R"(0 10 2
-            close     1 10 2 | Failed to fetch DB, ret=%\n
-            next#2    1 20 - | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n | DB error: 1\n
-            field#2   1 20 - | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n | DB error: 1\n
-            next#3    1 10 - | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n | DB error: 1\n
-            scan      1 - -; 1 10 -)"},
-        {CALL(QRB_DB_TransStringToHexNumString, "ab", OutText(), 2), R"(0 0x6162
-            memory    1 -
-            copy#1    1 -
-            format#1  1 0x
-            copy#2    1 0x
-            any       1 0x61)"},
+              nullptr, Unscoped), Opened, Closed},
+        {CALL(QRB_DB_Scan, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(), nullptr, nullptr)},
+        {CALL(QRB_DB_TransStringToHexNumString, "ab", OutText(), 2)},
     };
 }
 // clang-format on

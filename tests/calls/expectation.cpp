@@ -1,17 +1,22 @@
-// The lines of an expectation, read and applied.
+// What docs/failures tells, read and applied.
 #include <fnmatch.h>
 
 #include <algorithm>
 #include <climits>
+#include <filesystem>
+#include <fstream>
 #include <map>
 #include <regex>
-#include <sstream>
+#include <span>
 
 #include "calls/calls.h"
 
 namespace calls {
 
 namespace {
+
+// What a row is called that stands for several.
+constexpr char SHAPE[] = " A; B";
 
 // clang-format off
 // What a step is called whose operation looks like this.
@@ -26,22 +31,29 @@ constexpr std::pair<const char*, const char*> STEPS[] = {
     {"str*_s", "copy"},               {"mem*_s", "copy"},                {"calloc", "memory"},
     {"malloc_ex", "memory"},
 };
-// Lines that stand for many, with A and B for $1 and $2.
-const std::map<std::string, const char*> SHAPES = {
-    {"session", R"(
-        close     $2 | Failed to fetch DB, ret=%\n
-        open      $1 | Failed to fetch DB, ret=%\n
-        any       $1 | DB error: %\n)"},
-    {"scan", R"(
-        open      $1 | QRB_DB_Scan: Failed to fetch DB, ret=%\n
-        close     $2 | QRB_DB_Scan: Failed to fetch DB, ret=%\n
-        end       $2 | QRB_DB_SESSION_Scan: Failed to fetch DB, ret=%\n | QRB_DB_Scan: DB error: 1\n
-        prepare   $1 | QRB_DB_SESSION_Scan: Failed to fetch DB, ret=%\n | QRB_DB_Scan: DB error: 1\n
-        condition $1 | QRB_DB_SESSION_Scan: Failed to fetch DB, ret=%\n | QRB_DB_Scan: DB error: 1\n
-        start     $1 | QRB_DB_SESSION_Scan: Failed to fetch DB, ret=%\n | QRB_DB_Scan: DB error: 1\n
-        any       $1 | QRB_DB_SESSION_ProcessScanEntries: Failed to fetch DB, ret=%\n | QRB_DB_Scan: DB error: 1\n)"},
-};
 // clang-format on
+
+// What docs/failures tells, row by row, by title.
+const std::map<std::string, Lines>& Told()
+{
+    static const std::map<std::string, Lines> told = [] {
+        std::map<std::string, Lines> read;
+        for (const auto& file :
+             std::filesystem::directory_iterator(TARND_PROJECT_ROOT "/docs/failures")) {
+            std::ifstream text(file.path());
+            Lines*        rows = nullptr;
+            for (std::string line; file.path().extension() == ".txt" && std::getline(text, line);) {
+                if (line.starts_with("    ")) {
+                    rows->push_back(line.substr(4));
+                } else if (!line.empty() && line[0] != '#') {
+                    rows = &read[line];
+                }
+            }
+        }
+        return read;
+    }();
+    return told;
+}
 
 std::string NameOf(const std::string& operation)
 {
@@ -58,60 +70,78 @@ unsigned Number(const std::string& digits, unsigned otherwise)
     return digits.empty() ? otherwise : static_cast<unsigned>(std::stoul(digits));
 }
 
-// Reads an expectation line by line.
+// Reads what is told of a call, row by row.
 class Reader {
 public:
-    explicit Reader(const Call& call) : name_(call.name), reporter_(call.name)
+    explicit Reader(const Call& call) : name_(call.Name())
     {
-        std::istringstream text(call.expectations);
-        std::string        line;
-        std::getline(text, line);
-        read_.good = ReadOutcome(line, name_);
-        for (std::string word; text >> word && std::getline(text >> std::ws, line);) {
-            row_ = word + ' ' + line;
-            AddLine(word, line);
+        const auto told = Told().find(call.title);
+        if (told == Told().end()) {
+            read_.good = {"is not told"};
+            return;
+        }
+        read_.good = ReadOutcome(told->second[0], name_);
+        for (const std::string& row : std::span(told->second).subspan(1)) {
+            row_                       = row;
+            const auto [word, outcome] = ReadRow(row);
+            const auto shape           = Told().find(word + SHAPE);
+            if (word == "within") {
+                AddStepsWithin(outcome);
+            } else if (shape != Told().end()) {
+                AddShape(shape->second, outcome);
+            } else {
+                AddStep(word, outcome);
+            }
         }
     }
 
     const Expectation& Result() const { return read_; }
 
 private:
-    void AddLine(const std::string& word, const std::string& text)
+    std::pair<std::string, Outcome> ReadRow(const std::string& row) const
     {
-        if (word == "reporter") {
-            reporter_ = text;
-        } else if (word == "behind") {
-            behind_ = text == "-" ? "" : "| " + text;
-        } else if (word == "within") {
-            AddStepsWithin(text);
-        } else if (SHAPES.contains(word)) {
-            const size_t       first  = text.find(';');
-            const size_t       second = first == std::string::npos ? 0 : first + 2;
-            std::istringstream lines(Fill(
-                SHAPES.at(word), {{"$1", text.substr(0, first)}, {"$2", text.substr(second)}}));
-            for (std::string step, line; lines >> step && std::getline(lines >> std::ws, line);) {
-                AddLine(step, line);
-            }
-        } else {
-            AddStep(word, ReadOutcome(text, reporter_));
+        const size_t end = row.find(' ');
+        return {row.substr(0, end),
+                ReadOutcome(row.substr(row.find_first_not_of(' ', end)), name_)};
+    }
+
+    // "A" or "A; B", and what is logged behind.
+    void AddShape(const Lines& rows, const Outcome& told)
+    {
+        const std::string& answers = told[0];
+        const size_t       end     = answers.find(';');
+        for (const std::string& row : rows) {
+            auto [word, outcome] = ReadRow(row);
+            outcome[0] = outcome[0] == "A" || end == std::string::npos ? answers.substr(0, end)
+                                                                       : answers.substr(end + 2);
+            AddStep(word, Followed(outcome, told));
         }
     }
 
-    void AddStepsWithin(const std::string& text)
+    // "Call@session answer", and what is logged behind.
+    void AddStepsWithin(const Outcome& told)
     {
-        static const Calls      calls = QueryCalls();
+        static const Calls      calls = AllCalls();
         static const std::regex shape(R"((\w+)(?:@(\d+))? +(.*))");
         std::smatch             part;
-        ASSERT_TRUE(std::regex_match(text, part, shape)) << name_ << ": " << text;
-        const auto call = std::ranges::find(calls, part[1], &Call::name);
-        ASSERT_NE(call, calls.end()) << name_ << ": " << text;
+        ASSERT_TRUE(std::regex_match(told[0], part, shape)) << name_ << ": " << told[0];
+        const auto call = std::ranges::find(calls, part[1].str(), &Call::Name);
+        ASSERT_NE(call, calls.end()) << name_ << ": " << told[0];
         for (Step step : Read(*call).steps) {
-            step.row            = row_;
-            step.session        = Number(part[2], step.session);
-            std::string& answer = step.outcome[0];
-            answer              = answer == "=" ? answer : part[3].str();
+            step.row     = row_;
+            step.session = Number(part[2], step.session);
+            if (step.outcome[0] != "=") {
+                step.outcome[0] = part[3].str();
+                step.outcome    = Followed(step.outcome, told);
+            }
             Add(step);
         }
+    }
+
+    static Outcome Followed(Outcome outcome, const Outcome& told)
+    {
+        outcome.insert(outcome.end(), told.begin() + 1, told.end());
+        return outcome;
     }
 
     void AddStep(const std::string& condition, const Outcome& outcome)
@@ -126,40 +156,24 @@ private:
              row_});
     }
 
-    void Add(Step step)
+    void Add(const Step& step)
     {
-        const Outcome behind = ReadOutcome(behind_, name_);
-        step.outcome.insert(step.outcome.end(), behind.begin() + 1, behind.end());
         read_.steps.push_back(step);
         read_.unused.insert(row_);
     }
 
-    // "answer | line | line"
-    static Outcome ReadOutcome(const std::string& text, const std::string& reporter)
-    {
-        static const std::regex          bar(" *\\| ");
-        const std::sregex_token_iterator part(text.begin(), text.end(), bar, -1);
-        Outcome                          outcome = {*part};
-        for (auto line = std::next(part); line != std::sregex_token_iterator(); ++line) {
-            outcome.push_back(Named(reporter, Fill(*line, {{R"(\n)", "\n"}})));
-        }
-        return outcome;
-    }
-
-    static std::string Named(const std::string& reporter, const std::string& line)
-    {
-        static const std::regex named(R"((\w+_\w+|DbListener\w+): [^]*)");
-        return line[0] == '/'                  ? line.substr(1)
-               : std::regex_match(line, named) ? line
-                                               : reporter + ": " + line;
-    }
-
     std::string name_;
     std::string row_;
-    std::string reporter_;  // of the lines from here on
-    std::string behind_;    // what the call logs behind them
     Expectation read_;
 };
+
+std::string Named(const std::string& name, const std::string& line)
+{
+    static const std::regex named(R"((\w+_\w+|(Qrb)?DbListener\w+): [^]*)");
+    return line[0] == '/'                  ? line.substr(1)
+           : std::regex_match(line, named) ? line
+                                           : name + ": " + line;
+}
 
 // "%" and "%+n" in the words of an expectation.
 std::string WithCode(std::string text, uint32_t code)
@@ -202,6 +216,30 @@ Expectation Read(const Call& call)
     return Reader(call).Result();
 }
 
+// "answer | line | line"
+Outcome ReadOutcome(const std::string& text, const std::string& name)
+{
+    static const std::regex          bar(" *\\| ");
+    static const std::regex          newline(R"(\\n)");
+    const std::sregex_token_iterator part(text.begin(), text.end(), bar, -1);
+    Outcome                          outcome = {*part};
+    for (auto line = std::next(part); line != std::sregex_token_iterator(); ++line) {
+        outcome.push_back(Named(name, std::regex_replace(line->str(), newline, "\n")));
+    }
+    return outcome;
+}
+
+std::set<std::string> Titles()
+{
+    std::set<std::string> titles;
+    for (const auto& [title, rows] : Told()) {
+        if (!title.ends_with(SHAPE)) {
+            titles.insert(title);
+        }
+    }
+    return titles;
+}
+
 bool IsLogging(const std::string& operation)
 {
     return operation == "malloc" || operation == "vsprintf_s";
@@ -232,16 +270,6 @@ Outcome WithFault(Expectation& expectation, const Fault& fault)
         text = WithCode(text, fault.code);
     }
     return outcome;
-}
-
-std::string Fill(std::string text, const Values& values)
-{
-    for (const auto& [name, value] : values) {
-        for (size_t at = text.find(name); at != std::string::npos; at = text.find(name)) {
-            text.replace(at, std::string_view(name).size(), value);
-        }
-    }
-    return text;
 }
 
 }  // namespace calls
