@@ -5,7 +5,7 @@ namespace shell {
 
 class Library {
 public:
-    // Starts it in the specified order, and waits until its listener is there. Throws
+    // Starts it as a daemon does, and waits until its listener is there. Throws
     // std::runtime_error, with what was logged, where it does not start.
     Library();
     // Afterwards no callback runs.

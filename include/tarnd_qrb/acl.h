@@ -5,7 +5,7 @@
  * family. Only ACL_IsACLNodeExistByNumber tells whether one exists; its three kin tell whether it
  * could be looked for. Numbers and names go into scan conditions of limited length; one that does
  * not fit is a failure, and silent. With two single-digit virtual-system numbers, names up to 9
- * characters fit. Other failures are logged.
+ * characters fit. Other failures are logged, unless a comment calls them silent.
  *
  * Every function runs on any thread and keeps nothing between calls. Null is checked where a
  * comment says so.
@@ -62,8 +62,8 @@ uint32_t ACL_GetNameByGroupId(uint32_t groupId, char* name);
 uint32_t ACLIPv6_GetNameByGroupId(uint32_t groupId, char* name);
 
 /* The ACL number (field 5) of the record of "acl_group_id" with a name and a kind, the two members
-   of its key. 0, or 1 (logged; *aclNumber untouched unless only the close failed). The two
-   arguments in the middle are not looked at. */
+   of its key. 0, or 1: logged, with *aclNumber untouched; silently, with *aclNumber written,
+   where only the close failed. The two arguments in the middle are not looked at. */
 uint32_t BDS_AclGetAclNumberByName(const char* name, uint8_t kind, uint32_t unused1,
                                    uint32_t unused2, uint32_t* aclNumber);
 

@@ -115,7 +115,7 @@ uint32_t IF_SH_EvtPublishEventGetEventNode(uint32_t eventId, uint32_t subId,
                                            UTIL_LIST_NODE_S** first, uint64_t* count);
 
 /* Calls every notification callback, with these arguments. 0; 1 (logged) where the list is not
-   built, that is, until the first callback is registered. */
+   built, that is, until IF_NotifyFuncRegTbl_Init or the first IF_RegNotifyFunc. */
 uint32_t IF_NotifyAll(uint32_t ulIfIndex, uint32_t ulCmd, uint32_t a, uint32_t b);
 
 #ifdef __cplusplus

@@ -79,8 +79,9 @@ uint32_t SYSAPI_GetIp4AddrNumByIf(uint32_t ifIndex);
 uint32_t SYSAPI_GetIp4AllAddrByIf(uint32_t ifIndex, SYSAPI_IP4_ADDR_S* addresses,
                                   uint32_t capacity);
 
-/* In two reads. The addresses are counted and then read. A read that fails is logged and does not
-   change the result: addresses that were not read count as 0. */
+/* In two reads. The addresses are counted and then read. A count that fails is logged and taken for
+   none. A read that fails is logged and does not change the result: addresses that were not read
+   count as 0. */
 
 /* Whether the address is one of the interface's: 1 yes; 0 no, or a failure. An interface without
    addresses is logged. */

@@ -15,16 +15,18 @@
  *
  *     std::atomic_ref(g_epollDbListenerThreadExit).store(1, std::memory_order_release);
  *
- * Within 2 seconds, or once the callback that runs has returned, the thread closes its epoll
- * instance and ends. The library neither joins it nor starts another: g_epollDbListenerThreadId
- * keeps its value. A daemon that wants to start anew does it while nobody registers: it closes the
- * session, sets the flag, joins the thread, and sets the rest back.
+ * Within 2 seconds, or once what was ready when its round began has been handled, the thread closes
+ * its epoll instance and ends. The library neither joins it nor starts another:
+ * g_epollDbListenerThreadId keeps its value. A daemon that wants to start anew does it while nobody
+ * registers: it closes the session, sets the flag, joins the thread, and sets the rest back.
  *
  *     OrmCloseSession(g_dbListenerSubSession);
  *     g_isDbListenerSubOpened = 0;
  *     __atomic_store_n(&g_epollDbListenerThreadExit, 1, __ATOMIC_RELEASE);
- *     pthread_join(g_epollDbListenerThreadId, NULL);
- *     g_epollDbListenerThreadId = 0;
+ *     if (g_epollDbListenerThreadId != 0) {
+ *         pthread_join(g_epollDbListenerThreadId, NULL);
+ *         g_epollDbListenerThreadId = 0;
+ *     }
  *     g_regDbListenerInfo = NULL;
  */
 #ifndef TARND_QRB_LISTENER_H

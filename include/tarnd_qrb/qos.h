@@ -5,7 +5,8 @@
  * Remarks and CAR entries are lists of a profile's row. Item 1 of a list goes to the second slot of
  * the record, every other item to the first, so a later one takes an earlier one's place. Records
  * are never cleared: what no item sets keeps the caller's value, and values read before a failure
- * stay. Failures are logged, a missing list among them, unless a comment calls them silent.
+ * stay. Failures are logged, a missing list among them, unless a comment calls them silent. A list
+ * whose size can't be had counts as empty, silently.
  *
  * Every function runs on any thread and keeps nothing between calls. Null is not checked. Arguments
  * called unused are not looked at.

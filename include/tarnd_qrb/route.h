@@ -8,8 +8,8 @@
  * that changes between the scans can make an inquiry fail or mix old and new.
  *
  * Addresses are 32-bit numbers whose most significant byte is the first octet. Every function runs
- * on any thread and keeps nothing between calls. The scans log the end of a table like an error,
- * since they do not tell it from one. Null is checked where a comment says so.
+ * on any thread and keeps nothing between calls. The scans log the end of a table like an error.
+ * Null is checked where a comment says so.
  */
 #ifndef TARND_QRB_ROUTE_H
 #define TARND_QRB_ROUTE_H

@@ -15,7 +15,8 @@ uint32_t OpenRecord(uint32_t ifIndex)
 {
     ORM_SESSION    session = 0;
     const uint32_t ret     = BDS_IPGetIpv4AddrTblByIfIndex(&session, &ifIndex);
-    OrmCloseSession(session);
+    if (ret == 0)
+        OrmCloseSession(session);
     return ret;
 }
 
