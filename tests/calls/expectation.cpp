@@ -41,12 +41,12 @@ const std::map<std::string, Lines>& Told()
         for (const auto& file :
              std::filesystem::directory_iterator(TARND_PROJECT_ROOT "/docs/failures")) {
             std::ifstream text(file.path());
-            Lines*        rows = nullptr;
+            std::string   title;
             for (std::string line; file.path().extension() == ".txt" && std::getline(text, line);) {
                 if (line.starts_with("    ")) {
-                    rows->push_back(line.substr(4));
+                    read[title].push_back(line.substr(4));
                 } else if (!line.empty() && line[0] != '#') {
-                    rows = &read[line];
+                    title = line;
                 }
             }
         }
