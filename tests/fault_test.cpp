@@ -95,17 +95,17 @@ TEST_F(Faults, NullIsRefused)
 }
 // clang-format on
 
-// Whoever exports a function tells here what becomes of it. The list and the memory map have no
-// database behind them, and tests of their own; the listener's thread runs in whatever starts it,
-// the rows of a message are read in its delivery, and the print hooks do nothing. What publishes a
-// pair of rows has no step that could fail.
+// Whoever exports a function calls it in tests/calls, and tells in docs/failures what becomes of
+// it. The list and the memory map have no database behind them, and tests of their own; the
+// listener's thread runs in whatever starts it, the rows of a message are read in its delivery, and
+// the print hooks do nothing. What publishes a pair of rows has no step that could fail.
 TEST(Calls, AreOfEveryExportedFunction)
 {
     std::set<std::string> told;
     std::set<std::string> titles;
     for (const Call& call : AllCalls()) {
         told.insert(call.Name());
-        titles.insert(call.title);
+        EXPECT_TRUE(titles.insert(call.title).second) << call.title;
     }
     EXPECT_EQ(titles, Titles());
     const std::regex exported(

@@ -1,5 +1,4 @@
-// IPv4 addresses. Interface 1 has 10.0.0.1/24 of type 6 and 10.0.0.2/25 of type 1,
-// interface 4 an empty list.
+// IPv4 addresses.
 #include <tarnd_qrb/ipv4_address.h>
 
 #include "calls/calls.h"

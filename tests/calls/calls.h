@@ -50,7 +50,7 @@ protected:
     void SetUp() override;
 };
 
-// What a call comes to: its answer, what it logs, and that it leaves something open.
+// What a call comes to: its answer, what it logs, and whether it leaves something open.
 using Outcome = Lines;
 
 // The last of these operations fails.
@@ -74,8 +74,8 @@ struct Step {
     std::string name;
     unsigned    from;
     unsigned    to;
-    unsigned    session;       // 0: in each
-    uint32_t    code;          // 0: whatever it is
+    unsigned    session;       // 0: any
+    uint32_t    code;          // 0: any
     bool        cleanUpsFail;  // only then
     Outcome     outcome;
     std::string row;  // that tells of it

@@ -297,7 +297,6 @@ Calls Starts()
                 EXPECT_EQ(g_isL2IFEvtInited, 1);
                 LeftUnlocked();
             }},
-        // Added, removed, and not there any more.
         {"DbListenerEpollCtrl", [] {
              const auto control = [](uint32_t operation) {
                  return static_cast<uint32_t>(DbListenerEpollCtrl(static_cast<uint32_t>(descriptor), operation));

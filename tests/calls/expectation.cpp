@@ -15,21 +15,20 @@ namespace calls {
 
 namespace {
 
-// What a row is called that stands for several.
+// How the title of a shape ends.
 constexpr char SHAPE[] = " A; B";
 
 // clang-format off
 // What a step is called whose operation looks like this.
 constexpr std::pair<const char*, const char*> STEPS[] = {
-    {"OrmOpenSession*", "open"},      {"OrmCloseSession", "close"},      {"OrmPrepare", "prepare"},
-    {"OrmSetKeyName", "key"},         {"OrmSetIndexKeyValue", "key"},    {"Ormg*KeyInner", "key"},
-    {"OrmExecute", "execute"},        {"OrmGetField*", "field"},         {"OrmSetScanCond", "condition"},
-    {"OrmScanStart", "start"},        {"OrmScanNext", "next"},           {"OrmScanEnd", "end"},
-    {"OrmNodeGetChild", "list"},      {"OrmNodeGetSize", "size"},        {"OrmNodeGetItem*", "item"},
-    {"OrmNodeGetField*", "value"},    {"Ormg*ReadInner", "read"},        {"Ormg*FieldsInner", "row"},
-    {"OrmSubExtractData", "extract"}, {"OrmSubFetchNext", "fetch"},      {"sprintf_s", "format"},
-    {"str*_s", "copy"},               {"mem*_s", "copy"},                {"calloc", "memory"},
-    {"malloc_ex", "memory"},
+    {"OrmOpenSession*", "open"},  {"OrmCloseSession", "close"},    {"OrmPrepare", "prepare"},
+    {"OrmSet*Key*", "key"},       {"Ormg*KeyInner", "key"},        {"OrmExecute", "execute"},
+    {"OrmGetField*", "field"},    {"OrmSetScanCond", "condition"}, {"OrmScanStart", "start"},
+    {"OrmScanNext", "next"},      {"OrmScanEnd", "end"},           {"OrmNodeGetChild", "list"},
+    {"OrmNodeGetSize", "size"},   {"OrmNodeGetItem*", "item"},     {"OrmNodeGetField*", "value"},
+    {"Ormg*ReadInner", "read"},   {"Ormg*FieldsInner", "row"},     {"OrmSubExtractData", "extract"},
+    {"OrmSubFetchNext", "fetch"}, {"sprintf_s", "format"},         {"str*_s", "copy"},
+    {"mem*_s", "copy"},           {"calloc", "memory"},            {"malloc_ex", "memory"},
 };
 // clang-format on
 
@@ -46,7 +45,7 @@ const std::map<std::string, Lines>& Told()
                 if (line.starts_with("    ")) {
                     read[title].push_back(line.substr(4));
                 } else if (!line.empty() && line[0] != '#') {
-                    title = line;
+                    read[title = line];
                 }
             }
         }
@@ -70,19 +69,27 @@ unsigned Number(const std::string& digits, unsigned otherwise)
     return digits.empty() ? otherwise : static_cast<unsigned>(std::stoul(digits));
 }
 
+// An outcome, and the lines of another one behind.
+Outcome Followed(Outcome outcome, const Outcome& other)
+{
+    outcome.insert(outcome.end(), other.begin() + 1, other.end());
+    return outcome;
+}
+
 // Reads what is told of a call, row by row.
 class Reader {
 public:
     explicit Reader(const Call& call) : name_(call.Name())
     {
         const auto told = Told().find(call.title);
-        if (told == Told().end()) {
+        if (told == Told().end() || told->second.empty()) {
             read_.good = {"is not told"};
             return;
         }
         read_.good = ReadOutcome(told->second[0], name_);
         for (const std::string& row : std::span(told->second).subspan(1)) {
-            row_                       = row;
+            row_ = row;
+            read_.unused.insert(row);
             const auto [word, outcome] = ReadRow(row);
             const auto shape           = Told().find(word + SHAPE);
             if (word == "within") {
@@ -105,7 +112,7 @@ private:
                 ReadOutcome(row.substr(row.find_first_not_of(' ', end)), name_)};
     }
 
-    // "A" or "A; B", and what is logged behind.
+    // The rows of a shape. Told are "A" or "A; B", and what is logged behind.
     void AddShape(const Lines& rows, const Outcome& told)
     {
         const std::string& answers = told[0];
@@ -134,32 +141,20 @@ private:
                 step.outcome[0] = part[3].str();
                 step.outcome    = Followed(step.outcome, told);
             }
-            Add(step);
+            read_.steps.push_back(step);
         }
-    }
-
-    static Outcome Followed(Outcome outcome, const Outcome& told)
-    {
-        outcome.insert(outcome.end(), told.begin() + 1, told.end());
-        return outcome;
     }
 
     void AddStep(const std::string& condition, const Outcome& outcome)
     {
         static const std::regex shape(
-            R"(([^#@=!]+)(?:#(\d+)(?:-(\d+))?)?(?:@(\d+))?(?:=(\d+))?(!)?)");
+            R"(([^#@=!]+)(?:#([1-9]\d*)(?:-(\d+))?)?(?:@([1-9]\d*))?(?:=([1-9]\d*))?(!)?)");
         std::smatch part;
         ASSERT_TRUE(std::regex_match(condition, part, shape)) << name_ << ": " << condition;
         const unsigned from = Number(part[2], 1);
         const unsigned to   = Number(part[3], Number(part[2], UINT_MAX));
-        Add({part[1], from, to, Number(part[4], 0), Number(part[5], 0), part[6].matched, outcome,
-             row_});
-    }
-
-    void Add(const Step& step)
-    {
-        read_.steps.push_back(step);
-        read_.unused.insert(row_);
+        read_.steps.push_back({part[1], from, to, Number(part[4], 0), Number(part[5], 0),
+                               part[6].matched, outcome, row_});
     }
 
     std::string name_;
@@ -169,10 +164,10 @@ private:
 
 std::string Named(const std::string& name, const std::string& line)
 {
-    static const std::regex named(R"((\w+_\w+|(Qrb)?DbListener\w+): [^]*)");
-    return line[0] == '/'                  ? line.substr(1)
-           : std::regex_match(line, named) ? line
-                                           : name + ": " + line;
+    static const std::regex named(R"(^\w*(_|DbListener)\w*: )");
+    return line[0] == '/'                   ? line.substr(1)
+           : std::regex_search(line, named) ? line
+                                            : name + ": " + line;
 }
 
 // "%" and "%+n" in the words of an expectation.
@@ -264,7 +259,7 @@ Outcome WithFault(Expectation& expectation, const Fault& fault)
     Outcome outcome = step->outcome;
     if (outcome[0] == "=") {
         outcome[0] = good[0];
-        outcome.insert(outcome.end(), good.begin() + 1, good.end());
+        outcome    = Followed(outcome, good);
     }
     for (std::string& text : outcome) {
         text = WithCode(text, fault.code);

@@ -1,6 +1,4 @@
-// Route inquiry. The second forwarding entry covers the destination and leads to group 1, of which
-// the second and the third member are; the first of them has the second next hop, and the other way
-// round.
+// Route inquiry.
 #include <tarnd_qrb/route.h>
 
 #include "calls/calls.h"
