@@ -1,6 +1,6 @@
 /*
- * A module of the daemon, in C: builds a list, registers a callback, publishes an event. Prints what
- * went wrong; the exit status tells whether anything did.
+ * A module of the daemon, in C: builds a list, registers a callback, publishes an event. Prints
+ * what went wrong; the exit status tells whether anything did.
  */
 #include <stdio.h>
 #include <tarnd_qrb/event_publish.h>
