@@ -284,13 +284,13 @@ Calls OfMessages()
 
 Calls Starts()
 {
-#define STARTS(name, function) {name, Started<function>, {}, LeftUnlocked}
+#define STARTS(function) {#function, Started<function>, {}, LeftUnlocked}
     return {
-        STARTS("QrbDbListenerRegisterEvent", Register),
-        STARTS("QRB_EVENT_SubToPortTable", QRB_EVENT_SubToPortTable),
-        STARTS("QRB_EVENT_SubToIfRouteTable", QRB_EVENT_SubToIfRouteTable),
-        STARTS("QRB_EVENT_SubToIfPhyTable", QRB_EVENT_SubToIfPhyTable),
-        STARTS("QRB_EVENT_SubToIfBaseTable", QRB_EVENT_SubToIfBaseTable),
+        {"QrbDbListenerRegisterEvent", Started<Register>, {}, LeftUnlocked},
+        STARTS(QRB_EVENT_SubToPortTable),
+        STARTS(QRB_EVENT_SubToIfRouteTable),
+        STARTS(QRB_EVENT_SubToIfPhyTable),
+        STARTS(QRB_EVENT_SubToIfBaseTable),
         {"BDS_InitStart", Started<BDS_InitStart>,
             [] { g_isL2IFEvtInited = 0; },
             [] {

@@ -39,9 +39,12 @@ const std::map<std::string, Lines>& Told()
         std::map<std::string, Lines> read;
         for (const auto& file :
              std::filesystem::directory_iterator(TARND_PROJECT_ROOT "/docs/failures")) {
+            if (file.path().extension() != ".txt") {
+                continue;  // the device
+            }
             std::ifstream text(file.path());
             std::string   title;
-            for (std::string line; file.path().extension() == ".txt" && std::getline(text, line);) {
+            for (std::string line; std::getline(text, line);) {
                 if (line.starts_with("    ")) {
                     read[title].push_back(line.substr(4));
                 } else if (!line.empty() && line[0] != '#') {

@@ -11,10 +11,11 @@ namespace calls {
 
 namespace {
 
-// One step of a walk. A walk that is open has a session and a scan.
+// One step of a walk that this first step has begun, or of one that is not. A walk that is open has
+// a session and a scan.
 template <typename Function, typename... Arguments>
-Call StepOf(uint32_t (*first)(uint32_t*), uint32_t (*finish)(), const char* title,
-            Function function, Arguments... arguments)
+Call StepOf(const char* title, uint32_t (*first)(uint32_t*), Function function,
+            Arguments... arguments)
 {
     return {title,
             [=] {
@@ -25,12 +26,15 @@ Call StepOf(uint32_t (*first)(uint32_t*), uint32_t (*finish)(), const char* titl
                 uint32_t value = 0;
                 EXPECT_EQ(first == nullptr ? 0 : first(&value), 0U);
             },
-            [=] {
+            [] {
                 if (support::OpenHandles() != 0) {  // else all must be as before the walk
-                    finish();
+                    QRB_ScanIfIndexFinish();
+                    QRB_ScanPortFinish();
+                    QRB_ScanVlanFinish();
                 }
             }};
 }
+#define STEP(first, function, ...) StepOf(#function, first, function __VA_OPT__(, ) __VA_ARGS__)
 
 }  // namespace
 
@@ -57,27 +61,27 @@ Calls Layer2Calls()
         {CALL(BDS_IfnetGetVlanIdByIfName, "Vlanif10", OutText(), 64U)},
         {CALL(BDS_IfnetGetVlanIdByIfIndex, 2U, Out32())},
 
-        StepOf(nullptr, QRB_ScanIfIndexFinish, "QRB_GetFirstIfIndex", QRB_GetFirstIfIndex, Out32()),
-        StepOf(QRB_GetFirstIfIndex, QRB_ScanIfIndexFinish, "QRB_GetFirstIfIndex, begun already", QRB_GetFirstIfIndex, Out32()),
-        StepOf(QRB_GetFirstIfIndex, QRB_ScanIfIndexFinish, "QRB_GetNextIfIndex", QRB_GetNextIfIndex, Out32()),
-        StepOf(QRB_GetFirstIfIndex, QRB_ScanIfIndexFinish, "QRB_ScanIfIndexFinish", QRB_ScanIfIndexFinish),
-        StepOf(nullptr, QRB_ScanIfIndexFinish, "IF_INTF_GetFirstIfIndex", IF_INTF_GetFirstIfIndex, Out32()),
-        StepOf(QRB_GetFirstIfIndex, QRB_ScanIfIndexFinish, "IF_INTF_GetNextIfIndex", IF_INTF_GetNextIfIndex, 9U, Out32()),
-        StepOf(QRB_GetFirstIfIndex, QRB_ScanIfIndexFinish, "IF_INTF_ScanFinish", IF_INTF_ScanFinish),
-        StepOf(nullptr, QRB_ScanPortFinish, "QRB_GetFirstPort", QRB_GetFirstPort, Out32()),
-        StepOf(QRB_GetFirstPort, QRB_ScanPortFinish, "QRB_GetFirstPort, begun already", QRB_GetFirstPort, Out32()),
-        StepOf(QRB_GetFirstPort, QRB_ScanPortFinish, "QRB_GetNextPort", QRB_GetNextPort, Out32()),
-        StepOf(QRB_GetFirstPort, QRB_ScanPortFinish, "QRB_ScanPortFinish", QRB_ScanPortFinish),
-        StepOf(nullptr, QRB_ScanPortFinish, "L2IF_GetFirstPort", L2IF_GetFirstPort, Out32()),
-        StepOf(QRB_GetFirstPort, QRB_ScanPortFinish, "L2IF_GetNextPort", L2IF_GetNextPort, Out32()),
-        StepOf(QRB_GetFirstPort, QRB_ScanPortFinish, "L2IF_ScanFinish", L2IF_ScanFinish),
-        StepOf(nullptr, QRB_ScanVlanFinish, "QRB_GetFirstVlan", QRB_GetFirstVlan, Out32()),
-        StepOf(QRB_GetFirstVlan, QRB_ScanVlanFinish, "QRB_GetFirstVlan, begun already", QRB_GetFirstVlan, Out32()),
-        StepOf(QRB_GetFirstVlan, QRB_ScanVlanFinish, "QRB_GetNextVlan", QRB_GetNextVlan, Out32()),
-        StepOf(QRB_GetFirstVlan, QRB_ScanVlanFinish, "QRB_ScanVlanFinish", QRB_ScanVlanFinish),
-        StepOf(nullptr, QRB_ScanVlanFinish, "L2IF_GetFirstVlan", L2IF_GetFirstVlan, Out16()),
-        StepOf(QRB_GetFirstVlan, QRB_ScanVlanFinish, "L2IF_GetNextVlan", L2IF_GetNextVlan, Out16()),
-        StepOf(QRB_GetFirstVlan, QRB_ScanVlanFinish, "L2IF_ScanVlanFinish", L2IF_ScanVlanFinish),
+        STEP(nullptr, QRB_GetFirstIfIndex, Out32()),
+        StepOf("QRB_GetFirstIfIndex, begun already", QRB_GetFirstIfIndex, QRB_GetFirstIfIndex, Out32()),
+        STEP(QRB_GetFirstIfIndex, QRB_GetNextIfIndex, Out32()),
+        STEP(QRB_GetFirstIfIndex, QRB_ScanIfIndexFinish),
+        STEP(nullptr, IF_INTF_GetFirstIfIndex, Out32()),
+        STEP(QRB_GetFirstIfIndex, IF_INTF_GetNextIfIndex, 9U, Out32()),
+        STEP(QRB_GetFirstIfIndex, IF_INTF_ScanFinish),
+        STEP(nullptr, QRB_GetFirstPort, Out32()),
+        StepOf("QRB_GetFirstPort, begun already", QRB_GetFirstPort, QRB_GetFirstPort, Out32()),
+        STEP(QRB_GetFirstPort, QRB_GetNextPort, Out32()),
+        STEP(QRB_GetFirstPort, QRB_ScanPortFinish),
+        STEP(nullptr, L2IF_GetFirstPort, Out32()),
+        STEP(QRB_GetFirstPort, L2IF_GetNextPort, Out32()),
+        STEP(QRB_GetFirstPort, L2IF_ScanFinish),
+        STEP(nullptr, QRB_GetFirstVlan, Out32()),
+        StepOf("QRB_GetFirstVlan, begun already", QRB_GetFirstVlan, QRB_GetFirstVlan, Out32()),
+        STEP(QRB_GetFirstVlan, QRB_GetNextVlan, Out32()),
+        STEP(QRB_GetFirstVlan, QRB_ScanVlanFinish),
+        STEP(nullptr, L2IF_GetFirstVlan, Out16()),
+        STEP(QRB_GetFirstVlan, L2IF_GetNextVlan, Out16()),
+        STEP(QRB_GetFirstVlan, L2IF_ScanVlanFinish),
     };
 }
 // clang-format on
