@@ -19,11 +19,11 @@ constexpr size_t WIDE_CONDITION_SIZE = 128;
 
 // How the columns of "acl_group" tell an ACL.
 struct ACL_S {
-    uint16_t    vsid;
-    uint16_t    vsysid;
-    uint32_t    number;
+    uint16_t vsid;
+    uint16_t vsysid;
+    uint32_t number;
     const char* name;  // null: known by its number
-    uint32_t    isIpv6;
+    uint32_t isIpv6;
 };
 
 // False when the condition does not fit.
@@ -50,8 +50,8 @@ uint32_t FindGroup(const char* condition, uint32_t* groupId, uint32_t* matches)
 // What three of the four checks take for existence: that the condition fits and the scan ran.
 uint32_t AnswerScanned(const ACL_S& acl, size_t capacity, uint32_t* groupId)
 {
-    char       condition[WIDE_CONDITION_SIZE];
-    uint32_t   matches = 0;
+    char condition[WIDE_CONDITION_SIZE];
+    uint32_t matches = 0;
     const bool scanned =
         Describe(acl, condition, capacity) && FindGroup(condition, groupId, &matches) == OK;
     return scanned ? EXISTS : ABSENT;
@@ -72,8 +72,8 @@ uint32_t ACL_IsACLNodeExistByNumber(uint16_t vsid, uint16_t vsysid, uint32_t acl
     if (!Describe({vsid, vsysid, aclNumber, nullptr, IPV4}, condition, sizeof(condition))) {
         return ABSENT;
     }
-    uint32_t       matches = 0;
-    const uint32_t ret     = FindGroup(condition, groupId, &matches);
+    uint32_t matches = 0;
+    const uint32_t ret = FindGroup(condition, groupId, &matches);
     if (ret != OK || matches == 0) {
         QRB_ERROR("QRB_DB_Scan failed, ret = %u\n", ret);
         return ABSENT;

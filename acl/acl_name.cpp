@@ -11,14 +11,14 @@ using namespace qrb;
 
 namespace {
 
-constexpr char     TABLE[]          = "acl_group_id";
+constexpr char TABLE[] = "acl_group_id";
 constexpr uint32_t FIELD_ACL_NUMBER = 5;
 
 // Where the accessor of the whole record puts the name.
 struct QRB_PACKED ACL_GROUP_ID_FIELDS_S {
     uint32_t nameCapacity;
-    char*    name;
-    uint8_t  reserved_12[17];
+    char* name;
+    uint8_t reserved_12[17];
 };
 QRB_RECORD_SIZE(ACL_GROUP_ID_FIELDS_S, 29);
 QRB_FIELD_AT(ACL_GROUP_ID_FIELDS_S, nameCapacity, 0, 4);
@@ -27,7 +27,7 @@ QRB_FIELD_AT(ACL_GROUP_ID_FIELDS_S, name, 4, 8);
 // The primary key.
 struct QRB_PACKED ACL_GROUP_ID_KEY_S {
     const char* name;
-    uint8_t     kind;
+    uint8_t kind;
 };
 QRB_RECORD_SIZE(ACL_GROUP_ID_KEY_S, 9);
 QRB_FIELD_AT(ACL_GROUP_ID_KEY_S, name, 0, 8);
@@ -57,8 +57,8 @@ uint32_t ACL_GetNameByGroupId(uint32_t groupId, char* name)
     if (sprintf_s(condition, sizeof(condition), "id = %u", groupId) <= 0) {
         return FAIL;
     }
-    uint32_t       count = 0;
-    const uint32_t ret   = QRB_DB_Scan(TABLE, name, 1, ReadName, &count, condition, nullptr);
+    uint32_t count = 0;
+    const uint32_t ret = QRB_DB_Scan(TABLE, name, 1, ReadName, &count, condition, nullptr);
     if (ret != OK || count == 0) {
         QRB_ERROR("QRB_DB_Scan failed, ret = %u\n", ret);
         return FAIL;

@@ -20,7 +20,7 @@ uint32_t CountMatches(const char* function, ORM_SESSION session, const char* con
         return FAIL;
     }
     ORM_SCAN scan = 0;
-    ret           = OrmScanStart(session, &scan);
+    ret = OrmScanStart(session, &scan);
     if (ret != OK) {
         QRB_ERROR_AT(function, "OrmScanStart failed, ret = %d\n", ret);
         return FAIL;

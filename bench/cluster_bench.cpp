@@ -27,7 +27,7 @@ using sources::Cluster;
 using sources::Write;
 using sources::ovsdb::Json;
 using standin::Row;
-using Clock   = std::chrono::steady_clock;
+using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
 double SecondsSince(Clock::time_point begin)
@@ -50,30 +50,34 @@ public:
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
         path.copy(address.sun_path, sizeof(address.sun_path) - 1);
-        if (connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0)
+        if (connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
             throw std::runtime_error(path + " does not answer");
+        }
     }
     ~BareClient() { close(socket_); }
-    BareClient(const BareClient&)            = delete;
+    BareClient(const BareClient&) = delete;
     BareClient& operator=(const BareClient&) = delete;
 
     void Send(const char* method, const Json& parameters)
     {
         const std::string text = Json{{"id", 1}, {"method", method}, {"params", parameters}}.dump();
-        if (write(socket_, text.data(), text.size()) != static_cast<ssize_t>(text.size()))
+        if (write(socket_, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
             throw std::runtime_error("a request was not sent");
+        }
     }
 
     // The size of the next message.
     size_t Receive()
     {
         for (;;) {
-            if (const auto message = framing_.Next())
+            if (const auto message = framing_.Next()) {
                 return message->size();
-            char          bytes[1 << 16];
+            }
+            char bytes[1 << 16];
             const ssize_t size = read(socket_, bytes, sizeof bytes);
-            if (size <= 0)
+            if (size <= 0) {
                 throw std::runtime_error("the server ended the connection");
+            }
             framing_.Add({bytes, static_cast<size_t>(size)});
         }
     }
@@ -89,7 +93,7 @@ public:
     }
 
 private:
-    int                     socket_;
+    int socket_;
     sources::ovsdb::Framing framing_;
 };
 
@@ -97,7 +101,7 @@ private:
 
 std::atomic<uint64_t> callbacks;
 std::atomic<uint32_t> lastSpeed;
-std::atomic<int64_t>  lastCallback;  // of the steady clock
+std::atomic<int64_t> lastCallback;  // of the steady clock
 
 void OnChange(ORM_MESSAGE message, uint32_t)
 {
@@ -108,13 +112,13 @@ void OnChange(ORM_MESSAGE message, uint32_t)
         ++callbacks;
     }
     lastCallback = Clock::now().time_since_epoch().count();
-    lastSpeed    = speed;
+    lastSpeed = speed;
 }
 
 void Subscribe()
 {
     ORM_SESSION_PARAM parameter = 0;
-    ORM_SESSION       session   = 0;
+    ORM_SESSION session = 0;
     OrmCreateSessionParam("channel:", "osc", &parameter);
     OrmOpenSubSession(parameter, nullptr, &session);
     OrmDestroySessionParam(parameter);
@@ -127,7 +131,7 @@ void Subscribe()
 void Fill(const std::string& path, uint64_t count)
 {
     constexpr uint64_t atOnce = 10'000;
-    Cluster            cluster("unix:" + path);
+    Cluster cluster("unix:" + path);
     cluster.Follow();
     std::vector<Write> writes = {
         {Write::Kind::Insert, Row("if_phy").Set("if_index", 1)},
@@ -137,27 +141,29 @@ void Fill(const std::string& path, uint64_t count)
                                                    .Set("destAddr", 0x0a000000 + (i << 8))
                                                    .Set("prefixLen", 24)
                                                    .Set("nhpGroupId", i % 1000)});
-        if (writes.size() >= atOnce || i + 1 == count)
+        if (writes.size() >= atOnce || i + 1 == count) {
             cluster.Commit(std::exchange(writes, {}));
+        }
     }
 }
 
 void Start(const std::string& path)
 {
     BareClient bare(path);
-    Json       tables;
-    for (const standin::Table& table : standin::Tables())
+    Json tables;
+    for (const standin::Table& table : standin::Tables()) {
         tables[sources::ovsdb::ColumnsOf(table).name] = Json::array({Json::object()});
+    }
     const auto bareBegin = Clock::now();
     bare.Send("monitor_cond", Json::array({sources::ovsdb::database, "bare", tables}));
-    const size_t size        = bare.Receive();
+    const size_t size = bare.Receive();
     const double bareSeconds = SecondsSince(bareBegin);
 
-    const auto    begin = Clock::now();
-    const double  own   = ThreadSeconds();
+    const auto begin = Clock::now();
+    const double own = ThreadSeconds();
     const Cluster cluster("unix:" + path);
-    const double  seconds = SecondsSince(begin);
-    const double  spent   = ThreadSeconds() - own;
+    const double seconds = SecondsSince(begin);
+    const double spent = ThreadSeconds() - own;
     std::printf(
         "start with %zu routes: %.2f s, %.2f s of them here; only receiving the %zu MB: %.2f s; "
         "ratio %.2f\n",
@@ -176,9 +182,9 @@ struct QueryCost {
 // By queries until the flag rises; the worst is that of 999 in 1000.
 QueryCost AskWhile(const std::atomic<bool>& goOn)
 {
-    char                name[64];
+    char name[64];
     std::vector<double> walls;
-    const double        own = ThreadSeconds();
+    const double own = ThreadSeconds();
     while (goOn) {
         const auto begin = Clock::now();
         IF_INTF_GetIfNameByIfIndex(name, 1);
@@ -201,10 +207,11 @@ constexpr uint64_t stormChanges = 20'000;
 void Blow(const std::string& path)
 {
     constexpr uint64_t inFlight = 64;
-    BareClient         client(path);
+    BareClient client(path);
     for (uint64_t sent = 0, done = 0; done < stormChanges; ++done) {
-        for (; sent < stormChanges && sent < done + inFlight; ++sent)
+        for (; sent < stormChanges && sent < done + inFlight; ++sent) {
             client.SetSpeed(sent + 1);
+        }
         client.Receive();
     }
 }
@@ -222,10 +229,11 @@ void Storm(const std::string& path)
         cluster.Follow();
         callbacks = 0;
         lastSpeed = 0;
-        begin     = Clock::now();
+        begin = Clock::now();
         Blow(path);
-        while (lastSpeed != stormChanges)
+        while (lastSpeed != stormChanges) {
             std::this_thread::yield();
+        }
         followed = std::max(followed, stormChanges / SecondsSince(begin));
     }
     std::printf(
@@ -236,7 +244,7 @@ void Storm(const std::string& path)
     Cluster cluster("unix:" + path);
     cluster.Follow();
     std::atomic<bool> goOn = true;
-    std::jthread      calm([&] {
+    std::jthread calm([&] {
         std::this_thread::sleep_for(std::chrono::seconds(1));
         goOn = false;
     });
@@ -261,15 +269,15 @@ double Median(std::vector<double> values)
 void Delay(const std::string& path)
 {
     constexpr uint32_t changes = 2000, first = 1'000'000;
-    Cluster            cluster("unix:" + path);
+    Cluster cluster("unix:" + path);
     Subscribe();
     cluster.Follow();
     const std::string command =
         "exec ovsdb-client --no-headings --format=csv monitor unix:" + path + " " +
         sources::ovsdb::database + " if_phy speed 2>/dev/null";
-    FILE* const         monitor = popen(command.c_str(), "r");
-    BareClient          client(path);
-    char                line[512];
+    FILE* const monitor = popen(command.c_str(), "r");
+    BareClient client(path);
+    char line[512];
     std::vector<double> callback, printed, answered;
     for (uint32_t i = 0; i < changes; ++i) {
         const auto begin = Clock::now();
@@ -278,12 +286,14 @@ void Delay(const std::string& path)
         answered.push_back(SecondsSince(begin));
         const std::string wanted = ',' + std::to_string(first + i) + '\n';
         do {
-            if (fgets(line, sizeof line, monitor) == nullptr)
+            if (fgets(line, sizeof line, monitor) == nullptr) {
                 throw std::runtime_error("ovsdb-client monitor ended");
+            }
         } while (!std::string_view(line).ends_with(wanted));
         printed.push_back(SecondsSince(begin));
-        while (lastSpeed != first + i)
+        while (lastSpeed != first + i) {
             std::this_thread::yield();
+        }
         callback.push_back(
             Seconds(Clock::duration(lastCallback.load()) - begin.time_since_epoch()).count());
     }
@@ -297,16 +307,17 @@ void Delay(const std::string& path)
 int Run(int count, char** words)
 {
     const std::string what = count > 2 ? words[2] : "";
-    if (what == "fill" && count == 4)
+    if (what == "fill" && count == 4) {
         Fill(words[1], std::stoull(words[3]));
-    else if (what == "start")
+    } else if (what == "start") {
         Start(words[1]);
-    else if (what == "storm")
+    } else if (what == "storm") {
         Storm(words[1]);
-    else if (what == "delay")
+    } else if (what == "delay") {
         Delay(words[1]);
-    else
+    } else {
         throw std::runtime_error("usage: tarnd_cluster_bench SOCKET fill COUNT|start|storm|delay");
+    }
     return 0;
 }
 

@@ -1,5 +1,6 @@
 // One 387-byte record by its 4-byte key, copied out.
 #include <benchmark/benchmark.h>
+
 #include <tarnd_platform/orm_accessors.h>
 
 #include "stores.h"
@@ -24,8 +25,8 @@ public:
     bool Read(uint32_t ifIndex, QRB_IF_BASE_S* record) const
     {
         ORM_SESSION session = 0;
-        uint16_t    ifType  = 0;
-        const bool  found   = OrmOpenSessionByDefault(&session) == ORM_OK &&
+        uint16_t ifType = 0;
+        const bool found = OrmOpenSessionByDefault(&session) == ORM_OK &&
                            OrmPrepare(session, "if_base", QRB_ORM_OP_READ) == ORM_OK &&
                            OrmSetKeyName(session, "primary_key") == ORM_OK &&
                            OrmSetIndexKeyValue(session, 0, QRB_KEY_TYPE_U32, &ifIndex,
@@ -41,12 +42,12 @@ public:
 template <typename Store>
 void KeyedRead(benchmark::State& state)
 {
-    const auto    rows = static_cast<uint32_t>(state.range(0));
+    const auto rows = static_cast<uint32_t>(state.range(0));
     static Store* store;
     if (state.thread_index() == 0) {
         store = &Filled<Store>(rows);
     }
-    RandomRows    random(rows);
+    RandomRows random(rows);
     QRB_IF_BASE_S record;
     for (auto _ : state) {
         if (!store->Read(random.Next(), &record)) {

@@ -1,13 +1,15 @@
 // The generic list beside memory taken and given back, the standard library's list and GLib's.
-#include <benchmark/benchmark.h>
 #include <glib.h>
-#include <tarnd_qrb/memory_map.h>
-#include <tarnd_qrb/util_list.h>
 
 #include <array>
 #include <cstdlib>
 #include <cstring>
 #include <list>
+
+#include <benchmark/benchmark.h>
+
+#include <tarnd_qrb/memory_map.h>
+#include <tarnd_qrb/util_list.h>
 
 namespace {
 
@@ -16,8 +18,8 @@ struct Element {
     uint64_t rest[3];
 };
 
-constexpr size_t waiting = 64;   // elements in the list while others come and go
-constexpr size_t sorted  = 100;  // elements put in order
+constexpr size_t waiting = 64;  // elements in the list while others come and go
+constexpr size_t sorted = 100;  // elements put in order
 
 constexpr UTIL_LIST_TRAITS_S traits = {sizeof(Element), nullptr, nullptr, nullptr,
                                        nullptr,         nullptr, nullptr};
@@ -62,7 +64,7 @@ public:
     void Insert(const Element& element)
     {
         auto position = list_.begin();
-        auto ahead    = Ahead;
+        auto ahead = Ahead;
         if constexpr (compare == atRunTime) {
             benchmark::DoNotOptimize(ahead);
         }
@@ -92,7 +94,7 @@ private:
     static Element* Copy(const Element& element)
     {
         auto* copy = g_new(Element, 1);
-        *copy      = element;
+        *copy = element;
         return copy;
     }
 
@@ -119,14 +121,14 @@ public:
 
 private:
     std::array<void*, 2 * waiting> blocks_ = {};
-    size_t                         pushed_ = 0;
-    size_t                         popped_ = 0;
+    size_t pushed_ = 0;
+    size_t popped_ = 0;
 };
 
 template <typename List>
 void PushPop(benchmark::State& state)
 {
-    List    list;
+    List list;
     Element element = {};
     for (size_t pushed = 0; pushed < waiting; pushed++) {
         list.Push(element);
@@ -145,7 +147,7 @@ BENCHMARK(PushPop<Queue>)->Name("list_push_pop/gqueue");
 template <typename List>
 void SortedInsert(benchmark::State& state)
 {
-    List                        list;
+    List list;
     std::array<Element, sorted> elements = {};
     for (size_t element = 0; element < sorted; element++) {
         elements[element].priority = element * 37 % sorted;

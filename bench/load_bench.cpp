@@ -1,6 +1,7 @@
 // Loading the library into a process that has its platform already, beside an empty library.
-#include <benchmark/benchmark.h>
 #include <dlfcn.h>
+
+#include <benchmark/benchmark.h>
 
 namespace {
 

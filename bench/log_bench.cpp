@@ -1,5 +1,6 @@
 // A log call whose priority is not written, beside a function that compares and returns.
 #include <benchmark/benchmark.h>
+
 #include <tarnd_qrb/log.h>
 
 namespace {

@@ -1,20 +1,22 @@
 // The road of a change: from a write to a module's callback on the listener thread, beside a bare
 // eventfd and epoll_wait; and what the library does with a change of nothing that it watches.
-#include <benchmark/benchmark.h>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
-#include <tarnd_platform/orm_accessors.h>
-#include <tarnd_platform/orm_subscription.h>
-#include <tarnd_qrb/change_detection.h>
-#include <tarnd_qrb/event_publish.h>
-#include <tarnd_qrb/memory_map.h>
-#include <tarnd_qrb/subscription.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <chrono>
 #include <cstring>
 #include <thread>
+
+#include <benchmark/benchmark.h>
+
+#include <tarnd_platform/orm_accessors.h>
+#include <tarnd_platform/orm_subscription.h>
+#include <tarnd_qrb/change_detection.h>
+#include <tarnd_qrb/event_publish.h>
+#include <tarnd_qrb/memory_map.h>
+#include <tarnd_qrb/subscription.h>
 
 #include "rows.h"
 
@@ -55,7 +57,7 @@ public:
     }
 
 private:
-    int               told_ = eventfd(0, 0);
+    int told_ = eventfd(0, 0);
     Clock::time_point at_;
 };
 Arrival arrival;
@@ -83,17 +85,17 @@ private:
     void Run()
     {
         epoll_event event;
-        eventfd_t   count = 0;
+        eventfd_t count = 0;
         while (epoll_wait(epoll_, &event, 1, -1) == 1 && eventfd_read(signal_, &count) == 0 &&
                !ending_) {
             arrival.Tell();
         }
     }
 
-    int               epoll_  = epoll_create1(0);
-    int               signal_ = eventfd(0, 0);
+    int epoll_ = epoll_create1(0);
+    int signal_ = eventfd(0, 0);
     std::atomic<bool> ending_ = false;
-    std::thread       thread_;
+    std::thread thread_;
 };
 
 void Bare(benchmark::State& state)
@@ -109,7 +111,7 @@ BENCHMARK(Bare)->Name("write_to_callback/bare")->UseManualTime();
 
 // How many changes the module expects; it tells of the last. The first can be held up.
 std::atomic<uint32_t> expected = 0;
-std::atomic<bool>     held     = false;
+std::atomic<bool> held = false;
 
 uint32_t OnChange()
 {
@@ -178,8 +180,8 @@ void WriteToCallback(benchmark::State& state, standin::Transaction (*toggle)())
 {
     StartOnce();
     for (auto _ : state) {
-        expected         = 1;
-        auto       write = toggle();
+        expected = 1;
+        auto write = toggle();
         const auto start = Clock::now();
         write.Commit();
         state.SetIterationTime(SecondsSince(start, arrival.Wait()));
@@ -198,12 +200,12 @@ void Queued(benchmark::State& state)
     StartOnce();
     for (auto _ : state) {
         expected = changes;
-        held     = true;
+        held = true;
         for (uint32_t change = 0; change < changes; change++) {
             TogglePort().Commit();
         }
         const auto start = Clock::now();
-        held             = false;
+        held = false;
         held.notify_all();
         state.SetIterationTime(SecondsSince(start, arrival.Wait()));
     }
@@ -216,7 +218,7 @@ void CompareByHand(ORM_MESSAGE message, uint32_t /*eventType*/)
 {
     QRB_PORT_S before;
     QRB_PORT_S after;
-    uint8_t    end = 0;
+    uint8_t end = 0;
     while (OrmSubFetchNext(message, &end) == 0 && end == 0) {
         memset(&before, 0, sizeof(before));
         memset(&after, 0, sizeof(after));
@@ -244,13 +246,13 @@ int32_t Watch(uint32_t descriptor, uint32_t /*operation*/)
 // One message with many rows, dispatched on this thread.
 void Unchanged(benchmark::State& state, ORM_SUB_CALLBACK callback)
 {
-    constexpr char     definition[] = R"({"name": "bench", "label_name": "port", "events":
+    constexpr char definition[] = R"({"name": "bench", "label_name": "port", "events":
         [{"type": "update", "msgTypes": ["new object", "old object"]}]})";
-    constexpr uint32_t ports        = 256;
+    constexpr uint32_t ports = 256;
 
     bench::Fill("port", ports, Port);
-    ORM_SESSION_PARAM param   = 0;
-    ORM_SESSION       session = 0;
+    ORM_SESSION_PARAM param = 0;
+    ORM_SESSION session = 0;
     OrmCreateSessionParam("channel:", "osc", &param);
     if (OrmOpenSubSession(param, Watch, &session) != 0 ||
         OrmSubscribe(session, "bench", definition, callback, nullptr, "bench") != 0) {

@@ -1,17 +1,19 @@
 // An event told to 1, 8 and 64 callbacks, beside an array of their addresses and GLib's list.
-#include <benchmark/benchmark.h>
 #include <glib.h>
-#include <tarnd_qrb/event_publish.h>
-#include <tarnd_qrb/memory_map.h>
 
 #include <vector>
 
+#include <benchmark/benchmark.h>
+
+#include <tarnd_qrb/event_publish.h>
+#include <tarnd_qrb/memory_map.h>
+
 namespace {
 
-constexpr uint32_t event     = L2IF_EVT_PORT_ADD;
-constexpr char     module[]  = "bench";
-constexpr uint16_t priority  = 100;
-uint64_t           callsMade = 0;
+constexpr uint32_t event = L2IF_EVT_PORT_ADD;
+constexpr char module[] = "bench";
+constexpr uint16_t priority = 100;
+uint64_t callsMade = 0;
 
 uint32_t Callback(const void* /*data*/, uint32_t /*value*/, void* /*argument*/, uint64_t* /*word*/)
 {
@@ -70,7 +72,7 @@ public:
 
 private:
     std::vector<L2IF_SH_EVT_CB_S> entries_;
-    GList*                        list_ = nullptr;
+    GList* list_ = nullptr;
 };
 
 template <typename Publisher>

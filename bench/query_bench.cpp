@@ -1,5 +1,6 @@
 // One query of each shape beside the same written out by hand.
 #include <benchmark/benchmark.h>
+
 #include <tarnd_qrb/acl.h>
 #include <tarnd_qrb/interface_lookup.h>
 #include <tarnd_qrb/interface_state.h>
@@ -14,9 +15,9 @@ namespace {
 using bench::Fill;
 using standin::Row;
 
-constexpr uint32_t rows      = 64;
+constexpr uint32_t rows = 64;
 constexpr uint32_t addresses = 4;  // of an interface
-constexpr uint32_t network   = 0x0A000000;
+constexpr uint32_t network = 0x0A000000;
 
 Row Physical(uint32_t ifIndex)
 {

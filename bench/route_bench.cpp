@@ -1,12 +1,14 @@
 // A forwarding table of up to a million entries: loaded from JSON, and asked about its last entry.
-#include <benchmark/benchmark.h>
 #include <sources/json_file.h>
-#include <tarnd_qrb/route.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+
+#include <benchmark/benchmark.h>
+
+#include <tarnd_qrb/route.h>
 
 #include "by_hand.h"
 #include "rows.h"
@@ -48,7 +50,7 @@ BENCHMARK_CAPTURE(LastEntry, by_hand, by_hand::FIB_ScanIp4Forward)
 
 void LoadRoutes(benchmark::State& state)
 {
-    const auto        rows = static_cast<uint32_t>(state.range(0));
+    const auto rows = static_cast<uint32_t>(state.range(0));
     const std::string file = "/dev/shm/tarnd_bench." + std::to_string(getpid()) + ".json";
     bench::Fill("Fib.ConfigIpv4Fwd", rows, Route);
     std::ofstream(file) << sources::DumpJson();

@@ -1,8 +1,9 @@
 // What a row of each table takes in memory, keys and order included.
-#include <benchmark/benchmark.h>
 #include <malloc.h>
 
 #include <functional>
+
+#include <benchmark/benchmark.h>
 
 #include "rows.h"
 
@@ -56,7 +57,7 @@ void RowMemory(benchmark::State& state, const Table& table)
         standin::Reset();
         const size_t before = InUse();
         bench::Fill(table.name, rows, [&](uint32_t number) { return RowOf(table, number); });
-        state.counters["bytes_a_row"]      = static_cast<double>(InUse() - before) / rows;
+        state.counters["bytes_a_row"] = static_cast<double>(InUse() - before) / rows;
         state.counters["record_and_lists"] = static_cast<double>(RecordAndLists(table));
     }
     standin::Reset();

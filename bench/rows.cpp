@@ -8,7 +8,7 @@ standin::Row Interface(uint32_t ifIndex)
 {
     constexpr uint32_t types = 17;
 
-    standin::Row      row("if_base");
+    standin::Row row("if_base");
     const std::string number = std::to_string(ifIndex);
     row.Set("if_index", ifIndex)
         .Set("if_name", "GigabitEthernet0/0/" + number)

@@ -1,16 +1,16 @@
 // The rows that benchmarks look at.
 #pragma once
 
-#include <standin/database.h>
-#include <tarnd_qrb/records.h>
-
 #include <cstdint>
 #include <functional>
+
+#include <standin/database.h>
+#include <tarnd_qrb/records.h>
 
 namespace bench {
 
 // The "if_base" row of an interface; indexes count from 1.
-standin::Row  Interface(uint32_t ifIndex);
+standin::Row Interface(uint32_t ifIndex);
 QRB_IF_BASE_S InterfaceRecord(uint32_t ifIndex);
 
 // Replaces whatever the database holds by rows 1 to count of one table, unless it holds them

@@ -1,5 +1,6 @@
 // Every row of a table, two of its fields read.
 #include <benchmark/benchmark.h>
+
 #include <tarnd_platform/orm.h>
 
 #include "stores.h"
@@ -9,7 +10,7 @@ namespace {
 using namespace bench;
 
 constexpr uint32_t fieldIfIndex = 0;
-constexpr uint32_t fieldIfType  = 4;
+constexpr uint32_t fieldIfType = 4;
 
 class StandIn {
 public:
@@ -18,14 +19,14 @@ public:
     void Scan(OnRow onRow) const
     {
         ORM_SESSION session = 0;
-        ORM_SCAN    scan    = 0;
-        uint8_t     end     = 0;
+        ORM_SCAN scan = 0;
+        uint8_t end = 0;
         OrmOpenSessionByDefault(&session);
         OrmPrepare(session, "if_base", QRB_ORM_OP_SCAN);
         OrmScanStart(session, &scan);
         while (OrmScanNext(session, scan, &end) == ORM_OK && end == 0) {
             uint32_t ifIndex = 0;
-            uint16_t ifType  = 0;
+            uint16_t ifType = 0;
             OrmGetFieldById(session, fieldIfIndex, &ifIndex, sizeof(ifIndex));
             OrmGetFieldById(session, fieldIfType, &ifType, sizeof(ifType));
             onRow(ifIndex, ifType);
@@ -38,11 +39,11 @@ public:
 template <typename Store>
 void Scan(benchmark::State& state)
 {
-    const auto   rows  = static_cast<uint32_t>(state.range(0));
+    const auto rows = static_cast<uint32_t>(state.range(0));
     const Store& store = Filled<Store>(rows);
     for (auto _ : state) {
         uint32_t scanned = 0;
-        uint64_t sum     = 0;
+        uint64_t sum = 0;
         store.Scan([&](uint32_t ifIndex, uint16_t ifType) {
             scanned++;
             sum += ifIndex + ifType;

@@ -4,15 +4,6 @@
 //
 //   soak [SECONDS [ROWS]]     a minute, a million rows
 #include <sys/eventfd.h>
-#include <tarnd_platform/orm_accessors.h>
-#include <tarnd_qrb/event_publish.h>
-#include <tarnd_qrb/interface_lookup.h>
-#include <tarnd_qrb/interface_state.h>
-#include <tarnd_qrb/listener.h>
-#include <tarnd_qrb/memory_map.h>
-#include <tarnd_qrb/records.h>
-#include <tarnd_qrb/subscription.h>
-#include <tarnd_qrb/table_walk.h>
 
 #include <algorithm>
 #include <atomic>
@@ -29,6 +20,15 @@
 #include <vector>
 
 #include <standin/database.h>
+#include <tarnd_platform/orm_accessors.h>
+#include <tarnd_qrb/event_publish.h>
+#include <tarnd_qrb/interface_lookup.h>
+#include <tarnd_qrb/interface_state.h>
+#include <tarnd_qrb/listener.h>
+#include <tarnd_qrb/memory_map.h>
+#include <tarnd_qrb/records.h>
+#include <tarnd_qrb/subscription.h>
+#include <tarnd_qrb/table_walk.h>
 
 namespace {
 
@@ -38,19 +38,19 @@ using standin::Transaction;
 using Clock = std::chrono::steady_clock;
 
 constexpr uint32_t writerCount = 2;
-constexpr size_t   mostAwaited = 1000;  // notifications of one writer that are under way
+constexpr size_t mostAwaited = 1000;  // notifications of one writer that are under way
 
-std::atomic<bool>     running = true;
-std::atomic<uint64_t> writes  = 0;
-std::atomic<uint64_t> reads   = 0;
-std::atomic<uint64_t> steps   = 0;  // of walks
-std::atomic<uint64_t> walks   = 0;
-std::atomic<uint64_t> wrong   = 0;  // answers
+std::atomic<bool> running = true;
+std::atomic<uint64_t> writes = 0;
+std::atomic<uint64_t> reads = 0;
+std::atomic<uint64_t> steps = 0;  // of walks
+std::atomic<uint64_t> walks = 0;
+std::atomic<uint64_t> wrong = 0;  // answers
 
 // The listener's, until it has ended.
-uint64_t        told       = 0;
-uint64_t        unexpected = 0;
-Clock::duration longest    = {};  // from write to callback
+uint64_t told = 0;
+uint64_t unexpected = 0;
+Clock::duration longest = {};  // from write to callback
 
 // Half of the rows are interfaces, the other half their physical sides.
 uint32_t interfaces = 0;
@@ -115,12 +115,12 @@ public:
 
 private:
     struct Change {
-        uint32_t          ifIndex;
-        uint32_t          command;
+        uint32_t ifIndex;
+        uint32_t command;
         Clock::time_point when;
     };
 
-    std::mutex         mutex_;
+    std::mutex mutex_;
     std::deque<Change> pending_;
 };
 Awaited awaited[writerCount];
@@ -141,24 +141,24 @@ void Commit(Transaction transaction)
 // Turns interfaces up and down, and has others come and go.
 void WriteFor(uint32_t writer)
 {
-    std::mt19937      random(writer);
+    std::mt19937 random(writer);
     std::vector<bool> up(interfaces);
-    const uint32_t    visitor = interfaces + writer;
+    const uint32_t visitor = interfaces + writer;
     for (uint32_t round = 0; running; round++) {
         while (awaited[writer].Size() >= mostAwaited) {
             std::this_thread::sleep_for(100us);
         }
         Transaction transaction;
         for (uint32_t left = 1 + round % 8; left > 0; left--) {
-            const auto     chosen  = static_cast<uint32_t>(random() % interfaces);
+            const auto chosen = static_cast<uint32_t>(random() % interfaces);
             const uint32_t ifIndex = chosen - chosen % writerCount + writer;
-            up[ifIndex]            = !up[ifIndex];
+            up[ifIndex] = !up[ifIndex];
             awaited[writer].Add(ifIndex, up[ifIndex] ? IF_NOTIFY_UP : IF_NOTIFY_DOWN);
             transaction.Update(Physical(ifIndex, up[ifIndex] ? 1 : 0, round));
         }
         Commit(std::move(transaction));
         if (round % 16 == 0) {
-            const bool  comes = round % 32 == 0;
+            const bool comes = round % 32 == 0;
             Transaction visit;
             comes ? visit.Insert(Base(visitor)) : visit.Delete(Base(visitor));
             awaited[writer].Add(visitor, comes ? IF_NOTIFY_CREATED : IF_NOTIFY_DELETED);
@@ -172,9 +172,9 @@ void ReadFor(uint32_t reader)
     std::mt19937 random(100 + reader);
     while (running) {
         const uint32_t ifIndex = static_cast<uint32_t>(random() % interfaces);
-        char           name[QRB_IF_NAME_SIZE];
-        uint8_t        state = 2;
-        QRB_IF_PHY_S   row   = {};
+        char name[QRB_IF_NAME_SIZE];
+        uint8_t state = 2;
+        QRB_IF_PHY_S row = {};
         wrong += IF_INTF_GetIfNameByIfIndex(name, ifIndex) != 0 || name != NameOf(ifIndex);
         wrong += IF_INTF_GetIfIndexByFullName(name) != ifIndex;
         wrong += BDS_IfnetGetIfPhyState(ifIndex, &state) != 0 || state > 1;
@@ -190,9 +190,9 @@ void WalkFor(Clock::duration half)
 {
     const auto until = Clock::now() + half;
     while (running) {
-        uint32_t ifIndex  = 0;
+        uint32_t ifIndex = 0;
         uint32_t expected = 0;
-        uint32_t ret      = QRB_GetFirstIfIndex(&ifIndex);
+        uint32_t ret = QRB_GetFirstIfIndex(&ifIndex);
         for (; ret == 0; ret = QRB_GetNextIfIndex(&ifIndex), steps++) {
             wrong += ifIndex < interfaces && ifIndex != expected++;
             while (running && walks == 0 && expected == interfaces / 2 && Clock::now() < until) {
@@ -207,8 +207,8 @@ void WalkFor(Clock::duration half)
 double ResidentMegabytes()
 {
     std::ifstream statm("/proc/self/statm");
-    double        total = 0;
-    double        pages = 0;
+    double total = 0;
+    double pages = 0;
     statm >> total >> pages;
     return pages * 4096 / 1e6;
 }
@@ -228,8 +228,8 @@ void StopListener()
 // 1 where something went wrong.
 int Report(std::chrono::seconds seconds, double before, double after)
 {
-    const size_t lost  = awaited[0].Size() + awaited[1].Size();
-    const auto   print = [](const char* what, uint64_t count) {
+    const size_t lost = awaited[0].Size() + awaited[1].Size();
+    const auto print = [](const char* what, uint64_t count) {
         std::printf("%-14s %12" PRIu64 "\n", what, count);
     };
     print("transactions", writes);
@@ -253,8 +253,8 @@ int Report(std::chrono::seconds seconds, double before, double after)
 int main(int count, char** words)
 {
     const auto seconds = std::chrono::seconds(count > 1 ? std::strtoul(words[1], nullptr, 10) : 60);
-    const auto rows    = count > 2 ? std::strtoul(words[2], nullptr, 10) : 1000000;
-    interfaces         = static_cast<uint32_t>(rows / 2 / writerCount * writerCount);
+    const auto rows = count > 2 ? std::strtoul(words[2], nullptr, 10) : 1000000;
+    interfaces = static_cast<uint32_t>(rows / 2 / writerCount * writerCount);
 
     MEM_EX_Init();
     Fill();
@@ -274,7 +274,7 @@ int main(int count, char** words)
     const double before = ResidentMegabytes();
     std::this_thread::sleep_for(seconds - seconds / 5);
     const double after = ResidentMegabytes();
-    running            = false;
+    running = false;
     std::ranges::for_each(threads, [](std::thread& thread) { thread.join(); });
     StopListener();
     return Report(seconds, before, after);

@@ -44,8 +44,8 @@ Lmdb::Lmdb(uint32_t rows)
           "LMDB does not begin");
     for (uint32_t row = 1; row <= rows; row++) {
         QRB_IF_BASE_S record = InterfaceRecord(row);
-        MDB_val       key    = {sizeof(row), &row};
-        MDB_val       value  = {sizeof(record), &record};
+        MDB_val key = {sizeof(row), &row};
+        MDB_val value = {sizeof(record), &record};
         Check(mdb_put(writing, table_, &key, &value, MDB_APPEND) == 0, "LMDB does not write");
     }
     Check(mdb_txn_commit(writing) == 0 &&

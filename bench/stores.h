@@ -6,11 +6,12 @@
 
 #include <lmdb.h>
 #include <sqlite3.h>
-#include <tsl/robin_map.h>
 
 #include <string>
 #include <unordered_map>
 #include <vector>
+
+#include <tsl/robin_map.h>
 
 #include "rows.h"
 
@@ -39,7 +40,7 @@ public:
 private:
     Map rows_;
 };
-using FlatHash    = MapStore<tsl::robin_map<uint32_t, QRB_IF_BASE_S>>;
+using FlatHash = MapStore<tsl::robin_map<uint32_t, QRB_IF_BASE_S>>;
 using ChainedHash = MapStore<std::unordered_map<uint32_t, QRB_IF_BASE_S>>;
 
 class Array {
@@ -66,7 +67,7 @@ class Lmdb {
 public:
     explicit Lmdb(uint32_t rows);
     ~Lmdb();
-    Lmdb(const Lmdb&)            = delete;
+    Lmdb(const Lmdb&) = delete;
     Lmdb& operator=(const Lmdb&) = delete;
 
     bool Read(uint32_t ifIndex, QRB_IF_BASE_S* record) const;
@@ -86,15 +87,15 @@ public:
 
 private:
     MDB_env* environment_ = nullptr;
-    MDB_txn* reading_     = nullptr;
-    MDB_dbi  table_       = 0;
+    MDB_txn* reading_ = nullptr;
+    MDB_dbi table_ = 0;
 };
 
 class Sqlite {
 public:
     explicit Sqlite(uint32_t rows);
     ~Sqlite();
-    Sqlite(const Sqlite&)            = delete;
+    Sqlite(const Sqlite&) = delete;
     Sqlite& operator=(const Sqlite&) = delete;
 
     bool Read(uint32_t ifIndex, QRB_IF_BASE_S* record) const;
@@ -109,23 +110,23 @@ public:
     }
 
 private:
-    void          Run(const char* statement);
+    void Run(const char* statement);
     sqlite3_stmt* Prepared(const char* statement);
 
-    sqlite3*      database_ = nullptr;
-    sqlite3_stmt* read_     = nullptr;
-    sqlite3_stmt* scan_     = nullptr;
+    sqlite3* database_ = nullptr;
+    sqlite3_stmt* read_ = nullptr;
+    sqlite3_stmt* scan_ = nullptr;
 };
 
 // The store with this many rows. One of each kind is kept at a time.
 template <typename Store>
 Store& Filled(uint32_t rows)
 {
-    static uint32_t               filled = 0;
+    static uint32_t filled = 0;
     static std::unique_ptr<Store> store;
     if (filled != rows) {
         store.reset();
-        store  = std::make_unique<Store>(rows);
+        store = std::make_unique<Store>(rows);
         filled = rows;
     }
     return *store;

@@ -2,13 +2,13 @@
 //
 // A helper that logs does so on behalf of its caller, which hands its own name over as __func__. A
 // lambda, whose __func__ names nobody, takes the name from around it.
-#ifndef TARND_QRB_DB_ACCESS_H
-#define TARND_QRB_DB_ACCESS_H
+#pragma once
+
+#include <cstdint>
 
 #include <tarnd_platform/orm.h>
 #include <tarnd_qrb/database.h>
 #include <tarnd_qrb/log.h>
-#include <cstdint>
 
 #define QRB_ERROR(...) QRB_ERROR_AT(__func__, __VA_ARGS__)
 #define QRB_WARN(...) Tarn_QRB_Log_Printf(::qrb::PRIORITY_WARNING, __func__, __LINE__, __VA_ARGS__)
@@ -30,11 +30,11 @@
 
 namespace qrb {
 
-inline constexpr uint32_t PRIORITY_ERROR   = 3;
+inline constexpr uint32_t PRIORITY_ERROR = 3;
 inline constexpr uint32_t PRIORITY_WARNING = 4;
-inline constexpr uint32_t PRIORITY_INFO    = 6;
+inline constexpr uint32_t PRIORITY_INFO = 6;
 
-inline constexpr uint32_t OK   = 0;
+inline constexpr uint32_t OK = 0;
 inline constexpr uint32_t FAIL = 1;  // every failure of a plain status function
 inline constexpr uint32_t NONE = QRB_VALUE_NONE;
 
@@ -89,12 +89,12 @@ template <typename Body>
 uint32_t InSession(const char* function, CHECK close, Body&& body)
 {
     ORM_SESSION session = 0;
-    uint32_t    ret     = OrmOpenSessionByDefault(&session);
+    uint32_t ret = OrmOpenSessionByDefault(&session);
     if (ret != OK) {
         QRB_ERROR_AT(function, "Failed to fetch DB, ret=%d\n", ret);
         return ret;
     }
-    ret                   = body(session);
+    ret = body(session);
     const uint32_t closed = OrmCloseSession(session);
     if (ret != OK) {
         QRB_ERROR_AT(function, "DB error: %d\n", ret);
@@ -114,9 +114,9 @@ uint32_t ScanTable(const char* function, CHECK check, const char* table, OnRow&&
         ORM_SCAN scan = 0;
         QRB_TRY(OrmPrepare(session, table, QRB_ORM_OP_SCAN));
         QRB_TRY(OrmScanStart(session, &scan));
-        uint8_t  atEnd = 0;
-        bool     done  = false;
-        uint32_t ret   = OrmScanNext(session, scan, &atEnd);
+        uint8_t atEnd = 0;
+        bool done = false;
+        uint32_t ret = OrmScanNext(session, scan, &atEnd);
         while (ret == OK && atEnd == 0 && !done) {
             ret = onRow(session, &done);
             if (ret == OK && !done) {
@@ -143,5 +143,3 @@ uint32_t ReadFieldByIfIndex(const char* function, const char* table, uint32_t if
 }
 
 }  // namespace qrb
-
-#endif

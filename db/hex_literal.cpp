@@ -38,8 +38,8 @@ uint32_t QRB_DB_TransStringToHexNumString(const char* text, char* output, int32_
     if (size < 0) {
         return FAIL;
     }
-    const size_t   bytes = static_cast<size_t>(size);
-    uint8_t* const work  = static_cast<uint8_t*>(calloc(bytes, 1));
+    const size_t bytes = static_cast<size_t>(size);
+    uint8_t* const work = static_cast<uint8_t*>(calloc(bytes, 1));
     if (work == nullptr) {
         return FAIL;
     }

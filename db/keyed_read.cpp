@@ -40,7 +40,7 @@ uint32_t QRB_DB_Get(const char* table, const void* keyArgument, void* output,
                     QRB_SET_KEY_FUNC setKey, QRB_GET_FIELDS_FUNC getFields)
 {
     ORM_SESSION session = 0;
-    uint32_t    ret     = OrmOpenSessionByDefault(&session);
+    uint32_t ret = OrmOpenSessionByDefault(&session);
     if (ret != OK) {
         QRB_ERROR("Table: %s open session failed.", table);
         return ret;

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr char   IDENTITY[]   = "TARND_QRB";
+constexpr char IDENTITY[] = "TARND_QRB";
 constexpr size_t MESSAGE_SIZE = 512;
 
 }  // namespace

@@ -8,8 +8,8 @@ using namespace qrb;
 namespace {
 
 struct DELIVERY_S {
-    void*          context;
-    uint32_t       maxCount;
+    void* context;
+    uint32_t maxCount;
     QRB_ENTRY_FUNC onEntry;
 };
 
@@ -26,8 +26,8 @@ uint32_t SetCondition(ORM_SESSION session, void* context, const char* condition,
 uint32_t Deliver(ORM_SESSION session, ORM_SCAN scan, const DELIVERY_S& delivery, uint32_t* count)
 {
     const char* const function = "QRB_DB_SESSION_ProcessScanEntries";  // as messages name this step
-    uint8_t           end      = 0;
-    uint32_t          index    = 0;
+    uint8_t end = 0;
+    uint32_t index = 0;
     do {
         uint32_t ret = OrmScanNext(session, scan, &end);
         if (ret != OK) {
@@ -65,7 +65,7 @@ uint32_t QRB_DB_SESSION_Scan(ORM_SESSION session, const char* table, void* conte
         return FAIL;
     }
     ORM_SCAN scan = 0;
-    ret           = OrmScanStart(session, &scan);
+    ret = OrmScanStart(session, &scan);
     if (ret != OK) {
         QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
         return FAIL;

@@ -7,11 +7,11 @@ using namespace qrb;
 
 namespace {
 
-constexpr uint32_t INIT_MODE   = 1;
+constexpr uint32_t INIT_MODE = 1;
 constexpr uint32_t INIT_OPTION = 0;
 
 // QRB_CreatDbSession alone answers the other way round.
-constexpr uint32_t CREATED     = 1;
+constexpr uint32_t CREATED = 1;
 constexpr uint32_t NOT_CREATED = 0;
 
 }  // namespace

@@ -3,8 +3,7 @@
 // The walks under way on a thread form a chain. Each knows the node that it goes to next; whoever
 // removes that node sends the walk one node further, before the node is freed. The node whose
 // callback is running is not touched any more. So entries leave a registry through here only.
-#ifndef TARND_QRB_EVENT_ENTRIES_H
-#define TARND_QRB_EVENT_ENTRIES_H
+#pragma once
 
 #include <tarnd_qrb/util_list.h>
 
@@ -17,13 +16,13 @@ template <typename Entry>
 constexpr UTIL_LIST_TRAITS_S EntryTraits()
 {
     UTIL_LIST_TRAITS_S traits = {};
-    traits.elemSize           = sizeof(Entry);
+    traits.elemSize = sizeof(Entry);
     return traits;
 }
 
 struct WALK_S {
     UTIL_LIST_NODE_S* next;
-    WALK_S*           outer;  // the walk out of whose callback this one began
+    WALK_S* outer;  // the walk out of whose callback this one began
 };
 
 // The innermost walk of this thread. Reached without a call and without another library.
@@ -34,12 +33,12 @@ template <typename Entry, typename OnEntry>
 bool WalkEntries(UTIL_LIST_NODE_S* first, OnEntry&& onEntry)
 {
     WALK_S walk = {first, walks};
-    walks       = &walk;
-    bool goOn   = true;
+    walks = &walk;
+    bool goOn = true;
     while (goOn && walk.next != nullptr) {
         const void* entry = UTIL_LIST_Data(walk.next);
-        walk.next         = walk.next->next;
-        goOn              = onEntry(*static_cast<const Entry*>(entry));
+        walk.next = walk.next->next;
+        goOn = onEntry(*static_cast<const Entry*>(entry));
     }
     walks = walk.outer;
     return goOn;
@@ -62,5 +61,3 @@ uint32_t RemoveFirst(UTIL_LIST_S* list, Matches&& matches)
 }
 
 }  // namespace qrb
-
-#endif

@@ -24,10 +24,10 @@ void Notify(const char* function, uint32_t ifIndex, uint32_t command)
 
 void QRB_EVENT_IfBaseTableCallback(ORM_MESSAGE message, uint32_t eventType)
 {
-    const char* const here    = __func__;
-    const bool        created = eventType == ORM_EVENT_INSERT;
-    const uint32_t    object  = created ? ORM_OBJECT_NEW : ORM_OBJECT_OLD;
-    QRB_IF_BASE_S     row     = {};
+    const char* const here = __func__;
+    const bool created = eventType == ORM_EVENT_INSERT;
+    const uint32_t object = created ? ORM_OBJECT_NEW : ORM_OBJECT_OLD;
+    QRB_IF_BASE_S row = {};
     ForEachMessage(here, message, eventType, {ORM_EVENT_INSERT, ORM_EVENT_DELETE}, [&] {
         if (QRB_EVENT_GetIfBaseFromSession(message, object, &row) != OK) {
             QRB_ERROR_AT(here, "get if base data from db sub session fail.\n");
@@ -41,8 +41,8 @@ void QRB_EVENT_IfBaseTableCallback(ORM_MESSAGE message, uint32_t eventType)
 uint32_t QRB_EVENT_GetIfBaseFromSession(ORM_MESSAGE message, uint32_t object, QRB_IF_BASE_S* row)
 {
     constexpr uint32_t FIELD_IF_INDEX = 0;
-    constexpr uint32_t FIELD_IF_NAME  = 2;
-    uint32_t           ifIndex        = 0;
+    constexpr uint32_t FIELD_IF_NAME = 2;
+    uint32_t ifIndex = 0;
 
     uint32_t ret = OrmSubExtractData(message, object, 0);
     if (ret != OK) {
@@ -55,7 +55,7 @@ uint32_t QRB_EVENT_GetIfBaseFromSession(ORM_MESSAGE message, uint32_t object, QR
         return FAIL;
     }
     row->if_index = ifIndex;
-    ret           = ReadField(message, FIELD_IF_NAME, &row->if_name);
+    ret = ReadField(message, FIELD_IF_NAME, &row->if_name);
     if (ret != OK) {
         QRB_ERROR("get ifname from db sub session fail, ret=%d.\n", ret);
         return FAIL;
@@ -67,11 +67,11 @@ uint32_t QRB_EVENT_GetIfBaseFromSession(ORM_MESSAGE message, uint32_t object, QR
 
 void QRB_EVENT_IfPhyTableCallback(ORM_MESSAGE message, uint32_t eventType)
 {
-    const char* const   here    = __func__;
-    QRB_IF_PHY_S        oldRow  = {};
-    QRB_IF_PHY_S        newRow  = {};
-    QRB_IF_PHY_NOTICE_S notice  = {};
-    const auto          handled = {ORM_EVENT_INSERT, ORM_EVENT_UPDATE, ORM_EVENT_REPLACE};
+    const char* const here = __func__;
+    QRB_IF_PHY_S oldRow = {};
+    QRB_IF_PHY_S newRow = {};
+    QRB_IF_PHY_NOTICE_S notice = {};
+    const auto handled = {ORM_EVENT_INSERT, ORM_EVENT_UPDATE, ORM_EVENT_REPLACE};
     ForEachMessage(here, message, eventType, handled, [&] {
         if (IsInsertion(message, eventType)) {
             QRB_EVENT_IfPhyInsert(message, &newRow, &notice);
@@ -137,9 +137,9 @@ void QRB_EVENT_IfPhyUpdate(const QRB_IF_PHY_S* oldRow, const QRB_IF_PHY_S* newRo
 
 void QRB_EVENT_IfRouteTableCallback(ORM_MESSAGE message, uint32_t eventType)
 {
-    const char* const here   = __func__;
-    QRB_IF_ROUTE_S    oldRow = {};
-    QRB_IF_ROUTE_S    newRow = {};
+    const char* const here = __func__;
+    QRB_IF_ROUTE_S oldRow = {};
+    QRB_IF_ROUTE_S newRow = {};
     ForEachMessage(here, message, eventType, {ORM_EVENT_UPDATE, ORM_EVENT_REPLACE}, [&] {
         if (!ExtractBoth(here, message, "if_route", QRB_EVENT_IfRouteOrmGetOldData, &oldRow,
                          QRB_EVENT_IfRouteOrmGetNewData, &newRow)) {
@@ -166,7 +166,7 @@ void QRB_EVENT_IfRouteUpdate(const QRB_IF_ROUTE_S* oldRow, const QRB_IF_ROUTE_S*
     if (transition == STAYED) {
         return;
     }
-    uint32_t first  = 1;
+    uint32_t first = 1;
     uint32_t second = 0;
     PublishInterfaceEvent(__func__, IF_EVT_STATE, IF_SUB_EVT_ROUTE_STATE,
                           transition == ROSE ? IF_EVT_FLAG_UP : IF_EVT_FLAG_DOWN, oldRow->if_index,

@@ -1,7 +1,7 @@
 // Callbacks for interface events and sub-events.
-#include <tarnd_qrb/event_registry.h>
-
 #include <cstdarg>
+
+#include <tarnd_qrb/event_registry.h>
 
 #include "event/entries.h"
 #include "event/interface_tree.h"
@@ -42,9 +42,9 @@ uint32_t IF_EvtRegCbf(IF_EVT_CB_FUNC* callback, uint32_t /*unused*/, uint32_t pr
         return FAIL;
     }
     IF_EVT_CB_S entry = {};
-    entry.subId       = subId;
-    entry.pfCallback  = callback;
-    entry.priority    = priority;
+    entry.subId = subId;
+    entry.pfCallback = callback;
+    entry.priority = priority;
     if (UTIL_LIST_SortedInsert(list, &entry, IF_EventPriorityComparator, 0) != OK) {
         QRB_ERROR("Failed to add callback to list.\n");
         return FAIL;

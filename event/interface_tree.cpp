@@ -1,17 +1,17 @@
 // The interface event tree: its shape, how it is built and taken down.
 #include "event/interface_tree.h"
 
-#include <tarnd_platform/bounded.h>
-
 #include <algorithm>
 #include <cstdlib>
+
+#include <tarnd_platform/bounded.h>
 
 #include "event/entries.h"
 
 using namespace qrb;
 
-IF_EVT_NODE_S                      g_qrbIFEventCallbacks          = {};
-uint8_t                            g_isIFEvtInited                = 0;
+IF_EVT_NODE_S g_qrbIFEventCallbacks = {};
+uint8_t g_isIFEvtInited = 0;
 constinit const UTIL_LIST_TRAITS_S g_qrbBilevelEventHandlerTraits = EntryTraits<IF_EVT_CB_S>();
 
 namespace {
@@ -84,6 +84,6 @@ void IF_CBF_Free_Child(IF_EVT_NODE_S* node, uint32_t count)
         RemoveEntries(&node->children[i].list);
     }
     free(node->children);
-    node->children   = nullptr;
+    node->children = nullptr;
     node->childCount = 0;
 }

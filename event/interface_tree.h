@@ -1,6 +1,5 @@
 // Finding one's place in the interface event tree.
-#ifndef TARND_QRB_EVENT_INTERFACE_TREE_H
-#define TARND_QRB_EVENT_INTERFACE_TREE_H
+#pragma once
 
 #include <tarnd_qrb/event_registry.h>
 
@@ -22,5 +21,3 @@ inline IF_EVT_NODE_S* FindEvent(uint32_t eventId, uint32_t subId)
 }
 
 }  // namespace qrb
-
-#endif

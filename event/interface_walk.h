@@ -1,6 +1,5 @@
 // The one way in which the library raises an interface event.
-#ifndef TARND_QRB_EVENT_INTERFACE_WALK_H
-#define TARND_QRB_EVENT_INTERFACE_WALK_H
+#pragma once
 
 #include <tarnd_qrb/event_publish.h>
 
@@ -14,5 +13,3 @@ void PublishInterfaceEvent(const char* function, uint32_t eventId, uint32_t subI
                            uint32_t ifIndex, void* first = nullptr, void* second = nullptr);
 
 }  // namespace qrb
-
-#endif

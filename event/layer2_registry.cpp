@@ -1,15 +1,15 @@
 // Callbacks for layer-2 events: a list for each event.
+#include <cstring>
+
 #include <tarnd_platform/bounded.h>
 #include <tarnd_qrb/event_registry.h>
-
-#include <cstring>
 
 #include "event/entries.h"
 
 using namespace qrb;
 
-UTIL_LIST_S                        g_qrbL2IFEventCallbacks[L2IF_EVT_COUNT] = {};
-uint8_t                            g_isL2IFEvtInited                       = 0;
+UTIL_LIST_S g_qrbL2IFEventCallbacks[L2IF_EVT_COUNT] = {};
+uint8_t g_isL2IFEvtInited = 0;
 constinit const UTIL_LIST_TRAITS_S g_qrbEventHandlerTraits = EntryTraits<L2IF_SH_EVT_CB_S>();
 
 namespace {
@@ -53,9 +53,9 @@ uint32_t L2IF_SH_EvtCbFuncReg(const char* pszModuleName, uint32_t eventId, uint1
         return FAIL;
     }
     L2IF_SH_EVT_CB_S entry = {};
-    entry.pfCallback       = callback;
-    entry.priority         = priority;
-    const int copied       = strcpy_s(entry.moduleName, sizeof(entry.moduleName), pszModuleName);
+    entry.pfCallback = callback;
+    entry.priority = priority;
+    const int copied = strcpy_s(entry.moduleName, sizeof(entry.moduleName), pszModuleName);
     if (copied != 0) {
         QRB_ERROR("strcpy_s for pszModuleName failed, ret = %d.\n", copied);
         return FAIL;

@@ -6,9 +6,9 @@
 
 using namespace qrb;
 
-pthread_mutex_t g_dbListenerRegLock     = PTHREAD_MUTEX_INITIALIZER;
-uint8_t         g_isDbListenerSubOpened = 0;
-ORM_SESSION     g_dbListenerSubSession  = 0;
+pthread_mutex_t g_dbListenerRegLock = PTHREAD_MUTEX_INITIALIZER;
+uint8_t g_isDbListenerSubOpened = 0;
+ORM_SESSION g_dbListenerSubSession = 0;
 
 namespace {
 
@@ -31,9 +31,9 @@ uint32_t OpenBy(const char* function, ORM_SESSION_PARAM param, const char* conne
 
 uint32_t Open(const char* function, const char* connectionName)
 {
-    ORM_SESSION_PARAM param   = 0;
-    const uint32_t    created = OrmCreateSessionParam("channel:", "osc", &param);
-    const uint32_t    ret     = created == OK ? OpenBy(function, param, connectionName) : created;
+    ORM_SESSION_PARAM param = 0;
+    const uint32_t created = OrmCreateSessionParam("channel:", "osc", &param);
+    const uint32_t ret = created == OK ? OpenBy(function, param, connectionName) : created;
     OrmDestroySessionParam(param);
     if (created != OK) {
         QRB_ERROR_AT(function, "[DEBUG]: OrmCreateSessionParam fail, ret=%d\n", created);
@@ -45,7 +45,7 @@ uint32_t Open(const char* function, const char* connectionName)
 void Close()
 {
     OrmCloseSession(g_dbListenerSubSession);
-    g_dbListenerSubSession  = 0;
+    g_dbListenerSubSession = 0;
     g_isDbListenerSubOpened = 0;
 }
 

@@ -2,29 +2,30 @@
 #include "event/listener_thread.h"
 
 #include <sys/epoll.h>
-#include <tarnd_qrb/listener.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 
+#include <tarnd_qrb/listener.h>
+
 #include "db/access.h"
 
 using namespace qrb;
 
-int32_t         g_epollDbListenerFd         = -1;
-pthread_t       g_epollDbListenerThreadId   = 0;
-uint8_t         g_epollDbListenerThreadExit = 0;
-pthread_cond_t  g_epollDbListenerCond       = PTHREAD_COND_INITIALIZER;
-pthread_mutex_t g_epollDbListenerCondLock   = PTHREAD_MUTEX_INITIALIZER;
-ORM_FD_CONTROL  g_regDbListenerInfo         = nullptr;
+int32_t g_epollDbListenerFd = -1;
+pthread_t g_epollDbListenerThreadId = 0;
+uint8_t g_epollDbListenerThreadExit = 0;
+pthread_cond_t g_epollDbListenerCond = PTHREAD_COND_INITIALIZER;
+pthread_mutex_t g_epollDbListenerCondLock = PTHREAD_MUTEX_INITIALIZER;
+ORM_FD_CONTROL g_regDbListenerInfo = nullptr;
 
 namespace {
 
-constexpr int SIZE_HINT       = 10;
+constexpr int SIZE_HINT = 10;
 constexpr int EVENTS_PER_WAIT = 10;
-constexpr int WAIT_TIME       = 2000;  // milliseconds
-constexpr int NO_EPOLL        = -1;
+constexpr int WAIT_TIME = 2000;  // milliseconds
+constexpr int NO_EPOLL = -1;
 
 // Whether the thread has made its epoll instance, or failed to. Guarded like the instance, which
 // doesn't tell: the thread may be over before the registering one has looked.
@@ -77,7 +78,7 @@ uint8_t ExitFlag()
 void DispatchReady(int32_t epollFd)
 {
     epoll_event ready[EVENTS_PER_WAIT];
-    const int   count = epoll_wait(epollFd, ready, EVENTS_PER_WAIT, WAIT_TIME);
+    const int count = epoll_wait(epollFd, ready, EVENTS_PER_WAIT, WAIT_TIME);
     for (int i = 0; i < count; i++) {
         DbcHandleEvent(ready[i].data.fd);
     }
@@ -141,15 +142,15 @@ void* DbListenerEpollThreadFunc(void* epollFd)
 int32_t DbListenerEpollCtrl(uint32_t descriptor, uint32_t operation)
 {
     constexpr uint32_t ADD = 0;
-    epoll_event        watched{};
-    watched.events  = EPOLLIN;
+    epoll_event watched{};
+    watched.events = EPOLLIN;
     watched.data.fd = static_cast<int>(descriptor);
 
     pthread_mutex_lock(&g_epollDbListenerCondLock);
     const int32_t epoll = g_epollDbListenerFd;
     const int result = operation == ADD ? epoll_ctl(epoll, EPOLL_CTL_ADD, watched.data.fd, &watched)
                                         : epoll_ctl(epoll, EPOLL_CTL_DEL, watched.data.fd, nullptr);
-    const int error  = errno;
+    const int error = errno;
     pthread_mutex_unlock(&g_epollDbListenerCondLock);
     if (result != 0) {
         QRB_ERROR("[DEBUG]: epoll_ctrl:g_epollDbListenerFd=%d, fd=%d type=%d, Error:[%d:%s]\n",

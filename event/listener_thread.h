@@ -1,6 +1,5 @@
 // The listener thread, for the registration that starts it.
-#ifndef TARND_QRB_EVENT_LISTENER_THREAD_H
-#define TARND_QRB_EVENT_LISTENER_THREAD_H
+#pragma once
 
 #include <cstdint>
 
@@ -14,5 +13,3 @@ void DbListenerCreateEpollThread();
 int32_t ListenerEpollFd();
 
 }  // namespace qrb
-
-#endif

@@ -5,8 +5,8 @@
 
 using namespace qrb;
 
-UTIL_LIST_S                        g_pstIfNotifyFunc              = {};
-uint8_t                            g_isIFNotifyInited             = 0;
+UTIL_LIST_S g_pstIfNotifyFunc = {};
+uint8_t g_isIFNotifyInited = 0;
 constinit const UTIL_LIST_TRAITS_S g_pstIfNotifyFuncHandlerTraits = EntryTraits<IF_NOTIFY_FUNC_S>();
 
 void IF_NotifyFuncRegTbl_Init()
@@ -30,8 +30,8 @@ uint32_t IF_RegNotifyFunc(uint32_t ulKey, IF_NOTIFY_FUNC* callback)
         return FAIL;
     }
     IF_NOTIFY_FUNC_S entry = {};
-    entry.ulKey            = ulKey;
-    entry.pfCallback       = callback;
+    entry.ulKey = ulKey;
+    entry.pfCallback = callback;
     if (UTIL_LIST_PushBack(&g_pstIfNotifyFunc, &entry) != OK) {
         QRB_ERROR("Failed to add callback to list.\n");
         return FAIL;

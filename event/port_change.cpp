@@ -1,10 +1,10 @@
 // Ports: what a change of "port" means for the modules.
+#include <algorithm>
+#include <cstring>
+
 #include <tarnd_platform/orm_accessors.h>
 #include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/event_publish.h>
-
-#include <algorithm>
-#include <cstring>
 
 #include "event/row_change.h"
 
@@ -13,7 +13,7 @@ using namespace qrb;
 namespace {
 
 constexpr uint32_t BITMAP_UNCHANGED = 1;
-constexpr uint32_t BITMAP_CHANGED   = 0;
+constexpr uint32_t BITMAP_CHANGED = 0;
 
 void PublishPort(const char* function, uint32_t eventId, QRB_PORT_S* row)
 {
@@ -36,9 +36,9 @@ void PublishVlanChange(const QRB_PORT_S* oldRow, const QRB_PORT_S* newRow)
 
 void QRB_EVENT_PortTableCallback(ORM_MESSAGE message, uint32_t eventType)
 {
-    const char* const here   = __func__;
-    QRB_PORT_S        oldRow = {};
-    QRB_PORT_S        newRow = {};
+    const char* const here = __func__;
+    QRB_PORT_S oldRow = {};
+    QRB_PORT_S newRow = {};
     const auto handled = {ORM_EVENT_INSERT, ORM_EVENT_DELETE, ORM_EVENT_UPDATE, ORM_EVENT_REPLACE};
     ForEachMessage(here, message, eventType, handled, [&] {
         if (IsInsertion(message, eventType)) {
@@ -94,7 +94,7 @@ void QRB_EVENT_PortUpdateSwitchPortUse(const QRB_PORT_S* oldRow, const QRB_PORT_
         return;
     }
     const uint32_t ifIndex = oldRow->if_index;
-    uint8_t        use     = newRow->switch_port;
+    uint8_t use = newRow->switch_port;
     const uint32_t eventId =
         transition == ROSE ? L2IF_EVT_SWITCH_PORT_ON : L2IF_EVT_SWITCH_PORT_OFF;
     if (L2IF_SH_EvtPublishEvent(eventId, &ifIndex, 0, &use) != OK) {
@@ -118,9 +118,9 @@ uint32_t QRB_EVENT_PortCheckIsVlanBitMapChange(const QRB_PORT_S* newRow, const Q
         return BITMAP_UNCHANGED;
     }
     QRB_VLAN_CHANGE_S change = {};
-    change.bitmap            = which == QRB_VLAN_BITMAP_1 ? QRB_VLAN_BITMAP_1 : QRB_VLAN_BITMAP_2;
-    change.portCount         = 1;
-    change.ifIndex           = oldRow->if_index;
+    change.bitmap = which == QRB_VLAN_BITMAP_1 ? QRB_VLAN_BITMAP_1 : QRB_VLAN_BITMAP_2;
+    change.portCount = 1;
+    change.ifIndex = oldRow->if_index;
     if (order > 0 && L2IF_SH_EvtPublishEvent(L2IF_EVT_VLAN_ADD_PORT, newRow, 0, &change) != OK) {
         QRB_ERROR("Failed to publish event \"vlan add port\", ifIndex=%u, portIndex=%u.\n",
                   oldRow->if_index, oldRow->port_index);

@@ -30,12 +30,12 @@ uint32_t L2IF_SH_EvtPublishEvent(uint32_t eventId, const void* data, uint32_t va
     if (!IsBuilt(here, g_isL2IFEvtInited)) {
         return FAIL;
     }
-    uint64_t   word = 0;
-    const bool all  = WalkEntries<L2IF_SH_EVT_CB_S>(
+    uint64_t word = 0;
+    const bool all = WalkEntries<L2IF_SH_EVT_CB_S>(
         g_qrbL2IFEventCallbacks[eventId].head, [&](const L2IF_SH_EVT_CB_S& entry) {
             if (entry.pfCallback == nullptr) {
                 QRB_ERROR_AT(here, "Failed to execute callback, moduleName=%s, priority=%u\n",
-                              entry.moduleName, entry.priority);
+                             entry.moduleName, entry.priority);
                 return false;
             }
             entry.pfCallback(data, value, argument, &word);
@@ -64,8 +64,8 @@ uint32_t IF_SH_EvtPublishEventGetEventNode(uint32_t eventId, uint32_t subId,
 void qrb::PublishInterfaceEvent(const char* function, uint32_t eventId, uint32_t subId,
                                 uint32_t flag, uint32_t ifIndex, void* first, void* second)
 {
-    UTIL_LIST_NODE_S* node  = nullptr;
-    uint64_t          count = 0;
+    UTIL_LIST_NODE_S* node = nullptr;
+    uint64_t count = 0;
     if (IF_SH_EvtPublishEventGetEventNode(eventId, subId, &node, &count) != OK) {
         return;
     }

@@ -1,12 +1,11 @@
 // What the detection of changes in every table is made of: the loop over a delivery's messages, the
 // extraction of their rows, and the one kind of change that counts in a state.
-#ifndef TARND_QRB_EVENT_ROW_CHANGE_H
-#define TARND_QRB_EVENT_ROW_CHANGE_H
-
-#include <tarnd_platform/orm_subscription.h>
+#pragma once
 
 #include <algorithm>
 #include <initializer_list>
+
+#include <tarnd_platform/orm_subscription.h>
 
 #include "db/access.h"
 
@@ -15,7 +14,7 @@ namespace qrb {
 // Moves to the next message. False at the end of the delivery and, logged, where it ends early.
 inline bool FetchNext(const char* function, ORM_MESSAGE message)
 {
-    uint8_t        end = 0;
+    uint8_t end = 0;
     const uint32_t ret = OrmSubFetchNext(message, &end);
     if (ret != OK) {
         QRB_ERROR_AT(function, "Failed to fetch DB, ret=%d\n", ret);
@@ -92,5 +91,3 @@ inline TRANSITION TransitionOf(uint8_t oldState, uint8_t newState)
 }
 
 }  // namespace qrb
-
-#endif

@@ -51,10 +51,10 @@ static_assert(LengthOf(IF_PHY_DEFINITION) == 396);
 static_assert(LengthOf(PORT_DEFINITION) == 390);
 
 struct SUBSCRIPTION_S {
-    const char*      table;  // and the connection
-    const char*      name;
-    const char*      owner;
-    const char*      definition;
+    const char* table;  // and the connection
+    const char* name;
+    const char* owner;
+    const char* definition;
     ORM_SUB_CALLBACK callback;
 };
 

@@ -7,7 +7,7 @@ using namespace qrb;
 
 namespace {
 
-constexpr uint8_t SINGLE   = 0;
+constexpr uint8_t SINGLE = 0;
 constexpr uint8_t MULTIPLE = 1;
 
 }  // namespace
@@ -24,7 +24,7 @@ uint32_t FIB_InquiryRoute(const FIB_KEY_S* pstFibKey, FIB_NHP_S* pstFibNhp)
         return FAIL;
     }
     uint32_t nhpIndex = 0;
-    uint32_t count    = 0;
+    uint32_t count = 0;
     if (FIB_ScanNhpGroupNode(groupId, &nhpIndex, SINGLE, &count) != OK) {
         QRB_ERROR("[FIB Inquiry Route] FIB ScanNHPGroupNode single failed");
         return FAIL;
@@ -49,7 +49,7 @@ uint32_t FIB_InquiryRoutes(const FIB_KEY_S* pstFibKey, FIB_NHP_S* pstFibNhp, uin
         return FAIL;
     }
     uint32_t nhpIndexes[FIB_GROUP_MEMBERS_MAX] = {};
-    uint32_t found                             = 0;
+    uint32_t found = 0;
     if (FIB_ScanNhpGroupNode(groupId, nhpIndexes, MULTIPLE, &found) != OK) {
         QRB_ERROR("[FIB Inquiry Routes] FIB ScanNHPGroupNode failed");
         return FAIL;

@@ -10,22 +10,22 @@ using namespace qrb;
 
 namespace {
 
-constexpr char     FORWARD_TABLE[]       = "Fib.ConfigIpv4Fwd";
-constexpr uint32_t FORWARD_DEST_ADDR     = 4;
-constexpr uint32_t FORWARD_PREFIX_LEN    = 5;
-constexpr uint32_t FORWARD_NHP_GROUP_ID  = 10;
-constexpr char     GROUP_TABLE[]         = "Fib.ConfigNhpGroupNode";
-constexpr uint32_t GROUP_NHP_GROUP_ID    = 3;
-constexpr uint32_t GROUP_PRIMARY_NHP_ID  = 5;
-constexpr char     NEXT_HOP_TABLE[]      = "Fib.ConfigNhpStandard";
-constexpr uint32_t NEXT_HOP_INDEX        = 2;
-constexpr uint32_t NEXT_HOP_FIRST_VALUE  = 3;
+constexpr char FORWARD_TABLE[] = "Fib.ConfigIpv4Fwd";
+constexpr uint32_t FORWARD_DEST_ADDR = 4;
+constexpr uint32_t FORWARD_PREFIX_LEN = 5;
+constexpr uint32_t FORWARD_NHP_GROUP_ID = 10;
+constexpr char GROUP_TABLE[] = "Fib.ConfigNhpGroupNode";
+constexpr uint32_t GROUP_NHP_GROUP_ID = 3;
+constexpr uint32_t GROUP_PRIMARY_NHP_ID = 5;
+constexpr char NEXT_HOP_TABLE[] = "Fib.ConfigNhpStandard";
+constexpr uint32_t NEXT_HOP_INDEX = 2;
+constexpr uint32_t NEXT_HOP_FIRST_VALUE = 3;
 constexpr uint32_t NEXT_HOP_SECOND_VALUE = 4;
-constexpr uint8_t  HOST_PREFIX_LEN       = 32;
+constexpr uint8_t HOST_PREFIX_LEN = 32;
 
 struct SCAN_S {
     ORM_SESSION session;
-    ORM_SCAN    scan;
+    ORM_SCAN scan;
 };
 
 uint32_t PrepareAndStart(const char* table, SCAN_S* scan)
@@ -59,7 +59,7 @@ void Finish(const SCAN_S& scan)
 // row of a table that may have a million.
 inline bool Advance(const char* function, const SCAN_S& scan)
 {
-    uint8_t        end = 0;
+    uint8_t end = 0;
     const uint32_t ret = OrmScanNext(scan.session, scan.scan, &end);
     if (ret != OK || end != 0) {
         QRB_ERROR_AT(function, "OrmScanNext ret:%u, isEof:%u", ret, end);
@@ -72,10 +72,10 @@ bool FindForward(const char* function, const SCAN_S& scan, uint32_t destination,
 {
     const FIB_PREFIX_S probe = {destination, HOST_PREFIX_LEN};
     while (Advance(function, scan)) {
-        FIB_PREFIX_S   prefix      = {};
-        uint32_t       prefixLen   = 0;
+        FIB_PREFIX_S prefix = {};
+        uint32_t prefixLen = 0;
         const uint32_t addressRead = ReadField(scan.session, FORWARD_DEST_ADDR, &prefix.address);
-        const uint32_t lengthRead  = ReadField(scan.session, FORWARD_PREFIX_LEN, &prefixLen);
+        const uint32_t lengthRead = ReadField(scan.session, FORWARD_PREFIX_LEN, &prefixLen);
         if (addressRead != OK || lengthRead != OK) {
             return false;
         }
@@ -101,7 +101,7 @@ uint32_t NextMember(const char* function, const SCAN_S& scan, uint32_t groupId, 
             return ret;
         }
         uint32_t rowGroupId = 0;
-        ret                 = ReadField(scan.session, GROUP_NHP_GROUP_ID, &rowGroupId);
+        ret = ReadField(scan.session, GROUP_NHP_GROUP_ID, &rowGroupId);
         if (ret != OK) {
             QRB_ERROR_AT(function, "Ormg Fib Config Nhp Group Node Get Nhp GroupId ret:%u", ret);
             return ret;
@@ -110,7 +110,7 @@ uint32_t NextMember(const char* function, const SCAN_S& scan, uint32_t groupId, 
             continue;
         }
         *nhpIndex = 0;
-        ret       = ReadField(scan.session, GROUP_PRIMARY_NHP_ID, nhpIndex);
+        ret = ReadField(scan.session, GROUP_PRIMARY_NHP_ID, nhpIndex);
         if (ret != OK) {
             QRB_ERROR_AT(function, "Ormg Fib Config Nhp Group Node Get Primary NhpId ret:%u", ret);
         }
@@ -121,8 +121,8 @@ uint32_t NextMember(const char* function, const SCAN_S& scan, uint32_t groupId, 
 bool FindNextHop(const char* function, const SCAN_S& scan, uint32_t nhpIndex, FIB_NHP_S* nextHop)
 {
     while (Advance(function, scan)) {
-        uint32_t       rowIndex = 0;
-        const uint32_t ret      = ReadField(scan.session, NEXT_HOP_INDEX, &rowIndex);
+        uint32_t rowIndex = 0;
+        const uint32_t ret = ReadField(scan.session, NEXT_HOP_INDEX, &rowIndex);
         if (ret != OK) {
             QRB_ERROR_AT(function, "Ormg Fib Config Nhp Standard Get NhpIndex ret:%u", ret);
             return false;
@@ -153,19 +153,19 @@ uint32_t FIB_ScanIp4Forward(uint32_t destination, uint32_t* groupId)
     if (Start(FORWARD_TABLE, &scan) != OK) {
         return FAIL;
     }
-    uint32_t   foundId = 0;
-    const bool found   = FindForward(__func__, scan, destination, &foundId);
-    *groupId           = foundId;
+    uint32_t foundId = 0;
+    const bool found = FindForward(__func__, scan, destination, &foundId);
+    *groupId = foundId;
     Finish(scan);
     return found ? OK : NONE;
 }
 
 uint32_t FIB_ScanNhpGroupNodeValidate(ORM_SESSION* session, ORM_SCAN* scan)
 {
-    SCAN_S         started;
+    SCAN_S started;
     const uint32_t ret = Start(GROUP_TABLE, &started);
-    *session           = started.session;
-    *scan              = started.scan;
+    *session = started.session;
+    *scan = started.scan;
     return ret;
 }
 
@@ -177,16 +177,16 @@ uint32_t FIB_ScanNhpGroupNode(uint32_t groupId, uint32_t* nhpIndexes, uint8_t mu
         QRB_ERROR("scan nhp group node failed");
         return FAIL;
     }
-    bool     found    = false;
-    bool     done     = false;
+    bool found = false;
+    bool done = false;
     uint32_t nhpIndex = 0;
-    uint8_t  end      = 0;
-    uint32_t ret      = NextMember(__func__, scan, groupId, &nhpIndex, &end);
+    uint8_t end = 0;
+    uint32_t ret = NextMember(__func__, scan, groupId, &nhpIndex, &end);
     while (ret == OK && end == 0 && !done) {
         found = true;
         if (multiple == 0) {
             nhpIndexes[0] = nhpIndex;
-            done          = true;
+            done = true;
         } else {
             if (*count < FIB_GROUP_MEMBERS_MAX) {
                 nhpIndexes[(*count)++] = nhpIndex;
@@ -204,10 +204,10 @@ uint32_t FIB_ScanNhpStd(uint32_t nhpIndex, uint32_t* firstValue, uint32_t* secon
     if (Start(NEXT_HOP_TABLE, &scan) != OK) {
         return FAIL;
     }
-    FIB_NHP_S  nextHop = {};
-    const bool found   = FindNextHop(__func__, scan, nhpIndex, &nextHop);
-    *firstValue        = nextHop.firstValue;
-    *secondValue       = nextHop.secondValue;
+    FIB_NHP_S nextHop = {};
+    const bool found = FindNextHop(__func__, scan, nhpIndex, &nextHop);
+    *firstValue = nextHop.firstValue;
+    *secondValue = nextHop.secondValue;
     Finish(scan);
     return found ? OK : NONE;
 }

@@ -29,7 +29,7 @@ uint32_t CountAddresses(ORM_SESSION session, uint32_t ifIndex, uint32_t* count, 
 {
     QRB_TRY(PrepareAddressRecord(session, ifIndex));
     const uint32_t ret = OrmExecute(session);
-    *absent            = ret == ORM_NO_RECORD;
+    *absent = ret == ORM_NO_RECORD;
     QRB_TRY(ret);
     ORM_NODE list = 0;
     return GetAddressList(session, &list, count);
@@ -42,14 +42,14 @@ uint32_t CountAddresses(ORM_SESSION session, uint32_t ifIndex, uint32_t* count, 
 uint32_t SYSAPI_GetIp4AddrNumByIf(uint32_t ifIndex)
 {
     ORM_SESSION session = 0;
-    uint32_t    ret     = OrmOpenSessionByDefault(&session);
+    uint32_t ret = OrmOpenSessionByDefault(&session);
     if (ret != OK) {
         QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
         return 0;
     }
-    uint32_t count        = 0;
-    bool     absent       = false;
-    ret                   = CountAddresses(session, ifIndex, &count, &absent);
+    uint32_t count = 0;
+    bool absent = false;
+    ret = CountAddresses(session, ifIndex, &count, &absent);
     const uint32_t closed = OrmCloseSession(session);
     if (absent) {
         QRB_WARN("DB error : address count is 0\n");

@@ -1,6 +1,5 @@
 // The list of addresses inside an interface's "am_ipv4_address" record, and the walk over it.
-#ifndef TARND_QRB_IFM_ADDRESS_LIST_H
-#define TARND_QRB_IFM_ADDRESS_LIST_H
+#pragma once
 
 #include <tarnd_platform/orm_accessors.h>
 #include <tarnd_qrb/ipv4_address.h>
@@ -10,16 +9,16 @@
 namespace qrb {
 
 inline constexpr char ADDRESS_TABLE[] = "am_ipv4_address";
-inline constexpr char ADDRESS_LIST[]  = "ipv4_address_list";
+inline constexpr char ADDRESS_LIST[] = "ipv4_address_list";
 
 // Fields of the record and of a list item.
-inline constexpr uint32_t RECORD_IF_INDEX    = 0;
+inline constexpr uint32_t RECORD_IF_INDEX = 0;
 inline constexpr uint32_t RECORD_INSTANCE_ID = 1;
-inline constexpr uint32_t ITEM_ADDRESS       = 0;
-inline constexpr uint32_t ITEM_MASKLEN       = 1;
-inline constexpr uint32_t ITEM_TYPE          = 2;
+inline constexpr uint32_t ITEM_ADDRESS = 0;
+inline constexpr uint32_t ITEM_MASKLEN = 1;
+inline constexpr uint32_t ITEM_TYPE = 2;
 
-inline constexpr uint8_t TYPE_MAIN       = 1;
+inline constexpr uint8_t TYPE_MAIN = 1;
 inline constexpr uint8_t TYPE_NEVER_MAIN = 6;
 
 // The leading one bits. A shift by a word's own width is undefined, so 32 and above stand apart.
@@ -47,7 +46,7 @@ inline uint32_t GetAddressList(ORM_SESSION session, ORM_NODE* list, uint32_t* co
 template <typename OnItem>
 uint32_t WalkAddresses(ORM_SESSION session, OnItem&& onItem)
 {
-    ORM_NODE list  = 0;
+    ORM_NODE list = 0;
     uint32_t count = 0;
     QRB_TRY(GetAddressList(session, &list, &count));
     bool done = false;
@@ -88,5 +87,3 @@ inline uint32_t ReadAddress(ORM_NODE item, SYSAPI_IP4_ADDR_S* address)
 }
 
 }  // namespace qrb
-
-#endif

@@ -9,7 +9,7 @@ namespace {
 // address.
 uint32_t MatchOwner(ORM_SESSION session, uint32_t address, uint32_t instanceId, uint32_t* owner)
 {
-    uint32_t ifIndex  = 0;
+    uint32_t ifIndex = 0;
     uint32_t instance = 0;
     QRB_TRY(ReadField(session, RECORD_IF_INDEX, &ifIndex));
     QRB_TRY(ReadField(session, RECORD_INSTANCE_ID, &instance));
@@ -21,7 +21,7 @@ uint32_t MatchOwner(ORM_SESSION session, uint32_t address, uint32_t instanceId, 
         QRB_TRY(ReadItemField(item, ITEM_ADDRESS, &itemAddress));
         if (itemAddress == address) {
             *owner = ifIndex;
-            *done  = true;
+            *done = true;
         }
         return OK;
     });
@@ -34,7 +34,7 @@ uint32_t IP_GetIfindexbyIpAddr(uint32_t address, uint32_t instanceId, uint32_t* 
     if (AnyNull(__func__, ifIndex)) {
         return FAIL;
     }
-    uint32_t   owner = NONE;
+    uint32_t owner = NONE;
     const auto match = [&](ORM_SESSION session, bool* done) {
         // A match ends the scan one row later: the advance past it has to succeed too.
         *done = owner != NONE;

@@ -9,9 +9,9 @@ uint32_t IP_GetMainIpAddr(uint32_t ifIndex, uint32_t* address, uint32_t* masklen
     if (AnyNull(__func__, address, masklen)) {
         return FAIL;
     }
-    bool              found  = false;
-    SYSAPI_IP4_ADDR_S main   = {};
-    const auto        isMain = [&](ORM_NODE item, uint32_t, bool* done) -> uint32_t {
+    bool found = false;
+    SYSAPI_IP4_ADDR_S main = {};
+    const auto isMain = [&](ORM_NODE item, uint32_t, bool* done) -> uint32_t {
         uint8_t type = 0;
         QRB_TRY(ReadItemField(item, ITEM_TYPE, &type));
         found = *done = (type == TYPE_MAIN);
@@ -30,7 +30,7 @@ uint32_t IP_GetMask(uint32_t ifIndex, uint32_t address, uint32_t* mask)
     if (AnyNull(__func__, mask)) {
         return FAIL;
     }
-    bool       found   = false;
+    bool found = false;
     const auto compare = [&](ORM_NODE item, uint32_t, bool* done) -> uint32_t {
         uint32_t itemAddress = 0;
         QRB_TRY(ReadItemField(item, ITEM_ADDRESS, &itemAddress));
@@ -51,14 +51,14 @@ uint32_t BDS_IPGetIFBestMatchIpAddr(uint32_t ifIndex, uint32_t peer, uint32_t* m
     if (AnyNull(__func__, masklen, network, address)) {
         return FAIL;
     }
-    const char* const here  = __func__;
-    bool              empty = true;
-    const auto        take  = [&](ORM_NODE item, uint32_t index, bool*) -> uint32_t {
+    const char* const here = __func__;
+    bool empty = true;
+    const auto take = [&](ORM_NODE item, uint32_t index, bool*) -> uint32_t {
         SYSAPI_IP4_ADDR_S own = {};
-        empty                 = false;
+        empty = false;
         QRB_TRY(ReadAddress(item, &own));
         const uint32_t mask = MaskOfLength(own.masklen);
-        const bool     fits = own.address != 0 && ((own.address ^ peer) & mask) == 0;
+        const bool fits = own.address != 0 && ((own.address ^ peer) & mask) == 0;
         if (index == 0 || fits) {
             *address = own.address;
             *masklen = own.masklen;

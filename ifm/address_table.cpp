@@ -12,8 +12,8 @@ bool FindMainItem(const char* function, ORM_NODE list, uint32_t count, BDS_IPV4_
 {
     for (uint32_t index = 0; index < count; index++) {
         ORM_NODE node = 0;
-        *item         = {};
-        *ret          = OrmNodeGetItemByIdx(list, index, &node);
+        *item = {};
+        *ret = OrmNodeGetItemByIdx(list, index, &node);
         if (*ret != OK) {
             QRB_ERROR_AT(function, "get node item by index fail, ret=%u\n", *ret);
             continue;
@@ -35,7 +35,7 @@ uint32_t ReadMainItem(const char* function, ORM_SESSION session, uint32_t ifInde
                       BDS_IPV4_ADDR_ITEM_S* item)
 {
     ORM_NODE list = 0;
-    uint32_t ret  = OrmNodeGetChild(session, 0, ADDRESS_LIST, &list);
+    uint32_t ret = OrmNodeGetChild(session, 0, ADDRESS_LIST, &list);
     if (ret != OK) {
         QRB_ERROR_AT(function, "get main ipv4 get addr list fail ret=%u, ifIndex=%d\n", ret,
                      ifIndex);
@@ -43,7 +43,7 @@ uint32_t ReadMainItem(const char* function, ORM_SESSION session, uint32_t ifInde
     }
     // A size that can't be had is no size: the count decides, its code is only told.
     uint32_t count = 0;
-    ret            = OrmNodeGetSize(list, &count);
+    ret = OrmNodeGetSize(list, &count);
     if (count == 0) {
         QRB_ERROR_AT(function, "get main ipv4 get addr list len is zero ret=%u, ifIndex=%d\n", ret,
                      ifIndex);
@@ -98,14 +98,14 @@ uint32_t BDS_IPGetIpv4AddrTblItem(ORM_NODE item, BDS_IPV4_ADDR_ITEM_S* out)
 
 uint32_t BDS_IPGetMainIpByIfIndex(uint32_t ifIndex, uint32_t* address, uint32_t* masklen)
 {
-    ORM_SESSION    session = 0;
-    const uint32_t opened  = BDS_IPGetIpv4AddrTblByIfIndex(&session, &ifIndex);
+    ORM_SESSION session = 0;
+    const uint32_t opened = BDS_IPGetIpv4AddrTblByIfIndex(&session, &ifIndex);
     if (opened != OK) {
         QRB_ERROR("get main ipv4 get db session fail ret=%u, ifIndex=%d\n", opened, ifIndex);
         return NONE;
     }
     BDS_IPV4_ADDR_ITEM_S item;
-    const uint32_t       ret = ReadMainItem(__func__, session, ifIndex, &item);
+    const uint32_t ret = ReadMainItem(__func__, session, ifIndex, &item);
     if (ret == OK) {
         *address = item.address;
         *masklen = item.masklen;

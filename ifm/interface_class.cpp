@@ -8,8 +8,8 @@ using namespace qrb;
 namespace {
 
 constexpr uint32_t AP_TUNNEL_FIRST = 0x60000000;
-constexpr uint32_t VAP_FIRST       = 0x61000000;
-constexpr uint32_t LAST_IN_CLASS   = 0x00FFFFFF;  // counted from the first
+constexpr uint32_t VAP_FIRST = 0x61000000;
+constexpr uint32_t LAST_IN_CLASS = 0x00FFFFFF;  // counted from the first
 
 // Below the first the difference wraps to a large number.
 uint32_t IsInClass(uint32_t ifIndex, uint32_t first)

@@ -41,7 +41,7 @@ uint32_t BDS_IfnetGetCardByIfIndex(uint32_t ifIndex, uint32_t* card)
     if (AnyNull(__func__, card)) {
         return FAIL;
     }
-    QRB_IF_PHY_S   phy;
+    QRB_IF_PHY_S phy;
     const uint32_t ret = ReadRecord(OrmgIfPhyReadInner, ifIndex, &phy);
     if (ret != OK) {
         QRB_ERROR("Failed to fetch if_phy, ret=%d\n", ret);
@@ -56,7 +56,7 @@ uint32_t BDS_IfnetGetIfMacByIfIndex(uint32_t ifIndex, uint8_t* mac)
     if (AnyNull(__func__, mac)) {
         return FAIL;
     }
-    QRB_IF_PHY_S   phy;
+    QRB_IF_PHY_S phy;
     const uint32_t ret = ReadRecord(OrmgIfPhyReadInner, ifIndex, &phy);
     if (ret != OK) {
         QRB_INFO("get if_phy orm read ifIndex[%d] failed, ret = %d.\n", ifIndex, ret);

@@ -15,9 +15,9 @@ using namespace qrb;
 
 namespace {
 
-constexpr char     TABLE[]        = "if_base";
+constexpr char TABLE[] = "if_base";
 constexpr uint32_t FIELD_IF_INDEX = 0;
-constexpr uint32_t FIELD_IF_NAME  = 2;
+constexpr uint32_t FIELD_IF_NAME = 2;
 
 int BuildLocalKey(const char* name, QRB_IF_BASE_LOCAL_KEY_S* key)
 {
@@ -37,7 +37,7 @@ uint32_t ScanForName(ORM_SESSION session, ORM_SCAN scan, const IF_NAME_KEY_S& ke
                      const char* function)
 {
     QRB_IF_BASE_S base;
-    uint8_t       end = 0;
+    uint8_t end = 0;
     for (;;) {
         const uint32_t ret = OrmScanNext(session, scan, &end);
         if (ret != OK) {
@@ -58,10 +58,10 @@ uint32_t ScanForName(ORM_SESSION session, ORM_SCAN scan, const IF_NAME_KEY_S& ke
 uint32_t IF_CmpIfBaseRecord(ORM_SESSION session, const IF_NAME_KEY_S* key, void* output,
                             int32_t size)
 {
-    constexpr uint32_t MATCH    = 1;
+    constexpr uint32_t MATCH = 1;
     constexpr uint32_t NO_MATCH = 0;
 
-    QRB_IF_BASE_S  base;
+    QRB_IF_BASE_S base;
     const uint32_t ret = ReadCurrent(OrmgIfBaseGetAllFieldsInner, session, &base);
     if (ret != OK) {
         QRB_ERROR("get all field if_base fail for cmp %u\n", ret);
@@ -82,8 +82,8 @@ uint32_t IF_CmpIfBaseRecord(ORM_SESSION session, const IF_NAME_KEY_S* key, void*
 uint32_t IF_INTF_GetIfByFullName(const char* fullName)
 {
     const char* const function = "IF_ScanTblByCond";
-    ORM_SESSION       session  = 0;
-    uint32_t          ret      = OrmOpenSessionByDefault(&session);
+    ORM_SESSION session = 0;
+    uint32_t ret = OrmOpenSessionByDefault(&session);
     if (ret != OK) {
         // This line goes without identity and function.
         syslog(static_cast<int>(PRIORITY_ERROR), "create db session fail %u\n", ret);
@@ -96,7 +96,7 @@ uint32_t IF_INTF_GetIfByFullName(const char* fullName)
         return NONE;
     }
     ORM_SCAN scan = 0;
-    ret           = OrmScanStart(session, &scan);
+    ret = OrmScanStart(session, &scan);
     if (ret != OK) {
         OrmCloseSession(session);
         QRB_ERROR_AT(function, "start scan %s fail %u\n", TABLE, ret);
@@ -118,7 +118,7 @@ uint32_t IF_INTF_GetIfIndexByFullName(const char* fullName)
         return NONE;
     }
     QRB_IF_BASE_LOCAL_KEY_S key;
-    uint32_t                ifIndex = NONE;
+    uint32_t ifIndex = NONE;
     if (BuildLocalKey(fullName, &key) != 0 || ExecuteLocalKey(session, key) != OK ||
         ReadField(session, FIELD_IF_INDEX, &ifIndex) != OK) {
         ifIndex = NONE;
@@ -132,10 +132,10 @@ uint32_t BDS_Ifname2IfGetIndexByname(const char* name, uint32_t* ifIndex)
     if (AnyNull(__func__, name, ifIndex)) {
         return FAIL;
     }
-    bool       found   = false;
+    bool found = false;
     const auto compare = [&](ORM_SESSION session, bool* done) -> uint32_t {
-        char     rowName[QRB_IF_NAME_SIZE] = {};
-        uint32_t rowIndex                  = 0;
+        char rowName[QRB_IF_NAME_SIZE] = {};
+        uint32_t rowIndex = 0;
         QRB_TRY(ReadField(session, FIELD_IF_NAME, &rowName));
         QRB_TRY(ReadField(session, FIELD_IF_INDEX, &rowIndex));
         if (strncmp(name, rowName, sizeof(rowName)) == 0) {
@@ -164,8 +164,8 @@ uint32_t IF_INTF_GetSimpleName(const char* fullName, char* output)
         QRB_ERROR("strcpy_s failed\n");
         return FAIL;
     }
-    const char* const here   = __func__;
-    bool              copied = false;
+    const char* const here = __func__;
+    bool copied = false;
     InSession(here, IGNORED, [&](ORM_SESSION session) -> uint32_t {
         QRB_IF_BASE_S base;
         QRB_TRY(OrmPrepare(session, TABLE, QRB_ORM_OP_READ));

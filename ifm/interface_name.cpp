@@ -12,7 +12,7 @@ using namespace qrb;
 
 uint32_t IF_INTF_GetIfNameByIfIndex(char* output, uint32_t ifIndex)
 {
-    QRB_IF_BASE_S  base;
+    QRB_IF_BASE_S base;
     const uint32_t ret = ReadRecord(OrmgIfBaseReadInner, ifIndex, &base);
     if (ret != OK) {
         QRB_INFO("orm read key[%d] failed, ret = %d.\n", ifIndex, ret);
@@ -28,7 +28,7 @@ uint32_t IF_INTF_GetIfNameByIfIndex(char* output, uint32_t ifIndex)
 
 uint32_t IF_GetIfNameByIndex(uint32_t ifIndex, char* output)
 {
-    QRB_IF_BASE_S  base;
+    QRB_IF_BASE_S base;
     const uint32_t ret = ReadRecord(OrmgIfBaseReadInner, ifIndex, &base);
     if (ret != OK) {
         QRB_ERROR("orm read key[%d] failed, ret = %d.\n", ifIndex, ret);
@@ -47,7 +47,7 @@ uint32_t BDS_IfnetGetIfNameByIfIndex(uint32_t ifIndex, char* output)
     if (AnyNull(__func__, output)) {
         return FAIL;
     }
-    QRB_IF_BASE_S  base;
+    QRB_IF_BASE_S base;
     const uint32_t ret = ReadRecord(OrmgIfBaseReadInner, ifIndex, &base);
     if (ret != OK) {
         QRB_ERROR("Failed to fetch if_base, ret=%d\n", ret);
@@ -67,7 +67,7 @@ uint32_t BDS_IfnetIsIfExist(uint32_t ifIndex)
     constexpr uint32_t EXISTS = 1;
     constexpr uint32_t ABSENT = 0;
 
-    QRB_IF_BASE_S  base;
+    QRB_IF_BASE_S base;
     const uint32_t ret = ReadRecord(OrmgIfBaseReadInner, ifIndex, &base);
     if (ret == ORM_NO_RECORD) {
         return ABSENT;

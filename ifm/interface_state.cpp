@@ -13,7 +13,7 @@ uint32_t IF_INTF_GetIfLineState(uint32_t ifIndex, uint32_t* state)
         return FAIL;
     }
     QRB_IF_LINK_S link;
-    uint32_t      ret = ReadRecord(OrmgIfLinkReadInner, ifIndex, &link);
+    uint32_t ret = ReadRecord(OrmgIfLinkReadInner, ifIndex, &link);
     if (ret != OK) {
         QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
         return FAIL;
@@ -25,7 +25,7 @@ uint32_t IF_INTF_GetIfLineState(uint32_t ifIndex, uint32_t* state)
         return FAIL;
     }
     const bool up = route.route_state != 0 && link.link_state != 0;
-    *state        = up ? QRB_IF_STATE_UP : QRB_IF_STATE_DOWN;
+    *state = up ? QRB_IF_STATE_UP : QRB_IF_STATE_DOWN;
     return OK;
 }
 
@@ -41,7 +41,7 @@ uint32_t IF_INTF_GetIfLinkState(uint32_t ifIndex, uint32_t* state)
     if (AnyNull(__func__, state)) {
         return FAIL;
     }
-    QRB_IF_LINK_S  link;
+    QRB_IF_LINK_S link;
     const uint32_t ret = ReadRecord(OrmgIfLinkReadInner, ifIndex, &link);
     if (ret != OK) {
         QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
@@ -63,7 +63,7 @@ uint32_t BDS_IfnetGetIfPhyState(uint32_t ifIndex, uint8_t* state)
 
 uint32_t BDS_IfnetIsSwitchPort(uint32_t ifIndex)
 {
-    QRB_PORT_S     port;
+    QRB_PORT_S port;
     const uint32_t ret = ReadRecord(OrmgPortReadInner, ifIndex, &port);
     if (ret != OK && ret != ORM_NO_RECORD) {
         QRB_ERROR("Failed to fetch port status for ifIndex=%u, ret=%d", ifIndex, ret);

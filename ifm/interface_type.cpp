@@ -63,8 +63,8 @@ void CopyEntries(BDS_IF_TYPE_INFO_S* table, uint32_t first, uint32_t end)
 uint32_t BuildTable()
 {
     const char* const function = "BDS_InitIfTypeInfo";
-    uint32_t          ret      = OK;
-    auto* const       table =
+    uint32_t ret = OK;
+    auto* const table =
         static_cast<BDS_IF_TYPE_INFO_S*>(calloc(QRB_IF_TYPE_COUNT, sizeof(BDS_IF_TYPE_INFO_S)));
     if (table == nullptr) {
         QRB_ERROR_AT(function, "g_pstBDSIfTypeInfo malloc fail\n");
@@ -152,8 +152,8 @@ uint32_t BDS_IfnetGetPortType(uint32_t ifIndex, uint32_t* portType)
 
 uint32_t IFPDT_GetPortType(uint32_t ifIndex)
 {
-    uint32_t       portType = 0;
-    const uint32_t ret      = BDS_IfnetGetPortType(ifIndex, &portType);
+    uint32_t portType = 0;
+    const uint32_t ret = BDS_IfnetGetPortType(ifIndex, &portType);
     if (ret != OK) {
         QRB_INFO("Fail to get portType. ret:%u, ifindex:%u\n", ret, ifIndex);
         return NONE;
@@ -163,7 +163,7 @@ uint32_t IFPDT_GetPortType(uint32_t ifIndex)
 
 uint32_t IF_INTF_GetPhyTypeByIndex(uint32_t ifIndex)
 {
-    QRB_IF_BASE_S  base;
+    QRB_IF_BASE_S base;
     const uint32_t ret = ReadRecord(OrmgIfBaseReadInner, ifIndex, &base);
     if (ret != OK) {
         QRB_ERROR("get phy tyep orm read ifIndex[%d] failed, ret = %d.\n", ifIndex, ret);

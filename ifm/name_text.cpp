@@ -12,7 +12,7 @@ using namespace qrb;
 uint32_t IF_INTF_GetFullNameByInput(const char* input, char* output)
 {
     const size_t length = strlen(input);
-    const int    copied = strncpy_s(output, length + 1, input, length);
+    const int copied = strncpy_s(output, length + 1, input, length);
     if (copied != 0) {
         QRB_ERROR("get full name failed, input=%s ret = %d.\n", input, copied);
         return NONE;
@@ -32,9 +32,9 @@ uint32_t BDS_IfnetGetNumStrFromName(const char* name, char* output, uint32_t siz
         return 0;
     }
     // '.' to ':' are neighbours: '.', '/', the digits and ':'.
-    const auto   isTail = [](char c) { return c >= '.' && c <= ':'; };
+    const auto isTail = [](char c) { return c >= '.' && c <= ':'; };
     const size_t length = strlen(name);
-    size_t       head   = length;
+    size_t head = length;
     while (head > 0 && isTail(name[head - 1])) {
         head--;
     }

@@ -8,18 +8,18 @@
 using namespace qrb;
 
 ORM_SESSION g_ScanIndexSession = 0;
-ORM_SCAN    g_IndexScanHandle  = 0;
-ORM_SESSION g_ScanPortSession  = 0;
-ORM_SCAN    g_PortScanHandle   = 0;
-ORM_SESSION g_ScanVlanSession  = 0;
-ORM_SCAN    g_VlanScanHandle   = 0;
+ORM_SCAN g_IndexScanHandle = 0;
+ORM_SESSION g_ScanPortSession = 0;
+ORM_SCAN g_PortScanHandle = 0;
+ORM_SESSION g_ScanVlanSession = 0;
+ORM_SCAN g_VlanScanHandle = 0;
 
 namespace {
 
 struct WALK_S {
-    const char*  table;
+    const char* table;
     ORM_SESSION* session;
-    ORM_SCAN*    scan;
+    ORM_SCAN* scan;
     uint32_t (*readValue)(ORM_SESSION session, uint32_t* value);
     uint32_t (*finish)();
     // As messages name the walk, its session and the reader of its rows.
@@ -98,7 +98,7 @@ uint32_t Open(const char* function, const WALK_S& walk)
 // The value of the next row. FAIL at the end of the table, silently, and after a failure.
 uint32_t Advance(const char* function, const WALK_S& walk, uint32_t* value)
 {
-    uint8_t  end = 0;
+    uint8_t end = 0;
     uint32_t ret = OrmScanNext(*walk.session, *walk.scan, &end);
     if (ret != OK) {
         QRB_ERROR_AT(function, "OrmScanNext ret:%u, isEof:%u", ret, end);
@@ -119,12 +119,12 @@ uint32_t Advance(const char* function, const WALK_S& walk, uint32_t* value)
 uint32_t WalkFinish(const char* function, const WALK_S& walk)
 {
     const uint32_t ended = OrmScanEnd(*walk.session, *walk.scan);
-    *walk.scan           = 0;
+    *walk.scan = 0;
     if (ended != OK) {
         QRB_ERROR_AT(function, "OrmScanEnd fail ret:%u", ended);
     }
     const uint32_t closed = OrmCloseSession(*walk.session);
-    *walk.session         = 0;
+    *walk.session = 0;
     if (ended == OK && closed != OK) {
         QRB_ERROR_AT(function, "OrmCloseSession fail ret:%u", closed);
     }
@@ -158,9 +158,9 @@ uint32_t WalkNext(const char* function, const WALK_S& walk, uint32_t* value)
 template <typename Value>
 uint32_t Yield(uint32_t (*step)(uint32_t*), Value* output)
 {
-    uint32_t       value = 0;
-    const uint32_t ret   = step(&value);
-    *output              = static_cast<Value>(value);
+    uint32_t value = 0;
+    const uint32_t ret = step(&value);
+    *output = static_cast<Value>(value);
     return ret;
 }
 

@@ -13,12 +13,12 @@ using namespace qrb;
 
 namespace {
 
-constexpr uint32_t FIRST_IF_INDEX   = 10000;  // of the fixed numbering, for VLAN id 0
-constexpr uint16_t IF_TYPE_VLAN     = 8;
-constexpr size_t   VLAN_DIGITS_SIZE = 5;  // four digits and a NUL
-constexpr size_t   SHORTEST_NAME    = 2;  // characters before the digits
-constexpr int      DECIMAL          = 10;
-constexpr char     NAME_FORMAT[]    = "Vlanif%u";
+constexpr uint32_t FIRST_IF_INDEX = 10000;  // of the fixed numbering, for VLAN id 0
+constexpr uint16_t IF_TYPE_VLAN = 8;
+constexpr size_t VLAN_DIGITS_SIZE = 5;  // four digits and a NUL
+constexpr size_t SHORTEST_NAME = 2;     // characters before the digits
+constexpr int DECIMAL = 10;
+constexpr char NAME_FORMAT[] = "Vlanif%u";
 
 bool IsDigit(char c)
 {
@@ -45,7 +45,7 @@ uint32_t BDS_L2_VlanGetIfIndex(uint16_t vlanId, uint32_t* ifIndex)
         return FAIL;
     }
     const uint32_t found = IF_INTF_GetIfIndexByFullName(name);
-    *ifIndex             = found;
+    *ifIndex = found;
     if (found == NONE) {
         QRB_ERROR("Get if index by ifname failed\n");
         return FAIL;
@@ -70,7 +70,7 @@ uint32_t BDS_IfnetGetVlanIdByIfName(const char* name, char* output, uint32_t siz
         return FAIL;
     }
     const size_t length = strlen(name);
-    size_t       head   = length;
+    size_t head = length;
     while (head > 0 && IsDigit(name[head - 1])) {
         head--;
     }
@@ -99,14 +99,14 @@ uint32_t BDS_IfnetGetVlanIdByIfIndex(uint32_t ifIndex, uint32_t* vlanId)
         QRB_ERROR("IfType is not vlan interface");
         return FAIL;
     }
-    char     name[QRB_IF_NAME_SIZE];
+    char name[QRB_IF_NAME_SIZE];
     uint32_t ret = BDS_IfnetGetIfNameByIfIndex(ifIndex, name);
     if (ret != OK) {
         QRB_ERROR("Get ifName by ifIndex fail, ret=%u", ret);
         return FAIL;
     }
     char digits[VLAN_DIGITS_SIZE] = {};
-    ret                           = BDS_IfnetGetVlanIdByIfName(name, digits, sizeof(digits));
+    ret = BDS_IfnetGetVlanIdByIfName(name, digits, sizeof(digits));
     if (ret != OK) {
         QRB_ERROR("Get vlanId by ifName fail, ret=%u", ret);
         return FAIL;

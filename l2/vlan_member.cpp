@@ -7,7 +7,7 @@ using namespace qrb;
 
 namespace {
 
-constexpr uint32_t MEMBER     = 0;
+constexpr uint32_t MEMBER = 0;
 constexpr uint32_t NOT_MEMBER = 1;
 
 bool Contains(const uint8_t (&set)[QRB_MEMBER_SET_SIZE], uint8_t position)
@@ -30,13 +30,13 @@ uint8_t VLAN_PortIndex2PortIdx(uint32_t portIndex)
 uint32_t VLAN_IsPortInVlan(uint32_t ifIndex, uint16_t vlanId)
 {
     QRB_PORT_S port;
-    uint32_t   ret = ReadRecord(OrmgPortReadInner, ifIndex, &port);
+    uint32_t ret = ReadRecord(OrmgPortReadInner, ifIndex, &port);
     if (FailedToRead(ret)) {
         QRB_ERROR("Failed to fetch port status for ifIndex=%u, ret=%d", ifIndex, ret);
         return NOT_MEMBER;
     }
     const QRB_VLAN_KEY_S key = {port.vlan_scope0, port.vlan_scope1, vlanId};
-    QRB_VLAN_S           vlan;
+    QRB_VLAN_S vlan;
     ret = ReadRecord(OrmgVlanReadInner, key, &vlan);
     if (FailedToRead(ret)) {
         QRB_ERROR("Failed to fetch vlan status for ifIndex=%u, ret=%d", ifIndex, ret);
@@ -64,7 +64,7 @@ uint32_t BDS_L2IF_VP_PortIsInVlanWithTag(uint32_t /*ifIndex*/, uint16_t /*vlanId
 
 uint32_t L2IF_GetPVIDByIfIndex(uint32_t ifIndex, uint16_t* pvid)
 {
-    QRB_PORT_S     port;
+    QRB_PORT_S port;
     const uint32_t ret = ReadRecord(OrmgPortReadInner, ifIndex, &port);
     if (ret != READ_LEAVES_OUTPUT) {
         *pvid = port.pvid;

@@ -1,6 +1,5 @@
 // What the VLAN queries know of "vlan" beside the record's layout.
-#ifndef TARND_QRB_L2_VLAN_RECORD_H
-#define TARND_QRB_L2_VLAN_RECORD_H
+#pragma once
 
 #include <cstdint>
 
@@ -11,8 +10,8 @@
 
 namespace qrb {
 
-inline constexpr char     VLAN_TABLE[]     = "vlan";
-inline constexpr uint32_t VLAN_FIELD_ID    = 2;
+inline constexpr char VLAN_TABLE[] = "vlan";
+inline constexpr uint32_t VLAN_FIELD_ID = 2;
 inline constexpr uint32_t VLAN_FIELD_STATE = 9;
 
 // The one result of a record's reader after which the default VLAN and the description stay as the
@@ -26,5 +25,3 @@ inline uint32_t ReadUnscopedVlan(uint16_t vlanId, QRB_VLAN_S* vlan)
 }
 
 }  // namespace qrb
-
-#endif

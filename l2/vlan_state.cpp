@@ -7,9 +7,9 @@ using namespace qrb;
 
 namespace {
 
-constexpr uint32_t YES          = 0;  // of the VLAN_Is* family
-constexpr uint32_t NO           = 1;
-constexpr uint8_t  STATE_ACTIVE = 1;
+constexpr uint32_t YES = 0;  // of the VLAN_Is* family
+constexpr uint32_t NO = 1;
+constexpr uint8_t STATE_ACTIVE = 1;
 
 }  // namespace
 
@@ -17,7 +17,7 @@ constexpr uint8_t  STATE_ACTIVE = 1;
 // ends it: 1 at once, the others one row later, so that the advance past them has to succeed too.
 uint32_t VLAN_IsVlanActive(uint16_t vlanId)
 {
-    uint8_t    state     = 0;
+    uint8_t state = 0;
     const auto readState = [&](ORM_SESSION session, bool* done) -> uint32_t {
         *done = state != 0;
         if (*done) {
@@ -42,7 +42,7 @@ uint32_t BDS_L2IF_VLAN_IsActive(uint16_t vlanId)
 
 uint32_t VLAN_IsVlanUsed(uint16_t vlanId)
 {
-    QRB_VLAN_S     vlan;
+    QRB_VLAN_S vlan;
     const uint32_t ret = ReadUnscopedVlan(vlanId, &vlan);
     if (ret != OK) {
         QRB_ERROR("Failed to fetch vlan msg for VlanId =%u, ret =%d", vlanId, ret);

@@ -8,9 +8,9 @@ using namespace qrb;
 
 namespace {
 
-constexpr int32_t NAME_SIZE      = 32;                 // bytes of the field "name"
-constexpr size_t  LITERAL_SIZE   = 2 * NAME_SIZE + 3;  // "0x", two digits for each byte, NUL
-constexpr size_t  CONDITION_SIZE = 131;
+constexpr int32_t NAME_SIZE = 32;                   // bytes of the field "name"
+constexpr size_t LITERAL_SIZE = 2 * NAME_SIZE + 3;  // "0x", two digits for each byte, NUL
+constexpr size_t CONDITION_SIZE = 131;
 
 }  // namespace
 
@@ -45,7 +45,7 @@ uint32_t L2IF_SH_VLAN_GetVlanidByName(const char* name, uint16_t* vlanId)
         QRB_ERROR("sprintf_s failed\n");
         return FAIL;
     }
-    uint32_t       count = 0;
+    uint32_t count = 0;
     const uint32_t ret =
         QRB_DB_Scan(VLAN_TABLE, vlanId, 1, L2IF_DB_ScanVlanId, &count, condition, nullptr);
     if (ret != OK || count == 0) {

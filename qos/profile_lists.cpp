@@ -11,10 +11,10 @@ namespace {
 constexpr uint32_t SECOND_SLOT_ITEM = 1;  // every other item goes to the first slot
 
 constexpr uint32_t FIELD_REMARK = 1;
-constexpr uint32_t FIELD_CAR_1  = 1;
-constexpr uint32_t FIELD_CAR_2  = 2;
-constexpr uint32_t FIELD_CAR_3  = 3;
-constexpr uint32_t FIELD_CAR_4  = 4;
+constexpr uint32_t FIELD_CAR_1 = 1;
+constexpr uint32_t FIELD_CAR_2 = 2;
+constexpr uint32_t FIELD_CAR_3 = 3;
+constexpr uint32_t FIELD_CAR_4 = 4;
 
 uint32_t PositionOn(const char* function, ORM_SESSION session, uint32_t index)
 {
@@ -60,8 +60,8 @@ bool IsUnreported(uint32_t ret)
 
 uint32_t ReadDscpList(const char* function, ORM_SESSION session, QOS_PROFILE_INFO_S* info)
 {
-    ORM_NODE       list = 0;
-    const uint32_t ret  = OrmNodeGetChild(session, 0, "remark_dscp_list", &list);
+    ORM_NODE list = 0;
+    const uint32_t ret = OrmNodeGetChild(session, 0, "remark_dscp_list", &list);
     if (ret == ORM_NO_LIST) {
         QRB_ERROR_AT(function, "remark dscp list is not exist.");
     }
@@ -70,8 +70,8 @@ uint32_t ReadDscpList(const char* function, ORM_SESSION session, QOS_PROFILE_INF
 
 uint32_t Read8021List(const char* function, ORM_SESSION session, QOS_PROFILE_INFO_S* info)
 {
-    ORM_NODE       list = 0;
-    const uint32_t ret  = OrmNodeGetChild(session, 0, "remark_8021p_list", &list);
+    ORM_NODE list = 0;
+    const uint32_t ret = OrmNodeGetChild(session, 0, "remark_8021p_list", &list);
     if (ret == ORM_NO_LIST) {
         QRB_ERROR_AT(function, "remark 8021p list is not exist. ret = %u", ret);
     }
@@ -85,7 +85,7 @@ uint32_t Read8021List(const char* function, ORM_SESSION session, QOS_PROFILE_INF
 uint32_t ReadCar(ORM_NODE list, uint32_t number, QOS_CAR_S* car)
 {
     ORM_NODE item = 0;
-    uint32_t sum  = OrmNodeGetItemByIdx(list, number, &item);
+    uint32_t sum = OrmNodeGetItemByIdx(list, number, &item);
     sum += ReadItemField(item, FIELD_CAR_1, &car->field1);
     sum += ReadItemField(item, FIELD_CAR_2, &car->field2);
     sum += ReadItemField(item, FIELD_CAR_3, &car->field3);
@@ -110,7 +110,7 @@ uint32_t ReadCars(ORM_NODE list, QOS_PROFILE_INFO_S* info)
 
 uint32_t QOS_SetQosIntePk(ORM_SESSION* session, uint32_t index)
 {
-    *session     = 0;
+    *session = 0;
     uint32_t ret = OrmOpenSessionByDefault(session);
     if (ret != OK) {
         QRB_ERROR("[qrb qos]error : open session failed. ret: %d", ret);
@@ -130,7 +130,7 @@ uint32_t QOS_GetRemarkInfo(uint32_t /*unused*/, uint32_t index, QOS_PROFILE_INFO
     if (QOS_SetQosIntePk(&session, index) != OK) {
         return OK;
     }
-    const uint32_t dscp     = ReadDscpList(__func__, session, info);
+    const uint32_t dscp = ReadDscpList(__func__, session, info);
     const uint32_t pri8021p = dscp == OK ? Read8021List(__func__, session, info) : OK;
     OrmCloseSession(session);
     if (IsUnreported(dscp)) {
@@ -146,14 +146,14 @@ uint32_t QOS_GetDscp(ORM_NODE list, QOS_PROFILE_INFO_S* info)
 {
     const uint32_t count = ItemCount(list);
     for (uint32_t item = 0; item < count; item++) {
-        uint32_t       dscp = 0;
-        const uint32_t ret  = ReadRemark(list, item, &dscp);
+        uint32_t dscp = 0;
+        const uint32_t ret = ReadRemark(list, item, &dscp);
         if (ret != OK) {
             QRB_ERROR("get remark desp list failed. ret: %u", ret);
             return QOS_FAIL;
         }
-        info->valid                                            = 1;
-        info->dscpValid                                        = 1;
+        info->valid = 1;
+        info->dscpValid = 1;
         (item == SECOND_SLOT_ITEM ? info->dscp1 : info->dscp0) = static_cast<uint8_t>(dscp);
     }
     return OK;
@@ -163,13 +163,13 @@ uint32_t QOS_Get8021(ORM_NODE list, QOS_PROFILE_INFO_S* info)
 {
     const uint32_t count = ItemCount(list);
     for (uint32_t item = 0; item < count; item++) {
-        uint32_t       priority = 0;
-        const uint32_t ret      = ReadRemark(list, item, &priority);
+        uint32_t priority = 0;
+        const uint32_t ret = ReadRemark(list, item, &priority);
         if (ret != OK) {
             QRB_ERROR("get remark 8021p list value failed. ret: %u", ret);
             return QOS_FAIL;
         }
-        info->valid         = 1;
+        info->valid = 1;
         info->pri8021pValid = 1;
         (item == SECOND_SLOT_ITEM ? info->pri8021p1 : info->pri8021p0) =
             static_cast<uint8_t>(priority);
@@ -184,12 +184,12 @@ uint32_t QOS_GetCarInfo(uint32_t /*unused*/, uint32_t index, QOS_PROFILE_INFO_S*
         QRB_ERROR("qos read db in car info failed.");
         return OK;
     }
-    ORM_NODE       list  = 0;
+    ORM_NODE list = 0;
     const uint32_t found = OrmNodeGetChild(session, 0, "car_list", &list);
     if (found == ORM_NO_LIST) {
         QRB_ERROR("car list is not exist. ret = %u", found);
     }
-    const uint32_t read   = found == OK ? ReadCars(list, info) : found;
+    const uint32_t read = found == OK ? ReadCars(list, info) : found;
     const uint32_t closed = OrmCloseSession(session);
     if (IsUnreported(found)) {
         QRB_ERROR("orm prepare for scan failed.ret = %u", found);

@@ -10,17 +10,17 @@ using namespace qrb;
 
 namespace {
 
-constexpr char     TABLE[]     = "qos_integration";
+constexpr char TABLE[] = "qos_integration";
 constexpr uint32_t FIELD_INDEX = 0;
-constexpr uint32_t FIELD_NAME  = 1;
-constexpr uint32_t NAME_SIZE   = 64;
+constexpr uint32_t FIELD_NAME = 1;
+constexpr uint32_t NAME_SIZE = 64;
 
 // Visits every row, also after a match.
 uint32_t VisitRows(const char* function, ORM_SESSION session, ORM_SCAN scan, const char* name,
                    uint32_t* index)
 {
     for (;;) {
-        uint8_t  end = 0;
+        uint8_t end = 0;
         uint32_t ret = OrmScanNext(session, scan, &end);
         if (ret != OK) {
             QRB_ERROR_AT(function, "sacn next failed. ret: %d", ret);
@@ -45,7 +45,7 @@ uint32_t ScanProfiles(const char* function, ORM_SESSION session, const char* nam
         return ret;
     }
     ORM_SCAN scan = 0;
-    ret           = OrmScanStart(session, &scan);
+    ret = OrmScanStart(session, &scan);
     if (ret != OK) {
         QRB_ERROR_AT(function, "scan start failed. ret: %d", ret);
         return ret;
@@ -60,7 +60,7 @@ uint32_t ScanProfiles(const char* function, ORM_SESSION session, const char* nam
 uint32_t QOS_GetProfileIdByName(uint32_t /*unused*/, const char* name, uint32_t* index)
 {
     ORM_SESSION session = 0;
-    uint32_t    ret     = OrmOpenSessionByDefault(&session);
+    uint32_t ret = OrmOpenSessionByDefault(&session);
     if (ret != OK) {
         QRB_ERROR("open session failed. ret: %d", ret);
         return ret;
@@ -73,8 +73,8 @@ uint32_t QOS_GetProfileIdByName(uint32_t /*unused*/, const char* name, uint32_t*
 uint32_t QOS_GetIdByName(ORM_SESSION session, const char* name, uint32_t* index)
 {
     // A byte more than the field: a name that fills it still ends, and is refused by its length.
-    char     field[NAME_SIZE + 1] = {};
-    uint32_t ret                  = OrmGetFieldById(session, FIELD_NAME, field, NAME_SIZE);
+    char field[NAME_SIZE + 1] = {};
+    uint32_t ret = OrmGetFieldById(session, FIELD_NAME, field, NAME_SIZE);
     if (ret != OK) {
         QRB_ERROR("orm get ProfileName failed. ret = %u", ret);
         return ret;
@@ -89,7 +89,7 @@ uint32_t QOS_GetIdByName(ORM_SESSION session, const char* name, uint32_t* index)
         return OK;
     }
     uint32_t rowIndex = 0;
-    ret               = ReadField(session, FIELD_INDEX, &rowIndex);
+    ret = ReadField(session, FIELD_INDEX, &rowIndex);
     if (ret != OK) {
         QRB_ERROR("orm get ProfileIndex failed. ret = %u", ret);
         return ret;

@@ -16,7 +16,7 @@ enum class Form : uint8_t { Number, Hex, Ipv4, Mac };
 // Whether it goes in or comes out, the function's own type tells.
 struct Argument {
     std::string_view name;
-    Form             form = Form::Number;
+    Form form = Form::Number;
     // Where such values stand in the database.
     std::string_view table = {};
     std::string_view field = {};
@@ -43,7 +43,7 @@ inline constexpr std::string_view nullWord = "-";
 // hexadecimal behind "0x".
 uint64_t NumberFromWord(const Argument& argument, const std::string& word, uint64_t highest);
 
-Json        NumberToJson(Form form, uint64_t number);
+Json NumberToJson(Form form, uint64_t number);
 std::string Ipv4ToText(uint32_t address);
 std::string MacToText(const uint8_t* mac);
 

@@ -23,18 +23,20 @@ bool InPrimaryKey(const Table& table, const std::string& name)
 Assignment ParseAssignment(const Table& table, const std::string& word)
 {
     const size_t equals = word.find('=');
-    if (equals == std::string::npos || equals == 0)
+    if (equals == std::string::npos || equals == 0) {
         throw UsageError("\"" + word + "\" is not of the form FIELD=VALUE");
-    const char   mark = word[equals - 1];
-    const bool   sets = mark == '+' || mark == '-';
-    Assignment   assignment{word.substr(0, equals - (sets ? 1 : 0)),
+    }
+    const char mark = word[equals - 1];
+    const bool sets = mark == '+' || mark == '-';
+    Assignment assignment{word.substr(0, equals - (sets ? 1 : 0)),
                           mark == '+'   ? Operation::Add
-                            : mark == '-' ? Operation::Remove
-                                          : Operation::Set,
+                          : mark == '-' ? Operation::Remove
+                                        : Operation::Set,
                           word.substr(equals + 1), false};
     const Field* field = FieldOrList(table, assignment.field);
-    if (sets && (field == nullptr || field->kind != Kind::Set))
+    if (sets && (field == nullptr || field->kind != Kind::Set)) {
         throw UsageError(assignment.field + " is no set: only = can be used with it");
+    }
     assignment.isKey = InPrimaryKey(table, assignment.field);
     return assignment;
 }
@@ -53,10 +55,12 @@ Json ValueOf(const Table& table, const Assignment& assignment)
         Json list = Json::parse(assignment.value, nullptr, false);
         return list.is_discarded() ? Json(assignment.value) : list;
     }
-    if (field->kind == Kind::Number && IsNumber(assignment.value))
+    if (field->kind == Kind::Number && IsNumber(assignment.value)) {
         return std::stoull(assignment.value);
-    if (field->kind == Kind::Set && assignment.value.empty())
+    }
+    if (field->kind == Kind::Set && assignment.value.empty()) {
         return Json::array();
+    }
     return assignment.value;
 }
 
@@ -88,32 +92,38 @@ standin::Row RowOf(const Table& table, const Json& object)
 std::vector<Assignment> TakeAssignments(const Table& table, Words& words)
 {
     std::vector<Assignment> assignments;
-    for (const std::string& word : words.TakeAll())
+    for (const std::string& word : words.TakeAll()) {
         assignments.push_back(ParseAssignment(table, word));
+    }
     return assignments;
 }
 
 standin::Row NewRow(const Table& table, const std::vector<Assignment>& assignments)
 {
     Json object = Json::object();
-    for (const Assignment& assignment : assignments)
+    for (const Assignment& assignment : assignments) {
         object[assignment.field] = ValueOf(table, assignment);
+    }
     return RowOf(table, object);
 }
 
 standin::Row Changed(const standin::Row& row, const std::vector<Assignment>& assignments)
 {
-    const Table& table  = row.Description();
-    Json         object = sources::RowToJson(row);
-    for (const Assignment& assignment : assignments)
-        if (assignment.operation == Operation::Set)
+    const Table& table = row.Description();
+    Json object = sources::RowToJson(row);
+    for (const Assignment& assignment : assignments) {
+        if (assignment.operation == Operation::Set) {
             object[assignment.field] = ValueOf(table, assignment);
-        else if (assignment.operation == Operation::Add)
+        } else if (assignment.operation == Operation::Add) {
             object[assignment.field].push_back(ValueOf(table, assignment));
+        }
+    }
     standin::Row changed = RowOf(table, object);
-    for (const Assignment& assignment : assignments)
-        if (assignment.operation == Operation::Remove)
+    for (const Assignment& assignment : assignments) {
+        if (assignment.operation == Operation::Remove) {
             changed = Without(std::move(changed), assignment);
+        }
+    }
     return changed;
 }
 

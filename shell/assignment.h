@@ -14,9 +14,9 @@ struct Assignment {
     enum class Operation : uint8_t { Set, Add, Remove };  // "=", and for sets "+=" and "-="
 
     std::string field;  // a field or a list of the table
-    Operation   operation;
+    Operation operation;
     std::string value;
-    bool        isKey;  // a member of the primary key
+    bool isKey;  // a member of the primary key
 };
 
 // All the words that are left. Values stand as in the JSON format, but bare: pvid=10,

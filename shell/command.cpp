@@ -9,8 +9,9 @@ std::vector<Command> Assemble()
 {
     std::vector<Command> all;
     for (const auto& subject :
-         {TableCommands, WriteCommands, FileCommands, EventCommands, HelpCommands})
+         {TableCommands, WriteCommands, FileCommands, EventCommands, HelpCommands}) {
         std::ranges::move(subject(), std::back_inserter(all));
+    }
     return all;
 }
 

@@ -10,9 +10,9 @@
 namespace shell {
 
 struct Command {
-    std::string_view                      name;
-    std::string_view                      arguments;  // as help writes them
-    std::string_view                      does;
+    std::string_view name;
+    std::string_view arguments;  // as help writes them
+    std::string_view does;
     std::function<Status(Shell&, Words&)> run;
 };
 

@@ -14,17 +14,20 @@ using Names = std::vector<std::string>;
 Names AllNames()
 {
     Names names;
-    for (const Command& command : Commands())
+    for (const Command& command : Commands()) {
         names.emplace_back(command.name);
-    for (const Function& function : Functions())
+    }
+    for (const Function& function : Functions()) {
         names.emplace_back(function.name);
+    }
     return names;
 }
 
 Names ValuesOfArgument(const Argument& argument)
 {
-    if (argument.table == "tables")
+    if (argument.table == "tables") {
         return TableNames();
+    }
     const standin::Table* table = standin::FindTable(argument.table);
     return table != nullptr ? ValuesOf(*table, argument.field) : Names();
 }
@@ -32,9 +35,11 @@ Names ValuesOfArgument(const Argument& argument)
 // The place counts the words behind the function's name, from 0.
 Names ForFunction(const Function& function, size_t place)
 {
-    for (const Parameter& parameter : function.parameters)
-        if (parameter.TakesWord() && place-- == 0)
+    for (const Parameter& parameter : function.parameters) {
+        if (parameter.TakesWord() && place-- == 0) {
             return ValuesOfArgument(parameter.argument);
+        }
+    }
     return {};
 }
 
@@ -42,8 +47,8 @@ Names Files(const std::string& begun)
 {
     const std::filesystem::path path(begun);
     const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : ".";
-    Names                       names;
-    std::error_code             error;
+    Names names;
+    std::error_code error;
     for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
         const auto name = (path.parent_path() / entry.path().filename()).string();
         names.push_back(name + (entry.is_directory(error) ? "/" : ""));
@@ -55,23 +60,26 @@ Names Files(const std::string& begun)
 Names Assignments(const std::string& tableName, const std::string& begun)
 {
     const standin::Table* table = standin::FindTable(tableName);
-    if (table == nullptr)
+    if (table == nullptr) {
         return {};
+    }
     const size_t equals = begun.find('=');
-    Names        names;
+    Names names;
     if (equals == std::string::npos) {
-        for (const std::string& field : FieldNames(*table))
+        for (const std::string& field : FieldNames(*table)) {
             names.push_back(field + "=");
+        }
     } else {
-        for (const std::string& value : ValuesOf(*table, begun.substr(0, equals)))
+        for (const std::string& value : ValuesOf(*table, begun.substr(0, equals))) {
             names.push_back(begun.substr(0, equals + 1) + value);
+        }
     }
     return names;
 }
 
 Names Split(const std::string& text, char mark)
 {
-    Names  parts;
+    Names parts;
     size_t begin = 0;
     for (size_t end = 0; end != std::string::npos; begin = end + 1) {
         end = text.find(mark, begin);
@@ -84,26 +92,32 @@ Names Split(const std::string& text, char mark)
 Names ForCommand(const Command& command, const Names& words, const std::string& begun)
 {
     const std::string arguments(command.arguments);
-    const Names       places = Split(arguments, ' ');
-    std::string       place  = places[std::min(words.size() - 1, places.size() - 1)];
+    const Names places = Split(arguments, ' ');
+    std::string place = places[std::min(words.size() - 1, places.size() - 1)];
     std::erase_if(place, [](char c) { return c == '[' || c == ']' || c == '.'; });
-    if (place == "TABLE")
+    if (place == "TABLE") {
         return TableNames();
-    if (place == "FIELD=VALUE")
+    }
+    if (place == "FIELD=VALUE") {
         return Assignments(words[1], begun);
-    if (place == "FILE")
+    }
+    if (place == "FILE") {
         return Files(begun);
-    if (place == "NAME")
+    }
+    if (place == "NAME") {
         return AllNames();
+    }
     return place.find('|') != std::string::npos ? Split(place, '|') : Names();
 }
 
 Names Possible(const Names& words, const std::string& begun)
 {
-    if (words.empty())
+    if (words.empty()) {
         return AllNames();
-    if (const Command* command = FindCommand(words[0]))
+    }
+    if (const Command* command = FindCommand(words[0])) {
         return ForCommand(*command, words, begun);
+    }
     const Function* function = FindFunction(words[0]);
     return function != nullptr ? ForFunction(*function, words.size() - 1) : Names();
 }
@@ -119,16 +133,18 @@ std::string Quoted(const std::string& word)
 Completion Complete(std::string_view line)
 {
     const size_t begin = line.find_last_of(" \t") + 1;
-    Completion   completion{std::string(line.substr(begin)), {}};
-    Names        words;
+    Completion completion{std::string(line.substr(begin)), {}};
+    Names words;
     try {
         words = SplitLine(line.substr(0, begin));
     } catch (const UsageError&) {
         return completion;
     }
-    for (const std::string& name : Possible(words, completion.begun))
-        if (Quoted(name).starts_with(completion.begun))
+    for (const std::string& name : Possible(words, completion.begun)) {
+        if (Quoted(name).starts_with(completion.begun)) {
             completion.candidates.push_back(Quoted(name));
+        }
+    }
     return completion;
 }
 

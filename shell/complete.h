@@ -8,7 +8,7 @@
 namespace shell {
 
 struct Completion {
-    std::string              begun;       // the unfinished word, as it stands on the line
+    std::string begun;                    // the unfinished word, as it stands on the line
     std::vector<std::string> candidates;  // words that begin so; a field's end with "="
 };
 

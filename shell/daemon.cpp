@@ -1,11 +1,11 @@
 #include "shell/daemon.h"
 
+#include <chrono>
+#include <stdexcept>
+
 #include <tarnd_qrb/listener.h>
 #include <tarnd_qrb/memory_map.h>
 #include <tarnd_qrb/subscription.h>
-
-#include <chrono>
-#include <stdexcept>
 
 #include "shell/events/event.h"
 #include "shell/events/queue.h"
@@ -26,8 +26,9 @@ std::string TakeStartLog()
     for (bool isThere = false; !isThere;) {
         Events().Wait(std::chrono::seconds(1));
         const auto event = Events().Pop();
-        if (!event)
+        if (!event) {
             break;
+        }
         isThere = IsListenerStart(*event);
         lines += "\n" + EventText(*event);
     }
@@ -39,10 +40,11 @@ std::string TakeStartLog()
 Library::Library()
 {
     MEM_EX_Init();
-    const bool        isStarted = BDS_InitStart() == 0;
-    const std::string log       = TakeStartLog();
-    if (!isStarted)
+    const bool isStarted = BDS_InitStart() == 0;
+    const std::string log = TakeStartLog();
+    if (!isStarted) {
         throw std::runtime_error("the library does not start" + log);
+    }
 }
 
 Library::~Library()

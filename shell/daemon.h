@@ -10,7 +10,7 @@ public:
     Library();
     // Afterwards no callback runs.
     ~Library();
-    Library(const Library&)            = delete;
+    Library(const Library&) = delete;
     Library& operator=(const Library&) = delete;
 };
 

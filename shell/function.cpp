@@ -10,8 +10,9 @@ std::vector<Function> Assemble()
     std::vector<Function> all;
     for (const auto& family :
          {FrameFunctions, InterfaceFunctions, AddressFunctions, LayerTwoFunctions, RouteFunctions,
-          FilterFunctions, EventFunctions, ListenerFunctions, ListFunctions, MemoryFunctions})
+          FilterFunctions, EventFunctions, ListenerFunctions, ListFunctions, MemoryFunctions}) {
         std::ranges::move(family(), std::back_inserter(all));
+    }
     return all;
 }
 
@@ -21,10 +22,11 @@ std::string Function::Usage() const
 {
     std::string usage;
     for (const Parameter& parameter : parameters) {
-        if (!parameter.TakesWord())
+        if (!parameter.TakesWord()) {
             continue;
-        const Argument&   argument = parameter.argument;
-        const std::string word     = std::string(argument.name) + (argument.rest ? "..." : "");
+        }
+        const Argument& argument = parameter.argument;
+        const std::string word = std::string(argument.name) + (argument.rest ? "..." : "");
         usage += usage.empty() ? "" : " ";
         usage += argument.fallback.empty() ? word : "[" + word + "]";
     }

@@ -15,16 +15,16 @@ namespace shell {
 
 // What came of a call.
 struct Answer {
-    Json                     arguments = Json::object();
-    std::optional<uint32_t>  code;                      // none: the function gives no result
-    Json                     outputs = Json::object();  // null: untouched by the call
-    std::vector<std::string> log;                       // lines that the call wrote
+    Json arguments = Json::object();
+    std::optional<uint32_t> code;   // none: the function gives no result
+    Json outputs = Json::object();  // null: untouched by the call
+    std::vector<std::string> log;   // lines that the call wrote
 };
 
 enum class Direction : uint8_t { In, Out };
 
 struct Parameter {
-    Argument  argument;
+    Argument argument;
     Direction direction;
 
     // Whether a word of the line is for it.
@@ -35,11 +35,11 @@ struct Parameter {
 };
 
 struct Function {
-    std::string_view              name;
-    Result                        result;
-    std::string_view              tables;  // that it reads
-    std::string_view              answers;
-    std::vector<Parameter>        parameters;
+    std::string_view name;
+    Result result;
+    std::string_view tables;  // that it reads
+    std::string_view answers;
+    std::vector<Parameter> parameters;
     std::function<Answer(Words&)> call;  // throws UsageError for words that do not fit
 
     // The words that a call takes: "ifIndex [count]".

@@ -15,7 +15,7 @@ namespace {
 
 thread_local std::vector<std::string>* caught = nullptr;
 
-std::mutex                              sinkMutex;
+std::mutex sinkMutex;
 std::function<void(const std::string&)> sink = [](const std::string& line) {
     std::cerr << line << '\n';
 };

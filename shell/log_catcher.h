@@ -12,7 +12,7 @@ class LogCatcher {
 public:
     LogCatcher();
     ~LogCatcher();
-    LogCatcher(const LogCatcher&)            = delete;
+    LogCatcher(const LogCatcher&) = delete;
     LogCatcher& operator=(const LogCatcher&) = delete;
 
     std::vector<std::string> Take();

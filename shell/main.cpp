@@ -1,12 +1,13 @@
 // tarnd-qrb: hosts the library and calls its functions by their names.
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
+
+#include <CLI/CLI.hpp>
 
 #include "shell/daemon.h"
 #include "shell/events/event.h"
@@ -20,10 +21,10 @@ namespace {
 using shell::Status;
 
 struct Options {
-    std::string              source;
+    std::string source;
     std::vector<std::string> command;
-    bool                     json = false;
-    bool                     echo = false;
+    bool json = false;
+    bool echo = false;
 };
 
 constexpr auto examples = R"(
@@ -56,17 +57,19 @@ void Describe(CLI::App& app, Options& options)
 // The words up to the second that is no option: from there on all are the command's.
 int CountOwn(int count, char** words)
 {
-    int own         = 1;
+    int own = 1;
     int positionals = 0;
-    for (; own < count && positionals < 2; ++own)
+    for (; own < count && positionals < 2; ++own) {
         positionals += words[own][0] == '-' ? 0 : 1;
+    }
     return positionals < 2 ? own : own - 1;
 }
 
 shell::Printer::Style StyleFor(const Options& options)
 {
-    if (options.json)
+    if (options.json) {
         return shell::Printer::Style::JsonLines;
+    }
     const bool colour = isatty(STDOUT_FILENO) != 0 && std::getenv("NO_COLOR") == nullptr;
     return colour ? shell::Printer::Style::Colour : shell::Printer::Style::Plain;
 }
@@ -75,8 +78,9 @@ Status RunInput(shell::Shell& shell, bool echo)
 {
     Status worst = Status::Good;
     for (std::string line; !shell.Ended() && std::getline(std::cin, line);) {
-        if (echo)
+        if (echo) {
             std::cout << (line.starts_with('#') ? "" : "> ") << line << '\n';
+        }
         worst = std::max(worst, shell.Execute(line));
         std::cout.flush();
     }
@@ -85,8 +89,9 @@ Status RunInput(shell::Shell& shell, bool echo)
 
 Status RunLines(shell::Shell& shell, const Options& options)
 {
-    if (!options.command.empty())
+    if (!options.command.empty()) {
         return shell.Execute(options.command);
+    }
     return isatty(STDIN_FILENO) != 0 ? RunPrompt(shell) : RunInput(shell, options.echo);
 }
 
@@ -104,20 +109,20 @@ Status Run(const Options& options)
 {
     shell::SetLogSink([](const std::string& line) { shell::Events().Push(shell::LogEvent(line)); });
     BlockInterrupts(SIG_BLOCK);
-    const auto           source = shell::OpenSource(options.source);
+    const auto source = shell::OpenSource(options.source);
     const shell::Library library;
     source->Follow();
     BlockInterrupts(SIG_UNBLOCK);
     shell::Printer printer(std::cout, StyleFor(options));
-    shell::Shell   shell(*source, printer);
-    const Status   worst = RunLines(shell, options);
+    shell::Shell shell(*source, printer);
+    const Status worst = RunLines(shell, options);
     return std::max(worst, shell.Finish());
 }
 
 int RunProgram(int count, char** words)
 {
     std::setlocale(LC_CTYPE, "");
-    Options  options;
+    Options options;
     CLI::App app("Calls the query functions of libtarnd_qrb by their names.", "tarnd-qrb");
     Describe(app, options);
     try {

@@ -20,8 +20,8 @@ size_t Distance(std::string_view a, std::string_view b)
         size_t diagonal = row[0]++;
         for (size_t j = 0; j < b.size(); ++j) {
             const size_t changed = diagonal + (Lower(a[i]) != Lower(b[j]) ? 1 : 0);
-            diagonal             = row[j + 1];
-            row[j + 1]           = std::min(changed, std::min(row[j], row[j + 1]) + 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min(changed, std::min(row[j], row[j + 1]) + 1);
         }
     }
     return row.back();
@@ -32,15 +32,16 @@ size_t Distance(std::string_view a, std::string_view b)
 std::string NoSuch(std::string_view kind, std::string_view name,
                    const std::vector<std::string>& names)
 {
-    std::string  message  = "there is no " + std::string(kind) + " " + std::string(name);
-    const size_t most     = std::max<size_t>(name.size() / 3, name.size() > 3 ? 2 : 1);
-    const auto   distance = [&](const std::string& other) {
+    std::string message = "there is no " + std::string(kind) + " " + std::string(name);
+    const size_t most = std::max<size_t>(name.size() / 3, name.size() > 3 ? 2 : 1);
+    const auto distance = [&](const std::string& other) {
         const size_t longer = std::max(name.size(), other.size());
         return longer - std::min(name.size(), other.size()) > most ? longer : Distance(name, other);
     };
     const auto nearest = std::ranges::min_element(names, {}, distance);
-    if (nearest != names.end() && distance(*nearest) <= most)
+    if (nearest != names.end() && distance(*nearest) <= most) {
         message += "; do you mean " + *nearest + "?";
+    }
     return message;
 }
 

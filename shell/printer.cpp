@@ -10,10 +10,10 @@
 namespace shell {
 namespace {
 
-constexpr const char* green  = "\033[32m";
-constexpr const char* red    = "\033[31m";
+constexpr const char* green = "\033[32m";
+constexpr const char* red = "\033[31m";
 constexpr const char* yellow = "\033[33m";
-constexpr const char* faint  = "\033[2m";
+constexpr const char* faint = "\033[2m";
 
 bool IsTable(const Json& value)
 {
@@ -52,38 +52,45 @@ void Printer::Print(const Function& function, const Answer& answer)
 void Printer::PrintReadable(const Function& function, const Answer& answer)
 {
     size_t width = std::string_view("result").size();
-    for (const auto& output : answer.outputs.items())
+    for (const auto& output : answer.outputs.items()) {
         width = std::max(width, output.key().size());
+    }
     if (answer.code) {
-        const char*       colour  = IsGood(function, answer) ? green : red;
+        const char* colour = IsGood(function, answer) ? green : red;
         const std::string meaning = function.result.Of(*answer.code).text;
-        const std::string shown   = meaning.empty() ? "" : " (" + meaning + ")";
+        const std::string shown = meaning.empty() ? "" : " (" + meaning + ")";
         PrintPair("result", Coloured(colour, CodeText(*answer.code) + shown), width);
     }
-    for (const auto& output : answer.outputs.items())
-        if (IsIfIndex(function, output.key()) && output.value().is_number())
+    for (const auto& output : answer.outputs.items()) {
+        if (IsIfIndex(function, output.key()) && output.value().is_number()) {
             PrintOutput(output.key(), WithInterfaceName(output.value()), width);
-        else
+        } else {
             PrintOutput(output.key(), output.value(), width);
-    for (const std::string& line : answer.log)
+        }
+    }
+    for (const std::string& line : answer.log) {
         PrintPair("log", Coloured(faint, line), width);
+    }
 }
 
 void Printer::PrintDone(const char* done, size_t rows)
 {
-    if (IsJson())
+    if (IsJson()) {
         PrintLine({{"done", done}, {"rows", rows}});
-    else
+    } else {
         output_ << rows << (rows == 1 ? " row " : " rows ") << done << '\n';
+    }
 }
 
 void Printer::PrintLog(const std::vector<std::string>& lines)
 {
-    if (IsJson() && !lines.empty())
+    if (IsJson() && !lines.empty()) {
         PrintLine({{"log", lines}});
-    else
-        for (const std::string& line : lines)
+    } else {
+        for (const std::string& line : lines) {
             PrintPair("log", Coloured(faint, line), std::string_view("log").size());
+        }
+    }
 }
 
 void Printer::PrintOutput(const std::string& name, const Json& output, size_t width)
@@ -105,26 +112,29 @@ void Printer::PrintPair(const std::string& name, const std::string& text, size_t
 
 void Printer::PrintRows(const Json& rows)
 {
-    if (IsJson())
+    if (IsJson()) {
         PrintLine(rows);
-    else
+    } else {
         output_ << TextTable(rows);
+    }
 }
 
 void Printer::PrintEvent(const Json& event)
 {
-    if (IsJson())
+    if (IsJson()) {
         PrintLine(event);
-    else
+    } else {
         output_ << Coloured(yellow, EventText(event)) << '\n';
+    }
 }
 
 void Printer::PrintText(const std::string& text)
 {
-    if (IsJson())
+    if (IsJson()) {
         PrintLine({{"text", text}});
-    else
+    } else {
         output_ << text;
+    }
 }
 
 void Printer::PrintRaw(const std::string& text)
@@ -135,10 +145,11 @@ void Printer::PrintRaw(const std::string& text)
 void Printer::PrintError(const std::string& message)
 {
     output_.flush();
-    if (IsJson())
+    if (IsJson()) {
         PrintLine({{"error", message}});
-    else
+    } else {
         std::cerr << Coloured(red, message) << '\n';
+    }
 }
 
 void Printer::PrintLine(const Json& value)

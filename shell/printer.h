@@ -34,14 +34,14 @@ public:
     void PrintError(const std::string& message);
 
 private:
-    void        PrintReadable(const Function& function, const Answer& answer);
-    void        PrintOutput(const std::string& name, const Json& output, size_t width);
-    void        PrintPair(const std::string& name, const std::string& text, size_t width);
-    void        PrintLine(const Json& value);
+    void PrintReadable(const Function& function, const Answer& answer);
+    void PrintOutput(const std::string& name, const Json& output, size_t width);
+    void PrintPair(const std::string& name, const std::string& text, size_t width);
+    void PrintLine(const Json& value);
     std::string Coloured(const char* colour, const std::string& text) const;
 
     std::ostream& output_;
-    Style         style_;
+    Style style_;
 };
 
 }  // namespace shell

@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto quiet   = 300ms;  // before the first line
+constexpr auto quiet = 300ms;  // before the first line
 constexpr auto between = 100ms;
 
 constexpr const char* clearLine = "\r\033[K";
@@ -24,16 +24,18 @@ Progress::Progress(std::string what)
 
 Progress::~Progress()
 {
-    if (isShown_)
+    if (isShown_) {
         std::cerr << clearLine << std::flush;
+    }
 }
 
 void Progress::Show()
 {
-    if (Clock::now() < next_)
+    if (Clock::now() < next_) {
         return;
+    }
     std::cerr << clearLine << count_ << ' ' << what_ << std::flush;
-    next_    = Clock::now() + between;
+    next_ = Clock::now() + between;
     isShown_ = true;
 }
 

@@ -11,13 +11,14 @@ public:
     // what: "rows read". Nothing is shown for what is over soon, or where stderr is no terminal.
     explicit Progress(std::string what);
     ~Progress();
-    Progress(const Progress&)            = delete;
+    Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
     void Step()
     {
-        if (++count_ % stepsBetweenLooks == 0 && isTerminal_)
+        if (++count_ % stepsBetweenLooks == 0 && isTerminal_) {
             Show();
+        }
     }
 
 private:
@@ -27,11 +28,11 @@ private:
 
     void Show();
 
-    std::string       what_;
-    bool              isTerminal_;
-    size_t            count_ = 0;
+    std::string what_;
+    bool isTerminal_;
+    size_t count_ = 0;
     Clock::time_point next_;
-    bool              isShown_ = false;
+    bool isShown_ = false;
 };
 
 }  // namespace shell

@@ -1,6 +1,5 @@
 #include "shell/prompt.h"
 
-#include <histedit.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -10,6 +9,8 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+
+#include <histedit.h>
 
 #include "shell/complete.h"
 #include "shell/events/queue.h"
@@ -22,9 +23,10 @@ constexpr int historySize = 1000;
 std::filesystem::path HistoryFile()
 {
     const char* const state = std::getenv("XDG_STATE_HOME");
-    const char* const home  = std::getenv("HOME");
-    if (state != nullptr && *state != '\0')
+    const char* const home = std::getenv("HOME");
+    if (state != nullptr && *state != '\0') {
         return std::filesystem::path(state) / "tarnd-qrb" / "history";
+    }
     return std::filesystem::path(home != nullptr ? home : ".") / ".local/state/tarnd-qrb/history";
 }
 
@@ -44,7 +46,7 @@ public:
         Do(H_SAVE, file_.c_str());
         history_end(history_);
     }
-    History(const History&)            = delete;
+    History(const History&) = delete;
     History& operator=(const History&) = delete;
 
     template <typename... Arguments>
@@ -56,7 +58,7 @@ public:
     ::History* Get() { return history_; }
 
 private:
-    ::History*            history_;
+    ::History* history_;
     std::filesystem::path file_;
 };
 
@@ -64,7 +66,7 @@ private:
 struct Prompt {
     explicit Prompt(Shell& runningShell) : shell(runningShell) {}
 
-    Shell&      shell;
+    Shell& shell;
     std::string text;
 };
 
@@ -78,23 +80,24 @@ Prompt& PromptOf(EditLine* editor)
 char* PromptText(EditLine* editor)
 {
     Prompt& prompt = PromptOf(editor);
-    prompt.text    = prompt.shell.Writes().IsOpen() ? "qrb*> " : "qrb> ";
+    prompt.text = prompt.shell.Writes().IsOpen() ? "qrb*> " : "qrb> ";
     return prompt.text.data();
 }
 
 std::string_view CommonStart(const std::vector<std::string>& words)
 {
     std::string_view start = words.front();
-    for (const std::string& word : words)
+    for (const std::string& word : words) {
         start = start.substr(
             0, static_cast<size_t>(std::ranges::mismatch(start, word).in1 - start.begin()));
+    }
     return start;
 }
 
 // In columns as wide as the terminal has room for.
 void ListWords(const std::vector<std::string>& words, size_t terminalWidth)
 {
-    const auto   longest = std::ranges::max(words, {}, &std::string::size).size();
+    const auto longest = std::ranges::max(words, {}, &std::string::size).size();
     const size_t columns = std::max<size_t>(terminalWidth / (longest + 2), 1);
     std::cout << '\n';
     for (size_t i = 0; i < words.size(); ++i) {
@@ -107,9 +110,9 @@ void ListWords(const std::vector<std::string>& words, size_t terminalWidth)
 
 size_t TerminalWidth(EditLine* editor)
 {
-    char  name[]  = "co";
-    int   columns = 80;
-    void* unused  = nullptr;
+    char name[] = "co";
+    int columns = 80;
+    void* unused = nullptr;
     el_get(editor, EL_GETTC, name, &columns, unused);
     return static_cast<size_t>(columns);
 }
@@ -118,21 +121,25 @@ size_t TerminalWidth(EditLine* editor)
 unsigned char OnTab(EditLine* editor, int /*key*/)
 {
     constexpr size_t most = 200;
-    const LineInfo*  line = el_line(editor);
+    const LineInfo* line = el_line(editor);
     const auto [begun, candidates] =
         Complete({line->buffer, static_cast<size_t>(line->cursor - line->buffer)});
-    if (candidates.empty())
+    if (candidates.empty()) {
         return CC_REFRESH_BEEP;
+    }
     const std::string_view start = CommonStart(candidates);
-    std::string            added(start.substr(begun.size()));
-    if (candidates.size() == 1 && !start.ends_with('=') && !start.ends_with('/'))
+    std::string added(start.substr(begun.size()));
+    if (candidates.size() == 1 && !start.ends_with('=') && !start.ends_with('/')) {
         added += ' ';
-    if (!added.empty())
+    }
+    if (!added.empty()) {
         return el_insertstr(editor, added.c_str()) == 0 ? CC_REFRESH : CC_ERROR;
-    if (candidates.size() <= most)
+    }
+    if (candidates.size() <= most) {
         ListWords(candidates, TerminalWidth(editor));
-    else
+    } else {
         std::cout << '\n' << candidates.size() << " possibilities\n" << std::flush;
+    }
     return CC_REDISPLAY;
 }
 
@@ -141,8 +148,9 @@ int ReadKey(EditLine* editor, wchar_t* key)
 {
     pollfd waitedFor[] = {{STDIN_FILENO, POLLIN, 0}, {Events().Descriptor(), POLLIN, 0}};
     while (poll(waitedFor, std::size(waitedFor), -1) < 0 || waitedFor[0].revents == 0) {
-        if (waitedFor[1].revents == 0)
+        if (waitedFor[1].revents == 0) {
             continue;
+        }
         std::cout << "\r\033[K";
         PromptOf(editor).shell.PrintEvents();
         std::cout << std::flush;
@@ -151,8 +159,9 @@ int ReadKey(EditLine* editor, wchar_t* key)
     std::mbstate_t state{};
     for (char byte = 0; read(STDIN_FILENO, &byte, 1) == 1;) {
         const size_t used = std::mbrtowc(key, &byte, 1, &state);
-        if (used != static_cast<size_t>(-2))
+        if (used != static_cast<size_t>(-2)) {
             return used == static_cast<size_t>(-1) ? -1 : 1;
+        }
     }
     return 0;
 }
@@ -181,25 +190,28 @@ Editor MakeEditor(History& history, Prompt& prompt)
 
 Status RunPrompt(Shell& shell)
 {
-    History      history;
-    Prompt       prompt(shell);
+    History history;
+    Prompt prompt(shell);
     const Editor editor = MakeEditor(history, prompt);
-    Status       worst  = Status::Good;
+    Status worst = Status::Good;
     std::cout << "help tells what there is, Tab completes, Ctrl-D ends.\n";
     while (!shell.Ended()) {
-        int               length = 0;
-        const char* const text   = el_gets(editor.get(), &length);
-        if (text == nullptr || length <= 0)
+        int length = 0;
+        const char* const text = el_gets(editor.get(), &length);
+        if (text == nullptr || length <= 0) {
             break;
+        }
         const std::string line(text, static_cast<size_t>(length));
-        if (line.find_first_not_of(" \t\n") == std::string::npos)
+        if (line.find_first_not_of(" \t\n") == std::string::npos) {
             continue;
+        }
         history.Do(H_ENTER, line.c_str());
         worst = std::max(worst, shell.Execute(line));
         std::cout.flush();
     }
-    if (!shell.Ended())
+    if (!shell.Ended()) {
         std::cout << '\n';
+    }
     return worst;
 }
 

@@ -14,8 +14,9 @@ Meaning Result::Of(uint32_t code) const
 std::string Result::Help() const
 {
     std::string text;
-    for (const Case& known : cases)
+    for (const Case& known : cases) {
         text += CodeText(known.code) + " " + known.meaning.text + ", ";
+    }
     const bool isValue = std::string_view(otherwise.text).empty();
     return text + (text.empty() ? "" : "else ") + (isValue ? "a value" : otherwise.text);
 }

@@ -9,19 +9,19 @@ namespace shell {
 
 struct Meaning {
     const char* text;  // empty: the code is a value
-    bool        good;  // a call that answers so did what it should
+    bool good;         // a call that answers so did what it should
 };
 
 struct Case {
     uint32_t code;
-    Meaning  meaning;
+    Meaning meaning;
 };
 
 struct Result {
     std::span<const Case> cases;
-    Meaning               otherwise;
+    Meaning otherwise;
 
-    Meaning     Of(uint32_t code) const;
+    Meaning Of(uint32_t code) const;
     std::string Help() const;
 };
 

@@ -16,10 +16,12 @@ constexpr std::chrono::seconds longestWait(3);
 std::vector<std::string> AllNames()
 {
     std::vector<std::string> names;
-    for (const Command& command : Commands())
+    for (const Command& command : Commands()) {
         names.emplace_back(command.name);
-    for (const Function& function : Functions())
+    }
+    for (const Function& function : Functions()) {
         names.emplace_back(function.name);
+    }
     return names;
 }
 
@@ -58,8 +60,9 @@ Status Shell::Execute(std::string_view line)
 
 Status Shell::Execute(const std::vector<std::string>& words)
 {
-    if (words.empty())
+    if (words.empty()) {
         return Status::Good;
+    }
     const Status status = Told(printer_, [&] {
         Words arguments(std::span<const std::string>(words).subspan(1));
         return Carry(words[0], arguments);
@@ -72,8 +75,9 @@ Status Shell::Execute(const std::vector<std::string>& words)
 
 Status Shell::Finish()
 {
-    if (!writes_.IsOpen())
+    if (!writes_.IsOpen()) {
         return Status::Good;
+    }
     printer_.PrintError("a transaction was not committed: " + std::to_string(writes_.Waiting()) +
                         " rows are not written");
     return Status::Failed;
@@ -81,17 +85,20 @@ Status Shell::Finish()
 
 void Shell::PrintEvents()
 {
-    while (const auto event = Events().Pop())
+    while (const auto event = Events().Pop()) {
         printer_.PrintEvent(*event);
+    }
 }
 
 Status Shell::Carry(const std::string& name, Words& words)
 {
-    if (const Command* command = FindCommand(name))
+    if (const Command* command = FindCommand(name)) {
         return command->run(*this, words);
+    }
     const Function* function = FindFunction(name);
-    if (function == nullptr)
+    if (function == nullptr) {
         throw UsageError(NoSuch("function or command", name, AllNames()));
+    }
     // Registries are changed only while nothing is published.
     Answer answer;
     standin::BetweenDeliveries([&] { answer = CallWith(*function, words); });

@@ -26,17 +26,17 @@ public:
     // Those that wait in the queue.
     void PrintEvents();
 
-    bool         Ended() const { return ended_; }
-    void         End() { ended_ = true; }
-    Printer&     Out() { return printer_; }
+    bool Ended() const { return ended_; }
+    void End() { ended_ = true; }
+    Printer& Out() { return printer_; }
     Transaction& Writes() { return writes_; }
 
 private:
     Status Carry(const std::string& name, Words& words);
 
     Transaction writes_;
-    Printer&    printer_;
-    bool        ended_ = false;
+    Printer& printer_;
+    bool ended_ = false;
 };
 
 }  // namespace shell

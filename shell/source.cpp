@@ -29,11 +29,13 @@ private:
 
 std::unique_ptr<sources::Source> OpenSource(const std::string& name)
 {
-    if (name == "host")
+    if (name == "host") {
         return std::make_unique<HostSource>();
+    }
     constexpr std::string_view ovsdb = "ovsdb:";
-    if (name.starts_with(ovsdb))
+    if (name.starts_with(ovsdb)) {
         return std::make_unique<sources::Cluster>(name.substr(ovsdb.size()));
+    }
     return std::make_unique<JsonSource>(name);
 }
 

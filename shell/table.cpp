@@ -14,8 +14,9 @@ template <typename Named>
 std::vector<std::string> NamesOf(std::span<const Named> all)
 {
     std::vector<std::string> names;
-    for (const Named& one : all)
+    for (const Named& one : all) {
         names.emplace_back(one.name);
+    }
     return names;
 }
 
@@ -24,8 +25,9 @@ std::vector<std::string> NamesOf(std::span<const Named> all)
 const standin::Table& KnownTable(std::string_view name)
 {
     const standin::Table* table = standin::FindTable(name);
-    if (table == nullptr)
+    if (table == nullptr) {
         throw UsageError(NoSuch("table", name, TableNames()));
+    }
     return *table;
 }
 
@@ -33,8 +35,9 @@ const standin::Field* FieldOrList(const standin::Table& table, std::string_view 
 {
     const standin::Field* field = standin::FindField(table.fields, name);
     if (field == nullptr &&
-        std::ranges::find(table.lists, name, &standin::List::name) == table.lists.end())
+        std::ranges::find(table.lists, name, &standin::List::name) == table.lists.end()) {
         throw UsageError(NoSuch("field", name, FieldNames(table)));
+    }
     return field;
 }
 
@@ -52,19 +55,22 @@ std::vector<std::string> TableNames()
 
 std::vector<std::string> ValuesOf(const standin::Table& table, std::string_view field)
 {
-    std::vector<std::string>        values;
+    std::vector<std::string> values;
     std::unordered_set<std::string> seen;
-    const auto                      add = [&](const Json& object) {
+    const auto add = [&](const Json& object) {
         const auto found = object.find(field);
-        if (found != object.end() && seen.insert(Bare(*found)).second)
+        if (found != object.end() && seen.insert(Bare(*found)).second) {
             values.push_back(Bare(*found));
+        }
     };
     standin::ForEachRow(table, [&](const standin::Row& row) {
         const Json object = sources::RowToJson(row);
         add(object);
-        for (const standin::List& list : table.lists)
-            if (const auto items = object.find(list.name); items != object.end())
+        for (const standin::List& list : table.lists) {
+            if (const auto items = object.find(list.name); items != object.end()) {
                 std::ranges::for_each(*items, add);
+            }
+        }
     });
     return values;
 }

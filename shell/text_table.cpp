@@ -9,10 +9,10 @@ namespace shell {
 namespace {
 
 struct Column {
-    std::string              name;
+    std::string name;
     std::vector<std::string> cells;
-    bool                     numbers = true;
-    size_t                   width   = 0;
+    bool numbers = true;
+    size_t width = 0;
 };
 
 // Characters, not bytes.
@@ -31,10 +31,13 @@ std::string Padded(const std::string& text, size_t width, bool toTheRight)
 std::vector<std::string> Names(const Json& rows)
 {
     std::vector<std::string> names;
-    for (const Json& row : rows)
-        for (const auto& member : row.items())
-            if (std::ranges::find(names, member.key()) == names.end())
+    for (const Json& row : rows) {
+        for (const auto& member : row.items()) {
+            if (std::ranges::find(names, member.key()) == names.end()) {
                 names.push_back(member.key());
+            }
+        }
+    }
     return names;
 }
 
@@ -53,26 +56,29 @@ Column MakeColumn(const std::string& name, const Json& rows)
 std::string TextLine(const std::vector<Column>& columns, const auto& textOf)
 {
     std::string line;
-    for (const Column& column : columns)
+    for (const Column& column : columns) {
         line += (line.empty() ? "" : "  ") + Padded(textOf(column), column.width, column.numbers);
+    }
     return line.erase(line.find_last_not_of(' ') + 1) + "\n";
 }
 
 std::string Joined(const Json& values)
 {
     std::string text;
-    for (const Json& value : values)
+    for (const Json& value : values) {
         text += (text.empty() ? "" : ",") + OneLine(value);
+    }
     return text;
 }
 
 std::string Members(const Json& object)
 {
     std::string text;
-    for (const auto& member : object.items())
+    for (const auto& member : object.items()) {
         text += (text.empty() ? "" : " ") + member.key() + "=" +
                 (member.value().is_object() ? "(" + OneLine(member.value()) + ")"
                                             : OneLine(member.value()));
+    }
     return text;
 }
 
@@ -81,18 +87,21 @@ std::string Members(const Json& object)
 std::string TextTable(const Json& rows)
 {
     std::vector<Column> columns;
-    for (const std::string& name : Names(rows))
+    for (const std::string& name : Names(rows)) {
         columns.push_back(MakeColumn(name, rows));
+    }
     std::string text = TextLine(columns, [](const Column& column) { return column.name; });
-    for (size_t i = 0; i < rows.size(); ++i)
+    for (size_t i = 0; i < rows.size(); ++i) {
         text += TextLine(columns, [i](const Column& column) { return column.cells[i]; });
+    }
     return text;
 }
 
 std::string OneLine(const Json& value)
 {
-    if (value.is_array())
+    if (value.is_array()) {
         return !value.empty() && value[0].is_object() ? "{" + Joined(value) + "}" : Joined(value);
+    }
     return value.is_object() ? Members(value) : Bare(value);
 }
 

@@ -20,28 +20,31 @@ bool HaveOneKey(const Row& a, const Row& b)
 void Apply(const sources::Write& write, std::vector<Row>& rows)
 {
     const auto like = [&](const Row& row) { return HaveOneKey(row, write.row); };
-    const auto at   = std::ranges::find_if(rows, like);
-    if (write.kind == sources::Write::Kind::Delete)
+    const auto at = std::ranges::find_if(rows, like);
+    if (write.kind == sources::Write::Kind::Delete) {
         std::erase_if(rows, like);
-    else if (at != rows.end())
+    } else if (at != rows.end()) {
         *at = write.row;
-    else
+    } else {
         rows.push_back(write.row);
+    }
 }
 
 }  // namespace
 
 std::vector<sources::Write>& Transaction::Open()
 {
-    if (!waiting_)
+    if (!waiting_) {
         throw UsageError("there is no transaction: begin starts one");
+    }
     return *waiting_;
 }
 
 void Transaction::Begin()
 {
-    if (waiting_)
+    if (waiting_) {
         throw UsageError("there is a transaction already: commit or abort ends it");
+    }
     waiting_.emplace();
 }
 
@@ -60,20 +63,24 @@ size_t Transaction::Abort()
 
 void Transaction::Write(std::vector<sources::Write> writes)
 {
-    if (waiting_)
+    if (waiting_) {
         std::ranges::move(writes, std::back_inserter(*waiting_));
-    else
+    } else {
         source_.Commit(writes);
+    }
 }
 
 std::vector<Row> Transaction::RowsOf(const standin::Table& table) const
 {
     std::vector<Row> rows;
     standin::ForEachRow(table, [&](const Row& row) { rows.push_back(row); });
-    if (waiting_)
-        for (const sources::Write& write : *waiting_)
-            if (&write.row.Description() == &table)
+    if (waiting_) {
+        for (const sources::Write& write : *waiting_) {
+            if (&write.row.Description() == &table) {
                 Apply(write, rows);
+            }
+        }
+    }
     return rows;
 }
 

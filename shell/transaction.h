@@ -12,7 +12,7 @@ class Transaction {
 public:
     explicit Transaction(sources::Source& source) : source_(source) {}
 
-    bool   IsOpen() const { return waiting_.has_value(); }
+    bool IsOpen() const { return waiting_.has_value(); }
     size_t Waiting() const { return waiting_ ? waiting_->size() : 0; }
 
     // Throw UsageError where there is one already, or none.
@@ -31,7 +31,7 @@ public:
 private:
     std::vector<sources::Write>& Open();
 
-    sources::Source&                           source_;
+    sources::Source& source_;
     std::optional<std::vector<sources::Write>> waiting_;
 };
 

@@ -11,18 +11,19 @@ constexpr std::string_view blanks = " \t\r\n";
 // The length of the JSON object or array that the text begins with.
 size_t JsonLength(std::string_view text)
 {
-    int  depth    = 0;
+    int depth = 0;
     bool inString = false;
     for (size_t i = 0; i < text.size(); ++i) {
         const char c = text[i];
-        if (inString && c == '\\')
+        if (inString && c == '\\') {
             ++i;
-        else if (c == '"')
+        } else if (c == '"') {
             inString = !inString;
-        else if (!inString && (c == '{' || c == '['))
+        } else if (!inString && (c == '{' || c == '[')) {
             ++depth;
-        else if (!inString && (c == '}' || c == ']') && --depth == 0)
+        } else if (!inString && (c == '}' || c == ']') && --depth == 0) {
             return i + 1;
+        }
     }
     throw UsageError(std::string("what ") + text.front() + " opens is not closed");
 }
@@ -30,15 +31,16 @@ size_t JsonLength(std::string_view text)
 // Takes what stands between quotes off the line.
 std::string TakeQuoted(std::string_view& line)
 {
-    const char  quote = line.front();
+    const char quote = line.front();
     std::string text;
     for (size_t i = 1; i < line.size(); ++i) {
         if (line[i] == quote) {
             line.remove_prefix(i + 1);
             return text;
         }
-        if (line[i] == '\\' && quote == '"' && i + 1 < line.size())
+        if (line[i] == '\\' && quote == '"' && i + 1 < line.size()) {
             ++i;
+        }
         text += line[i];
     }
     throw UsageError(std::string("a closing ") + quote + " is missing");
@@ -56,10 +58,11 @@ std::string TakeWord(std::string_view& line)
     std::string word;
     while (!line.empty() && blanks.find(line.front()) == std::string_view::npos) {
         const char front = line.front();
-        if (front == '"' || front == '\'')
+        if (front == '"' || front == '\'') {
             word += TakeQuoted(line);
-        else
+        } else {
             word += Take(line, front == '{' || front == '[' ? JsonLength(line) : 1);
+        }
     }
     return word;
 }
@@ -71,26 +74,29 @@ std::vector<std::string> SplitLine(std::string_view line)
     std::vector<std::string> words;
     for (;;) {
         line.remove_prefix(std::min(line.find_first_not_of(blanks), line.size()));
-        if (line.empty() || line.front() == '#')
+        if (line.empty() || line.front() == '#') {
             return words;
+        }
         words.push_back(TakeWord(line));
     }
 }
 
 std::string Words::Take(std::string_view what)
 {
-    if (words_.empty())
+    if (words_.empty()) {
         throw UsageError(std::string(what) + " is missing");
+    }
     const std::string& word = words_.front();
-    words_                  = words_.subspan(1);
+    words_ = words_.subspan(1);
     return word;
 }
 
 std::string Words::TakeRest()
 {
     std::string text;
-    for (const std::string& word : std::exchange(words_, {}))
+    for (const std::string& word : std::exchange(words_, {})) {
         text += (text.empty() ? "" : " ") + word;
+    }
     return text;
 }
 
@@ -101,8 +107,9 @@ std::span<const std::string> Words::TakeAll()
 
 void Words::ExpectEnd() const
 {
-    if (!words_.empty())
+    if (!words_.empty()) {
         throw UsageError("\"" + words_.front() + "\" is one word too many");
+    }
 }
 
 }  // namespace shell

@@ -26,13 +26,13 @@ class Words {
 public:
     explicit Words(std::span<const std::string> words) : words_(words) {}
 
-    bool               Empty() const { return words_.empty(); }
+    bool Empty() const { return words_.empty(); }
     const std::string& Front() const { return words_.front(); }
 
     // Throws UsageError where there is no word any more; what: what is missing.
     std::string Take(std::string_view what);
     // All that are left, a blank between two.
-    std::string                  TakeRest();
+    std::string TakeRest();
     std::span<const std::string> TakeAll();
     // Throws UsageError where a word is left.
     void ExpectEnd() const;

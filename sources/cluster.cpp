@@ -22,9 +22,10 @@ Cluster::Cluster(const std::string& servers, const ClusterTiming& timing)
     const auto deadline = Clock::now() + timing_.patience;
     while (Server().empty()) {
         Step();
-        if (Server().empty() && Clock::now() > deadline)
+        if (Server().empty() && Clock::now() > deadline) {
             throw standin::Error("no server can be followed: " +
                                  (failures_.empty() ? "none has answered yet" : failures_));
+        }
     }
 }
 
@@ -36,7 +37,7 @@ void Cluster::Follow()
 void Cluster::Commit(const std::vector<Write>& writes)
 {
     const ovsdb::Operations operations(writes, [this] { return replica_.NextPlace(); });
-    const auto              request =
+    const auto request =
         std::make_shared<ovsdb::Request>(ovsdb::Request{operations.Parameters(), {}});
     auto answer = request->outcome.get_future();
     {
@@ -46,12 +47,14 @@ void Cluster::Commit(const std::vector<Write>& writes)
     requestEvent_.Raise();
     if (answer.wait_for(timing_.patience) == std::future_status::timeout) {
         const std::lock_guard lock(mutex_);
-        if (std::erase(requests_, request) != 0)
+        if (std::erase(requests_, request) != 0) {
             throw standin::Error("no server can be followed: " + failures_);
+        }
     }
     const auto [results, refusal] = answer.get();
-    if (!refusal.empty())
+    if (!refusal.empty()) {
         throw standin::Error(refusal);
+    }
     operations.Check(results);
 }
 
@@ -64,20 +67,24 @@ std::string Cluster::Server() const
 void Cluster::Run(const std::stop_token& stop)
 {
     const std::stop_callback onStop(stop, [this] { stopEvent_.Raise(); });
-    while (!stop.stop_requested())
+    while (!stop.stop_requested()) {
         Step();
+    }
 }
 
 void Cluster::Step()
 {
     try {
-        if (!session_)
+        if (!session_) {
             Connect();
+        }
         session_->Attend(requestEvent_.Descriptor(), stopEvent_.Descriptor());
-        if (!session_->IsFollowing())
+        if (!session_->IsFollowing()) {
             return;
-        if (Server().empty())
+        }
+        if (Server().empty()) {
             Find();
+        }
         HandOverRequests();
     } catch (const std::exception& error) {
         Lose(error.what());
@@ -87,7 +94,7 @@ void Cluster::Step()
 void Cluster::Connect()
 {
     const ovsdb::Server& server = servers_.all[current_];
-    ovsdb::Stream        stream(server, tls_, stopEvent_.Descriptor(), timing_.silence);
+    ovsdb::Stream stream(server, tls_, stopEvent_.Descriptor(), timing_.silence);
     session_.emplace(ovsdb::Connection(std::move(stream), timing_.silence), replica_, position_,
                      servers_.all.size() > 1);
 }
@@ -95,10 +102,11 @@ void Cluster::Connect()
 void Cluster::Find()
 {
     const std::string& name = servers_.all[current_].name;
-    if (isLost_)
+    if (isLost_) {
         syslog(LOG_NOTICE, "%s is followed\n", name.c_str());
+    }
     isLost_ = false;
-    pause_  = timing_.firstPause;
+    pause_ = timing_.firstPause;
     round_.clear();
     const std::lock_guard lock(mutex_);
     followed_ = name;
@@ -118,26 +126,29 @@ void Cluster::Lose(const std::string& reason)
     session_.reset();
     current_ = (current_ + 1) % servers_.all.size();
     round_.push_back(failure);
-    if (round_.size() == servers_.all.size())
+    if (round_.size() == servers_.all.size()) {
         EndRound();
+    }
 }
 
 // No server was any good. Says so, unless nothing has changed since it last did, and waits.
 void Cluster::EndRound()
 {
     std::string failures;
-    for (const std::string& failure : std::exchange(round_, {}))
+    for (const std::string& failure : std::exchange(round_, {})) {
         failures += (failures.empty() ? "" : "; ") + failure;
+    }
     {
         const std::lock_guard lock(mutex_);
         std::swap(failures_, failures);
     }
-    if (failures_ != failures && isLost_)
+    if (failures_ != failures && isLost_) {
         syslog(LOG_WARNING, "no server can be followed: %s\n", failures_.c_str());
+    }
 
     // Boards that lost a server together are not to come back together.
     std::uniform_int_distribution spread(pause_.count() / 2, pause_.count());
-    pollfd                        stop = {stopEvent_.Descriptor(), POLLIN, 0};
+    pollfd stop = {stopEvent_.Descriptor(), POLLIN, 0};
     poll(&stop, 1, static_cast<int>(spread(random_)));
     pause_ = std::min(pause_ * 2, timing_.longestPause);
 }
@@ -145,15 +156,17 @@ void Cluster::EndRound()
 void Cluster::HandOverRequests()
 {
     requestEvent_.Lower();
-    while (const Request request = TakeRequest())
+    while (const Request request = TakeRequest()) {
         session_->Send(request);
+    }
 }
 
 Cluster::Request Cluster::TakeRequest()
 {
     const std::lock_guard lock(mutex_);
-    if (requests_.empty())
+    if (requests_.empty()) {
         return nullptr;
+    }
     Request first = requests_.front();
     requests_.pop_front();
     return first;

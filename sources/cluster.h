@@ -57,35 +57,35 @@ public:
 private:
     using Request = std::shared_ptr<ovsdb::Request>;
 
-    void    Run(const std::stop_token& stop);
-    void    Step();
-    void    Connect();
-    void    Find();
-    void    Lose(const std::string& reason);
-    void    EndRound();
-    void    HandOverRequests();
+    void Run(const std::stop_token& stop);
+    void Step();
+    void Connect();
+    void Find();
+    void Lose(const std::string& reason);
+    void EndRound();
+    void HandOverRequests();
     Request TakeRequest();
 
-    const ovsdb::Servers    servers_;
-    const ClusterTiming     timing_;
+    const ovsdb::Servers servers_;
+    const ClusterTiming timing_;
     const ovsdb::TlsContext tls_;
-    ovsdb::Replica          replica_;
-    ovsdb::Position         position_;
-    WakeEvent               stopEvent_;
-    WakeEvent               requestEvent_;
+    ovsdb::Replica replica_;
+    ovsdb::Position position_;
+    WakeEvent stopEvent_;
+    WakeEvent requestEvent_;
 
     // The follower's.
     std::optional<ovsdb::Session> session_;
-    size_t                        current_ = 0;      // the server that is spoken to
-    bool                          isLost_  = false;  // one was followed, and none is now
-    std::vector<std::string>      round_;            // what was wrong with those tried since
-    ClusterTiming::Milliseconds   pause_;
-    std::minstd_rand              random_{std::random_device()()};
+    size_t current_ = 0;              // the server that is spoken to
+    bool isLost_ = false;             // one was followed, and none is now
+    std::vector<std::string> round_;  // what was wrong with those tried since
+    ClusterTiming::Milliseconds pause_;
+    std::minstd_rand random_{std::random_device()()};
 
-    mutable std::mutex  mutex_;  // for the rest
+    mutable std::mutex mutex_;  // for the rest
     std::deque<Request> requests_;
-    std::string         followed_;
-    std::string         failures_;  // of the last round over all servers
+    std::string followed_;
+    std::string failures_;  // of the last round over all servers
 
     std::jthread follower_;  // last: it ends before what it uses
 };

@@ -15,10 +15,11 @@ void MirrorChange(const LinkChange& change)
 {
     standin::Transaction transaction;
     for (const standin::Row& row : LinkRows(change.link)) {
-        if (change.removed)
+        if (change.removed) {
             RemoveRow(transaction, row);
-        else
+        } else {
             MirrorRow(transaction, row);
+        }
     }
     transaction.Commit();
 }
@@ -37,8 +38,8 @@ void Host::Follow()
 
 void Host::Run(const std::stop_token& stop)
 {
-    constexpr int            forever    = -1;
-    constexpr int            retryAfter = 1000;  // milliseconds
+    constexpr int forever = -1;
+    constexpr int retryAfter = 1000;  // milliseconds
     const std::stop_callback onStop(stop, [this] { stopEvent_.Raise(); });
     while (!stop.stop_requested()) {
         pollfd waitedFor[] = {{notifications_.Descriptor(), POLLIN, 0},

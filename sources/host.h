@@ -33,11 +33,11 @@ private:
     void ReadAddressesAndRoutes(standin::Transaction& transaction);
 
     Notifications notifications_;  // made before anything is read, so that no change falls between
-    Kernel        kernel_;
-    Forwarding    forwarding_;
-    bool          mustReadEverything_ = false;
-    WakeEvent     stopEvent_;
-    std::jthread  follower_;  // last: it ends before what it uses
+    Kernel kernel_;
+    Forwarding forwarding_;
+    bool mustReadEverything_ = false;
+    WakeEvent stopEvent_;
+    std::jthread follower_;  // last: it ends before what it uses
 };
 
 }  // namespace sources

@@ -3,11 +3,6 @@
 #include <linux/if.h>
 #include <linux/rtnetlink.h>
 #include <netinet/in.h>
-#include <netlink/msg.h>
-#include <netlink/netlink.h>
-#include <netlink/route/addr.h>
-#include <netlink/route/link.h>
-#include <netlink/route/route.h>
 
 #include <algorithm>
 #include <cstring>
@@ -16,20 +11,28 @@
 #include <string_view>
 #include <utility>
 
+#include <netlink/msg.h>
+#include <netlink/netlink.h>
+#include <netlink/route/addr.h>
+#include <netlink/route/link.h>
+#include <netlink/route/route.h>
+
 namespace sources {
 namespace {
 
 void Check(int result, const std::string& what)
 {
-    if (result < 0)
+    if (result < 0) {
         throw std::runtime_error(what + ": " + nl_geterror(result));
+    }
 }
 
 Socket Connect()
 {
     Socket socket(nl_socket_alloc());
-    if (!socket)
+    if (!socket) {
         throw std::bad_alloc();
+    }
     Check(nl_connect(socket.get(), NETLINK_ROUTE), "cannot open a netlink socket");
     return socket;
 }
@@ -37,16 +40,18 @@ Socket Connect()
 uint32_t Ipv4(const nl_addr* address)
 {
     uint32_t number = 0;
-    if (address != nullptr && nl_addr_get_len(address) == sizeof number)
+    if (address != nullptr && nl_addr_get_len(address) == sizeof number) {
         std::memcpy(&number, nl_addr_get_binary_addr(address), sizeof number);
+    }
     return ntohl(number);
 }
 
 std::array<uint8_t, 6> Mac(const nl_addr* address)
 {
     std::array<uint8_t, 6> mac{};
-    if (address != nullptr && nl_addr_get_len(address) == mac.size())
+    if (address != nullptr && nl_addr_get_len(address) == mac.size()) {
         std::memcpy(mac.data(), nl_addr_get_binary_addr(address), mac.size());
+    }
     return mac;
 }
 
@@ -58,23 +63,23 @@ bool IsBridgeMember(rtnl_link* link)
 
 Link ReadLink(nl_object* object)
 {
-    auto*          link  = reinterpret_cast<rtnl_link*>(object);
+    auto* link = reinterpret_cast<rtnl_link*>(object);
     const unsigned flags = rtnl_link_get_flags(link);
-    return {.index        = static_cast<uint32_t>(rtnl_link_get_ifindex(link)),
-            .name         = rtnl_link_get_name(link),
-            .hardware     = rtnl_link_get_arptype(link),
-            .mtu          = rtnl_link_get_mtu(link),
-            .mac          = Mac(rtnl_link_get_addr(link)),
-            .carrier      = (flags & IFF_LOWER_UP) != 0,
-            .running      = (flags & IFF_UP) != 0 && (flags & IFF_RUNNING) != 0,
+    return {.index = static_cast<uint32_t>(rtnl_link_get_ifindex(link)),
+            .name = rtnl_link_get_name(link),
+            .hardware = rtnl_link_get_arptype(link),
+            .mtu = rtnl_link_get_mtu(link),
+            .mac = Mac(rtnl_link_get_addr(link)),
+            .carrier = (flags & IFF_LOWER_UP) != 0,
+            .running = (flags & IFF_UP) != 0 && (flags & IFF_RUNNING) != 0,
             .bridgeMember = IsBridgeMember(link)};
 }
 
 Address ReadAddress(nl_object* object)
 {
     auto* address = reinterpret_cast<rtnl_addr*>(object);
-    return {.interface    = static_cast<uint32_t>(rtnl_addr_get_ifindex(address)),
-            .address      = Ipv4(rtnl_addr_get_local(address)),
+    return {.interface = static_cast<uint32_t>(rtnl_addr_get_ifindex(address)),
+            .address = Ipv4(rtnl_addr_get_local(address)),
             .prefixLength = static_cast<uint8_t>(rtnl_addr_get_prefixlen(address))};
 }
 
@@ -84,11 +89,12 @@ std::vector<NextHop> LiveNextHops(rtnl_route* route)
     std::vector<NextHop> live;
     for (int i = 0; i < rtnl_route_get_nnexthops(route); ++i) {
         rtnl_nexthop* const hop = rtnl_route_nexthop_n(route, i);
-        const NextHop       nextHop{Ipv4(rtnl_route_nh_get_gateway(hop)),
+        const NextHop nextHop{Ipv4(rtnl_route_nh_get_gateway(hop)),
                               static_cast<uint32_t>(rtnl_route_nh_get_ifindex(hop))};
         if ((rtnl_route_nh_get_flags(hop) & RTNH_F_DEAD) == 0 &&
-            std::ranges::find(live, nextHop) == live.end())
+            std::ranges::find(live, nextHop) == live.end()) {
             live.push_back(nextHop);
+        }
     }
     return live;
 }
@@ -104,18 +110,21 @@ void AppendRoute(std::vector<Route>& routes, nl_object* object)
     auto* route = reinterpret_cast<rtnl_route*>(object);
     // A route for one type of service does not answer for a destination as such.
     if (rtnl_route_get_table(route) != RT_TABLE_MAIN || rtnl_route_get_tos(route) != 0 ||
-        (rtnl_route_get_flags(route) & RTM_F_CLONED) != 0)
+        (rtnl_route_get_flags(route) & RTM_F_CLONED) != 0) {
         return;
+    }
     const nl_addr* destination = rtnl_route_get_dst(route);
-    Route          read{.destination  = Ipv4(destination),
-                        .prefixLength = static_cast<uint8_t>(nl_addr_get_prefixlen(destination)),
-                        .metric       = rtnl_route_get_priority(route),
-                        .nextHops     = {}};
-    const bool     refuses = Refuses(rtnl_route_get_type(route));
-    if (!refuses)
+    Route read{.destination = Ipv4(destination),
+               .prefixLength = static_cast<uint8_t>(nl_addr_get_prefixlen(destination)),
+               .metric = rtnl_route_get_priority(route),
+               .nextHops = {}};
+    const bool refuses = Refuses(rtnl_route_get_type(route));
+    if (!refuses) {
         read.nextHops = LiveNextHops(route);
-    if (refuses || !read.nextHops.empty())
+    }
+    if (refuses || !read.nextHops.empty()) {
         routes.push_back(std::move(read));
+    }
 }
 
 // A bridge tells about its members in messages of its own family, which hold only a part.
@@ -131,8 +140,9 @@ using OnObject = std::function<void(nl_object*)>;
 int Receive(nl_sock* socket, OnObject onObject)
 {
     const auto onMessage = [](nl_msg* message, void* argument) noexcept -> int {
-        if (IsOfBridge(message))
+        if (IsOfBridge(message)) {
             return NL_SKIP;
+        }
         nl_msg_parse(
             message,
             [](nl_object* object, void* callback) noexcept {
@@ -151,7 +161,7 @@ std::vector<Item> Dump(nl_sock* socket, int request, int family,
                        void (*append)(std::vector<Item>&, nl_object*), const char* what)
 {
     std::vector<Item> items;
-    int               result = 0;
+    int result = 0;
     do {
         items.clear();
         Check(nl_rtgen_request(socket, request, family, NLM_F_DUMP), what);
@@ -194,15 +204,15 @@ void Kernel::Settle()
     // A question about one link waits for the lock under which all such changes are made; those
     // about addresses and routes don't.
     constexpr int loopback = 1;
-    rtnl_link*    link     = nullptr;
+    rtnl_link* link = nullptr;
     Check(rtnl_link_get_kernel(socket_.get(), loopback, nullptr, &link), "cannot read the links");
     rtnl_link_put(link);
 }
 
 Notifications::Notifications(int receiveBuffer) : socket_(Connect())
 {
-    nl_sock* const    socket = socket_.get();
-    const std::string what   = "cannot follow the kernel";
+    nl_sock* const socket = socket_.get();
+    const std::string what = "cannot follow the kernel";
     nl_socket_disable_seq_check(socket);
     Check(nl_socket_set_nonblocking(socket), what);
     Check(nl_socket_set_buffer_size(socket, receiveBuffer, 0), what);
@@ -219,19 +229,22 @@ int Notifications::Descriptor() const
 Changes Notifications::Take()
 {
     constexpr int limit = 1000;  // a flood must not keep what has come from being written
-    Changes       changes;
-    const auto    onObject = [&](nl_object* object) {
+    Changes changes;
+    const auto onObject = [&](nl_object* object) {
         const int type = nl_object_get_msgtype(object);
-        if (type == RTM_NEWLINK || type == RTM_DELLINK)
+        if (type == RTM_NEWLINK || type == RTM_DELLINK) {
             changes.links.push_back({type == RTM_DELLINK, ReadLink(object)});
+        }
     };
     for (int taken = 0; taken < limit; ++taken) {
         const int result = Receive(socket_.get(), onObject);
-        if (result == -NLE_AGAIN)
+        if (result == -NLE_AGAIN) {
             break;
+        }
         changes.any = true;
-        if (result < 0)
+        if (result < 0) {
             changes.overrun = true;
+        }
     }
     return changes;
 }

@@ -10,8 +10,9 @@ using standin::Transaction;
 uint64_t LongestNewPrefix(const Rows& longestFirst)
 {
     for (const Row& forward : longestFirst) {
-        if (!standin::Find(forward))
+        if (!standin::Find(forward)) {
             return forward.Number("prefixLen");
+        }
     }
     return 0;
 }
@@ -23,11 +24,13 @@ void MirrorLinks(Transaction& transaction, const std::vector<Link>& links)
     std::array<Rows, linkTables.size()> wanted;
     for (const Link& link : links) {
         const Rows rows = LinkRows(link);
-        for (size_t i = 0; i < wanted.size(); ++i)
+        for (size_t i = 0; i < wanted.size(); ++i) {
             wanted[i].push_back(rows[i]);
+        }
     }
-    for (size_t i = 0; i < wanted.size(); ++i)
+    for (size_t i = 0; i < wanted.size(); ++i) {
         MirrorTable(transaction, *standin::FindTable(linkTables[i]), wanted[i]);
+    }
 }
 
 void MirrorForwarding(Transaction& transaction, const ForwardingRows& wanted)

@@ -16,10 +16,10 @@ struct TypeOfHardware {
     uint32_t hardware;
     uint32_t ifType;
 };
-constexpr uint32_t       otherType = 16;
-constexpr TypeOfHardware types[]   = {{ARPHRD_ETHER, 1},   {ARPHRD_LOOPBACK, 2}, {ARPHRD_TUNNEL, 2},
-                                      {ARPHRD_TUNNEL6, 2}, {ARPHRD_SIT, 2},      {ARPHRD_IPGRE, 2},
-                                      {ARPHRD_NONE, 2}};
+constexpr uint32_t otherType = 16;
+constexpr TypeOfHardware types[] = {{ARPHRD_ETHER, 1},   {ARPHRD_LOOPBACK, 2}, {ARPHRD_TUNNEL, 2},
+                                    {ARPHRD_TUNNEL6, 2}, {ARPHRD_SIT, 2},      {ARPHRD_IPGRE, 2},
+                                    {ARPHRD_NONE, 2}};
 
 uint32_t IfType(uint32_t hardware)
 {
@@ -85,26 +85,29 @@ Rows AddressRows(const std::vector<Address>& addresses)
         row->second.AddItem("ipv4_address_list", item);
     }
     Rows all;
-    for (auto& [interface, row] : rows)
+    for (auto& [interface, row] : rows) {
         all.push_back(std::move(row));
+    }
     return all;
 }
 
 uint32_t Forwarding::NumberOf(const Group& group, ForwardingRows& rows)
 {
     const auto [groupNumber, firstOfGroup] = groups_.Of(group);
-    if (!firstOfGroup)
+    if (!firstOfGroup) {
         return groupNumber;
+    }
     for (const NextHop& hop : group) {
         const auto [hopNumber, firstOfHop] = nextHops_.Of(hop);
         rows.groupNodes.push_back(Row("Fib.ConfigNhpGroupNode")
                                       .Set("nhpGroupId", groupNumber)
                                       .Set("primaryNhpId", hopNumber));
-        if (firstOfHop)
+        if (firstOfHop) {
             rows.nextHops.push_back(Row("Fib.ConfigNhpStandard")
                                         .Set("nhpIndex", hopNumber)
                                         .Set("next_hop", hop.gateway)
                                         .Set("out_if_index", hop.interface));
+        }
     }
     return groupNumber;
 }
@@ -112,7 +115,7 @@ uint32_t Forwarding::NumberOf(const Group& group, ForwardingRows& rows)
 ForwardingRows Forwarding::RowsOf(std::vector<Route> routes)
 {
     constexpr uint32_t noGroup = 0;  // a group without members: an inquiry fails
-    ForwardingRows     rows;
+    ForwardingRows rows;
     KeepBest(routes);
     for (const Route& route : routes) {
         const uint32_t group = route.nextHops.empty() ? noGroup : NumberOf(route.nextHops, rows);

@@ -29,7 +29,7 @@ class Numbering {
 public:
     struct Answer {
         uint32_t number;
-        bool     first;  // asked for the first time in this round
+        bool first;  // asked for the first time in this round
     };
 
     Answer Of(const Thing& thing)
@@ -52,8 +52,8 @@ private:
         uint64_t round;  // that last asked for it
     };
     std::map<Thing, Entry> entries_;
-    uint32_t               last_  = 0;
-    uint64_t               round_ = 1;
+    uint32_t last_ = 0;
+    uint64_t round_ = 1;
 };
 
 struct ForwardingRows {
@@ -73,7 +73,7 @@ private:
     uint32_t NumberOf(const Group& group, ForwardingRows& rows);
 
     Numbering<NextHop> nextHops_;
-    Numbering<Group>   groups_;
+    Numbering<Group> groups_;
 };
 
 }  // namespace sources

@@ -6,8 +6,9 @@ namespace {
 std::string Shown(const Json& value)
 {
     constexpr size_t longest = 80;
-    if (value.is_structured())
+    if (value.is_structured()) {
         return std::string("an ") + value.type_name();
+    }
     const std::string text = value.dump(-1, ' ', true, Json::error_handler_t::replace);
     return text.size() > longest ? text.substr(0, longest) + "..." : text;
 }
@@ -31,10 +32,12 @@ void RefuseRange(const std::string& number, uint64_t highest)
 
 uint64_t WholeNumber(const Json& value, uint64_t highest)
 {
-    if (!value.is_number_integer())
+    if (!value.is_number_integer()) {
         RefuseType(value, "a whole number");
-    if (value < 0 || value.get<uint64_t>() > highest)
+    }
+    if (value < 0 || value.get<uint64_t>() > highest) {
         RefuseRange(Shown(value), highest);
+    }
     return value.get<uint64_t>();
 }
 

@@ -4,8 +4,9 @@
 #include <cstdint>
 #include <string>
 
-#include <standin/database.h>
 #include <nlohmann/json.hpp>
+
+#include <standin/database.h>
 
 namespace sources {
 

@@ -37,9 +37,9 @@ private:
     // An object or array that has not ended yet. The first is the file's object, the second a
     // table's array, and that one never holds its rows.
     struct Level {
-        Json        value;
-        std::string key;        // of the member being read
-        size_t      count = 0;  // of the elements read
+        Json value;
+        std::string key;   // of the member being read
+        size_t count = 0;  // of the elements read
     };
 
     bool Open(Json container);
@@ -48,35 +48,38 @@ private:
     void AddRow(const Json& value);
     void Check(const Json& value) const;
     template <typename Action>
-    void              Here(const Action& action) const;
-    std::string       Path() const;
+    void Here(const Action& action) const;
+    std::string Path() const;
     [[noreturn]] void Refuse(const std::string& reason) const { throw JsonError(reason, Path()); }
 
-    const RowSink&     onRow_;
-    const Table*       table_ = nullptr;
+    const RowSink& onRow_;
+    const Table* table_ = nullptr;
     std::vector<Level> levels_;
 };
 
 bool Reader::key(string_t& name)
 {
     Level& level = levels_.back();
-    level.key    = std::move(name);
-    if (level.value.contains(level.key))
+    level.key = std::move(name);
+    if (level.value.contains(level.key)) {
         Refuse("is given twice");
+    }
     if (levels_.size() == 1) {
         table_ = standin::FindTable(level.key);
-        if (table_ == nullptr)
+        if (table_ == nullptr) {
             Refuse("there is no such table");
+        }
     }
     return true;
 }
 
 bool Reader::parse_error(size_t, const std::string&, const nlohmann::detail::exception& error)
 {
-    const std::string text  = error.what();
-    const size_t      place = text.find("line ");
-    if (place == std::string::npos)
+    const std::string text = error.what();
+    const size_t place = text.find("line ");
+    if (place == std::string::npos) {
         Refuse(text.substr(text.find("] ") + 2));
+    }
     throw JsonError(text.substr(place));
 }
 
@@ -98,12 +101,13 @@ bool Reader::Add(Json value)
 {
     Check(value);
     Level& level = levels_.back();
-    if (levels_.size() == 2)
+    if (levels_.size() == 2) {
         AddRow(value);
-    else if (level.value.is_object())
+    } else if (level.value.is_object()) {
         level.value.emplace(level.key, std::move(value));
-    else
+    } else {
         level.value.push_back(std::move(value));
+    }
     ++level.count;
     return true;
 }
@@ -115,10 +119,12 @@ void Reader::AddRow(const Json& value)
 
 void Reader::Check(const Json& value) const
 {
-    if (levels_.empty() && !value.is_object())
+    if (levels_.empty() && !value.is_object()) {
         RefuseType(value, "an object of tables");
-    if (levels_.size() == 1 && !value.is_array())
+    }
+    if (levels_.size() == 1 && !value.is_array()) {
         Here([&] { RefuseType(value, "an array of rows"); });
+    }
 }
 
 // Does the action; what it refuses is told with the path from the file's top.
@@ -135,16 +141,18 @@ void Reader::Here(const Action& action) const
 std::string Reader::Path() const
 {
     std::string path;
-    for (const Level& level : levels_)
+    for (const Level& level : levels_) {
         path += "/" + (level.value.is_array() ? std::to_string(level.count) : level.key);
+    }
     return path;
 }
 
 // Like Json::dump, with a blank behind each comma and colon.
 std::string Line(const Json& value)
 {
-    if (!value.is_structured())
+    if (!value.is_structured()) {
         return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+    }
     std::string line;
     for (const auto& member : value.items()) {
         line += line.empty() ? "" : ", ";
@@ -191,8 +199,9 @@ void ReadJson(const std::filesystem::path& file, const RowSink& onRow)
 {
     NamingFile(file, [&] {
         std::ifstream text(file, std::ios::binary);
-        if (!text)
+        if (!text) {
             throw standin::Error(std::strerror(errno));
+        }
         Reader reader(onRow);
         Json::sax_parse(text, &reader);
     });

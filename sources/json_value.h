@@ -14,7 +14,7 @@ namespace sources {
 Json ValueToJson(standin::Kind kind, std::span<const uint8_t> bytes);
 
 // Throw JsonError for a value of the wrong type, out of range or too long.
-void     SetFromJson(standin::Row& row, const standin::Field& field, const Json& value);
+void SetFromJson(standin::Row& row, const standin::Field& field, const Json& value);
 uint64_t NumberFromJson(const standin::Field& field, const Json& value);  // Number, Ipv4
 
 }  // namespace sources

@@ -24,12 +24,13 @@ void MirrorTable(Transaction& transaction, const Table& table, const Rows& wante
                  const MayStay& mayStay)
 {
     std::unordered_map<std::string_view, const Row*> missing;
-    for (const Row& row : wanted)
+    for (const Row& row : wanted) {
         missing.emplace(PrimaryKey(row), &row);
+    }
 
     Rows changed;
     standin::ForEachRow(table, [&](const Row& row) {
-        const auto found    = missing.find(PrimaryKey(row));
+        const auto found = missing.find(PrimaryKey(row));
         const auto keepsKey = [&](const Key& key) {
             return KeyBytes(row, key) == KeyBytes(*found->second, key);
         };
@@ -38,31 +39,36 @@ void MirrorTable(Transaction& transaction, const Table& table, const Rows& wante
             transaction.Delete(row);
             return;
         }
-        if (row != *found->second)
+        if (row != *found->second) {
             changed.push_back(*found->second);
+        }
         missing.erase(found);
     });
-    for (const Row& row : changed)
+    for (const Row& row : changed) {
         transaction.Update(row);
+    }
     for (const Row& row : wanted) {
-        if (missing.contains(PrimaryKey(row)))
+        if (missing.contains(PrimaryKey(row))) {
             transaction.Insert(row);
+        }
     }
 }
 
 void MirrorRow(Transaction& transaction, const Row& wanted)
 {
     const auto row = standin::Find(wanted);
-    if (!row)
+    if (!row) {
         transaction.Insert(wanted);
-    else if (*row != wanted)
+    } else if (*row != wanted) {
         transaction.Update(wanted);
+    }
 }
 
 void RemoveRow(Transaction& transaction, const Row& key)
 {
-    if (standin::Find(key))
+    if (standin::Find(key)) {
         transaction.Delete(key);
+    }
 }
 
 }  // namespace sources

@@ -30,19 +30,19 @@ private:
     using OnMessage = std::function<void(const Json&)>;
 
     Milliseconds UntilSilenceCounts() const;
-    void         MindSilence();
-    void         Flush();
-    bool         Receive(const OnMessage& onMessage);
-    void         HandOver(const std::string& text, const OnMessage& onMessage);
+    void MindSilence();
+    void Flush();
+    bool Receive(const OnMessage& onMessage);
+    void HandOver(const std::string& text, const OnMessage& onMessage);
 
-    Stream             stream_;
+    Stream stream_;
     const Milliseconds silence_;
-    Framing            framing_;
-    std::string        outgoing_;
-    size_t             sent_        = 0;  // of outgoing
-    Clock::time_point  lastHeard_   = Clock::now();
-    bool               asked_       = false;
-    bool               mayHaveMore_ = false;
+    Framing framing_;
+    std::string outgoing_;
+    size_t sent_ = 0;  // of outgoing
+    Clock::time_point lastHeard_ = Clock::now();
+    bool asked_ = false;
+    bool mayHaveMore_ = false;
 };
 
 }  // namespace sources::ovsdb

@@ -18,11 +18,11 @@ private:
     bool Scan(char c);  // whether the message ends with this character
 
     std::string bytes_;
-    size_t      begin_    = 0;  // of the message
-    size_t      scanned_  = 0;
-    int         depth_    = 0;
-    bool        inString_ = false;
-    bool        escaped_  = false;
+    size_t begin_ = 0;  // of the message
+    size_t scanned_ = 0;
+    int depth_ = 0;
+    bool inString_ = false;
+    bool escaped_ = false;
 };
 
 }  // namespace sources::ovsdb

@@ -29,18 +29,20 @@ void ForEachRowIn(const Json& tables, const OnRow& onRow)
 {
     for (const auto& [name, rows] : tables.items()) {
         const Table* table = FindTable(name);
-        if (table == nullptr)
+        if (table == nullptr) {
             throw std::runtime_error("no table was asked for that is called " + name);
-        for (const auto& [identifier, update] : rows.items())
+        }
+        for (const auto& [identifier, update] : rows.items()) {
             onRow(*table, identifier, update);
+        }
     }
 }
 
 // What a transaction does to the row with one key.
 struct Step {
     const Row* before = nullptr;
-    const Row* after  = nullptr;
-    int64_t    place  = noPlace;
+    const Row* after = nullptr;
+    int64_t place = noPlace;
 };
 
 // By table and primary key, so that all boards go through them in one order. A row that is deleted
@@ -51,10 +53,10 @@ public:
     // False where another row is to have this key.
     bool To(const Row& row, int64_t place)
     {
-        Step&      step   = StepFor(row);
+        Step& step = StepFor(row);
         const bool isFree = step.after == nullptr;
-        step.after        = &row;
-        step.place        = place;
+        step.after = &row;
+        step.place = place;
         return isFree;
     }
     Transaction AsTransaction() const;
@@ -67,21 +69,25 @@ private:
 
 Transaction Steps::AsTransaction() const
 {
-    Transaction              transaction;
+    Transaction transaction;
     std::vector<const Step*> inserts;
     for (const auto& [key, step] : steps_) {
-        if (step.before != nullptr && step.after == nullptr)
+        if (step.before != nullptr && step.after == nullptr) {
             transaction.Delete(*step.before);
-        if (step.before == nullptr && step.after != nullptr)
+        }
+        if (step.before == nullptr && step.after != nullptr) {
             inserts.push_back(&step);
+        }
     }
     for (const auto& [key, step] : steps_) {
-        if (step.before != nullptr && step.after != nullptr && *step.before != *step.after)
+        if (step.before != nullptr && step.after != nullptr && *step.before != *step.after) {
             transaction.Update(*step.after);
+        }
     }
     std::ranges::stable_sort(inserts, {}, &Step::place);
-    for (const Step* step : inserts)
+    for (const Step* step : inserts) {
         transaction.Insert(*step->after);
+    }
     return transaction;
 }
 
@@ -91,14 +97,16 @@ public:
     // Takes all keys of the row; false, and nothing is taken, where another row has one.
     bool Take(const Row& row)
     {
-        const auto keys    = row.Description().keys;
+        const auto keys = row.Description().keys;
         const auto isTaken = [&](const Key& key) {
             return taken_.contains({&key, KeyBytes(row, key)});
         };
-        if (std::ranges::any_of(keys, isTaken))
+        if (std::ranges::any_of(keys, isTaken)) {
             return false;
-        for (const Key& key : keys)
+        }
+        for (const Key& key : keys) {
             taken_.insert({&key, KeyBytes(row, key)});
+        }
         return true;
     }
 
@@ -130,46 +138,54 @@ void Replica::TakeChanges(const Json& tables)
                  });
     const bool carriedOut = CarryOut(changes);
     for (Change& change : changes) {
-        if (change.after)
+        if (change.after) {
             held_.insert_or_assign(std::move(change.identifier), std::move(*change.after));
-        else
+        } else {
             held_.erase(change.identifier);
+        }
     }
-    if (!carriedOut)
+    if (!carriedOut) {
         MirrorAll();
+    }
 }
 
 Replica::Change Replica::ChangeOf(const Table& table, const std::string& identifier,
                                   const Json& update)
 {
-    if (update.contains("insert"))
+    if (update.contains("insert")) {
         return {identifier, Taken(table, update["insert"], nullptr)};
+    }
     const auto known = held_.find(identifier);
-    if (known == held_.end())
+    if (known == held_.end()) {
         throw std::runtime_error("a row has changed that was never there");
-    if (update.contains("delete"))
+    }
+    if (update.contains("delete")) {
         return {identifier, std::nullopt};
+    }
     const Held& before = known->second;
-    Json        wire   = before.broken.is_null() ? RowToWire(*before.row) : before.broken;
+    Json wire = before.broken.is_null() ? RowToWire(*before.row) : before.broken;
     Modify(table, wire, update.at("modify"));
     Change change{identifier, Taken(table, wire, &before)};
-    if (!update["modify"].contains(place))
+    if (!update["modify"].contains(place)) {
         change.after->place = before.place;
+    }
     return change;
 }
 
 Replica::Held Replica::Taken(const Table& table, const Json& wire, const Held* before)
 {
     Held held{.table = &table, .row = std::nullopt, .broken = nullptr, .place = PlaceOf(wire)};
-    if (held.place != noPlace && held.place > lastPlace_)
+    if (held.place != noPlace && held.place > lastPlace_) {
         lastPlace_ = held.place;
+    }
     try {
         held.row = RowFromWire(table, wire);
     } catch (const standin::Error& error) {
         Report(table, wire, error.what());
         held.broken = wire;
-        if (before != nullptr)
+        if (before != nullptr) {
             held.row = before->row;
+        }
     }
     return held;
 }
@@ -179,16 +195,19 @@ Replica::Held Replica::Taken(const Table& table, const Json& wire, const Held* b
 bool Replica::CarryOut(const Changes& changes) const
 {
     Steps steps;
-    bool  allFree = !someStandAside_;
+    bool allFree = !someStandAside_;
     for (const Change& change : changes) {
         const auto before = held_.find(change.identifier);
-        if (before != held_.end() && before->second.row)
+        if (before != held_.end() && before->second.row) {
             steps.From(*before->second.row);
-        if (change.after && change.after->row)
+        }
+        if (change.after && change.after->row) {
             allFree &= steps.To(*change.after->row, change.after->place);
+        }
     }
-    if (!allFree)
+    if (!allFree) {
         return false;
+    }
     try {
         steps.AsTransaction().Commit();
     } catch (const standin::Error&) {
@@ -202,27 +221,30 @@ void Replica::MirrorAll()
 {
     std::vector<Held*> all;
     for (auto& [identifier, held] : held_) {
-        if (held.row)
+        if (held.row) {
             all.push_back(&held);
+        }
     }
     std::ranges::sort(all, {}, [](const Held* held) {
         return std::tuple(held->table, held->place, PrimaryKey(*held->row));
     });
-    TakenKeys                                keys;
+    TakenKeys keys;
     std::map<const Table*, std::vector<Row>> wanted;
     someStandAside_ = false;
     for (Held* held : all) {
         const bool stands = keys.Take(*held->row);
-        if (stands)
+        if (stands) {
             wanted[held->table].push_back(*held->row);
-        else if (!held->standsAside)
+        } else if (!held->standsAside) {
             Report(*held->table, RowToWire(*held->row), "another row has its key");
+        }
         held->standsAside = !stands;
         someStandAside_ |= !stands;
     }
     Transaction transaction;
-    for (const Table& table : standin::Tables())
+    for (const Table& table : standin::Tables()) {
         MirrorTable(transaction, table, wanted[&table]);
+    }
     transaction.Commit();
 }
 

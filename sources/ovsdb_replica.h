@@ -31,28 +31,28 @@ public:
 private:
     // A row of the servers.
     struct Held {
-        const standin::Table*       table;
-        std::optional<standin::Row> row;     // what stands for it in the database
-        Json                        broken;  // what it is on the servers, where that is not row
-        int64_t                     place       = noPlace;
-        bool                        standsAside = false;  // another row has its key
+        const standin::Table* table;
+        std::optional<standin::Row> row;  // what stands for it in the database
+        Json broken;                      // what it is on the servers, where that is not row
+        int64_t place = noPlace;
+        bool standsAside = false;  // another row has its key
     };
     using Rows = std::unordered_map<std::string, Held>;  // by identifier
 
     struct Change {
-        std::string         identifier;
+        std::string identifier;
         std::optional<Held> after;  // none: it is gone
     };
     using Changes = std::vector<Change>;
 
-    Held   Taken(const standin::Table& table, const Json& wire, const Held* before);
+    Held Taken(const standin::Table& table, const Json& wire, const Held* before);
     Change ChangeOf(const standin::Table& table, const std::string& identifier, const Json& update);
-    bool   CarryOut(const Changes& changes) const;
-    void   MirrorAll();
+    bool CarryOut(const Changes& changes) const;
+    void MirrorAll();
 
-    Rows                 held_;
-    bool                 someStandAside_ = false;
-    std::atomic<int64_t> lastPlace_      = 0;
+    Rows held_;
+    bool someStandAside_ = false;
+    std::atomic<int64_t> lastPlace_ = 0;
 };
 
 }  // namespace sources::ovsdb

@@ -18,7 +18,7 @@ standin::Row RowFromWire(const standin::Table& table, const Json& wire);
 
 // The row's place, or noPlace, behind all others.
 inline constexpr int64_t noPlace = INT64_MAX;
-int64_t                  PlaceOf(const Json& wire);
+int64_t PlaceOf(const Json& wire);
 
 // Changes the row by what the servers call a modification: the new values of its single values, and
 // of sets and maps what is in one of the two, the old or the new.

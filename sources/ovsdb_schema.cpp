@@ -25,13 +25,15 @@ std::map<const Table*, TableColumns> AllColumns()
     std::map<const Table*, TableColumns> all;
     for (const Table& table : standin::Tables()) {
         TableColumns& made = all[&table];
-        made.name          = NameOf(table.name);
-        for (const Field& field : table.fields)
+        made.name = NameOf(table.name);
+        for (const Field& field : table.fields) {
             made.columns.push_back({NameOf(field.name), &field, nullptr});
+        }
         for (const List& list : table.lists) {
-            for (const Field& field : list.fields)
+            for (const Field& field : list.fields) {
                 made.columns.push_back(
                     {NameOf(list.name) + "_" + NameOf(field.name), &field, &list});
+            }
         }
     }
     return all;
@@ -73,18 +75,21 @@ Json ValueType(const Field& field)
 Json ColumnType(const Column& column)
 {
     const Json value = ValueType(*column.field);
-    if (column.list != nullptr)
+    if (column.list != nullptr) {
         return {{"key", Integer(INT32_MAX)}, {"value", value}, {"min", 0}, {"max", "unlimited"}};
-    if (column.field->kind == Kind::Set)
+    }
+    if (column.field->kind == Kind::Set) {
         return {{"key", value}, {"min", 0}, {"max", "unlimited"}};
+    }
     return {{"key", value}};
 }
 
 Json ListsType(const Table& table)
 {
     Json names = Json::array();
-    for (const List& list : table.lists)
+    for (const List& list : table.lists) {
         names.push_back(list.name);
+    }
     const Json name = {{"type", "string"}, {"enum", {"set", names}}};
     return {{"key", name}, {"min", 0}, {"max", names.size()}};
 }
@@ -92,17 +97,20 @@ Json ListsType(const Table& table)
 Json TableSchema(const Table& table)
 {
     Json columns;
-    for (const Column& column : ColumnsOf(table).columns)
+    for (const Column& column : ColumnsOf(table).columns) {
         columns[column.name]["type"] = ColumnType(column);
-    if (!table.lists.empty())
+    }
+    if (!table.lists.empty()) {
         columns[lists]["type"] = ListsType(table);
+    }
     columns[place]["type"] = {{"key", Integer(INT64_MAX)}, {"min", 0}, {"max", 1}};
 
     Json indexes = Json::array();
     for (const Key& key : table.keys) {
         Json& index = indexes.emplace_back(Json::array());
-        for (const Field* member : key.members)
+        for (const Field* member : key.members) {
             index.push_back(NameOf(member->name));
+        }
     }
     return {{"columns", columns}, {"indexes", indexes}, {"isRoot", true}};
 }
@@ -124,8 +132,9 @@ const Table* FindTable(const std::string& name)
 Json Schema()
 {
     Json tables;
-    for (const Table& table : standin::Tables())
+    for (const Table& table : standin::Tables()) {
         tables[ColumnsOf(table).name] = TableSchema(table);
+    }
     return {{"name", database}, {"version", "1.0.0"}, {"tables", tables}};
 }
 

@@ -9,8 +9,9 @@
 #include <string>
 #include <vector>
 
-#include <standin/tables.h>
 #include <nlohmann/json.hpp>
+
+#include <standin/tables.h>
 
 namespace sources::ovsdb {
 
@@ -18,17 +19,17 @@ namespace sources::ovsdb {
 using Json = nlohmann::json;
 
 inline constexpr const char* database = "tarnd_qrb";
-inline constexpr const char* lists    = "lists";
-inline constexpr const char* place    = "place";
+inline constexpr const char* lists = "lists";
+inline constexpr const char* place = "place";
 
 struct Column {
-    std::string           name;
+    std::string name;
     const standin::Field* field;  // of the table, or of the list's items
-    const standin::List*  list;   // null: the field stands in the row itself
+    const standin::List* list;    // null: the field stands in the row itself
 };
 
 struct TableColumns {
-    std::string         name;  // the table's, on the servers
+    std::string name;  // the table's, on the servers
     std::vector<Column> columns;
 };
 

@@ -11,7 +11,7 @@ enum class Transport : uint8_t { Unix, Tcp, Tls };
 
 struct Server {
     std::string name;  // as it was written
-    Transport   transport;
+    Transport transport;
     std::string host;  // or the socket's path
     std::string port;
 };
@@ -25,7 +25,7 @@ struct Credentials {
 
 struct Servers {
     std::vector<Server> all;  // at least one
-    Credentials         credentials;
+    Credentials credentials;
 };
 
 // Throws standin::Error for what is none of this, and where servers are asked by TLS without all

@@ -9,7 +9,7 @@ namespace sources::ovsdb {
 namespace {
 
 // What the answers to the two questions, and the news that follow them, are called.
-constexpr const char* server   = "server";
+constexpr const char* server = "server";
 constexpr const char* contents = "contents";
 
 // So many transactions, at least, a server remembers that has not just been started.
@@ -18,7 +18,7 @@ constexpr int64_t remembered = 100;
 Json ServerQuestion()
 {
     const Json columns = {"name", "model", "connected", "leader", "cid", "index"};
-    const Json where   = Json::array({Json::array({"name", "==", database})});
+    const Json where = Json::array({Json::array({"name", "==", database})});
     return Json::array({"_Server",
                         server,
                         {{"Database", Json::array({{{"columns", columns}, {"where", where}}})}}});
@@ -29,10 +29,12 @@ Json ContentsQuestion(const std::string& since)
     Json tables;
     for (const standin::Table& table : standin::Tables()) {
         Json columns = Json::array({place});
-        for (const Column& column : ColumnsOf(table).columns)
+        for (const Column& column : ColumnsOf(table).columns) {
             columns.push_back(column.name);
-        if (!table.lists.empty())
+        }
+        if (!table.lists.empty()) {
             columns.push_back(lists);
+        }
         tables[ColumnsOf(table).name] = Json::array({{{"columns", columns}}});
     }
     return Json::array({database, contents, tables, since});
@@ -51,17 +53,19 @@ Session::Session(Connection connection, Replica& replica, Position& position, bo
 
 Session::~Session()
 {
-    for (const auto& [id, request] : unanswered_)
+    for (const auto& [id, request] : unanswered_) {
         request->outcome.set_value(
             {{},
              "the connection was lost before the server answered: whether the transaction was "
              "carried out is not known"});
+    }
 }
 
 void Session::Attend(int wake, int stop)
 {
-    if (!following_ && Clock::now() > begun_ + connection_.Silence() * 12)
+    if (!following_ && Clock::now() > begun_ + connection_.Silence() * 12) {
         throw std::runtime_error("the server does not answer");
+    }
     connection_.Attend(following_ ? wake : -1, stop,
                        [this](const Json& message) { Take(message); });
 }
@@ -69,7 +73,7 @@ void Session::Attend(int wake, int stop)
 void Session::Send(std::shared_ptr<Request> request)
 {
     const uint64_t id = ++lastRequest_;
-    const auto     it = unanswered_.emplace(id, std::move(request)).first;
+    const auto it = unanswered_.emplace(id, std::move(request)).first;
     Call(id, "transact", it->second->parameters);
 }
 
@@ -101,8 +105,9 @@ void Session::TakeAnswer(const Json& id, const Json& message)
         TakeResults(id, message, refusal);
         return;
     }
-    if (!refusal.empty())
+    if (!refusal.empty()) {
         throw std::runtime_error(refusal);
+    }
     if (id == server) {
         TakeServer(message.at("result"));
         Call(contents, "monitor_cond_since", ContentsQuestion(position_.transaction).dump());
@@ -116,9 +121,10 @@ void Session::TakeAnswer(const Json& id, const Json& message)
 void Session::TakeResults(const Json& id, const Json& message, const std::string& refusal)
 {
     const Json results = message.value("result", Json());
-    const auto asked   = unanswered_.find(id);
-    if (asked == unanswered_.end() || (refusal.empty() && !results.is_array()))
+    const auto asked = unanswered_.find(id);
+    if (asked == unanswered_.end() || (refusal.empty() && !results.is_array())) {
         throw std::runtime_error("the server answers what it was not asked");
+    }
     asked->second->outcome.set_value({results, refusal});
     unanswered_.erase(asked);
 }
@@ -127,10 +133,11 @@ void Session::TakeServer(const Json& tables)
 {
     for (const Json& rows : tables) {
         for (const Json& update : rows) {
-            if (update.contains("modify"))
+            if (update.contains("modify")) {
                 server_.update(update["modify"]);
-            else
+            } else {
                 server_ = update.value("initial", update.value("insert", Json()));
+            }
         }
     }
     JudgeServer();
@@ -138,18 +145,23 @@ void Session::TakeServer(const Json& tables)
 
 void Session::JudgeServer()
 {
-    if (server_.is_null())
+    if (server_.is_null()) {
         throw std::runtime_error(std::string("there is no database ") + database);
-    if (!IsOfCluster())
+    }
+    if (!IsOfCluster()) {
         return;
-    if (!server_.value("connected", false))
+    }
+    if (!server_.value("connected", false)) {
         throw std::runtime_error("the server is cut off from its cluster");
-    if (onlyLeader_ && !server_.value("leader", false))
+    }
+    if (onlyLeader_ && !server_.value("leader", false)) {
         throw std::runtime_error("the server is not the leader");
-    if (following_)
+    }
+    if (following_) {
         position_.index = Index();
-    else if (IsOfKnownCluster() && Index() < position_.index)
+    } else if (IsOfKnownCluster() && Index() < position_.index) {
         throw std::runtime_error("the server is behind what is known already");
+    }
 }
 
 void Session::TakeContents(const Json& result)
@@ -161,15 +173,16 @@ void Session::TakeContents(const Json& result)
             "the server does not know the last transaction; to be asked again");
     }
     position_.Take(result.at(1), [&] {
-        if (onlyNews)
+        if (onlyNews) {
             replica_.TakeChanges(result.at(2));
-        else
+        } else {
             replica_.TakeContents(result.at(2));
+        }
     });
     position_.cluster = server_.value("cid", Json());
-    position_.index   = Index();
+    position_.index = Index();
     position_.doubted = false;
-    following_        = true;
+    following_ = true;
 }
 
 // A server that has just become leader may have yet to learn that its last transactions count, and

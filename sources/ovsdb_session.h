@@ -14,9 +14,9 @@ namespace sources::ovsdb {
 // How far the replica has come. It outlives connections: the next server goes on from here.
 struct Position {
     std::string transaction = none;  // the last one that was taken over
-    Json        cluster;             // null: none, or a server that stands alone
-    int64_t     index   = 0;         // in the cluster's log, as far as it is known
-    bool        doubted = false;     // a server did not know the transaction, and was not believed
+    Json cluster;                    // null: none, or a server that stands alone
+    int64_t index = 0;               // in the cluster's log, as far as it is known
+    bool doubted = false;            // a server did not know the transaction, and was not believed
 
     static constexpr const char* none = "00000000-0000-0000-0000-000000000000";
 
@@ -32,13 +32,13 @@ struct Position {
 
 // What became of a transaction. A value: an exception's last owner may be either thread.
 struct Outcome {
-    Json        results;
+    Json results;
     std::string refusal;  // empty: carried out
 };
 
 // A transaction for the servers.
 struct Request {
-    std::string           parameters;
+    std::string parameters;
     std::promise<Outcome> outcome;
 };
 
@@ -48,7 +48,7 @@ public:
     Session(Connection connection, Replica& replica, Position& position, bool onlyLeader);
     // Whoever waits for results is told that they can't be had any more.
     ~Session();
-    Session(const Session&)            = delete;
+    Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
     // Waits for what comes next, and deals with it. Throws where the server is not, or no longer,
@@ -61,25 +61,25 @@ public:
     void Send(std::shared_ptr<Request> request);
 
 private:
-    void    Call(const Json& id, const char* method, const std::string& parameters);
-    void    Take(const Json& message);
-    void    TakeAnswer(const Json& id, const Json& message);
-    void    TakeResults(const Json& id, const Json& message, const std::string& refusal);
-    void    TakeServer(const Json& tables);
-    void    JudgeServer();
-    void    TakeContents(const Json& result);
-    bool    IsDoubtful() const;
-    bool    IsOfCluster() const;
-    bool    IsOfKnownCluster() const;
+    void Call(const Json& id, const char* method, const std::string& parameters);
+    void Take(const Json& message);
+    void TakeAnswer(const Json& id, const Json& message);
+    void TakeResults(const Json& id, const Json& message, const std::string& refusal);
+    void TakeServer(const Json& tables);
+    void JudgeServer();
+    void TakeContents(const Json& result);
+    bool IsDoubtful() const;
+    bool IsOfCluster() const;
+    bool IsOfKnownCluster() const;
     int64_t Index() const;
 
     Connection connection_;
-    Replica&   replica_;
-    Position&  position_;
+    Replica& replica_;
+    Position& position_;
     const bool onlyLeader_;
-    bool       following_ = false;
-    Json       server_;  // its row in the server's own database
-    uint64_t   lastRequest_ = 0;
+    bool following_ = false;
+    Json server_;  // its row in the server's own database
+    uint64_t lastRequest_ = 0;
 
     const Clock::time_point begun_ = Clock::now();
 

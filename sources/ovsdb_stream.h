@@ -12,7 +12,7 @@
 
 namespace sources::ovsdb {
 
-using Clock        = std::chrono::steady_clock;
+using Clock = std::chrono::steady_clock;
 using Milliseconds = std::chrono::milliseconds;
 
 // What TLS connections have in common. Servers must be vouched for by the authority; their names
@@ -44,7 +44,7 @@ public:
 
 private:
     std::unique_ptr<BIO, decltype(&BIO_free_all)> bio_;
-    bool                                          waitsToRead_ = false;
+    bool waitsToRead_ = false;
 };
 
 }  // namespace sources::ovsdb

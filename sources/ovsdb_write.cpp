@@ -18,8 +18,9 @@ public:
     bool Of(const Row& row)
     {
         const auto [known, isNew] = known_.try_emplace(KeyOf(row), false);
-        if (isNew)
+        if (isNew) {
             known->second = standin::Find(row).has_value();
+        }
         return known->second;
     }
     void Note(const Row& row, bool present) { known_[KeyOf(row)] = present; }
@@ -36,11 +37,13 @@ private:
 
 std::string ReasonIn(const Json& answer)
 {
-    if (!answer.is_object() || !answer.contains("error") || answer["error"].is_null())
+    if (!answer.is_object() || !answer.contains("error") || answer["error"].is_null()) {
         return {};
+    }
     const Json& error = answer["error"];
-    if (error.is_object())
+    if (error.is_object()) {
         return ReasonIn(error);
+    }
     const Json& reason = answer.contains("details") ? answer["details"] : error;
     return reason.is_string() ? reason.get<std::string>() : reason.dump();
 }
@@ -99,10 +102,12 @@ void Operations::Check(const Json& results) const
 {
     for (size_t i = 0; i < results.size(); ++i) {
         const std::string reason = ReasonIn(results[i]);
-        if (reason.empty())
+        if (reason.empty()) {
             continue;
-        if (i >= rows_.size())
+        }
+        if (i >= rows_.size()) {
             throw standin::Error(reason);
+        }
         const bool isAbsent =
             operations_[i + 1]["op"] == "wait" && results[i]["error"] == "timed out";
         throw standin::Error(RowName(rows_[i]->Description(), RowToWire(*rows_[i])) + ": " +

@@ -30,7 +30,7 @@ private:
     void Add(const standin::Row& row, Json operation);
     void AddWhereItStands(const standin::Row& row, Json operation);
 
-    Json                             operations_ = Json::array({database});
+    Json operations_ = Json::array({database});
     std::vector<const standin::Row*> rows_;  // of each operation
 };
 

@@ -12,17 +12,17 @@ namespace sources {
 struct Write {
     enum class Kind : uint8_t { Insert, Update, Replace, Delete };
 
-    Kind         kind;
+    Kind kind;
     standin::Row row;
 };
 
 // A source fills the database when it is made, or throws std::runtime_error.
 class Source {
 public:
-    Source()                         = default;
-    Source(const Source&)            = delete;
+    Source() = default;
+    Source(const Source&) = delete;
     Source& operator=(const Source&) = delete;
-    virtual ~Source()                = default;
+    virtual ~Source() = default;
 
     // From here on writes each change of what it mirrors, as it comes, on a thread of its own.
     virtual void Follow() {}

@@ -10,8 +10,9 @@ namespace sources {
 
 WakeEvent::WakeEvent() : descriptor_(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC))
 {
-    if (descriptor_ < 0)
+    if (descriptor_ < 0) {
         throw std::system_error(errno, std::generic_category(), "cannot open an event descriptor");
+    }
 }
 
 WakeEvent::~WakeEvent()

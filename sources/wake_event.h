@@ -7,12 +7,12 @@ class WakeEvent {
 public:
     WakeEvent();
     ~WakeEvent();
-    WakeEvent(const WakeEvent&)            = delete;
+    WakeEvent(const WakeEvent&) = delete;
     WakeEvent& operator=(const WakeEvent&) = delete;
 
     void Raise() const;
     void Lower() const;
-    int  Descriptor() const { return descriptor_; }  // readable while it is raised
+    int Descriptor() const { return descriptor_; }  // readable while it is raised
 
 private:
     int descriptor_;

@@ -3,6 +3,7 @@
  * what went wrong; the exit status tells whether anything did.
  */
 #include <stdio.h>
+
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/event_registry.h>
 #include <tarnd_qrb/memory_map.h>
@@ -24,7 +25,7 @@ static uint32_t g_port = 0;
 
 static uint32_t OnVlanAddPort(const void* data, uint32_t value, void* argument, uint64_t* word)
 {
-    const QRB_PORT_S*        port   = data;
+    const QRB_PORT_S* port = data;
     const QRB_VLAN_CHANGE_S* change = argument;
     EXPECT(change->ifIndex == 42 && change->bitmap == QRB_VLAN_BITMAP_2 && value == 0);
     g_port = port->if_index;
@@ -34,9 +35,9 @@ static uint32_t OnVlanAddPort(const void* data, uint32_t value, void* argument, 
 
 int main(void)
 {
-    const uint32_t    values[] = {3, 9, 4};
-    const QRB_PORT_S  port     = {.if_index = 42};
-    QRB_VLAN_CHANGE_S change   = {.bitmap = QRB_VLAN_BITMAP_2, .portCount = 1, .ifIndex = 42};
+    const uint32_t values[] = {3, 9, 4};
+    const QRB_PORT_S port = {.if_index = 42};
+    QRB_VLAN_CHANGE_S change = {.bitmap = QRB_VLAN_BITMAP_2, .portCount = 1, .ifIndex = 42};
     MEM_EX_Init();
     EXPECT(Largest(values, 3) == 9 && Largest(values, 0) == 0);
 

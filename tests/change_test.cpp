@@ -1,11 +1,11 @@
 // The road of a change: a row is written, and the modules are told, in order, on the listener
 // thread.
+#include <algorithm>
+#include <random>
+
 #include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/subscription.h>
-
-#include <algorithm>
-#include <random>
 
 #include "sources/host.h"
 #include "support/events.h"
@@ -37,10 +37,10 @@ Row Member(uint64_t pvid, int bitmap, uint32_t vlan)
 
 // Besides those of calls/event.cpp, which has one for each table and kind of write.
 const struct {
-    Row     before;
+    Row before;
     Writing write;
-    Row     row;
-    Events  events;
+    Row row;
+    Events events;
 } cases[] = {
     {Phy(7, 0), Update, Phy(7, 1), {"9/2 flag 0 if 7", "9/8 flag 0 if 7", "notify 3 if 7"}},
     {Phy(7, 1), Update, Phy(7, 1).Set("speed", 10), {}},
@@ -134,18 +134,18 @@ TEST_F(Change, OfAVlanBitmapIsDecidedByTheFirstDifference)
     for (int round = 0; round < 3000; round++) {
         QRB_PORT_S oldRow = {};
         QRB_PORT_S newRow = {};
-        const auto which  = static_cast<uint8_t>(random() % 2);
-        uint8_t*   olds   = which == 1 ? oldRow.vlan_bitmap_1 : oldRow.vlan_bitmap_2;
-        uint8_t*   news   = which == 1 ? newRow.vlan_bitmap_1 : newRow.vlan_bitmap_2;
+        const auto which = static_cast<uint8_t>(random() % 2);
+        uint8_t* olds = which == 1 ? oldRow.vlan_bitmap_1 : oldRow.vlan_bitmap_2;
+        uint8_t* news = which == 1 ? newRow.vlan_bitmap_1 : newRow.vlan_bitmap_2;
         for (size_t byte = random() % 8; byte < 512; byte += 1 + random() % 100) {
             olds[byte] = static_cast<uint8_t>(random());
             news[byte] = random() % 2 == 0 ? olds[byte] : static_cast<uint8_t>(random());
         }
         // Bytes behind the bitmaps, and a length that would reach them, are nobody's business.
         newRow.reserved_1048[0] = 1;
-        const auto length       = static_cast<int32_t>(random() % 600) - 50;
-        const auto end          = olds + std::clamp(length, 0, 512);
-        const auto [at, other]  = std::mismatch(olds, end, news);
+        const auto length = static_cast<int32_t>(random() % 600) - 50;
+        const auto end = olds + std::clamp(length, 0, 512);
+        const auto [at, other] = std::mismatch(olds, end, news);
         Events expected;
         if (at != end) {
             expected = {(*other > *at ? "11 if 0 pvid 0 bitmap " : "12 if 0 pvid 0 bitmap ") +

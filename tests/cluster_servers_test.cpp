@@ -36,8 +36,9 @@ class ServersTest : public PlatformTest {
 protected:
     void SetUp() override
     {
-        if (support::Run("command -v ovsdb-server ovsdb-tool").status != 0)
+        if (support::Run("command -v ovsdb-server ovsdb-tool").status != 0) {
             GTEST_SKIP() << "ovsdb-server and ovsdb-tool are not installed";
+        }
         PlatformTest::SetUp();
     }
 
@@ -51,8 +52,9 @@ void ExpectSameAs(const OvsdbServer& server)
     for (const Table& table : standin::Tables()) {
         const Wire results = server.Transact(
             {{{"op", "select"}, {"table", ColumnsOf(table).name}, {"where", Wire::array()}}});
-        for (const Wire& row : results.at(0).at("rows"))
+        for (const Wire& row : results.at(0).at("rows")) {
             there.push_back(sources::ovsdb::RowFromWire(table, row));
+        }
     }
     EXPECT_TRUE(std::ranges::is_permutation(AllRows(), there));
 }
@@ -70,7 +72,7 @@ TEST_F(ServersTest, WritesComeBackAsChangesOrAreRefused)
     const OvsdbServer server(folder_);
     writes::Write(writes::Insert, {Phy(99)});  // nobody's: it goes
     const Events events;
-    Cluster      cluster(server.Remote(), brisk);
+    Cluster cluster(server.Remote(), brisk);
     cluster.Follow();
     cluster.Commit({{Insert, Phy(1, 10)}});
     EXPECT_EQ(Speed(1), 10U);
@@ -93,8 +95,9 @@ TEST_F(ServersTest, WritesComeBackAsChangesOrAreRefused)
         {{{Delete, Phy(5)}}, "if_phy: if_index 5: there is no such row"},
         {{{Insert, Base(3, "\xff")}}, "UTF-8"},
     };
-    for (const auto& [writes, reason] : refused)
+    for (const auto& [writes, reason] : refused) {
         ExpectRefusal(reason, [&, &asked = writes] { cluster.Commit(asked); });
+    }
     ExpectSameAs(server);
 }
 
@@ -102,7 +105,7 @@ TEST_F(ServersTest, WritesComeBackAsChangesOrAreRefused)
 TEST_F(ServersTest, TheReplicaEqualsTheServerAfterEachRound)
 {
     OvsdbServer server(folder_);
-    Cluster     cluster(server.Remote(), brisk);
+    Cluster cluster(server.Remote(), brisk);
     cluster.Follow();
     RandomRows random(2);
     for (uint64_t round = 0; round < 6; ++round) {
@@ -113,19 +116,22 @@ TEST_F(ServersTest, TheReplicaEqualsTheServerAfterEachRound)
         }
         std::vector<Wire> operations;
         for (Row row : AllRows()) {
-            if (random.Below(4) > 0)
+            if (random.Below(4) > 0) {
                 continue;
-            const Table& table  = row.Description();
-            Wire         change = {{"op", "delete"},
-                                   {"table", ColumnsOf(table).name},
-                                   {"where", sources::ovsdb::KeyCondition(table, RowToWire(row))}};
+            }
+            const Table& table = row.Description();
+            Wire change = {{"op", "delete"},
+                           {"table", ColumnsOf(table).name},
+                           {"where", sources::ovsdb::KeyCondition(table, RowToWire(row))}};
             random.Fill(row, table.fields[random.Below(table.fields.size())]);
-            if (random.Below(3) > 0)
+            if (random.Below(3) > 0) {
                 change.update({{"op", "update"}, {"row", RowToWire(row)}});
+            }
             operations.push_back(change);
         }
-        for (const Row& row : random.ForAllTables(2))
+        for (const Row& row : random.ForAllTables(2)) {
             operations.push_back(NewRow(ColumnsOf(row.Description()).name, RowToWire(row)));
+        }
         operations.push_back(NewRow("if_phy", {{"if_index", 1000 + round}}));
         server.Transact(operations);
         EXPECT_TRUE(Eventually([&] { return standin::Find(Phy(1000 + round)).has_value(); }));
@@ -163,7 +169,7 @@ TEST_F(ServersTest, ASilentServerIsGivenUpAndTheTablesStay)
 TEST_F(ServersTest, OverTcpAndTls)
 {
     for (const std::string name : {"board", "stranger"}) {
-        const std::string own  = folder_ / name;
+        const std::string own = folder_ / name;
         const std::string make = "openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=" + name;
         EXPECT_EQ(
             support::Run(make + " -keyout " + own + ".key -out " + own + ".pem 2>/dev/null").status,
@@ -174,14 +180,14 @@ TEST_F(ServersTest, OverTcpAndTls)
     const OvsdbServer server(folder_, "first", Role::Alone,
                              "--remote=ptcp:0:127.0.0.1 --remote=pssl:0:127.0.0.2 --private-key=" +
                                  key + " --certificate=" + pem + " --ca-cert=" + pem);
-    const auto        withPort = [&](const std::string& address) {
+    const auto withPort = [&](const std::string& address) {
         const auto port = support::Run("sed -n 's/.*:" + address + ": listening on port //p' " +
-                                              folder_ / "first.log" + " | tr -d '\\n'");
+                                       folder_ / "first.log" + " | tr -d '\\n'");
         return address + ":" + port.output;
     };
     const std::string tls = "ssl:" + withPort("127.0.0.2");
     const std::string own = ",private-key=" + key + ",certificate=" + pem + ",ca-certificate=";
-    uint64_t          row = 0;
+    uint64_t row = 0;
     for (const auto& remote : {"tcp:" + withPort("127.0.0.1"), tls + own + pem}) {
         Cluster cluster(remote, brisk);
         cluster.Follow();
@@ -190,19 +196,21 @@ TEST_F(ServersTest, OverTcpAndTls)
     }
     const std::pair<const char*, const char*> refused[] = {
         {"stranger.pem", "certificate verify failed"}, {"nobody.pem", "nobody.pem: "}};
-    for (const auto& [authority, reason] : refused)
+    for (const auto& [authority, reason] : refused) {
         ExpectRefusal(reason, [&, vouching = folder_ / authority] {
             Cluster(tls + own + vouching, {50ms, 1000ms, 5ms, 5ms});
         });
+    }
 }
 
 TEST_F(ServersTest, RowsOfAnyContentsGoThereAndComeBackInTheirOrder)
 {
-    const OvsdbServer  server(folder_);
-    const auto         rows = RandomRows(1).ForAllTables(10);
+    const OvsdbServer server(folder_);
+    const auto rows = RandomRows(1).ForAllTables(10);
     std::vector<Write> writes;
-    for (const Row& row : rows)
+    for (const Row& row : rows) {
         writes.push_back({Insert, row});
+    }
     Cluster writer(server.Remote(), brisk);
     writer.Follow();
     writer.Commit(writes);
@@ -229,7 +237,7 @@ std::vector<Wire> NumberedWrites(uint64_t number)
 void ExpectEveryChangeOnce(const std::vector<Change>& changes, uint64_t last)
 {
     uint32_t speed = 0;
-    uint64_t rows  = 0;
+    uint64_t rows = 0;
     for (const Change& change : changes) {
         if (change.table == "if_base") {
             EXPECT_EQ(change.index, ++rows);
@@ -247,22 +255,23 @@ void ExpectEveryChangeOnce(const std::vector<Change>& changes, uint64_t last)
 // While somebody writes through all three servers, whichever is there.
 TEST_F(ServersTest, EveryCommittedChangeIsOneEventThoughLeadersDie)
 {
-    OvsdbServer        first(folder_, "first", Role::First);
-    OvsdbServer        second(folder_, "second", Role::Further);
-    OvsdbServer        third(folder_, "third", Role::Further);
+    OvsdbServer first(folder_, "first", Role::First);
+    OvsdbServer second(folder_, "second", Role::Further);
+    OvsdbServer third(folder_, "third", Role::Further);
     OvsdbServer* const servers[] = {&first, &second, &third};
     // Tries again where it fails, or the answer is lost: it can't be carried out twice.
     const auto write = [&](uint64_t number) {
         for (uint64_t attempt = number;; ++attempt) {
             const std::string refusal =
                 RefusalOf([&] { servers[attempt % 3]->Transact(NumberedWrites(number)); });
-            if (refusal.empty() || refusal.find("identical values") != std::string::npos)
+            if (refusal.empty() || refusal.find("identical values") != std::string::npos) {
                 return;
+            }
             std::this_thread::sleep_for(20ms);
         }
     };
     first.Transact({NewRow("if_phy", {{"if_index", 1}})});
-    Cluster    cluster(first.Remote() + "," + second.Remote() + "," + third.Remote(), brisk);
+    Cluster cluster(first.Remote() + "," + second.Remote() + "," + third.Remote(), brisk);
     const auto followed = [&]() -> OvsdbServer& {
         const auto* found = std::end(servers);
         EXPECT_TRUE(Eventually([&] {
@@ -276,8 +285,9 @@ TEST_F(ServersTest, EveryCommittedChangeIsOneEventThoughLeadersDie)
     constexpr uint64_t rounds = 2, each = 150;
     for (uint64_t round = 0; round < rounds; ++round) {
         std::jthread writer([&] {
-            for (uint64_t i = 1; i <= each; ++i)
+            for (uint64_t i = 1; i <= each; ++i) {
                 write(round * each + i);
+            }
         });
         EXPECT_TRUE(Eventually([&] { return Speed(1) > round * each + each / 4; }));
         OvsdbServer& leader = followed();

@@ -48,10 +48,10 @@ std::string Names()
 // A row comes once it keeps the rules; one that stops keeping them stays as it was last.
 TEST_F(ClusterTest, ARowThatBreaksARuleIsReportedAndSkipped)
 {
-    Replica           replica;
+    Replica replica;
     const std::string tooLong(160, 'x');  // the servers count characters, of two bytes perhaps
     const struct {
-        Wire        changes;  // of the servers' rows, each by a name of its own
+        Wire changes;  // of the servers' rows, each by a name of its own
         std::string names;
         std::string report;
     } steps[] = {
@@ -90,7 +90,7 @@ TEST_F(ClusterTest, ARowThatBreaksARuleIsReportedAndSkipped)
 
 TEST_F(ClusterTest, ARowDeletedAndMadeAgainUnderItsKeyHasChanged)
 {
-    Replica      replica;
+    Replica replica;
     const Events events;
     replica.TakeContents({{"if_phy", {{"d", {{"initial", {{"if_index", 1}, {"speed", 5}}}}}}}});
     replica.TakeChanges(
@@ -106,8 +106,9 @@ TEST_F(ClusterTest, ServersAreNamedInManyWays)
         "unix:/a,tcp:h:1,ssl:[::1]:2,private-key=k,certificate=c,ca-certificate=a");
     EXPECT_EQ(servers.all.size(), 3U);
     EXPECT_EQ(servers.all[2].host, "::1");
-    for (const char* wrong : {"", "unix", "tcp:h", "tcp::1", "tcp:h:", "ssl:h:1", "unix:/a,x=y"})
+    for (const char* wrong : {"", "unix", "tcp:h", "tcp::1", "tcp:h:", "ssl:h:1", "unix:/a,x=y"}) {
         EXPECT_THROW(sources::ovsdb::ParseServers(wrong), standin::Error) << wrong;
+    }
     EXPECT_THROW(Cluster("unix:/nowhere/socket", {200ms, 100ms, 10ms, 10ms}), standin::Error);
 }
 
@@ -115,12 +116,12 @@ TEST_F(ClusterTest, ServersAreNamedInManyWays)
 std::string FaultOfServer(const std::string& words, std::chrono::milliseconds patience)
 {
     const Folder folder;
-    const int    listener = socket(AF_UNIX, SOCK_STREAM, 0);
-    sockaddr_un  address{.sun_family = AF_UNIX, .sun_path = {}};
+    const int listener = socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
     (folder / "s").copy(address.sun_path, sizeof(address.sun_path) - 1);
     EXPECT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
     listen(listener, 8);
-    std::jthread      server([&] {
+    std::jthread server([&] {
         for (int peer = 0; (peer = accept(listener, nullptr, nullptr)) >= 0; close(peer)) {
             send(peer, words.data(), words.size(), MSG_NOSIGNAL);
             char ignored[4096];
@@ -168,8 +169,9 @@ TEST_F(ClusterTest, NonsenseIsReportedAndChangesNothing)
     for (const auto& [words, reason] : nonsense) {
         std::string fault = "none";
         for (auto patience = 20ms; patience < 10s && fault.find(reason) == std::string::npos;
-             patience *= 2)  // a busy machine takes longer
+             patience *= 2) {  // a busy machine takes longer
             fault = FaultOfServer(words, patience);
+        }
         EXPECT_NE(fault.find(reason), std::string::npos) << words << "\n" << fault;
         EXPECT_EQ(Speed(1), 5U);
     }

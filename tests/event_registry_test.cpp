@@ -1,12 +1,12 @@
 // Callbacks: registered and unregistered, called in their order, and what they may do meanwhile.
-#include <tarnd_qrb/change_detection.h>
-#include <tarnd_qrb/event_publish.h>
-
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <random>
 #include <thread>
+
+#include <tarnd_qrb/change_detection.h>
+#include <tarnd_qrb/event_publish.h>
 
 #include "calls/calls.h"
 #include "support/events.h"
@@ -19,8 +19,8 @@ using EventRegistry = support::EventTest;
 
 TEST_F(EventRegistry, HandsEverythingThrough)
 {
-    static const int   data     = 0;
-    static int         argument = 0;
+    static const int data = 0;
+    static int argument = 0;
     static std::string calls;
     calls.clear();
     for (int callback = 0; callback < 2; callback++) {
@@ -117,12 +117,10 @@ protected:
     template <typename Function>
     static Function* Callback(size_t number)
     {
-        return [=]<size_t... N>(std::index_sequence<N...>)
-        {
+        return [=]<size_t... N>(std::index_sequence<N...>) {
             Function* const all[] = {[](auto...) { return Called(N); }...};
             return all[number];
-        }
-        (std::make_index_sequence<CALLBACKS>());
+        }(std::make_index_sequence<CALLBACKS>());
     }
 
     // From the lowest to the highest.
@@ -163,7 +161,7 @@ protected:
     static void Act()
     {
         const size_t number = Below(CALLBACKS);
-        const size_t kind   = Below(100);
+        const size_t kind = Below(100);
         if (kind == 0) {
             TearDownAll();
         } else if (kind < 10 && depth_ < 4) {
@@ -179,7 +177,7 @@ protected:
     static void Publish()
     {
         const Counts begun = changes_;
-        const auto   outer = std::exchange(calls_, {});
+        const auto outer = std::exchange(calls_, {});
         depth_++;
         EXPECT_EQ(registry_.publish(), 0U);
         depth_--;
@@ -216,12 +214,12 @@ protected:
         }
     }
 
-    static inline std::mt19937        random_;
-    static inline Registry            registry_;
+    static inline std::mt19937 random_;
+    static inline Registry registry_;
     static inline std::vector<size_t> entries_;  // in the order of their calls
-    static inline Counts              changes_;  // to these, by number
+    static inline Counts changes_;               // to these, by number
     static inline std::vector<size_t> calls_;    // of the publication under way
-    static inline int                 depth_ = 0;
+    static inline int depth_ = 0;
 };
 
 TEST_F(Turmoil, AmongLayer2Events)
@@ -241,7 +239,7 @@ TEST_F(Turmoil, AmongLayer2Events)
 // Raised by the library itself: the layer 3 of an interface goes up.
 TEST_F(Turmoil, AmongInterfaceEvents)
 {
-    using Function           = IF_EVT_CB_FUNC;
+    using Function = IF_EVT_CB_FUNC;
     constexpr uint32_t STATE = IF_EVT_STATE;
     constexpr uint32_t ROUTE = IF_SUB_EVT_ROUTE_STATE;
     Run({[](size_t n) {
@@ -252,8 +250,8 @@ TEST_F(Turmoil, AmongInterfaceEvents)
          IF_EvtDeInit,
          [] {
              const QRB_IF_ROUTE_S down = {};
-             QRB_IF_ROUTE_S       up   = down;
-             up.route_state            = 1;
+             QRB_IF_ROUTE_S up = down;
+             up.route_state = 1;
              QRB_EVENT_IfRouteUpdate(&down, &up);
              return 0U;
          },

@@ -24,8 +24,8 @@ class Faults : public DeviceTest {};
 
 TEST_F(Faults, OfEveryStepAreReportedAndLeaveNothingBehind)
 {
-    unsigned    injected = 0;
-    const Calls all      = AllCalls();
+    unsigned injected = 0;
+    const Calls all = AllCalls();
     for (const Call& call : all) {
         Expectation expectation = Read(call);
         ASSERT_EQ(Perform(call), expectation.good) << call.title;
@@ -113,8 +113,8 @@ TEST(Calls, AreOfEveryExportedFunction)
         "QRB_EVENT_(Print|Port(Insert|Delete)|.*(Update|Check|OrmGet)))"
         "\\w+);");
     std::ifstream map(TARND_PROJECT_ROOT "/cmake/tarnd_qrb.map");
-    std::smatch   name;
-    unsigned      count = 0;
+    std::smatch name;
+    unsigned count = 0;
     for (std::string line; std::getline(map, line);) {
         if (std::regex_match(line, name, exported)) {
             count++;

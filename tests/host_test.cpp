@@ -1,4 +1,7 @@
 // The kernel's state in the database, compared with what the operating system itself says.
+#include "sources/host.h"
+
+#include <arpa/inet.h>
 #include <net/if.h>
 
 #include <algorithm>
@@ -6,12 +9,9 @@
 #include <set>
 #include <utility>
 
-#include <arpa/inet.h>
+#include <standin/database.h>
 #include <tarnd_qrb/route.h>
 
-#include <standin/database.h>
-
-#include "sources/host.h"
 #include "sources/host_mirror.h"
 #include "sources/json_row.h"
 #include "support/platform.h"
@@ -44,26 +44,29 @@ std::vector<Row> RowsOf(const char* table)
 // Each link has a row in each of its tables, and one more for its addresses; there are no others.
 bool SameInterfaces()
 {
-    const std::string noMac       = "00:00:00:00:00:00";
-    const Json        links       = AskIp("-details address");
-    size_t            withAddress = 0;
+    const std::string noMac = "00:00:00:00:00:00";
+    const Json links = AskIp("-details address");
+    size_t withAddress = 0;
     for (const Json& link : links) {
         const auto rowOf = [index = link["ifindex"].get<uint64_t>()](const char* table) {
             const auto row = standin::Find(Row(table).Set("if_index", index));
             return row ? sources::RowToJson(*row) : Json::object();
         };
-        const std::set<std::string> flags   = link["flags"];
-        const bool                  carrier = flags.contains("LOWER_UP");
-        const bool                  running = flags.contains("UP") && !flags.contains("NO-CARRIER");
+        const std::set<std::string> flags = link["flags"];
+        const bool carrier = flags.contains("LOWER_UP");
+        const bool running = flags.contains("UP") && !flags.contains("NO-CARRIER");
         const std::string master = link.value("/linkinfo/info_slave_kind"_json_pointer, "");
-        std::set<Json>    expected;
-        std::set<Json>    addresses;
+        std::set<Json> expected;
+        std::set<Json> addresses;
         for (int type = 1; const Json& info : link["addr_info"]) {
-            if (info["family"] == "inet")
+            if (info["family"] == "inet") {
                 expected.insert({info["local"], info["prefixlen"], std::exchange(type, 2)});
+            }
         }
-        for (const Json& item : rowOf("am_ipv4_address").value("ipv4_address_list", Json::array()))
+        for (const Json& item :
+             rowOf("am_ipv4_address").value("ipv4_address_list", Json::array())) {
             addresses.insert({item["address"], item["masklen"], item["type"]});
+        }
         withAddress += expected.empty() ? 0U : 1U;
         if (rowOf("if_base").value("if_name", "") != link["ifname"] ||
             rowOf("if_phy").value("mac_addr", noMac) != link.value("address", noMac) ||
@@ -71,8 +74,9 @@ bool SameInterfaces()
             rowOf("if_link").value("link_state", 0) != (carrier ? 1 : 0) ||
             rowOf("if_route").value("route_state", 0) != (running ? 1 : 0) ||
             rowOf("port").value("switch_port", 0) != (master == "bridge" ? 1 : 0) ||
-            addresses != expected)
+            addresses != expected) {
             return false;
+        }
     }
     return RowsOf("am_ipv4_address").size() == withAddress &&
            std::ranges::all_of(sources::linkTables, [&](const char* table) {
@@ -86,13 +90,14 @@ bool SameRoute(const std::string& destination)
 {
     FIB_KEY_S key{};
     FIB_NHP_S hops[FIB_GROUP_MEMBERS_MAX]{};
-    uint32_t  count   = FIB_GROUP_MEMBERS_MAX;
-    key.destAddr      = ntohl(inet_addr(destination.c_str()));
-    const bool found  = FIB_InquiryRoutes(&key, hops, &count) == 0;
+    uint32_t count = FIB_GROUP_MEMBERS_MAX;
+    key.destAddr = ntohl(inet_addr(destination.c_str()));
+    const bool found = FIB_InquiryRoutes(&key, hops, &count) == 0;
     const Json answer = AskIp("route get " + destination);
-    if (answer.is_null())
+    if (answer.is_null()) {
         return !found;
-    const std::string device  = answer[0]["dev"];
+    }
+    const std::string device = answer[0]["dev"];
     const std::string gateway = answer[0].value("gateway", "0.0.0.0");
     return found && std::any_of(hops, hops + count, [&](const FIB_NHP_S& hop) {
                return hop.firstValue == ntohl(inet_addr(gateway.c_str())) &&
@@ -182,8 +187,9 @@ TEST_F(HostTest, FollowsAddressesAndRoutes)
              "link set veth1 down",
              "link del veth0"});
         for (const char* table :
-             {"am_ipv4_address", "Fib.ConfigNhpStandard", "Fib.ConfigNhpGroupNode"})
+             {"am_ipv4_address", "Fib.ConfigNhpStandard", "Fib.ConfigNhpGroupNode"}) {
             EXPECT_TRUE(Eventually([=] { return RowsOf(table).empty(); })) << table;
+        }
     });
 }
 
@@ -192,7 +198,7 @@ TEST_F(HostTest, AnOverrunLosesNothingThatLasts)
     IN_OWN_NETWORK([] {
         constexpr int smallest = 1;
         Ip("link add one type veth peer name two; link add three type veth peer name four");
-        Host                   host(smallest);
+        Host host(smallest);
         sources::Notifications witness(smallest);
         // Two links change names; others come, go and change.
         Ip("link set one name spare; link set two name one; link set spare name two;"
@@ -209,13 +215,14 @@ TEST_F(HostTest, AnOverrunLosesNothingThatLasts)
 
 TEST_F(HostTest, NumbersLastAndAreNeverGivenTwice)
 {
-    sources::Numbering<char>                  numbering;
+    sources::Numbering<char> numbering;
     const std::pair<const char*, const char*> rounds[] = {
         {"a", "1"}, {"ba", "21"}, {"b", "2"}, {"ab", "32"}};
     for (const auto& [things, expected] : rounds) {
         std::string numbers;
-        for (const char thing : std::string(things))
+        for (const char thing : std::string(things)) {
             numbers += std::to_string(numbering.Of(thing).number);
+        }
         EXPECT_EQ(numbers, expected);
         numbering.NextRound();
     }
@@ -224,18 +231,18 @@ TEST_F(HostTest, NumbersLastAndAreNeverGivenTwice)
 // Random routing tables, one after another, mirrored onto each other's rows.
 TEST_F(HostTest, TheFirstCoveringEntryIsAlwaysTheLongest)
 {
-    std::mt19937        random(7);
+    std::mt19937 random(7);
     sources::Forwarding forwarding;
-    const auto below    = [&](uint32_t limit) { return static_cast<uint32_t>(random() % limit); };
+    const auto below = [&](uint32_t limit) { return static_cast<uint32_t>(random() % limit); };
     const auto anyRoute = [&] {
-        const auto     length = below(9);
+        const auto length = below(9);
         const uint32_t prefix = length == 0 ? 0 : below(1U << length) << (32 - length);
         return Route{prefix, static_cast<uint8_t>(length), below(3), {{below(4), 1}}};
     };
     for (int round = 0; round < 200; ++round) {
         std::vector<Route> routes(below(20));
         std::ranges::generate(routes, anyRoute);
-        const auto           wanted = forwarding.RowsOf(routes);
+        const auto wanted = forwarding.RowsOf(routes);
         standin::Transaction transaction;
         sources::MirrorForwarding(transaction, wanted);
         transaction.Commit();

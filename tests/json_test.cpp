@@ -1,11 +1,10 @@
-#include "sources/json_file.h"
-
 #include <sys/mman.h>
 
 #include <algorithm>
 #include <fstream>
 #include <regex>
 
+#include "sources/json_file.h"
 #include "support/platform.h"
 #include "support/rows.h"
 #include "support/system.h"
@@ -62,14 +61,14 @@ TEST_F(JsonTest, APersonMayWriteASetInSeveralWaysAndADumpIsReadable)
 TEST_F(JsonTest, ARefusalTellsThePlaceAndChangesNothing)
 {
     LoadText(R"({"port": [{"if_index": 7, "pvid": 1}]})");
-    const std::string before  = sources::DumpJson();
-    const auto        refuses = [&](const std::string& text, const std::string& message) {
+    const std::string before = sources::DumpJson();
+    const auto refuses = [&](const std::string& text, const std::string& message) {
         const auto refusal = support::RefusalOf([&] { LoadText(text); });
         EXPECT_TRUE(refusal.starts_with(deviceFile + ": " + message)) << text << "\n" << refusal;
         EXPECT_EQ(sources::DumpJson(), before);
     };
     std::ifstream refused(projectRoot + "/tests/json_refused.txt");
-    unsigned      count = 0;
+    unsigned count = 0;
     for (std::string text, message; std::getline(refused, text); count++) {
         std::getline(refused >> std::ws, message);
         refuses(text, message);
@@ -84,23 +83,26 @@ TEST_F(JsonTest, ARefusalTellsThePlaceAndChangesNothing)
 TEST_F(JsonTest, TheShippedDeviceFillsEveryTableAndAgreesWithItself)
 {
     sources::LoadJson(projectRoot + "/data/access-switch.json");
-    for (const Table& table : standin::Tables())
+    for (const Table& table : standin::Tables()) {
         EXPECT_GT(standin::CountRows(table), 3U) << table.name;
+    }
     const auto has = [](const Row& row, const std::string& field, uint64_t id) {
         return (row.Bytes(*standin::FindField(row.Description().fields, field))[id / 8] &
                 0x80U >> id % 8) != 0;
     };
     for (const std::string bitmap : {"bitmap_1", "bitmap_2"}) {
         for (const Row& port : RowsOf(*standin::FindTable("port"))) {
-            for (const Row& vlan : RowsOf(*standin::FindTable("vlan")))
+            for (const Row& vlan : RowsOf(*standin::FindTable("vlan"))) {
                 EXPECT_EQ(has(vlan, "member_" + bitmap, port.Number("port_index") >> 8 & 0xff),
                           port.Number("vlan_scope0") == vlan.Number("vlan_scope0") &&
                               has(port, "vlan_" + bitmap, vlan.Number("vlan_id")));
+            }
         }
     }
-    for (const Row& member : RowsOf(*standin::FindTable("Fib.ConfigNhpGroupNode")))
+    for (const Row& member : RowsOf(*standin::FindTable("Fib.ConfigNhpGroupNode"))) {
         EXPECT_TRUE(standin::Find(
             Row("Fib.ConfigNhpStandard").Set("nhpIndex", member.Number("primaryNhpId"))));
+    }
 }
 
 // ---- docs/json-format.md keeps up with the tables ----
@@ -122,28 +124,31 @@ TEST_F(JsonTest, ThePageListsEveryTableAndField)
     std::string expected;
     for (const Table& table : standin::Tables()) {
         expected += "### `" + std::string(table.name) + "`\n";
-        for (const Field& field : table.fields)
+        for (const Field& field : table.fields) {
             expected += LineOf(
                 "", field, std::ranges::count(table.keys[0].members, &field) != 0 ? ", key" : "");
+        }
         for (const standin::List& list : table.lists) {
             expected += "| `" + std::string(list.name) + "` | list |\n";
-            for (const Field& field : list.fields)
+            for (const Field& field : list.fields) {
                 expected += LineOf(std::string(list.name) + "[].", field);
+            }
         }
     }
     const std::string page = support::TextOf(projectRoot + "/docs/json-format.md");
-    const std::regex  described(R"((^|\n)(### `.*`|\| `[^`]*` \| [^|]* \|))");
-    std::string       listed;
-    for (std::sregex_iterator at(page.begin(), page.end(), described), end; at != end; ++at)
+    const std::regex described(R"((^|\n)(### `.*`|\| `[^`]*` \| [^|]* \|))");
+    std::string listed;
+    for (std::sregex_iterator at(page.begin(), page.end(), described), end; at != end; ++at) {
         listed += (*at)[2].str() + "\n";
+    }
     EXPECT_EQ(listed, expected);
 }
 
 TEST_F(JsonTest, ThePagesExamplesLoad)
 {
     const std::string page = support::TextOf(projectRoot + "/docs/json-format.md");
-    const std::regex  example("```json\n([^`]*)```");
-    size_t            examples = 0;
+    const std::regex example("```json\n([^`]*)```");
+    size_t examples = 0;
     for (std::sregex_iterator at(page.begin(), page.end(), example), end; at != end; ++at) {
         standin::Reset();
         EXPECT_NO_THROW(LoadText((*at)[1].str())) << *at->begin();

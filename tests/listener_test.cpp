@@ -2,7 +2,6 @@
 #include <fcntl.h>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
-#include <tarnd_qrb/listener.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,6 +9,8 @@
 #include <atomic>
 #include <cerrno>
 #include <filesystem>
+
+#include <tarnd_qrb/listener.h>
 
 #include "support/events.h"
 #include "support/system.h"
@@ -21,7 +22,7 @@ using support::FailCall;
 
 using Messages = std::vector<std::string>;
 
-std::atomic<int>       delivered = 0;
+std::atomic<int> delivered = 0;
 std::atomic<pthread_t> deliverer = 0;
 
 void Count(ORM_MESSAGE, uint32_t)
@@ -114,7 +115,7 @@ TEST_F(Listener, GoesOnWithoutAThread)
 
 TEST_F(Listener, UsesTheEpollInstanceThatIsThereAndNoneThatIsAnothers)
 {
-    const int epollFd   = epoll_create1(EPOLL_CLOEXEC);
+    const int epollFd = epoll_create1(EPOLL_CLOEXEC);
     g_epollDbListenerFd = epollFd;
     EXPECT_EQ(Register(), 0U);
     EXPECT_TRUE(IsDelivered(1, 1));

@@ -1,12 +1,12 @@
 // The daemon's modules, and the report of what they use.
-#include <tarnd_platform/memory.h>
-#include <tarnd_qrb/memory_map.h>
-
 #include <algorithm>
 #include <random>
 #include <set>
 #include <span>
 #include <thread>
+
+#include <tarnd_platform/memory.h>
+#include <tarnd_qrb/memory_map.h>
 
 #include "support/platform.h"
 
@@ -22,7 +22,7 @@ TEST_F(MemoryMap, FindsEveryModuleByItsName)
 {
     MEM_EX_Init();
     std::set<uint16_t> handles = {0};
-    std::string        names;
+    std::string names;
     for (uint32_t module = 0; module < MEM_EX_MODULE_COUNT; module++) {
         EXPECT_EQ(MEM_EX_GetModule(g_memExModuleMap[module].name), module);
         EXPECT_EQ(MEM_EX_GetHandle(module), mem_handle_get(g_memExModuleMap[module].name));
@@ -42,10 +42,10 @@ TEST_F(MemoryMap, FindsEveryModuleByItsName)
 TEST_F(MemoryMap, ReportsTrueFiguresOrSaysWhereItStopped)
 {
     MEM_EX_Init();
-    MEM_EX_DETAILED_INFO_S        entries[33] = {};
-    const MEM_EX_DETAILED_INFO_S& own         = entries[MEM_EX_MODULE_QRB];
-    const uint16_t                handle      = MEM_EX_GetHandle(MEM_EX_MODULE_QRB);
-    uint64_t                      count       = 31;
+    MEM_EX_DETAILED_INFO_S entries[33] = {};
+    const MEM_EX_DETAILED_INFO_S& own = entries[MEM_EX_MODULE_QRB];
+    const uint16_t handle = MEM_EX_GetHandle(MEM_EX_MODULE_QRB);
+    uint64_t count = 31;
     EXPECT_EQ(MEM_EX_GetDetailedInfo(entries, &count), 2U);
     EXPECT_EQ(count, 31U);
     EXPECT_EQ(MEM_EX_GetDetailedInfoSize(&count), 0U);
@@ -78,8 +78,8 @@ TEST_F(MemoryMap, ReportsTrueFiguresOrSaysWhereItStopped)
 // Blocks of all sizes, each full of its size, come and go on one thread after another.
 TEST_F(MemoryMap, HandsNoBlockOutTwice)
 {
-    uint64_t                        inUse[4] = {};
-    std::mt19937                    random(1);
+    uint64_t inUse[4] = {};
+    std::mt19937 random(1);
     std::vector<std::span<uint8_t>> blocks;
     EXPECT_EQ(meminfo_get(5, 0, &inUse[0], &inUse[1]), 0U);
     for (const size_t most : {4000U, 10U, 1000U, 0U}) {

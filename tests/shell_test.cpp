@@ -11,11 +11,11 @@
 
 namespace {
 
-using Json  = nlohmann::ordered_json;
+using Json = nlohmann::ordered_json;
 using Names = std::set<std::string>;
 using support::TextOf;
 
-const std::string root   = TARND_PROJECT_ROOT;
+const std::string root = TARND_PROJECT_ROOT;
 const std::string device = root + "/data/access-switch.json ";
 
 // Input: a command that prints it.
@@ -27,15 +27,15 @@ support::Outcome RunShell(const std::string& arguments, const std::string& input
 // What the documentation says of each call, in one process and in this order.
 TEST(Shell, CallsEveryFunction)
 {
-    const std::string  calls = "grep -v '^#' " + root + "/docs/calls.txt";
-    Names              called;
+    const std::string calls = "grep -v '^#' " + root + "/docs/calls.txt";
+    Names called;
     std::istringstream answers(RunShell("--json " + device, calls + " | sed 's/ => .*//'").output);
     std::istringstream expected(support::Run(calls).output);
     for (std::string call, line; std::getline(expected, call);) {  // "CALL => CODE OUTPUTS"
         while (std::getline(answers, line) && line.starts_with("{\"event\":")) {
         }
-        const Json  answer = Json::parse(line);
-        std::string got    = call.substr(0, call.find(" => ") + 4);
+        const Json answer = Json::parse(line);
+        std::string got = call.substr(0, call.find(" => ") + 4);
         got += answer["result"].is_null() ? "-" : answer["result"].dump();
         got += answer["outputs"].empty() ? "" : " " + answer["outputs"].dump();
         EXPECT_TRUE(got == call || call.ends_with(" => *")) << call << "\n" << line;
@@ -43,24 +43,26 @@ TEST(Shell, CallsEveryFunction)
     }
 
     Names known;
-    for (const Json& function : Json::parse(RunShell("--json " + device + "functions").output))
+    for (const Json& function : Json::parse(RunShell("--json " + device + "functions").output)) {
         known.insert(function["function"].get<std::string>());
+    }
     EXPECT_EQ(called, known);
 
     // Locks, and a thread's entry, are for threads.
     const std::regex byThreads(
         "DbListenerEpollThreadFunc|g_epollDbListenerCond(Lock)?|g_dbListenerRegLock");
     const std::string map = TextOf(root + "/cmake/tarnd_qrb.map");
-    const std::regex  exported("\n +(\\w+);");
-    for (std::sregex_iterator match(map.begin(), map.end(), exported), end; match != end; ++match)
+    const std::regex exported("\n +(\\w+);");
+    for (std::sregex_iterator match(map.begin(), map.end(), exported), end; match != end; ++match) {
         EXPECT_TRUE(known.contains((*match)[1]) || std::regex_match((*match)[1].str(), byThreads))
             << (*match)[1] << " can't be called from the shell";
+    }
 }
 
 // A session as people see it. "@" stands for what differs from run to run.
 TEST(Shell, ShowsWhatPeopleExpect)
 {
-    const std::string session   = root + "/tests/shell_session.txt";
+    const std::string session = root + "/tests/shell_session.txt";
     const auto [status, output] = RunShell("--echo " + device, "sed -n 's/^> //p' " + session);
     const std::regex changing(R"(\d\d:\d\d:\d\d\.\d{6}|[\d.]+(?= us)|:\d+(?=\] ))");
     EXPECT_EQ(std::regex_replace(output, changing, "@"), TextOf(session));
@@ -75,8 +77,9 @@ TEST(Shell, TellsScriptsByItsStatusHowItWent)
                                                 {"none.json", 1},
                                                 {"", 2},
                                                 {device + "diff " + device, 0}};
-    for (const auto& [arguments, status] : runs)
+    for (const auto& [arguments, status] : runs) {
         EXPECT_EQ(RunShell(arguments).status, status) << arguments;
+    }
 }
 
 }  // namespace

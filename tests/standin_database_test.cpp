@@ -1,13 +1,13 @@
 // The stand-in as a database, beside a model of one table: what is written is what is read,
 // whatever happens meanwhile, and what is refused changes nothing.
-#include <tarnd_platform/orm_accessors.h>
-
 #include <algorithm>
 #include <array>
 #include <random>
 #include <thread>
 
 #include <gtest/gtest.h>
+
+#include <tarnd_platform/orm_accessors.h>
 
 #include "support/system.h"
 #include "support/writes.h"
@@ -16,15 +16,15 @@ namespace {
 
 using standin::Row;
 using standin::Transaction;
-using Numbers           = std::vector<uint32_t>;
+using Numbers = std::vector<uint32_t>;
 constexpr uint32_t none = UINT32_MAX;
 
 // Each inserted row has a number of its own, its mtu, so that it can be told from another one with
 // its key. Numbers grow with insertion.
 struct Entry {
-    uint32_t    index;
+    uint32_t index;
     std::string name;
-    uint32_t    number;
+    uint32_t number;
 
     Row AsRow() const
     {
@@ -54,7 +54,7 @@ protected:
     void CommitSome()
     {
         Transaction transaction;
-        Model       after = model_;
+        Model after = model_;
         std::string refusal;
         for (uint32_t left = Below(4) + 1; left > 0 && refusal.empty(); left--) {
             refusal = AddWrite(transaction, after);
@@ -69,7 +69,7 @@ protected:
     void ReadSome()
     {
         const Entry asked = AnyEntry();
-        const auto  there = std::ranges::find(model_, asked.index, &Entry::index);
+        const auto there = std::ranges::find(model_, asked.index, &Entry::index);
         ASSERT_EQ(standin::Find(asked.AsRow()),
                   there == model_.end() ? std::nullopt : std::optional(there->AsRow()));
 
@@ -79,7 +79,7 @@ protected:
         std::array<char, 68> key{};
         asked.name.copy(key.data() + 4, asked.name.size());
         const auto named = std::ranges::find(model_, asked.name, &Entry::name);
-        read_            = named == model_.end() ? none : named->number;
+        read_ = named == model_.end() ? none : named->number;
         ASSERT_EQ(OrmPrepare(reading_, "if_base", QRB_ORM_OP_READ), 0U);
         ASSERT_EQ(OrmgIfBaseSetKeyLocalKeyInner(reading_, key.data(), key.size()), 0U);
         ASSERT_EQ(OrmExecute(reading_), read_ == none ? ORM_NO_RECORD : 0U);
@@ -89,10 +89,10 @@ protected:
     // there, and none that came late.
     void ScanSome()
     {
-        const Numbers before     = InModel();
-        Numbers       throughout = before;
-        Numbers       seen;
-        ORM_SCAN      scan = 0;
+        const Numbers before = InModel();
+        Numbers throughout = before;
+        Numbers seen;
+        ORM_SCAN scan = 0;
         ASSERT_EQ(OrmPrepare(scanning_, "if_base", QRB_ORM_OP_SCAN), 0U);
         ASSERT_EQ(OrmScanStart(scanning_, &scan), 0U);
         for (uint8_t end = 0; OrmScanNext(scanning_, scan, &end) == 0 && end == 0;) {
@@ -126,13 +126,13 @@ private:
     {
         using namespace support::writes;
         constexpr Writing kinds[] = {Insert, Insert, Replace, Update, Delete};
-        const Writing     kind    = kinds[Below(std::size(kinds))];
-        Entry             entry   = AnyEntry();
-        const auto        there   = std::ranges::find(model, entry.index, &Entry::index);
-        const auto        named   = std::ranges::find(model, entry.name, &Entry::name);
-        const bool        isThere = there != model.end();
-        const std::string key     = "if_base: if_index " + std::to_string(entry.index);
-        entry.number              = isThere ? there->number : ++last_;
+        const Writing kind = kinds[Below(std::size(kinds))];
+        Entry entry = AnyEntry();
+        const auto there = std::ranges::find(model, entry.index, &Entry::index);
+        const auto named = std::ranges::find(model, entry.name, &Entry::name);
+        const bool isThere = there != model.end();
+        const std::string key = "if_base: if_index " + std::to_string(entry.index);
+        entry.number = isThere ? there->number : ++last_;
         kind(transaction, entry.AsRow());
         if (kind == Insert && isThere) {
             return key + ": there is such a row already";
@@ -153,12 +153,12 @@ private:
         return "";
     }
 
-    Model        model_;
+    Model model_;
     std::mt19937 random_{20};
-    uint32_t     last_     = 0;  // number that was given
-    ORM_SESSION  reading_  = 0;
-    ORM_SESSION  scanning_ = 0;
-    uint32_t     read_     = none;  // the number of the row that the first session stands on
+    uint32_t last_ = 0;  // number that was given
+    ORM_SESSION reading_ = 0;
+    ORM_SESSION scanning_ = 0;
+    uint32_t read_ = none;  // the number of the row that the first session stands on
 };
 
 TEST_F(StandinDatabase, RowsTakeOnlyWhatFits)

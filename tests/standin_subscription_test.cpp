@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/eventfd.h>
-#include <tarnd_platform/orm_subscription.h>
 
 #include <atomic>
 #include <chrono>
@@ -13,7 +12,9 @@
 #include <thread>
 
 #include <gtest/gtest.h>
+
 #include <standin/changes.h>
+#include <tarnd_platform/orm_subscription.h>
 
 #include "support/changes.h"
 #include "support/subscription.h"
@@ -23,7 +24,7 @@
 namespace {
 
 thread_local unsigned allocationsLeft = 0;  // 0: all that there are
-std::atomic<int>      blocksInUse     = 0;
+std::atomic<int> blocksInUse = 0;
 
 }  // namespace
 
@@ -53,9 +54,9 @@ using support::Phy;
 using namespace support::writes;
 using Lines = std::vector<std::string>;
 
-std::vector<uint32_t>                      operations;  // on the descriptor
+std::vector<uint32_t> operations;  // on the descriptor
 std::function<void(ORM_MESSAGE, uint32_t)> onMessage;
-int                                        descriptor = -1;
+int descriptor = -1;
 
 int32_t Control(uint32_t watched, uint32_t operation)
 {
@@ -129,16 +130,16 @@ protected:
     }
 
     ORM_SESSION session_ = 0;
-    Lines       seen_;
+    Lines seen_;
 };
 
 TEST_F(StandinSubscription, TellsWhenAChangeWasCommittedAndWhenAllAreDelivered)
 {
     using namespace std::chrono_literals;
-    using Clock                = std::chrono::steady_clock;
-    const auto        before   = Clock::now();
+    using Clock = std::chrono::steady_clock;
+    const auto before = Clock::now();
     std::atomic<bool> returned = false;
-    onMessage                  = [&](ORM_MESSAGE, uint32_t) {
+    onMessage = [&](ORM_MESSAGE, uint32_t) {
         EXPECT_GE(standin::CommitTime(), before);
         EXPECT_LE(standin::CommitTime(), Clock::now());
         std::this_thread::sleep_for(20ms);
@@ -189,7 +190,7 @@ TEST_F(StandinSubscription, WithoutMemoryATransactionIsUndoneAndNotTold)
         transaction.Insert(Phy(2, 2));
         transaction.Delete(Phy(1));
         allocationsLeft = attempts + 1;
-        committed       = support::RefusalOf([&] { transaction.Commit(); }).empty();
+        committed = support::RefusalOf([&] { transaction.Commit(); }).empty();
         allocationsLeft = 0;
         EXPECT_TRUE(committed || standin::Find(Phy(1)) == Phy(1));
         EXPECT_EQ(Deliver(), committed ? (Lines{"u 1:0>1:2", "i ->2:2", "d 1:2>-"}) : Lines());
@@ -213,7 +214,7 @@ TEST_F(StandinSubscription, GivesBackWhatDeliveredChangesTook)
 TEST_F(StandinSubscription, CallbackMayWriteAndMayClose)
 {
     ORM_MESSAGE kept = 0;
-    onMessage        = [&](ORM_MESSAGE message, uint32_t event) {
+    onMessage = [&](ORM_MESSAGE message, uint32_t event) {
         seen_.push_back(Described(message, event));
         kept = message;
         EXPECT_NE(DbcHandleEvent(descriptor), 0U);
@@ -247,7 +248,7 @@ TEST_F(StandinSubscription, WithoutAControlFunctionAThreadServesUntilACallbackCl
 {
     std::atomic<bool> closed = false;
     const ORM_SESSION served = OpenSubscriptions(nullptr);
-    onMessage                = [&](ORM_MESSAGE, uint32_t) {
+    onMessage = [&](ORM_MESSAGE, uint32_t) {
         EXPECT_EQ(OrmCloseSession(served), 0U);
         closed = true;
     };

@@ -24,7 +24,7 @@ void Write(const std::atomic<bool>& stop)
 {
     for (uint32_t round = 0; !stop; round++) {
         const Writing write = round % 2 == 0 ? Replace : Delete;
-        Transaction   transaction;
+        Transaction transaction;
         for (uint32_t index = 50; index < 60; index++) {
             write(transaction, Phy(index, round / 2 % 2));
             write(transaction, Port(index, 1, round / 2 % 2));
@@ -65,7 +65,7 @@ TEST_F(Threads, AnswerAlikeWhileOthersWriteWalkAndAreTold)
     }
     ASSERT_GT(calls.size(), 80U);
 
-    std::atomic<bool>         stop = false;
+    std::atomic<bool> stop = false;
     std::vector<std::jthread> others;
     others.emplace_back(Write, std::cref(stop));
     others.emplace_back(WalkInterfaces, std::cref(stop));

@@ -1,9 +1,9 @@
 // The daemon's modules and what memory each has in use.
+#include <cstring>
+
 #include <tarnd_platform/bounded.h>
 #include <tarnd_platform/memory.h>
 #include <tarnd_qrb/memory_map.h>
-
-#include <cstring>
 
 namespace {
 

@@ -4,10 +4,10 @@
 using namespace qrb;
 
 const UTIL_LIST_ITER_METHODS_S g_UTIL_ListIteratorMethods = {
-    .next       = UTIL_LIST_Next,
-    .prev       = UTIL_LIST_Prev,
+    .next = UTIL_LIST_Next,
+    .prev = UTIL_LIST_Prev,
     .getDataPtr = UTIL_LIST_GetDataPtr,
-    .erase      = UTIL_LIST_Erase,
+    .erase = UTIL_LIST_Erase,
 };
 
 UTIL_LIST_ITER_S UTIL_LIST_Begin(UTIL_LIST_S* list)

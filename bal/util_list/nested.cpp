@@ -28,23 +28,23 @@ const UTIL_LIST_S* PointedTo(const void* element)
 }  // namespace
 
 const UTIL_LIST_TRAITS_S g_utilListByValueTraits = {
-    .elemSize      = sizeof(UTIL_LIST_S),
-    .reserved1     = nullptr,
-    .destruct      = UTIL_LIST_DestructCallback,
+    .elemSize = sizeof(UTIL_LIST_S),
+    .reserved1 = nullptr,
+    .destruct = UTIL_LIST_DestructCallback,
     .constructCopy = UTIL_LIST_ConstructCopyCallback,
     .constructMove = UTIL_LIST_ConstructMoveCallback,
-    .reserved5     = nullptr,
-    .print         = UTIL_LIST_PrintCallback,
+    .reserved5 = nullptr,
+    .print = UTIL_LIST_PrintCallback,
 };
 
 const UTIL_LIST_TRAITS_S g_utilListByPtrTraits = {
-    .elemSize      = sizeof(UTIL_LIST_S*),
-    .reserved1     = nullptr,
-    .destruct      = UTIL_LIST_DeleteCallback,
+    .elemSize = sizeof(UTIL_LIST_S*),
+    .reserved1 = nullptr,
+    .destruct = UTIL_LIST_DeleteCallback,
     .constructCopy = UTIL_LIST_ConstructPtrCopyCallback,
     .constructMove = UTIL_LIST_ConstructPtrMoveCallback,
-    .reserved5     = nullptr,
-    .print         = UTIL_LIST_PrintPtrCallback,
+    .reserved5 = nullptr,
+    .print = UTIL_LIST_PrintPtrCallback,
 };
 
 void UTIL_LIST_DestructCallback(void* element)
@@ -88,7 +88,7 @@ void UTIL_LIST_DeleteCallback(void* element)
 uint32_t UTIL_LIST_ConstructPtrCopyCallback(void* element, const void* value)
 {
     const UTIL_LIST_S* source = PointedTo(value);
-    UTIL_LIST_S*       copy   = nullptr;
+    UTIL_LIST_S* copy = nullptr;
     if (source != nullptr) {
         copy = ListIn(malloc_ex(ListHandle(), __FILE_NAME__, __LINE__, sizeof(*copy)));
         if (copy != nullptr) {
@@ -102,7 +102,7 @@ uint32_t UTIL_LIST_ConstructPtrCopyCallback(void* element, const void* value)
 uint32_t UTIL_LIST_ConstructPtrMoveCallback(void* element, void* value)
 {
     *PointerIn(element) = *PointerIn(value);
-    *PointerIn(value)   = nullptr;
+    *PointerIn(value) = nullptr;
     return 0;
 }
 

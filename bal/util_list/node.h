@@ -1,6 +1,5 @@
 // How a node is made, linked, unlinked and given back: what every operation of the list is made of.
-#ifndef TARND_QRB_BAL_UTIL_LIST_NODE_H
-#define TARND_QRB_BAL_UTIL_LIST_NODE_H
+#pragma once
 
 #include <tarnd_platform/bounded.h>
 #include <tarnd_platform/memory.h>
@@ -32,7 +31,7 @@ inline UTIL_LIST_NODE_S* NewNode(const UTIL_LIST_TRAITS_S* traits)
 // Construct is null, or one of the two callbacks that make an element. Inlined, as a push is so
 // short that one call more is felt.
 template <typename Construct, typename Value>
-[[gnu::always_inline]] inline UTIL_LIST_NODE_S* BuildNode(Value*                    value,
+[[gnu::always_inline]] inline UTIL_LIST_NODE_S* BuildNode(Value* value,
                                                           const UTIL_LIST_TRAITS_S* traits,
                                                           Construct UTIL_LIST_TRAITS_S::*construct)
 {
@@ -64,8 +63,8 @@ inline void Link(UTIL_LIST_S* list, UTIL_LIST_NODE_S* position, UTIL_LIST_NODE_S
 {
     UTIL_LIST_NODE_S* previous = position != nullptr ? position->prev : list->tail;
 
-    node->next                                          = position;
-    node->prev                                          = previous;
+    node->next = position;
+    node->prev = previous;
     (previous != nullptr ? previous->next : list->head) = node;
     (position != nullptr ? position->prev : list->tail) = node;
     ++list->count;
@@ -82,16 +81,14 @@ inline void DestroyNode(const UTIL_LIST_TRAITS_S* traits, UTIL_LIST_NODE_S* node
 // The node that followed.
 inline UTIL_LIST_NODE_S* RemoveNode(UTIL_LIST_S* list, UTIL_LIST_NODE_S* node)
 {
-    UTIL_LIST_NODE_S* next     = node->next;
+    UTIL_LIST_NODE_S* next = node->next;
     UTIL_LIST_NODE_S* previous = node->prev;
 
     (previous != nullptr ? previous->next : list->head) = next;
-    (next != nullptr ? next->prev : list->tail)         = previous;
+    (next != nullptr ? next->prev : list->tail) = previous;
     DestroyNode(list->traits, node);
     --list->count;
     return next;
 }
 
 }  // namespace qrb
-
-#endif

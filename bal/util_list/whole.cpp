@@ -7,8 +7,8 @@ namespace {
 
 void Forget(UTIL_LIST_S* list)
 {
-    list->head  = nullptr;
-    list->tail  = nullptr;
+    list->head = nullptr;
+    list->tail = nullptr;
     list->count = 0;
 }
 
@@ -79,7 +79,7 @@ void UTIL_LIST_ConcatenateMove(UTIL_LIST_S* destination, UTIL_LIST_S* source)
     }
     source->head->prev = destination->tail;
     (destination->tail != nullptr ? destination->tail->next : destination->head) = source->head;
-    destination->tail                                                            = source->tail;
+    destination->tail = source->tail;
     destination->count += source->count;
     Forget(source);
 }

@@ -34,8 +34,8 @@ enum { ADDRESSES = 16 };
 static void PrintAddresses(uint32_t ifIndex)
 {
     SYSAPI_IP4_ADDR_S addresses[ADDRESSES];
-    const uint32_t    stored = SYSAPI_GetIp4AddrNumByIf(ifIndex);
-    const uint32_t    count  = stored < ADDRESSES ? stored : ADDRESSES;
+    const uint32_t stored = SYSAPI_GetIp4AddrNumByIf(ifIndex);
+    const uint32_t count = stored < ADDRESSES ? stored : ADDRESSES;
     if (count == 0 || SYSAPI_GetIp4AllAddrByIf(ifIndex, addresses, ADDRESSES) != 0) {
         return;
     }

@@ -38,7 +38,7 @@ uint32_t OrmgIfBaseReadInner(const void* key, uint32_t keyLength, void* record,
         return ORM_NO_RECORD;
     }
     QRB_IF_BASE_S row = {};
-    row.if_index      = ifIndex;
+    row.if_index = ifIndex;
     std::strcpy(row.if_name, "Foreign42");
     std::memcpy(record, &row, sizeof(row));
     return ORM_OK;
@@ -180,7 +180,7 @@ uint32_t OrmSessionParamSetConnName(ORM_SESSION_PARAM, const char*)
 {
     return notHere;
 }
-void     OrmDestroySessionParam(ORM_SESSION_PARAM) {}
+void OrmDestroySessionParam(ORM_SESSION_PARAM) {}
 uint32_t OrmOpenSubSession(ORM_SESSION_PARAM, ORM_FD_CONTROL, ORM_SESSION*)
 {
     return notHere;

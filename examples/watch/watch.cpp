@@ -1,9 +1,8 @@
 // A module that watches ports join and leave VLANs; and, to have something to see, the daemon that
 // starts the library and a device that changes.
-#include <semaphore>
-
 #include <cinttypes>
 #include <cstdio>
+#include <semaphore>
 
 #include <standin/database.h>
 #include <tarnd_qrb/event_publish.h>
@@ -18,15 +17,15 @@ namespace {
 
 // The module.
 
-constexpr char     moduleName[] = "watch";
-constexpr uint16_t priority     = 100;
+constexpr char moduleName[] = "watch";
+constexpr uint16_t priority = 100;
 
 std::counting_semaphore seen(0);
 
 void Report(const QRB_PORT_S& port, const char* what)
 {
-    const uint32_t ifIndex                = port.if_index;
-    char           name[QRB_IF_NAME_SIZE] = "?";
+    const uint32_t ifIndex = port.if_index;
+    char name[QRB_IF_NAME_SIZE] = "?";
     IF_GetIfNameByIndex(ifIndex, name);  // a callback may ask
     std::printf("%s (%" PRIu32 ") %s\n", name, ifIndex, what);
     seen.release();

@@ -10,10 +10,10 @@
  * Every function runs on any thread and keeps nothing between calls. Null is checked where a
  * comment says so.
  */
-#ifndef TARND_QRB_ACL_H
-#define TARND_QRB_ACL_H
+#pragma once
 
 #include <stdint.h>
+
 #include <tarnd_platform/orm.h>
 
 #ifdef __cplusplus
@@ -69,6 +69,4 @@ uint32_t BDS_AclGetAclNumberByName(const char* name, uint8_t kind, uint32_t unus
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -34,10 +34,10 @@
  * during the callback that got them; rows and buffers are the caller's. Null is checked where a
  * comment says so.
  */
-#ifndef TARND_QRB_CHANGE_DETECTION_H
-#define TARND_QRB_CHANGE_DETECTION_H
+#pragma once
 
 #include <stdint.h>
+
 #include <tarnd_platform/orm_subscription.h>
 #include <tarnd_qrb/records.h>
 
@@ -122,6 +122,4 @@ void QRB_EVENT_PrintPort(const QRB_PORT_S* row);
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -5,10 +5,10 @@
  * caller's, open on every path. Callbacks run on the calling thread, before the function returns.
  * Pointers are not checked for null unless a comment says so.
  */
-#ifndef TARND_QRB_DATABASE_H
-#define TARND_QRB_DATABASE_H
+#pragma once
 
 #include <stdint.h>
+
 #include <tarnd_platform/orm.h>
 
 #ifdef __cplusplus
@@ -83,6 +83,4 @@ uint32_t QRB_DB_TransStringToHexNumString(const char* text, char* output, int32_
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -36,10 +36,10 @@
  *     IF_NOTIFY_UP              phy_state 0 to 1, or inserted with 1
  *     IF_NOTIFY_DOWN            phy_state 1 to 0, or inserted with 0
  */
-#ifndef TARND_QRB_EVENT_PUBLISH_H
-#define TARND_QRB_EVENT_PUBLISH_H
+#pragma once
 
 #include <stdint.h>
+
 #include <tarnd_qrb/event_registry.h>
 #include <tarnd_qrb/layout.h>
 #include <tarnd_qrb/records.h>
@@ -80,7 +80,7 @@ typedef struct {
     uint32_t bitmap;    /* QRB_VLAN_BITMAP_1 or QRB_VLAN_BITMAP_2 */
     uint32_t portCount; /* always 1 */
     uint32_t ifIndex;   /* the port's, from the old row */
-    uint8_t  reserved_12[508];
+    uint8_t reserved_12[508];
 } QRB_VLAN_CHANGE_S;
 QRB_RECORD_SIZE(QRB_VLAN_CHANGE_S, 520);
 QRB_FIELD_AT(QRB_VLAN_CHANGE_S, bitmap, 0, 4);
@@ -120,6 +120,4 @@ uint32_t IF_NotifyAll(uint32_t ulIfIndex, uint32_t ulCmd, uint32_t a, uint32_t b
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

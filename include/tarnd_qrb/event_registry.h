@@ -27,11 +27,11 @@
  * It must return by itself: no exception, no longjmp. It should be quick: all that comes later,
  * callbacks and changes, waits for it. Its result is ignored.
  */
-#ifndef TARND_QRB_EVENT_REGISTRY_H
-#define TARND_QRB_EVENT_REGISTRY_H
+#pragma once
 
 #include <stdbool.h>
 #include <stdint.h>
+
 #include <tarnd_qrb/layout.h>
 #include <tarnd_qrb/util_list.h>
 
@@ -67,8 +67,8 @@ typedef uint32_t IF_NOTIFY_FUNC(uint32_t ulIfIndex, uint32_t ulCmd, uint32_t a, 
 /* An entry of a layer-2 event's list. */
 typedef struct {
     L2IF_SH_EVT_CB_FUNC* pfCallback; /* null ends a publication that comes to it */
-    uint32_t             priority;   /* 0 to 65535 */
-    char                 moduleName[L2IF_MODULE_NAME_SIZE];
+    uint32_t priority;               /* 0 to 65535 */
+    char moduleName[L2IF_MODULE_NAME_SIZE];
 } L2IF_SH_EVT_CB_S;
 QRB_RECORD_SIZE(L2IF_SH_EVT_CB_S, 80);
 QRB_FIELD_AT(L2IF_SH_EVT_CB_S, pfCallback, 0, 8);
@@ -77,9 +77,9 @@ QRB_FIELD_AT(L2IF_SH_EVT_CB_S, moduleName, 12, 64);
 
 /* An entry of a list in the interface event tree. */
 typedef struct {
-    uint32_t        subId;      /* IF_EVT_WHOLE where registered for the whole event */
+    uint32_t subId;             /* IF_EVT_WHOLE where registered for the whole event */
     IF_EVT_CB_FUNC* pfCallback; /* null ends a publication that comes to it */
-    uint32_t        priority;
+    uint32_t priority;
 } IF_EVT_CB_S;
 QRB_RECORD_SIZE(IF_EVT_CB_S, 24);
 QRB_FIELD_AT(IF_EVT_CB_S, subId, 0, 4);
@@ -88,10 +88,10 @@ QRB_FIELD_AT(IF_EVT_CB_S, priority, 16, 4);
 
 /* A node of the interface event tree: the root, an event or a sub-event. */
 typedef struct IF_EVT_NODE_S {
-    UTIL_LIST_S           list;       /* of IF_EVT_CB_S; the root's stays empty */
-    struct IF_EVT_NODE_S* children;   /* array by id, or null */
-    uint32_t              childCount; /* its length */
-    struct IF_EVT_NODE_S* parent;     /* null for the root */
+    UTIL_LIST_S list;               /* of IF_EVT_CB_S; the root's stays empty */
+    struct IF_EVT_NODE_S* children; /* array by id, or null */
+    uint32_t childCount;            /* its length */
+    struct IF_EVT_NODE_S* parent;   /* null for the root */
 } IF_EVT_NODE_S;
 static_assert(sizeof(IF_EVT_NODE_S) == 56 && offsetof(IF_EVT_NODE_S, children) == 32 &&
                   offsetof(IF_EVT_NODE_S, childCount) == 40 &&
@@ -100,7 +100,7 @@ static_assert(sizeof(IF_EVT_NODE_S) == 56 && offsetof(IF_EVT_NODE_S, children) =
 
 /* An entry of the notification list. */
 typedef struct {
-    uint32_t        ulKey;      /* the module's own choice: finds the entry again */
+    uint32_t ulKey;             /* the module's own choice: finds the entry again */
     IF_NOTIFY_FUNC* pfCallback; /* never null */
 } IF_NOTIFY_FUNC_S;
 QRB_RECORD_SIZE(IF_NOTIFY_FUNC_S, 16);
@@ -108,12 +108,12 @@ QRB_FIELD_AT(IF_NOTIFY_FUNC_S, ulKey, 0, 4);
 QRB_FIELD_AT(IF_NOTIFY_FUNC_S, pfCallback, 8, 8);
 
 /* The registries, for reading. A flag is 1 while its registry is built, else 0. */
-extern UTIL_LIST_S   g_qrbL2IFEventCallbacks[L2IF_EVT_COUNT]; /* of L2IF_SH_EVT_CB_S, by event id */
-extern uint8_t       g_isL2IFEvtInited;
+extern UTIL_LIST_S g_qrbL2IFEventCallbacks[L2IF_EVT_COUNT]; /* of L2IF_SH_EVT_CB_S, by event id */
+extern uint8_t g_isL2IFEvtInited;
 extern IF_EVT_NODE_S g_qrbIFEventCallbacks; /* the root; its children by event id */
-extern uint8_t       g_isIFEvtInited;
-extern UTIL_LIST_S   g_pstIfNotifyFunc; /* of IF_NOTIFY_FUNC_S */
-extern uint8_t       g_isIFNotifyInited;
+extern uint8_t g_isIFEvtInited;
+extern UTIL_LIST_S g_pstIfNotifyFunc; /* of IF_NOTIFY_FUNC_S */
+extern uint8_t g_isIFNotifyInited;
 
 /* What their elements are; only elemSize is set. */
 extern const UTIL_LIST_TRAITS_S g_qrbEventHandlerTraits;        /* L2IF_SH_EVT_CB_S */
@@ -200,6 +200,4 @@ uint32_t IF_UnRegNotifyFunc(uint32_t ulKey, IF_NOTIFY_FUNC* callback);
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -6,10 +6,10 @@
  * says otherwise. Every function runs on any thread and keeps nothing between calls. Failures are
  * logged unless a comment calls them silent. Null is checked where a comment says so.
  */
-#ifndef TARND_QRB_INTERFACE_LOOKUP_H
-#define TARND_QRB_INTERFACE_LOOKUP_H
+#pragma once
 
 #include <stdint.h>
+
 #include <tarnd_platform/orm.h>
 
 #ifdef __cplusplus
@@ -19,7 +19,7 @@ extern "C" {
 /* What IF_CmpIfBaseRecord compares a record with. */
 typedef struct {
     const char* name;
-    uint8_t     selector; /* not 0: if_name; 0: simple_name */
+    uint8_t selector; /* not 0: if_name; 0: simple_name */
 } IF_NAME_KEY_S;
 
 /* The full name (if_name) of an interface. 0, or 0xFFFFFFFF: silently when the record can't be
@@ -83,6 +83,4 @@ uint32_t BDS_IfnetGetNumStrFromName(const char* name, char* output, uint32_t siz
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

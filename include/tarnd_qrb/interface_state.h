@@ -6,8 +6,7 @@
  * record too, and leave outputs untouched, unless a comment says otherwise. Null is checked where a
  * comment says so.
  */
-#ifndef TARND_QRB_INTERFACE_STATE_H
-#define TARND_QRB_INTERFACE_STATE_H
+#pragma once
 
 #include <stdint.h>
 
@@ -80,6 +79,4 @@ uint32_t BDS_QINQ_INTF_GetEthType(uint32_t ifIndex, uint16_t* etherType); /* 1: 
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

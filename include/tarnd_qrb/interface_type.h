@@ -5,10 +5,10 @@
  * Every function runs on any thread. Failures are logged unless a comment calls them silent. Null
  * is checked where a comment says so.
  */
-#ifndef TARND_QRB_INTERFACE_TYPE_H
-#define TARND_QRB_INTERFACE_TYPE_H
+#pragma once
 
 #include <stdint.h>
+
 #include <tarnd_qrb/layout.h>
 
 #ifdef __cplusplus
@@ -80,6 +80,4 @@ uint32_t IF_INTF_GetPhyTypeByIndex(uint32_t ifIndex);
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

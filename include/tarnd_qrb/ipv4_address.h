@@ -11,10 +11,10 @@
  * too, and leave outputs untouched, unless a comment says otherwise. Null is checked where a
  * comment says so.
  */
-#ifndef TARND_QRB_IPV4_ADDRESS_H
-#define TARND_QRB_IPV4_ADDRESS_H
+#pragma once
 
 #include <stdint.h>
+
 #include <tarnd_platform/orm.h>
 #include <tarnd_qrb/layout.h>
 
@@ -25,8 +25,8 @@ extern "C" {
 /* One item of the list. */
 typedef struct {
     uint32_t address; /* field 0 */
-    uint8_t  masklen; /* field 1; prefix length */
-    uint8_t  type;    /* field 2; 1 marks the main address, 6 one that is never it */
+    uint8_t masklen;  /* field 1; prefix length */
+    uint8_t type;     /* field 2; 1 marks the main address, 6 one that is never it */
 } BDS_IPV4_ADDR_ITEM_S;
 QRB_RECORD_SIZE(BDS_IPV4_ADDR_ITEM_S, 8);
 QRB_FIELD_AT(BDS_IPV4_ADDR_ITEM_S, address, 0, 4);
@@ -138,6 +138,4 @@ uint32_t IP6_Addr_GetValidGlobalAddrOnIf(uint32_t ifIndex, uint8_t* address);   
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

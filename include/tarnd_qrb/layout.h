@@ -4,8 +4,7 @@
  * QRB_RECORD_SIZE and QRB_FIELD_AT fail the compilation when a record, or one of its members, isn't
  * where the wire format or another module expects it. Sizes, offsets and widths are in bytes.
  */
-#ifndef TARND_QRB_LAYOUT_H
-#define TARND_QRB_LAYOUT_H
+#pragma once
 
 #include <assert.h>
 #include <stddef.h>
@@ -23,5 +22,3 @@
 #define QRB_FIELD_AT(record, field, offset, width)                                               \
     static_assert(offsetof(record, field) == (offset) && QRB_WIDTH_OF(record, field) == (width), \
                   #record "." #field " is out of its place")
-
-#endif

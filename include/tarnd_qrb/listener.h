@@ -29,11 +29,11 @@
  *     }
  *     g_regDbListenerInfo = NULL;
  */
-#ifndef TARND_QRB_LISTENER_H
-#define TARND_QRB_LISTENER_H
+#pragma once
 
 #include <pthread.h>
 #include <stdint.h>
+
 #include <tarnd_platform/orm_subscription.h>
 
 #ifdef __cplusplus
@@ -54,7 +54,7 @@ extern uint8_t g_epollDbListenerThreadExit;
 /* Guard the listener's start, in which the registering thread waits until the listener has tried to
    make its epoll instance; the lock guards that instance ever after. It may be taken while
    g_dbListenerRegLock is held, not the other way round, and is free while a callback runs. */
-extern pthread_cond_t  g_epollDbListenerCond;
+extern pthread_cond_t g_epollDbListenerCond;
 extern pthread_mutex_t g_epollDbListenerCondLock;
 
 /* Serialises registrations, and guards the listener thread's handle, the session, its flag and its
@@ -102,6 +102,4 @@ int32_t DbListenerEpollCtrl(uint32_t descriptor, uint32_t operation);
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

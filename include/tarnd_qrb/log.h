@@ -4,8 +4,7 @@
  * Result codes, in every header of this library: 0 is success, except in predicates and where a
  * comment says otherwise. Codes are unsigned 32-bit; what a failure gives is told at each function.
  */
-#ifndef TARND_QRB_LOG_H
-#define TARND_QRB_LOG_H
+#pragma once
 
 #include <stdint.h>
 
@@ -32,6 +31,4 @@ void Tarn_QRB_Log_Printf(uint32_t priority, const char* function, uint32_t line,
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -5,8 +5,7 @@
  * into a list (tarnd_qrb/util_list.h); until then every handle is 0, "nobody". Afterwards the map
  * is only read, from any thread. Nothing is logged. Null is checked where a comment says so.
  */
-#ifndef TARND_QRB_MEMORY_MAP_H
-#define TARND_QRB_MEMORY_MAP_H
+#pragma once
 
 #include <assert.h>
 #include <stddef.h>
@@ -23,15 +22,15 @@ extern "C" {
 
 /* A module. Its place in the map is its module id. */
 typedef struct {
-    const char* name;   /* as the accounting service knows it; distinct */
-    uint16_t    handle; /* the service's handle for that name */
+    const char* name; /* as the accounting service knows it; distinct */
+    uint16_t handle;  /* the service's handle for that name */
 } MEM_EX_MODULE_S;
 static_assert(sizeof(MEM_EX_MODULE_S) == 16 && offsetof(MEM_EX_MODULE_S, handle) == 8,
               "MEM_EX_MODULE_S has another layout");
 
 /* A module's line of the usage report. */
 typedef struct {
-    char     name[MEM_EX_NAME_SIZE];
+    char name[MEM_EX_NAME_SIZE];
     uint64_t bytes;  /* in use: the first figure of meminfo_get */
     uint64_t blocks; /* in use: the second */
 } MEM_EX_DETAILED_INFO_S;
@@ -76,6 +75,4 @@ uint32_t MEM_EX_CopyDetailedInfo(MEM_EX_DETAILED_INFO_S* entries, uint32_t count
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -11,12 +11,12 @@
  * Every function runs on any thread and keeps nothing between calls. Null is not checked. Arguments
  * called unused are not looked at.
  */
-#ifndef TARND_QRB_QOS_H
-#define TARND_QRB_QOS_H
+#pragma once
 
 #include <assert.h>
 #include <stddef.h>
 #include <stdint.h>
+
 #include <tarnd_platform/orm.h>
 
 #ifdef __cplusplus
@@ -36,15 +36,15 @@ typedef struct {
 
 /* What is known of one profile. The members leave no gaps; nothing is written behind the last. */
 typedef struct {
-    uint32_t  valid; /* 1 once anything is set */
+    uint32_t valid; /* 1 once anything is set */
     QOS_CAR_S car0;
     QOS_CAR_S car1;
-    uint8_t   pri8021pValid; /* 1 once an 802.1p priority is set */
-    uint8_t   pri8021p0;     /* low byte of field 1 of "remark_8021p_list" */
-    uint8_t   pri8021p1;
-    uint8_t   dscpValid; /* 1 once a DSCP is set */
-    uint8_t   dscp0;     /* low byte of field 1 of "remark_dscp_list" */
-    uint8_t   dscp1;
+    uint8_t pri8021pValid; /* 1 once an 802.1p priority is set */
+    uint8_t pri8021p0;     /* low byte of field 1 of "remark_8021p_list" */
+    uint8_t pri8021p1;
+    uint8_t dscpValid; /* 1 once a DSCP is set */
+    uint8_t dscp0;     /* low byte of field 1 of "remark_dscp_list" */
+    uint8_t dscp1;
 } QOS_PROFILE_INFO_S;
 static_assert(sizeof(QOS_CAR_S) == 20, "QOS_CAR_S has the wrong size");
 static_assert(offsetof(QOS_PROFILE_INFO_S, car0) == 4, "car0 is off its position");
@@ -85,6 +85,4 @@ void QOS_AssignCars(QOS_PROFILE_INFO_S* info, uint32_t item, uint32_t field1, ui
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -11,12 +11,12 @@
  * on any thread and keeps nothing between calls. The scans log the end of a table like an error.
  * Null is checked where a comment says so.
  */
-#ifndef TARND_QRB_ROUTE_H
-#define TARND_QRB_ROUTE_H
+#pragma once
 
 #include <assert.h>
 #include <stddef.h>
 #include <stdint.h>
+
 #include <tarnd_platform/orm.h>
 
 #ifdef __cplusplus
@@ -43,7 +43,7 @@ static_assert(offsetof(FIB_NHP_S, secondValue) == 4, "FIB_NHP_S.secondValue is o
 
 typedef struct {
     uint32_t address;
-    uint8_t  prefixLen; /* 0 to 32; a longer prefix covers nothing */
+    uint8_t prefixLen; /* 0 to 32; a longer prefix covers nothing */
 } FIB_PREFIX_S;
 static_assert(offsetof(FIB_PREFIX_S, prefixLen) == 4, "FIB_PREFIX_S.prefixLen is off its position");
 
@@ -100,6 +100,4 @@ uint32_t FIB_ScanNhpStd(uint32_t nhpIndex, uint32_t* firstValue, uint32_t* secon
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -10,8 +10,7 @@
  * Results: 0, or 1 for every failure, which is logged. What a failed subscription leaves behind is
  * told in tarnd_qrb/listener.h, under QrbDbListenerRegisterEvent.
  */
-#ifndef TARND_QRB_SUBSCRIPTION_H
-#define TARND_QRB_SUBSCRIPTION_H
+#pragma once
 
 #include <stdint.h>
 
@@ -38,6 +37,4 @@ uint32_t QRB_EVENT_SubToIfBaseTable(void);
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

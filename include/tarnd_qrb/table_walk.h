@@ -11,10 +11,10 @@
  * not open (First: is open), or a failure (logged). Rows come in the database's order. No lock:
  * callers serialise their use of each walk. Null is not checked.
  */
-#ifndef TARND_QRB_TABLE_WALK_H
-#define TARND_QRB_TABLE_WALK_H
+#pragma once
 
 #include <stdint.h>
+
 #include <tarnd_platform/orm.h>
 
 #ifdef __cplusplus
@@ -23,11 +23,11 @@ extern "C" {
 
 /* The walks: both of a pair are 0, or both belong to an open walk. */
 extern ORM_SESSION g_ScanIndexSession;
-extern ORM_SCAN    g_IndexScanHandle;
+extern ORM_SCAN g_IndexScanHandle;
 extern ORM_SESSION g_ScanPortSession;
-extern ORM_SCAN    g_PortScanHandle;
+extern ORM_SCAN g_PortScanHandle;
 extern ORM_SESSION g_ScanVlanSession;
-extern ORM_SCAN    g_VlanScanHandle;
+extern ORM_SCAN g_VlanScanHandle;
 
 /* Under their own names. First and Next leave the output untouched when they answer 1. Finish
    closes the walk whatever happens; 1 when that fails, as it does for a walk that is not open (both
@@ -68,6 +68,4 @@ uint32_t L2IF_ScanVlanFinish(void);
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

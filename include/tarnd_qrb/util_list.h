@@ -51,8 +51,7 @@
  * Cost: constant, but for what looks at elements one by one (sorted insertion, FindIf, CountIf,
  * RemoveIf, Clear, copying), which is one call of a callback for each element visited.
  */
-#ifndef TARND_QRB_UTIL_LIST_H
-#define TARND_QRB_UTIL_LIST_H
+#pragma once
 
 #include <assert.h>
 #include <stdbool.h>
@@ -81,13 +80,13 @@ typedef bool (*UTIL_LIST_PREDICATE_FUNC)(const void* element, uint64_t context);
 
 /* What a list's elements are. Must outlive the list. */
 typedef struct {
-    uint64_t                elemSize; /* bytes */
-    void*                   reserved1;
-    UTIL_LIST_DESTRUCT_FUNC destruct;      /* null: an element owns nothing */
-    UTIL_LIST_COPY_FUNC     constructCopy; /* null: the bytes are copied */
-    UTIL_LIST_MOVE_FUNC     constructMove; /* null: the bytes are copied */
-    void*                   reserved5;
-    UTIL_LIST_PRINT_FUNC    print; /* only for UTIL_LIST_PrintCallback */
+    uint64_t elemSize; /* bytes */
+    void* reserved1;
+    UTIL_LIST_DESTRUCT_FUNC destruct;  /* null: an element owns nothing */
+    UTIL_LIST_COPY_FUNC constructCopy; /* null: the bytes are copied */
+    UTIL_LIST_MOVE_FUNC constructMove; /* null: the bytes are copied */
+    void* reserved5;
+    UTIL_LIST_PRINT_FUNC print; /* only for UTIL_LIST_PrintCallback */
 } UTIL_LIST_TRAITS_S;
 
 /* A node. The elemSize bytes of its element follow, at offset 16: UTIL_LIST_Data. */
@@ -99,9 +98,9 @@ typedef struct UTIL_LIST_NODE_S {
 /* A list, usually by value in its owner. Members are for reading. */
 typedef struct {
     const UTIL_LIST_TRAITS_S* traits;
-    UTIL_LIST_NODE_S*         head;
-    UTIL_LIST_NODE_S*         tail;
-    uint64_t                  count;
+    UTIL_LIST_NODE_S* head;
+    UTIL_LIST_NODE_S* tail;
+    uint64_t count;
 } UTIL_LIST_S;
 
 typedef struct UTIL_LIST_ITER_METHODS_S UTIL_LIST_ITER_METHODS_S;
@@ -109,8 +108,8 @@ typedef struct UTIL_LIST_ITER_METHODS_S UTIL_LIST_ITER_METHODS_S;
 /* A place in a list: a node, or the end, one past the tail. Passed by value. It stays valid until
    its node is removed. */
 typedef struct {
-    UTIL_LIST_NODE_S*               node; /* null: the end */
-    UTIL_LIST_S*                    list;
+    UTIL_LIST_NODE_S* node; /* null: the end */
+    UTIL_LIST_S* list;
     const UTIL_LIST_ITER_METHODS_S* methods;
 } UTIL_LIST_ITER_S;
 
@@ -284,19 +283,17 @@ extern const UTIL_LIST_TRAITS_S g_utilListByPtrTraits;
 
 /* Callbacks of g_utilListByValueTraits: elements are lists. The status is always 0. Printing prints
    each inner element, where the inner list's traits can. */
-void     UTIL_LIST_DestructCallback(void* element);
+void UTIL_LIST_DestructCallback(void* element);
 uint32_t UTIL_LIST_ConstructCopyCallback(void* element, const void* value);
 uint32_t UTIL_LIST_ConstructMoveCallback(void* element, void* value);
-void     UTIL_LIST_PrintCallback(const void* element);
+void UTIL_LIST_PrintCallback(const void* element);
 
 /* Callbacks of g_utilListByPtrTraits: elements are pointers to lists. */
-void     UTIL_LIST_DeleteCallback(void* element);
+void UTIL_LIST_DeleteCallback(void* element);
 uint32_t UTIL_LIST_ConstructPtrCopyCallback(void* element, const void* value); /* 0, 1 no memory */
 uint32_t UTIL_LIST_ConstructPtrMoveCallback(void* element, void* value);       /* always 0 */
-void     UTIL_LIST_PrintPtrCallback(const void* element);
+void UTIL_LIST_PrintPtrCallback(const void* element);
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -6,10 +6,10 @@
  * queries that know only the id look in scope (0, 0) unless a comment says otherwise. Every
  * function runs on any thread and keeps nothing between calls. Pointers are not checked for null.
  */
-#ifndef TARND_QRB_VLAN_H
-#define TARND_QRB_VLAN_H
+#pragma once
 
 #include <stdint.h>
+
 #include <tarnd_platform/orm.h>
 
 #ifdef __cplusplus
@@ -69,6 +69,4 @@ uint32_t L2IF_DB_ScanVlanId(ORM_SESSION session, void* vlanId, uint32_t index);
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

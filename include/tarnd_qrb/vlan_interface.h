@@ -6,8 +6,7 @@
  * between calls. Failures are logged unless a comment calls them silent. Null is checked where a
  * comment says so.
  */
-#ifndef TARND_QRB_VLAN_INTERFACE_H
-#define TARND_QRB_VLAN_INTERFACE_H
+#pragma once
 
 #include <stdint.h>
 
@@ -44,6 +43,4 @@ uint32_t BDS_IfnetGetVlanIdByIfIndex(uint32_t ifIndex, uint32_t* vlanId);
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -1,10 +1,10 @@
 // Memory and string functions that know their destination's size.
-#include <tarnd_platform/bounded.h>
-
 #include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+
+#include <tarnd_platform/bounded.h>
 
 namespace {
 
@@ -23,7 +23,7 @@ constexpr size_t HALF = 16;
 // the last, which meet or overlap.
 void CopyInHalves(void* destination, const void* source, size_t count)
 {
-    const size_t           last = count - HALF;
+    const size_t last = count - HALF;
     std::array<char, HALF> first;
     std::array<char, HALF> second;
     memcpy(first.data(), source, HALF);

@@ -8,8 +8,8 @@
 namespace standin {
 
 struct Change {
-    TableStore*      store;
-    uint32_t         event;   // ORM_EVENT_*
+    TableStore* store;
+    uint32_t event;           // ORM_EVENT_*
     const StoredRow* before;  // null where there was none
     const StoredRow* after;   // null where there is none now
 };

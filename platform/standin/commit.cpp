@@ -35,8 +35,8 @@ std::string Described(const Row& row, const Field& field)
 [[noreturn]] void Refuse(const PreparedWrite& write, const Key& key, std::string_view reason)
 {
     const Table& table = write.store->Description();
-    const Row    row   = Detached(table, *write.row);
-    std::string  text(table.name);
+    const Row row = Detached(table, *write.row);
+    std::string text(table.name);
     for (const Field* member : key.members) {
         text += (member == key.members.front() ? ": " : ", ") + Described(row, *member);
     }
@@ -47,7 +47,7 @@ std::string Described(const Row& row, const Field& field)
 Change Examine(const PreparedWrite& write)
 {
     const StoredRow* present = write.store->FindLike(*write.row);
-    const Key&       primary = write.store->Description().keys.front();
+    const Key& primary = write.store->Description().keys.front();
     if (write.event == ORM_EVENT_INSERT && present != nullptr) {
         Refuse(write, primary, "there is such a row already");
     }
@@ -107,13 +107,13 @@ Rooms MakeRooms(const std::vector<PreparedWrite>& writes)
 
 struct Outcome {
     std::vector<Change> changes;
-    Announcement        announcement;
+    Announcement announcement;
 };
 
 // Readers are kept out from here to the end.
 Outcome CarryOut(const std::vector<PreparedWrite>& writes, Rooms& rooms)
 {
-    Outcome              outcome;
+    Outcome outcome;
     std::vector<Change>& changes = outcome.changes;
     changes.reserve(writes.size());
     const Alone alone;
@@ -141,7 +141,7 @@ Outcome CarryOut(const std::vector<PreparedWrite>& writes, Rooms& rooms)
 void Commit(std::vector<PreparedWrite> writes)
 {
     const std::lock_guard lock(writer);
-    Rooms                 rooms  = MakeRooms(writes);
+    Rooms rooms = MakeRooms(writes);
     auto [changes, announcement] = CarryOut(writes, rooms);
     for (PreparedWrite& write : writes) {
         if (write.event != ORM_EVENT_DELETE) {

@@ -10,8 +10,8 @@ namespace standin {
 
 struct PreparedWrite {
     TableStore* store;
-    uint32_t    event;  // ORM_EVENT_*
-    NewRow      row;    // of a deletion, only the primary key counts
+    uint32_t event;  // ORM_EVENT_*
+    NewRow row;      // of a deletion, only the primary key counts
 };
 
 // All of them in order, or, with an Error for the first that is refused, none.

@@ -72,8 +72,8 @@ std::optional<Bytes> ValueBytes(const Field& field, std::string_view text)
 std::optional<Condition> Condition::Parse(const Table& table, std::string_view text)
 {
     constexpr std::string_view equals = " = ";
-    constexpr std::string_view joint  = " and ";
-    Condition                  condition;
+    constexpr std::string_view joint = " and ";
+    Condition condition;
     for (;;) {
         const size_t sign = text.find(equals);
         if (sign == std::string_view::npos) {

@@ -27,7 +27,7 @@ public:
 
 private:
     struct Term {
-        uint32_t             offset;
+        uint32_t offset;
         std::vector<uint8_t> bytes;  // of the field's width
     };
 

@@ -53,13 +53,13 @@ uint32_t EventsIn(const json& definition)
 
 std::optional<Definition> ParseDefinition(std::string_view text)
 {
-    constexpr bool throwing   = false;
-    const json     definition = json::parse(text, nullptr, throwing);
+    constexpr bool throwing = false;
+    const json definition = json::parse(text, nullptr, throwing);
     if (!definition.is_object()) {
         return std::nullopt;
     }
-    const TableStore* store  = FindStore(TextIn(definition, "label_name"));
-    const uint32_t    events = EventsIn(definition);
+    const TableStore* store = FindStore(TextIn(definition, "label_name"));
+    const uint32_t events = EventsIn(definition);
     return store != nullptr && events != 0 ? std::optional(Definition{store, events})
                                            : std::nullopt;
 }

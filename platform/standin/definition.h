@@ -10,7 +10,7 @@ namespace standin {
 
 struct Definition {
     const TableStore* store;
-    uint32_t          events;  // a bit for each ORM_EVENT_*
+    uint32_t events;  // a bit for each ORM_EVENT_*
 
     bool Covers(const TableStore& changed, uint32_t event) const
     {

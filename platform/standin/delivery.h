@@ -24,11 +24,11 @@ public:
         ForEachRow([](const StoredRow* row) { row->references++; });
     }
     ~Delivery() { ForEachRow(Release); }
-    Delivery(const Delivery&)            = delete;
+    Delivery(const Delivery&) = delete;
     Delivery& operator=(const Delivery&) = delete;
 
     const std::vector<Change>& Changes() const { return changes_; }
-    Time                       Committed() const { return committed_; }
+    Time Committed() const { return committed_; }
 
     void Run(ORM_MESSAGE message) const { callback_(message, changes_.front().event); }
 
@@ -45,9 +45,9 @@ private:
         }
     }
 
-    ORM_SUB_CALLBACK    callback_;
+    ORM_SUB_CALLBACK callback_;
     std::vector<Change> changes_;  // never empty
-    Time                committed_;
+    Time committed_;
 };
 
 // A list holds no memory for deliveries that are gone, and gives one away without needing any.

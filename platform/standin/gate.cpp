@@ -13,7 +13,7 @@ namespace {
 // again a few times, then let others run, then sleep.
 void WaitUntilLeft(const ThreadSlot& thread)
 {
-    constexpr int spins  = 200;
+    constexpr int spins = 200;
     constexpr int yields = 20;
     for (int round = 0; thread.reading.load() != 0; round++) {
         if (round >= spins + yields) {

@@ -39,7 +39,7 @@ class Inside {
 public:
     Inside() : thread_(OwnSlot()) { gate.Enter(thread_); }
     ~Inside() { Gate::Leave(thread_); }
-    Inside(const Inside&)            = delete;
+    Inside(const Inside&) = delete;
     Inside& operator=(const Inside&) = delete;
 
 private:
@@ -50,7 +50,7 @@ class Alone {
 public:
     Alone() { gate.Close(); }
     ~Alone() { gate.Open(); }
-    Alone(const Alone&)            = delete;
+    Alone(const Alone&) = delete;
     Alone& operator=(const Alone&) = delete;
 };
 

@@ -19,7 +19,7 @@ enum class HandleKind : uint64_t {
 };
 
 constexpr unsigned placeBits = 16;
-constexpr unsigned useBits   = 44;
+constexpr unsigned useBits = 44;
 
 constexpr uint64_t LowBits(uint64_t value, unsigned bits)
 {
@@ -45,8 +45,8 @@ constexpr uint32_t PlaceOf(uint64_t handle)
 // What the lower bits of a list's or an item's handle hold.
 struct NodeUse {
     static constexpr unsigned stampBits = 20;
-    static constexpr unsigned listBits  = 4;
-    static constexpr unsigned itemBits  = 20;
+    static constexpr unsigned listBits = 4;
+    static constexpr unsigned itemBits = 20;
     static_assert(stampBits + listBits + itemBits == useBits);
 
     uint64_t stamp;  // of the session's position

@@ -34,7 +34,7 @@ size_t KeyIndex::BucketOf(const StoredRow& row) const
 void KeyIndex::Insert(const StoredRow& row)
 {
     const uint64_t hash = HashOf(KeyOf(row));
-    size_t         at   = Home(hash);
+    size_t at = Home(hash);
     while (buckets_[at] != empty) {
         at = Next(at);
     }
@@ -51,12 +51,12 @@ void KeyIndex::Exchange(const StoredRow& present, const StoredRow& other)
 void KeyIndex::Remove(const StoredRow& row)
 {
     const size_t mask = buckets_.size() - 1;
-    size_t       gap  = BucketOf(row);
+    size_t gap = BucketOf(row);
     for (size_t at = Next(gap); buckets_[at] != empty; at = Next(at)) {
         const size_t home = Home(HashOf(KeyOf(*RowIn(buckets_[at]))));
         if (((at - home) & mask) >= ((at - gap) & mask)) {
             buckets_[gap] = buckets_[at];
-            gap           = at;
+            gap = at;
         }
     }
     buckets_[gap] = empty;

@@ -40,7 +40,7 @@ public:
     const Key& Description() const { return *key_; }
 
     // Whether rows more would leave the table too full, or leave it nearly empty.
-    bool     Fits(size_t more) const;
+    bool Fits(size_t more) const;
     KeyIndex Resized(size_t more) const;
 
 private:
@@ -50,10 +50,10 @@ private:
     // which spares looking at most rows that are not the one.
     using Bucket = uint64_t;
 
-    static constexpr size_t   smallest    = 16;
-    static constexpr Bucket   empty       = 0;
+    static constexpr size_t smallest = 16;
+    static constexpr Bucket empty = 0;
     static constexpr unsigned addressBits = 48;
-    static constexpr Bucket   addressMask = (Bucket{1} << addressBits) - 1;
+    static constexpr Bucket addressMask = (Bucket{1} << addressBits) - 1;
 
     static const StoredRow* RowIn(Bucket bucket)
     {
@@ -61,7 +61,7 @@ private:
         return reinterpret_cast<const StoredRow*>(bucket & addressMask);
     }
     static Bucket Tag(uint64_t hash) { return hash << 16 & ~addressMask; }
-    static bool   SameTag(Bucket bucket, uint64_t hash)
+    static bool SameTag(Bucket bucket, uint64_t hash)
     {
         return (bucket & ~addressMask) == Tag(hash);
     }
@@ -71,24 +71,24 @@ private:
     }
 
     const uint8_t* KeyOf(const StoredRow& row) const { return row.Record() + key_->offset; }
-    uint64_t       HashOf(const void* key) const;
-    bool           SameKey(const void* one, const void* other) const;
+    uint64_t HashOf(const void* key) const;
+    bool SameKey(const void* one, const void* other) const;
 
     // The place is the hash's upper end, the tag lies in its middle.
     size_t Home(uint64_t hash) const { return hash >> homeShift_; }
     size_t Next(size_t at) const { return (at + 1) & (buckets_.size() - 1); }
     size_t BucketOf(const StoredRow& row) const;
 
-    const Key*          key_;
+    const Key* key_;
     std::vector<Bucket> buckets_;  // a power of two, never full
-    int                 homeShift_;
-    size_t              count_ = 0;
+    int homeShift_;
+    size_t count_ = 0;
 };
 
 inline uint64_t MixBits(uint64_t one, uint64_t other)
 {
     __extension__ using Wide = unsigned __int128;
-    const Wide product       = static_cast<Wide>(one) * other;
+    const Wide product = static_cast<Wide>(one) * other;
     return static_cast<uint64_t>(product) ^ static_cast<uint64_t>(product >> 64);
 }
 
@@ -99,8 +99,8 @@ inline uint64_t HashBytes(const void* bytes, size_t size)
 {
     constexpr uint64_t odd = 0xD6E8FEB86659FD93;
 
-    const auto* at   = static_cast<const uint8_t*>(bytes);
-    uint64_t    hash = odd + size;
+    const auto* at = static_cast<const uint8_t*>(bytes);
+    uint64_t hash = odd + size;
     for (; size >= 8; at += 8, size -= 8) {
         uint64_t word = 0;
         std::memcpy(&word, at, 8);

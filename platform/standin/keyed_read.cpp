@@ -15,12 +15,12 @@ void KeyedRead::Prepare(const TableStore& store)
 
 uint32_t KeyedRead::ChooseKey(std::string_view name)
 {
-    const auto keys  = store_->Description().keys;
+    const auto keys = store_->Description().keys;
     const auto found = std::ranges::find(keys, name, &Key::name);
     if (found == keys.end()) {
         return Refusal::UnknownKey;
     }
-    key_     = static_cast<size_t>(found - keys.begin());
+    key_ = static_cast<size_t>(found - keys.begin());
     missing_ = (1U << found->members.size()) - 1;
     return ORM_OK;
 }

@@ -13,7 +13,7 @@ namespace standin {
 
 namespace {
 
-std::mutex        mutex;
+std::mutex mutex;
 std::atomic<bool> empty = true;
 
 // Never destroyed: other threads may still be at work when the process ends.
@@ -43,9 +43,9 @@ void Keep(const StoredRow* row)
 void Sweep()
 {
     const std::lock_guard lock(mutex);
-    auto&                 rows     = Rows();
-    const auto            pinned   = PinnedRows();
-    const auto            isPinned = [&](const StoredRow* row) {
+    auto& rows = Rows();
+    const auto pinned = PinnedRows();
+    const auto isPinned = [&](const StoredRow* row) {
         return std::ranges::binary_search(pinned, row);
     };
     const auto free = std::partition(rows.begin(), rows.end(), isPinned);

@@ -7,8 +7,6 @@
 //
 // Small blocks that come back are kept on the sheet too, in piles by size, for the thread's next of
 // that size.
-#include <tarnd_platform/memory.h>
-
 #include <pthread.h>
 
 #include <algorithm>
@@ -22,6 +20,8 @@
 #include <string_view>
 #include <vector>
 
+#include <tarnd_platform/memory.h>
+
 #include "pile.h"
 
 namespace {
@@ -30,8 +30,8 @@ using standin::Pile;
 
 constexpr uint32_t SELECTOR_IN_USE = 5;
 
-constexpr uint16_t NOBODY      = 0;    // charged for handles that were never given out
-constexpr size_t   HANDLE_ENDS = 256;  // handles are below
+constexpr uint16_t NOBODY = 0;       // charged for handles that were never given out
+constexpr size_t HANDLE_ENDS = 256;  // handles are below
 
 // What stands before every block. The charge goes by it, whatever handle a block comes back under.
 // Blocks are small and many, so it is packed: sizes and addresses have 48 bits.
@@ -40,7 +40,7 @@ struct alignas(std::max_align_t) Header {
     uint64_t handleAndFile;
 
     uint16_t Handle() const { return static_cast<uint16_t>(handleAndFile >> 48); }
-    size_t   Size() const { return lineAndSize << 16 >> 16; }
+    size_t Size() const { return lineAndSize << 16 >> 16; }
 };
 
 constexpr size_t SIZE_ENDS = size_t{1} << 48;
@@ -66,22 +66,22 @@ size_t GrainsOf(size_t size)
 
 struct alignas(64) Sheet {
     std::array<Figures, HANDLE_ENDS> figures;
-    std::array<Pile, PILES>          piles;  // by grains, the header's left out
-    Sheet*                           next;
-    bool                             inUse;  // by a thread
+    std::array<Pile, PILES> piles;  // by grains, the header's left out
+    Sheet* next;
+    bool inUse;  // by a thread
 };
 
 constinit std::mutex mutex;  // guards the list of sheets, their inUse, and the names
-constinit Sheet*     sheets = nullptr;
+constinit Sheet* sheets = nullptr;
 // Where a thread counts that has no memory for a sheet.
-constinit Sheet                                                  spare = {};
-[[gnu::tls_model("initial-exec")]] constinit thread_local Sheet* mine  = nullptr;
+constinit Sheet spare = {};
+[[gnu::tls_model("initial-exec")]] constinit thread_local Sheet* mine = nullptr;
 
 void Leave(void* sheet)
 {
     const std::lock_guard lock(mutex);
     static_cast<Sheet*>(sheet)->inUse = false;
-    mine                              = nullptr;
+    mine = nullptr;
 }
 
 Sheet* FindUnused()
@@ -98,8 +98,8 @@ Sheet* FindUnused()
 Sheet* TakeSheet()
 {
     const std::lock_guard lock(mutex);
-    static pthread_key_t  atThreadEnd;
-    static const bool     hasKey = pthread_key_create(&atThreadEnd, Leave) == 0;
+    static pthread_key_t atThreadEnd;
+    static const bool hasKey = pthread_key_create(&atThreadEnd, Leave) == 0;
     if (!hasKey) {
         return nullptr;
     }
@@ -110,7 +110,7 @@ Sheet* TakeSheet()
             return nullptr;
         }
         sheet->next = sheets;
-        sheets      = sheet;
+        sheets = sheet;
     }
     if (pthread_setspecific(atThreadEnd, sheet) != 0) {
         return nullptr;
@@ -188,8 +188,8 @@ uint32_t mem_handle_get(const char* name)
         return NOBODY;
     }
     const std::lock_guard lock(mutex);
-    const auto            found = std::find(names.begin() + 1, names.end(), std::string_view(name));
-    const auto            handle = static_cast<uint32_t>(found - names.begin());
+    const auto found = std::find(names.begin() + 1, names.end(), std::string_view(name));
+    const auto handle = static_cast<uint32_t>(found - names.begin());
     if (handle == HANDLE_ENDS) {
         return NOBODY;
     }
@@ -205,8 +205,8 @@ void* malloc_ex(uint16_t handle, const char* file, uint32_t line, size_t size)
         return nullptr;
     }
     const uint16_t charged = handle < HANDLE_ENDS ? handle : NOBODY;
-    Pile*          pile    = OwnPile(size);
-    void*          block   = pile != nullptr ? pile->Take() : nullptr;
+    Pile* pile = OwnPile(size);
+    void* block = pile != nullptr ? pile->Take() : nullptr;
     return block != nullptr ? Label(block, charged, file, line, size)
                             : TakeNew(charged, file, line, size);
 }
@@ -216,10 +216,10 @@ void free_ex(uint16_t /*handle*/, void* memory)
     if (memory == nullptr) {
         return;
     }
-    auto*          header  = static_cast<Header*>(memory) - 1;
+    auto* header = static_cast<Header*>(memory) - 1;
     const uint16_t charged = header->Handle();
-    const size_t   size    = header->Size();
-    Pile*          pile    = OwnPile(size);
+    const size_t size = header->Size();
+    Pile* pile = OwnPile(size);
     if (pile != nullptr && pile->Put(header)) {
         Charge(charged, -static_cast<int64_t>(size), -1);
     } else {
@@ -234,14 +234,14 @@ uint32_t meminfo_get(uint32_t selector, uint16_t handle, uint64_t* first, uint64
         return 1;
     }
     const std::lock_guard lock(mutex);
-    int64_t               bytes  = spare.figures[handle].bytes;
-    int64_t               blocks = spare.figures[handle].blocks;
+    int64_t bytes = spare.figures[handle].bytes;
+    int64_t blocks = spare.figures[handle].blocks;
     for (const Sheet* sheet = sheets; sheet != nullptr; sheet = sheet->next) {
         bytes += sheet->figures[handle].bytes.load(std::memory_order_relaxed);
         blocks += sheet->figures[handle].blocks.load(std::memory_order_relaxed);
     }
     // While other threads take and give back, a block's return may be seen without its taking.
-    *first  = static_cast<uint64_t>(std::max<int64_t>(bytes, 0));
+    *first = static_cast<uint64_t>(std::max<int64_t>(bytes, 0));
     *second = static_cast<uint64_t>(std::max<int64_t>(blocks, 0));
     return 0;
 }

@@ -22,7 +22,7 @@ template <typename Action>
 uint32_t OnPosition(uint64_t handle, Action action)
 {
     const bool isMessage = KindOf(handle) == HandleKind::Message;
-    Session*   session = FindSession(isMessage ? HandleKind::Message : HandleKind::Session, handle);
+    Session* session = FindSession(isMessage ? HandleKind::Message : HandleKind::Session, handle);
     return session == nullptr ? Refusal::UnknownHandle : action(session->position);
 }
 

@@ -20,7 +20,7 @@ uint32_t ReadOne(const TableStore& store, const void* key, uint32_t keyLength, v
     if (keyLength != table.keys.front().width || recordLength != table.recordSize) {
         return Refusal::WrongSize;
     }
-    const Inside     inside;
+    const Inside inside;
     const StoredRow* row = store.Find(0, key);
     if (row == nullptr) {
         return ORM_NO_RECORD;
@@ -198,13 +198,13 @@ namespace {
 
 struct [[gnu::packed]] GroupKey {
     const char* name;
-    uint8_t     kind;
+    uint8_t kind;
 };
 
 struct [[gnu::packed]] GroupRecord {
     uint32_t capacity;
-    char*    name;
-    uint8_t  untouched[17];
+    char* name;
+    uint8_t untouched[17];
 };
 
 constexpr uint32_t groupNameWidth = 65;
@@ -250,7 +250,7 @@ uint32_t OrmgAclGroupIdGetAllFieldsInner(ORM_SESSION session, void* record, uint
             return Refusal::WrongOrder;
         }
         const uint32_t read = position.CopyField("name", name, sizeof(name));
-        const size_t   size = strnlen(name, sizeof(name) - 1) + 1;
+        const size_t size = strnlen(name, sizeof(name) - 1) + 1;
         if (read != ORM_OK || size > given.capacity) {
             return Refusal::WrongSize;
         }

@@ -11,14 +11,14 @@ namespace {
 
 // What a node's handle stands for, if its session still is where it was.
 struct Node {
-    const Position*          position = nullptr;  // null: a stale handle, or none
-    const List*              list     = nullptr;
+    const Position* position = nullptr;  // null: a stale handle, or none
+    const List* list = nullptr;
     std::span<const uint8_t> items;
 };
 
 Node FindNode(HandleKind kind, ORM_NODE handle)
 {
-    const NodeUse  use     = NodeUse::Of(handle);
+    const NodeUse use = NodeUse::Of(handle);
     const Session* session = KindOf(handle) == kind ? SessionAt(handle) : nullptr;
     if (session == nullptr || session->position.Stamp() != use.stamp) {
         return {};
@@ -47,8 +47,8 @@ uint32_t GetList(ORM_SESSION session, const Position& position, std::string_view
         return Refusal::WrongOrder;
     }
     const Table& table = position.Store()->Description();
-    const auto   found = std::ranges::find(table.lists, name, &List::name);
-    const auto   list  = static_cast<size_t>(found - table.lists.begin());
+    const auto found = std::ranges::find(table.lists, name, &List::name);
+    const auto list = static_cast<size_t>(found - table.lists.begin());
     if (found == table.lists.end() || !position.Row()->Items(table, list)) {
         return ORM_NO_LIST;
     }
@@ -97,8 +97,8 @@ uint32_t OrmNodeGetItemByIdx(ORM_NODE node, uint32_t index, ORM_NODE* item)
         return Refusal::NoSuchItem;
     }
     NodeUse use = NodeUse::Of(node);
-    use.item    = index;
-    *item       = MakeHandle(HandleKind::Item, PlaceOf(node), use.Packed());
+    use.item = index;
+    *item = MakeHandle(HandleKind::Item, PlaceOf(node), use.Packed());
     return ORM_OK;
 }
 
@@ -107,7 +107,7 @@ uint32_t OrmNodeGetFieldById(ORM_NODE item, uint32_t field, void* destination, u
     if (destination == nullptr) {
         return Refusal::NullArgument;
     }
-    const Node   list  = FindNode(HandleKind::Item, item);
+    const Node list = FindNode(HandleKind::Item, item);
     const size_t index = NodeUse::Of(item).item;
     if (list.position == nullptr || index >= Count(list)) {
         return Refusal::UnknownHandle;

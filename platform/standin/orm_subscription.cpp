@@ -63,8 +63,8 @@ uint32_t SelectObject(Session& message, uint32_t object)
     if (message.fetched == 0 || message.fetched > changes.size()) {
         return Refusal::WrongOrder;
     }
-    const Change&    change = changes[message.fetched - 1];
-    const StoredRow* row    = object == ORM_OBJECT_OLD ? change.before : change.after;
+    const Change& change = changes[message.fetched - 1];
+    const StoredRow* row = object == ORM_OBJECT_OLD ? change.before : change.after;
     if (row == nullptr) {
         message.position.Leave();
         return ORM_NO_RECORD;

@@ -35,7 +35,7 @@ public:
 
 private:
     struct Kept {
-        Kept*  below;
+        Kept* below;
         size_t height;
     };
 

@@ -20,7 +20,7 @@ public:
     {
         rows_[place].store(&row, std::memory_order_release);
     }
-    void             SetCount(uint32_t count) { count_.store(count, std::memory_order_release); }
+    void SetCount(uint32_t count) { count_.store(count, std::memory_order_release); }
     const StoredRow* At(uint32_t place) const
     {
         return rows_[place].load(std::memory_order_relaxed);
@@ -37,8 +37,8 @@ public:
     }
 
 private:
-    std::array<std::atomic<const StoredRow*>, capacity> rows_  = {};
-    std::atomic<uint32_t>                               count_ = 0;
+    std::array<std::atomic<const StoredRow*>, capacity> rows_ = {};
+    std::atomic<uint32_t> count_ = 0;
 };
 
 }  // namespace standin

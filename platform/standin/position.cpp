@@ -12,7 +12,7 @@ void Position::MoveTo(const TableStore& store, const StoredRow& row)
 {
     Leave();
     store_ = &store;
-    row_   = &row;
+    row_ = &row;
 }
 
 void Position::Leave()

@@ -13,8 +13,8 @@ public:
     void MoveTo(const TableStore& store, const StoredRow& row);
     void Leave();
 
-    bool              IsOn(const Table& table) const;
-    const StoredRow*  Row() const { return row_; }
+    bool IsOn(const Table& table) const;
+    const StoredRow* Row() const { return row_; }
     const TableStore* Store() const { return store_; }
 
     uint32_t CopyField(std::string_view field, void* destination, uint32_t size) const;
@@ -26,8 +26,8 @@ public:
 private:
     uint32_t Copy(const Field* field, void* destination, uint32_t size) const;
 
-    const TableStore*     store_ = nullptr;
-    const StoredRow*      row_   = nullptr;
+    const TableStore* store_ = nullptr;
+    const StoredRow* row_ = nullptr;
     std::atomic<uint32_t> stamp_ = 0;  // looked at through stale handles, on any thread
 };
 

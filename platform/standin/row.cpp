@@ -116,7 +116,7 @@ Row& Row::AddToSet(std::string_view field, uint32_t first, uint32_t last)
     }
     for (uint32_t bit = first; bit <= last; bit++) {
         uint8_t& byte = record_[found.offset + bit / 8];
-        byte          = static_cast<uint8_t>(byte | 0x80 >> bit % 8);
+        byte = static_cast<uint8_t>(byte | 0x80 >> bit % 8);
     }
     return *this;
 }
@@ -132,8 +132,8 @@ Row& Row::MakeList(std::string_view list)
 
 Row& Row::AddItem(std::string_view list, std::span<const uint64_t> values)
 {
-    const size_t place       = ListNamed(*table_, list);
-    const List&  description = table_->lists[place];
+    const size_t place = ListNamed(*table_, list);
+    const List& description = table_->lists[place];
     if (values.size() != description.fields.size()) {
         Refuse(*table_, list,
                "an item has " + std::to_string(description.fields.size()) + " values");
@@ -153,8 +153,8 @@ Row& Row::AddItem(std::string_view list, std::span<const uint64_t> values)
 
 uint64_t Row::Number(std::string_view field) const
 {
-    const Field& found  = NumberField(*table_, field);
-    uint64_t     number = 0;
+    const Field& found = NumberField(*table_, field);
+    uint64_t number = 0;
     std::memcpy(&number, &record_[found.offset], found.width);
     return number;
 }
@@ -162,7 +162,7 @@ uint64_t Row::Number(std::string_view field) const
 std::string_view Row::Text(std::string_view field) const
 {
     const Field& found = TextField(*table_, field);
-    const auto*  text  = reinterpret_cast<const char*>(&record_[found.offset]);
+    const auto* text = reinterpret_cast<const char*>(&record_[found.offset]);
     return {text, strnlen(text, found.width)};
 }
 

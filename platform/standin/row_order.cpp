@@ -52,7 +52,7 @@ RowOrder RowOrder::Compacted() const
     RowOrder compacted;
     std::ranges::copy_if(slots_, std::back_inserter(compacted.slots_),
                          [](const Slot& slot) { return slot.row != nullptr; });
-    compacted.rows_         = rows_;
+    compacted.rows_ = rows_;
     compacted.nextSequence_ = nextSequence_;
     return compacted;
 }

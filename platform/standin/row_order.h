@@ -12,8 +12,8 @@ class StoredRow;
 class RowOrder {
 public:
     struct Slot {
-        uint64_t         sequence;  // ascending
-        const StoredRow* row;       // null where the row was deleted
+        uint64_t sequence;     // ascending
+        const StoredRow* row;  // null where the row was deleted
     };
 
     void Append(const StoredRow& row);
@@ -24,19 +24,19 @@ public:
     size_t PlaceOf(uint64_t sequence, size_t guess) const;
 
     const std::deque<Slot>& Slots() const { return slots_; }
-    size_t                  RowCount() const { return rows_; }
-    uint64_t                NextSequence() const { return nextSequence_; }
+    size_t RowCount() const { return rows_; }
+    uint64_t NextSequence() const { return nextSequence_; }
 
     // Whether most slots are of deleted rows; then the same without them.
-    bool     IsSparse() const;
+    bool IsSparse() const;
     RowOrder Compacted() const;
 
 private:
     Slot& SlotOf(const StoredRow& row);
 
     std::deque<Slot> slots_;  // grows without moving what it holds
-    size_t           rows_         = 0;
-    uint64_t         nextSequence_ = 0;
+    size_t rows_ = 0;
+    uint64_t nextSequence_ = 0;
 };
 
 }  // namespace standin

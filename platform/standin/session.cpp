@@ -20,7 +20,7 @@ uint32_t Session::Prepare(std::string_view table, uint32_t operation)
     }
     LeaveRow();
     store_ = store;
-    step_  = operation == QRB_ORM_OP_READ ? Step::Read : Step::Scan;
+    step_ = operation == QRB_ORM_OP_READ ? Step::Read : Step::Scan;
     read_.Prepare(*store);
     condition_.Clear();
     return ORM_OK;
@@ -32,7 +32,7 @@ uint32_t Session::Execute()
         return Refusal::WrongOrder;
     }
     LeaveRow();
-    const Inside     inside;
+    const Inside inside;
     const StoredRow* row = read_.Find();
     if (row == nullptr) {
         return ORM_NO_RECORD;
@@ -62,7 +62,7 @@ uint32_t Session::StartScan(uint64_t* scanHandle)
         return Refusal::WrongOrder;
     }
     scan_.Start(*store_, condition_);
-    step_       = Step::Scanning;
+    step_ = Step::Scanning;
     scanHandle_ = MakeHandle(HandleKind::Scan, place, ++uses);
     *scanHandle = scanHandle_;
     return ORM_OK;
@@ -99,9 +99,9 @@ void Session::Reset()
     scan_.Stop();
     LeaveRow();
     condition_.Clear();
-    step_    = Step::Open;
+    step_ = Step::Open;
     delivery = nullptr;
-    fetched  = 0;
+    fetched = 0;
 }
 
 void Session::LeaveRow()

@@ -29,16 +29,16 @@ public:
     // Null unless the session was prepared for a keyed read.
     KeyedRead* Key() { return step_ == Step::Read ? &read_ : nullptr; }
 
-    const uint32_t        place;
+    const uint32_t place;
     std::atomic<uint64_t> handle = 0;  // the one that is good now; 0: closed
-    uint64_t              uses   = 0;  // handles given out for this place
-    Pins                  pins;
-    Position              position;
+    uint64_t uses = 0;                 // handles given out for this place
+    Pins pins;
+    Position position;
 
     // Only a subscription session has these, or a message.
     std::shared_ptr<Subscriber> subscriber;
-    const Delivery*             delivery = nullptr;
-    size_t                      fetched  = 0;  // rows of the delivery moved to so far
+    const Delivery* delivery = nullptr;
+    size_t fetched = 0;  // rows of the delivery moved to so far
 
     // Gives up whatever was prepared or read.
     void Reset();
@@ -48,12 +48,12 @@ private:
 
     void LeaveRow();
 
-    Step              step_ = Step::Open;
-    KeyedRead         read_;
-    Condition         condition_;
-    TableScan         scan_{pins};
-    uint64_t          scanHandle_ = 0;
-    const TableStore* store_      = nullptr;
+    Step step_ = Step::Open;
+    KeyedRead read_;
+    Condition condition_;
+    TableScan scan_{pins};
+    uint64_t scanHandle_ = 0;
+    const TableStore* store_ = nullptr;
 };
 
 }  // namespace standin

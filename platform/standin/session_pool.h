@@ -11,11 +11,11 @@ namespace standin {
 
 // Opens a session and gives its handle to *handle; null where there are too many.
 Session* OpenSession(HandleKind kind, uint64_t* handle);
-void     CloseSession(Session& session);
+void CloseSession(Session& session);
 
 struct SessionPool {
-    std::array<std::atomic<Session*>, size_t{1} << placeBits> sessions   = {};
-    std::atomic<uint32_t>                                     placesUsed = 0;
+    std::array<std::atomic<Session*>, size_t{1} << placeBits> sessions = {};
+    std::atomic<uint32_t> placesUsed = 0;
 };
 extern constinit SessionPool sessionPool;
 

@@ -27,7 +27,7 @@ uint8_t* Append(uint8_t* to, const void* bytes, size_t size)
 uint8_t* AppendList(uint8_t* to, const ListBytes& items)
 {
     const uint32_t size = items ? static_cast<uint32_t>(items->size()) : absent;
-    to                  = Append(to, &size, sizeof(size));
+    to = Append(to, &size, sizeof(size));
     return items ? Append(to, items->data(), size) : to;
 }
 
@@ -43,12 +43,12 @@ ListBytes ListAt(const uint8_t* at)
 StoredRow* StoredRow::Make(const Row& row)
 {
     const Table& table = row.Description();
-    size_t       size  = sizeof(StoredRow) + table.recordSize;
+    size_t size = sizeof(StoredRow) + table.recordSize;
     for (size_t list = 0; list < table.lists.size(); list++) {
         size += StoredSize(row.Items(list));
     }
-    auto*    stored = new (::operator new(size)) StoredRow;
-    uint8_t* end    = Append(stored->Bytes(), row.Record().data(), table.recordSize);
+    auto* stored = new (::operator new(size)) StoredRow;
+    uint8_t* end = Append(stored->Bytes(), row.Record().data(), table.recordSize);
     for (size_t list = 0; list < table.lists.size(); list++) {
         end = AppendList(end, row.Items(list));
     }

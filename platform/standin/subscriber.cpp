@@ -41,7 +41,7 @@ namespace {
 
 // The open subscribers. Lock this one before a subscriber's own.
 struct Registry {
-    std::mutex                               mutex;
+    std::mutex mutex;
     std::vector<std::shared_ptr<Subscriber>> subscribers;
 };
 
@@ -92,8 +92,8 @@ void Announcement::Post()
 std::shared_ptr<Subscriber> Subscriber::Open(ORM_FD_CONTROL control)
 {
     std::shared_ptr<Subscriber> opened(new Subscriber(control));
-    constexpr uint32_t          watch      = 0;
-    const auto                  descriptor = static_cast<uint32_t>(opened->signal_.Descriptor());
+    constexpr uint32_t watch = 0;
+    const auto descriptor = static_cast<uint32_t>(opened->signal_.Descriptor());
     if (control != nullptr && control(descriptor, watch) != 0) {
         return nullptr;
     }
@@ -114,8 +114,8 @@ std::vector<std::shared_ptr<Subscriber>> Subscriber::All()
 std::shared_ptr<Subscriber> Subscriber::Find(int descriptor)
 {
     const std::lock_guard lock(TheRegistry().mutex);
-    const auto&           all   = TheRegistry().subscribers;
-    const auto            found = std::find_if(all.begin(), all.end(), [=](const auto& subscriber) {
+    const auto& all = TheRegistry().subscribers;
+    const auto found = std::find_if(all.begin(), all.end(), [=](const auto& subscriber) {
         return subscriber->signal_.Descriptor() == descriptor;
     });
     return found == all.end() ? nullptr : *found;
@@ -129,8 +129,8 @@ void Subscriber::Subscribe(const Definition& definition, ORM_SUB_CALLBACK callba
 
 Deliveries Subscriber::DeliveriesOf(Runs runs)
 {
-    Deliveries            deliveries;
-    const auto            now = std::chrono::steady_clock::now();
+    Deliveries deliveries;
+    const auto now = std::chrono::steady_clock::now();
     const std::lock_guard lock(mutex_);
     for (const auto& run : runs) {
         for (const Subscription& subscription : subscriptions_) {
@@ -173,7 +173,7 @@ void Subscriber::LowerWhereNonePend()
 
 Deliveries Subscriber::TakeFirst()
 {
-    Deliveries            first;
+    Deliveries first;
     const std::lock_guard lock(mutex_);
     if (pending_.empty()) {
         return first;
@@ -197,14 +197,14 @@ public:
             CloseSession(*session_);
         }
     }
-    Message(const Message&)            = delete;
+    Message(const Message&) = delete;
     Message& operator=(const Message&) = delete;
 
     bool IsOpen() const { return session_ != nullptr; }
     void Run(const Delivery& delivery)
     {
         session_->delivery = &delivery;
-        const auto outer   = std::exchange(committed, delivery.Committed());
+        const auto outer = std::exchange(committed, delivery.Committed());
         delivery.Run(handle_);
         committed = outer;
         CloseSession(*std::exchange(session_, nullptr));
@@ -219,7 +219,7 @@ class SetWhile {
 public:
     explicit SetWhile(bool& flag) : flag_(flag) { flag_ = true; }
     ~SetWhile() { flag_ = false; }
-    SetWhile(const SetWhile&)            = delete;
+    SetWhile(const SetWhile&) = delete;
     SetWhile& operator=(const SetWhile&) = delete;
 
 private:
@@ -286,7 +286,7 @@ void Subscriber::Close()
 
 void Subscriber::DropPending()
 {
-    Deliveries            dropped;
+    Deliveries dropped;
     const std::lock_guard lock(mutex_);
     closed_ = true;
     dropped.swap(pending_);

@@ -16,10 +16,10 @@ class Signal {
 public:
     Signal();
     ~Signal();
-    Signal(const Signal&)            = delete;
+    Signal(const Signal&) = delete;
     Signal& operator=(const Signal&) = delete;
 
-    int  Descriptor() const { return descriptor_; }
+    int Descriptor() const { return descriptor_; }
     void Raise() const;
     void Lower() const;
 
@@ -42,7 +42,7 @@ public:
     // What it is to be told of changes, which come in runs: neighbours of one table and operation.
     using Runs = std::span<const std::span<const Change>>;
     Deliveries DeliveriesOf(Runs runs);
-    void       Append(Deliveries deliveries);
+    void Append(Deliveries deliveries);
 
     // Runs the callbacks of what is pending now.
     uint32_t Dispatch();
@@ -61,33 +61,33 @@ public:
 
 private:
     struct Subscription {
-        Definition       definition;
+        Definition definition;
         ORM_SUB_CALLBACK callback;
     };
 
     explicit Subscriber(ORM_FD_CONTROL control) : control_(control) {}
 
-    size_t     PendingCount();
-    void       LowerWhereNonePend();  // under the lock
-    Deliveries TakeFirst();           // none or one
-    bool       DeliverFirst();        // false where there is no handle for the message
-    void       DropPending();
-    bool       IsClosed();
-    void       Serve();
-    void       StopServing();
+    size_t PendingCount();
+    void LowerWhereNonePend();  // under the lock
+    Deliveries TakeFirst();     // none or one
+    bool DeliverFirst();        // false where there is no handle for the message
+    void DropPending();
+    bool IsClosed();
+    void Serve();
+    void StopServing();
 
     const ORM_FD_CONTROL control_;
-    const Signal         signal_;
-    std::thread          server_;
+    const Signal signal_;
+    std::thread server_;
 
     std::recursive_mutex dispatching_;  // held while callbacks run
-    bool                 isDispatching_ = false;
+    bool isDispatching_ = false;
 
-    std::condition_variable   drained_;
-    std::mutex                mutex_;  // for the rest; who appends the first delivery signals then
+    std::condition_variable drained_;
+    std::mutex mutex_;  // for the rest; who appends the first delivery signals then
     std::vector<Subscription> subscriptions_;
-    Deliveries                pending_;
-    bool                      closed_ = false;
+    Deliveries pending_;
+    bool closed_ = false;
 };
 
 // Ends the subscriptions of the session that this handle stands for.

@@ -20,12 +20,12 @@ void Prefetch(const StoredRow& row)
 void TableScan::Start(const TableStore& store, const Condition& condition)
 {
     const Inside inside;
-    store_     = &store;
+    store_ = &store;
     condition_ = &condition;
     delivered_ = fetched_ = 0;
-    place_                = 0;
-    next_                 = 0;
-    end_                  = store.Order().NextSequence();
+    place_ = 0;
+    next_ = 0;
+    end_ = store.Order().NextSequence();
 }
 
 void TableScan::Stop()
@@ -47,8 +47,8 @@ void TableScan::Fetch()
 void TableScan::FetchBatch()
 {
     const auto& slots = store_->Order().Slots();
-    place_            = store_->Order().PlaceOf(next_, place_);
-    auto slot         = slots.begin() + static_cast<ptrdiff_t>(place_);
+    place_ = store_->Order().PlaceOf(next_, place_);
+    auto slot = slots.begin() + static_cast<ptrdiff_t>(place_);
     for (size_t looks = 0; looks < mostLooks && fetched_ < Pins::capacity; looks++) {
         if (slot == slots.end() || slot->sequence >= end_) {
             next_ = end_;

@@ -31,14 +31,14 @@ private:
     void Fetch();
     void FetchBatch();
 
-    Pins&             pins_;
-    const TableStore* store_     = nullptr;
-    const Condition*  condition_ = nullptr;
-    uint32_t          delivered_ = 0;  // of the batch
-    uint32_t          fetched_   = 0;
-    uint64_t          next_      = 0;  // sequence to go on from
-    uint64_t          end_       = 0;  // sequence of the first row that came too late
-    size_t            place_     = 0;  // where next_ was found last
+    Pins& pins_;
+    const TableStore* store_ = nullptr;
+    const Condition* condition_ = nullptr;
+    uint32_t delivered_ = 0;  // of the batch
+    uint32_t fetched_ = 0;
+    uint64_t next_ = 0;  // sequence to go on from
+    uint64_t end_ = 0;   // sequence of the first row that came too late
+    size_t place_ = 0;   // where next_ was found last
 };
 
 }  // namespace standin

@@ -18,7 +18,7 @@ public:
     // For readers inside the gate, and for the writer. key: its place in Table::keys.
     const StoredRow* Find(size_t key, const void* bytes) const { return indexes_[key].Find(bytes); }
     const StoredRow* FindLike(const StoredRow& row) const { return indexes_[0].FindLike(row); }
-    const RowOrder&  Order() const { return order_; }
+    const RowOrder& Order() const { return order_; }
 
     // The key of row that a row other than the excepted one has, or null.
     const Key* TakenKey(const StoredRow& row, const StoredRow* except) const;
@@ -33,7 +33,7 @@ public:
     // by Exchange, after which it holds what is to be thrown away.
     struct Room {
         std::vector<std::pair<size_t, KeyIndex>> indexes;
-        std::optional<RowOrder>                  order;
+        std::optional<RowOrder> order;
     };
     Room MakeRoom(size_t inserts) const;
     void Exchange(Room& room);
@@ -42,9 +42,9 @@ public:
     RowOrder TakeAll();
 
 private:
-    const Table*          table_;
+    const Table* table_;
     std::vector<KeyIndex> indexes_;
-    RowOrder              order_;
+    RowOrder order_;
 };
 
 // The store of a table; key and table descriptions are those of Tables().

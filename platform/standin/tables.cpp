@@ -31,13 +31,13 @@ consteval Key KeyOver(std::string_view name, std::span<const Field* const> membe
 template <const auto& fields>
 struct KeyOfFirstField {
     static constexpr const Field* members[] = {&fields[0]};
-    static constexpr Key          keys[]    = {KeyOver("primary_key", members)};
+    static constexpr Key keys[] = {KeyOver("primary_key", members)};
 };
 
 template <const auto& fields>
 struct KeyOfFirstTwoFields {
     static constexpr const Field* members[] = {&fields[0], &fields[1]};
-    static constexpr Key          keys[]    = {KeyOver("primary_key", members)};
+    static constexpr Key keys[] = {KeyOver("primary_key", members)};
 };
 
 constexpr Field ifBaseFields[] = {
@@ -45,9 +45,9 @@ constexpr Field ifBaseFields[] = {
     {"simple_name", 3, Text, 72, 64}, {"if_type", 4, Number, 136, 2},  {"mtu", 5, Number, 138, 4},
     {"description", 6, Text, 142, 81}};
 constexpr const Field* ifBasePrimary[] = {&ifBaseFields[0]};
-constexpr const Field* ifBaseLocal[]   = {&ifBaseFields[1], &ifBaseFields[2]};
-constexpr Key          ifBaseKeys[]    = {KeyOver("primary_key", ifBasePrimary),
-                                          KeyOver("local_key", ifBaseLocal)};
+constexpr const Field* ifBaseLocal[] = {&ifBaseFields[1], &ifBaseFields[2]};
+constexpr Key ifBaseKeys[] = {KeyOver("primary_key", ifBasePrimary),
+                              KeyOver("local_key", ifBaseLocal)};
 
 constexpr Field ifPhyFields[] = {
     {"if_index", 0, Number, 0, 4},   {"speed", 1, Number, 4, 4},    {"duplex", 2, Number, 8, 1},
@@ -72,7 +72,7 @@ constexpr Field vlanFields[] = {
     {"state", 9, Number, 42, 1},           {"description", 10, Text, 43, 81},
     {"member_bitmap_1", 11, Set, 128, 32}, {"member_bitmap_2", 12, Set, 160, 32}};
 constexpr const Field* vlanPrimary[] = {&vlanFields[0], &vlanFields[1], &vlanFields[2]};
-constexpr Key          vlanKeys[]    = {KeyOver("primary_key", vlanPrimary)};
+constexpr Key vlanKeys[] = {KeyOver("primary_key", vlanPrimary)};
 
 constexpr Field addressFields[] = {{"if_index", 0, Number, 0, 4}, {"instance_id", 1, Number, 4, 4}};
 constexpr Field addressItemFields[] = {
@@ -93,12 +93,12 @@ constexpr Field aclGroupFields[] = {
     {"acl_number", 3, Number, 8, 4},   {"acl_name", 4, Text, 12, 65}, {"isipv6", 5, Number, 77, 1},
 };
 
-constexpr Field        aclGroupIdFields[]  = {{"id", 0, Number, 0, 4},
-                                              {"name", 1, Text, 4, 65},
-                                              {"kind", 2, Number, 69, 1},
-                                              {"acl_number", 5, Number, 70, 4}};
+constexpr Field aclGroupIdFields[] = {{"id", 0, Number, 0, 4},
+                                      {"name", 1, Text, 4, 65},
+                                      {"kind", 2, Number, 69, 1},
+                                      {"acl_number", 5, Number, 70, 4}};
 constexpr const Field* aclGroupIdPrimary[] = {&aclGroupIdFields[1], &aclGroupIdFields[2]};
-constexpr Key          aclGroupIdKeys[]    = {KeyOver("primary_key", aclGroupIdPrimary)};
+constexpr Key aclGroupIdKeys[] = {KeyOver("primary_key", aclGroupIdPrimary)};
 
 constexpr Field aclRuleFields[] = {
     {"acl_group_id", 0, Number, 0, 4}, {"rule_id", 1, Number, 4, 4},
@@ -113,17 +113,17 @@ constexpr Field aclRule6Fields[] = {{"groupId", 0, Number, 0, 4},
                                     {"action", 2, Number, 8, 1},
                                     {"protocol", 3, Number, 9, 1}};
 
-constexpr Field qosFields[]      = {{"index", 0, Number, 0, 4}, {"name", 1, Text, 4, 64}};
-constexpr Field carFields[]      = {{"index", 0, Number, 0, 4},
-                                    {"cir", 1, Number, 4, 4},
-                                    {"cbs", 2, Number, 8, 4},
-                                    {"pir", 3, Number, 12, 4},
-                                    {"pbs", 4, Number, 16, 4}};
-constexpr Field dscpFields[]     = {{"index", 0, Number, 0, 4}, {"dscp", 1, Number, 4, 4}};
+constexpr Field qosFields[] = {{"index", 0, Number, 0, 4}, {"name", 1, Text, 4, 64}};
+constexpr Field carFields[] = {{"index", 0, Number, 0, 4},
+                               {"cir", 1, Number, 4, 4},
+                               {"cbs", 2, Number, 8, 4},
+                               {"pir", 3, Number, 12, 4},
+                               {"pbs", 4, Number, 16, 4}};
+constexpr Field dscpFields[] = {{"index", 0, Number, 0, 4}, {"dscp", 1, Number, 4, 4}};
 constexpr Field priorityFields[] = {{"index", 0, Number, 0, 4}, {"priority", 1, Number, 4, 4}};
-constexpr List  qosLists[]       = {{"car_list", carFields, 20},
-                                    {"remark_dscp_list", dscpFields, 8},
-                                    {"remark_8021p_list", priorityFields, 8}};
+constexpr List qosLists[] = {{"car_list", carFields, 20},
+                             {"remark_dscp_list", dscpFields, 8},
+                             {"remark_8021p_list", priorityFields, 8}};
 
 constexpr Table tables[] = {
     {"if_base", 387, ifBaseFields, ifBaseKeys, {}},

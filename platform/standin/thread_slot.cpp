@@ -2,8 +2,8 @@
 
 namespace standin {
 
-std::atomic<ThreadSlot*>           threadSlots = nullptr;
-constinit thread_local ThreadSlot* ownSlot     = nullptr;
+std::atomic<ThreadSlot*> threadSlots = nullptr;
+constinit thread_local ThreadSlot* ownSlot = nullptr;
 
 namespace {
 
@@ -40,7 +40,7 @@ ThreadSlot* AddSlot()
 ThreadSlot& TakeThreadSlot()
 {
     ThreadSlot* slot = ReuseSlot();
-    ownSlot          = slot != nullptr ? slot : AddSlot();
+    ownSlot = slot != nullptr ? slot : AddSlot();
     static thread_local const GiveBackAtThreadEnd giveBack;
     return *ownSlot;
 }

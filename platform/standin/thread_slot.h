@@ -9,10 +9,10 @@ namespace standin {
 class Session;
 
 struct alignas(64) ThreadSlot {
-    std::atomic<uint32_t> reading = 0;        // 1 while the thread looks at the tables
-    Session*              spare   = nullptr;  // a closed session, kept for the next open
-    std::atomic<bool>     owned   = true;     // false: free for another thread
-    ThreadSlot*           next    = nullptr;
+    std::atomic<uint32_t> reading = 0;  // 1 while the thread looks at the tables
+    Session* spare = nullptr;           // a closed session, kept for the next open
+    std::atomic<bool> owned = true;     // false: free for another thread
+    ThreadSlot* next = nullptr;
 };
 
 // Every slot there ever was: as many as threads lived at the same time. They are never freed.

@@ -43,25 +43,25 @@ void Transaction::Commit()
 
 std::optional<Row> Find(const Row& key)
 {
-    const Table& table   = key.Description();
-    const Key&   primary = table.keys.front();
+    const Table& table = key.Description();
+    const Key& primary = table.keys.front();
     const Inside inside;
-    const auto*  row = StoreOf(table).Find(0, key.Record().data() + primary.offset);
+    const auto* row = StoreOf(table).Find(0, key.Record().data() + primary.offset);
     return row != nullptr ? std::optional(Detached(table, *row)) : std::nullopt;
 }
 
 void ForEachRow(const Table& table, const std::function<void(const Row&)>& onRow)
 {
     // A session's pins keep a row alive while onRow looks at it, whatever it writes.
-    uint64_t handle  = 0;
-    auto     closing = [](Session* session) { CloseSession(*session); };
+    uint64_t handle = 0;
+    auto closing = [](Session* session) { CloseSession(*session); };
     const std::unique_ptr<Session, decltype(closing)> session(
         OpenSession(HandleKind::Session, &handle), closing);
     if (session == nullptr) {
         throw Error("too many sessions");
     }
     const Condition everything;
-    TableScan       scan(session->pins);
+    TableScan scan(session->pins);
     scan.Start(StoreOf(table), everything);
     while (const StoredRow* row = scan.Next()) {
         onRow(Detached(table, *row));

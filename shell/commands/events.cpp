@@ -1,7 +1,6 @@
 // Watching events, and raising those of the interface tree.
 #include <poll.h>
 #include <sys/signalfd.h>
-#include <tarnd_qrb/event_publish.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -9,6 +8,7 @@
 #include <optional>
 
 #include <standin/changes.h>
+#include <tarnd_qrb/event_publish.h>
 
 #include "shell/command.h"
 #include "shell/events/queue.h"
@@ -18,7 +18,7 @@
 namespace shell {
 namespace {
 
-using Clock    = std::chrono::steady_clock;
+using Clock = std::chrono::steady_clock;
 using Deadline = std::optional<Clock::time_point>;
 
 // While it lives, an interrupt from the terminal is something to wait for.
@@ -40,20 +40,21 @@ public:
         close(descriptor_);
         pthread_sigmask(SIG_SETMASK, &before_, nullptr);
     }
-    Interrupt(const Interrupt&)            = delete;
+    Interrupt(const Interrupt&) = delete;
     Interrupt& operator=(const Interrupt&) = delete;
 
     int Descriptor() const { return descriptor_; }
 
 private:
     sigset_t before_{};
-    int      descriptor_;
+    int descriptor_;
 };
 
 int MillisecondsTo(const Deadline& deadline)
 {
-    if (!deadline)
+    if (!deadline) {
         return -1;
+    }
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - Clock::now());
     return static_cast<int>(std::max<int64_t>(left.count(), 0));
 }
@@ -71,25 +72,28 @@ void PrintEvents(Shell& shell, const Deadline& deadline)
 
 Deadline TakeDeadline(Words& words)
 {
-    if (words.Empty())
+    if (words.Empty()) {
         return std::nullopt;
+    }
     const Argument seconds{.name = "SECONDS", .highest = 1'000'000};
-    const auto     count = NumberFromWord(seconds, words.Take("SECONDS"), UINT32_MAX);
+    const auto count = NumberFromWord(seconds, words.Take("SECONDS"), UINT32_MAX);
     return Clock::now() + std::chrono::seconds(count);
 }
 
 Status Watch(Shell& shell, Words& words)
 {
-    const bool isOn  = !words.Empty() && words.Front() == "on";
+    const bool isOn = !words.Empty() && words.Front() == "on";
     const bool isOff = !words.Empty() && words.Front() == "off";
-    if (isOn || isOff)
+    if (isOn || isOff) {
         words.Take("on");
+    }
     const Deadline deadline = isOn || isOff ? Deadline() : TakeDeadline(words);
     words.ExpectEnd();
-    if (isOff)
+    if (isOff) {
         WatchNothing();
-    else
+    } else {
         WatchEverything();
+    }
     if (!isOn && !isOff) {
         PrintEvents(shell, deadline);
         WatchNothing();
@@ -118,21 +122,23 @@ InterfaceEventCall TakeInterfaceEvent(Words& words)
 // Calls the callbacks, as every publisher of an interface event does.
 uint32_t PublishInterfaceEvent(const InterfaceEventCall& call)
 {
-    UTIL_LIST_NODE_S* node  = nullptr;
-    uint64_t          count = 0;
-    const uint32_t    ret = IF_SH_EvtPublishEventGetEventNode(call.event, call.sub, &node, &count);
-    for (; ret == 0 && count > 0 && node != nullptr; --count, node = node->next)
+    UTIL_LIST_NODE_S* node = nullptr;
+    uint64_t count = 0;
+    const uint32_t ret = IF_SH_EvtPublishEventGetEventNode(call.event, call.sub, &node, &count);
+    for (; ret == 0 && count > 0 && node != nullptr; --count, node = node->next) {
         if (const auto* entry = static_cast<const IF_EVT_CB_S*>(UTIL_LIST_Data(node));
-            entry->pfCallback != nullptr)
+            entry->pfCallback != nullptr) {
             entry->pfCallback(call.sub, call.flag, call.ifIndex, nullptr, nullptr);
+        }
+    }
     return ret;
 }
 
 Status Publish(Shell& shell, Words& words)
 {
     const InterfaceEventCall call = TakeInterfaceEvent(words);
-    uint32_t                 ret  = 0;
-    LogCatcher               catcher;
+    uint32_t ret = 0;
+    LogCatcher catcher;
     standin::BetweenDeliveries([&] { ret = PublishInterfaceEvent(call); });
     shell.Out().PrintLog(catcher.Take());
     return ret == 0 ? Status::Good : Status::Failed;

@@ -22,7 +22,7 @@ Status Load(Shell& shell, Words& words)
     const std::string file = words.Take("file");
     words.ExpectEnd();
     std::vector<sources::Write> writes;
-    Progress                    progress("rows read");
+    Progress progress("rows read");
     sources::ReadJson(file, [&](Row row) {
         writes.push_back({sources::Write::Kind::Insert, std::move(row)});
         progress.Step();
@@ -44,8 +44,9 @@ Status Dump(Shell& shell, Words& words)
     }
     std::ofstream output(file, std::ios::binary);
     output << text << std::flush;
-    if (!output)
+    if (!output) {
         throw standin::Error(file + ": " + std::strerror(errno));
+    }
     return Status::Good;
 }
 
@@ -55,10 +56,11 @@ using Contents = std::map<std::pair<size_t, Json>, Json>;
 void AddTo(Contents& contents, const Row& row)
 {
     const standin::Table& table = row.Description();
-    Json                  whole = sources::RowToJson(row);
-    Json                  key   = Json::array();
-    for (const standin::Field* member : table.keys[0].members)
+    Json whole = sources::RowToJson(row);
+    Json key = Json::array();
+    for (const standin::Field* member : table.keys[0].members) {
         key.push_back(whole[std::string(member->name)]);
+    }
     const auto place = static_cast<size_t>(&table - standin::Tables().data());
     contents.emplace(std::pair(place, std::move(key)), std::move(whole));
 }
@@ -73,8 +75,9 @@ Contents ContentsOf(const std::string& file)
 Contents PresentContents()
 {
     Contents contents;
-    for (const standin::Table& table : standin::Tables())
+    for (const standin::Table& table : standin::Tables()) {
         standin::ForEachRow(table, [&](const Row& row) { AddTo(contents, row); });
+    }
     return contents;
 }
 
@@ -88,9 +91,10 @@ Json ValueOr(const Json& row, const std::string& field)
 Json Difference(const std::pair<size_t, Json>& place, const Json& before, const Json& after)
 {
     const standin::Table& table = standin::Tables()[place.first];
-    Json                  key   = Json::object();
-    for (size_t i = 0; i < place.second.size(); ++i)
+    Json key = Json::object();
+    for (size_t i = 0; i < place.second.size(); ++i) {
         key[std::string(table.keys[0].members[i]->name)] = place.second[i];
+    }
     const char* change = before.is_null() ? "added" : after.is_null() ? "removed" : "changed";
     return {{"change", change},
             {"table", table.name},
@@ -104,36 +108,42 @@ Json Compare(const Contents& before, const Contents& after)
     Json differences = Json::array();
     for (const auto& [place, row] : before) {
         const auto now = after.find(place);
-        if (now == after.end())
+        if (now == after.end()) {
             differences.push_back(Difference(place, row, nullptr));
-        else if (now->second != row)
+        } else if (now->second != row) {
             differences.push_back(Difference(place, row, now->second));
+        }
     }
-    for (const auto& [place, row] : after)
-        if (!before.contains(place))
+    for (const auto& [place, row] : after) {
+        if (!before.contains(place)) {
             differences.push_back(Difference(place, nullptr, row));
+        }
+    }
     return differences;
 }
 
 // "+ table key...", "- table key...", "~ table key: field before -> after".
 std::string Described(const Json& difference)
 {
-    const Json&       before = difference["before"];
-    const Json&       after  = difference["after"];
-    const std::string table  = difference["table"].get<std::string>() + " ";
-    if (before.is_null())
+    const Json& before = difference["before"];
+    const Json& after = difference["after"];
+    const std::string table = difference["table"].get<std::string>() + " ";
+    if (before.is_null()) {
         return "+ " + table + OneLine(after) + "\n";
-    if (after.is_null())
+    }
+    if (after.is_null()) {
         return "- " + table + OneLine(before) + "\n";
+    }
     std::string changes;
     for (const std::string& field :
          FieldNames(KnownTable(difference["table"].get<std::string>()))) {
         const Json was = ValueOr(before, field);
-        const Json is  = ValueOr(after, field);
-        if (was != is)
+        const Json is = ValueOr(after, field);
+        if (was != is) {
             changes += (changes.empty() ? ": " : ", ") + field + " " +
                        (was.is_null() ? "nothing" : OneLine(was)) + " -> " +
                        (is.is_null() ? "nothing" : OneLine(is));
+        }
     }
     return "~ " + table + OneLine(difference["key"]) + changes + "\n";
 }
@@ -142,16 +152,18 @@ std::string Described(const Json& difference)
 Status Diff(Shell& shell, Words& words)
 {
     const Contents before = ContentsOf(words.Take("file"));
-    const Contents after  = words.Empty() ? PresentContents() : ContentsOf(words.Take("file"));
+    const Contents after = words.Empty() ? PresentContents() : ContentsOf(words.Take("file"));
     words.ExpectEnd();
-    const Json  differences = Compare(before, after);
+    const Json differences = Compare(before, after);
     std::string text;
-    for (const Json& difference : differences)
+    for (const Json& difference : differences) {
         text += Described(difference);
-    if (shell.Out().IsJson())
+    }
+    if (shell.Out().IsJson()) {
         shell.Out().PrintRows(differences);
-    else
+    } else {
         shell.Out().PrintText(text);
+    }
     return differences.empty() ? Status::Good : Status::Failed;
 }
 

@@ -14,11 +14,13 @@ std::string FormText(const Argument& argument)
     std::string text = argument.form == Form::Ipv4  ? "an IPv4 address"
                        : argument.form == Form::Mac ? "a MAC address"
                                                     : "";
-    if (!argument.table.empty() && !argument.field.empty())
+    if (!argument.table.empty() && !argument.field.empty()) {
         text += (text.empty() ? "" : ", ") + std::string(argument.table) + "." +
                 std::string(argument.field);
-    if (!argument.fallback.empty() && argument.fallback != nullWord)
+    }
+    if (!argument.fallback.empty() && argument.fallback != nullWord) {
         text += (text.empty() ? "" : ", ") + ("else " + std::string(argument.fallback));
+    }
     return text;
 }
 
@@ -26,8 +28,9 @@ std::string ArgumentLines(const Function& function)
 {
     std::string text;
     for (const Parameter& parameter : function.parameters) {
-        if (parameter.argument.ignored)
+        if (parameter.argument.ignored) {
             continue;
+        }
         std::string line = parameter.direction == Direction::In ? "  in   " : "  out  ";
         line += parameter.argument.name;
         line.resize(std::max<size_t>(line.size() + 2, 22), ' ');
@@ -43,8 +46,9 @@ std::string FunctionHelp(const Function& function)
                        std::string(function.answers) + "\n";
     text += ArgumentLines(function);
     text += "  result  " + function.result.Help() + "\n";
-    if (!function.tables.empty())
+    if (!function.tables.empty()) {
         text += "  reads   " + std::string(function.tables) + "\n";
+    }
     return text;
 }
 
@@ -77,10 +81,12 @@ std::string Overview()
 std::vector<std::string> Topics()
 {
     std::vector<std::string> topics;
-    for (const Command& command : Commands())
+    for (const Command& command : Commands()) {
         topics.emplace_back(command.name);
-    for (const Function& function : Functions())
+    }
+    for (const Function& function : Functions()) {
         topics.emplace_back(function.name);
+    }
     return topics;
 }
 
@@ -92,32 +98,35 @@ Status Help(Shell& shell, Words& words)
     }
     const std::string topic = words.Take("topic");
     words.ExpectEnd();
-    if (const Command* command = FindCommand(topic))
+    if (const Command* command = FindCommand(topic)) {
         shell.Out().PrintText(CommandHelp(*command));
-    else if (const Function* function = FindFunction(topic))
+    } else if (const Function* function = FindFunction(topic)) {
         shell.Out().PrintText(FunctionHelp(*function));
-    else
+    } else {
         throw UsageError(NoSuch("function or command", topic, Topics()));
+    }
     return Status::Good;
 }
 
 bool Mentions(std::string_view text, std::string_view word)
 {
     const auto lower = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
-    const auto same  = [=](char one, char other) { return lower(one) == lower(other); };
+    const auto same = [=](char one, char other) { return lower(one) == lower(other); };
     return std::search(text.begin(), text.end(), word.begin(), word.end(), same) != text.end();
 }
 
 Status ShowFunctions(Shell& shell, Words& words)
 {
     const std::string word = words.TakeRest();
-    Json              rows = Json::array();
-    for (const Function& function : Functions())
+    Json rows = Json::array();
+    for (const Function& function : Functions()) {
         if (Mentions(function.name, word) || Mentions(function.answers, word) ||
-            Mentions(function.tables, word))
+            Mentions(function.tables, word)) {
             rows.push_back({{"function", function.name},
                             {"arguments", function.Usage()},
                             {"answers", function.answers}});
+        }
+    }
     shell.Out().PrintRows(rows);
     return Status::Good;
 }
@@ -125,8 +134,9 @@ Status ShowFunctions(Shell& shell, Words& words)
 Status ListCompletions(Shell& shell, Words& words)
 {
     std::string text;
-    for (const std::string& candidate : Complete(words.TakeRest()).candidates)
+    for (const std::string& candidate : Complete(words.TakeRest()).candidates) {
         text += candidate + "\n";
+    }
     shell.Out().PrintText(text);
     return Status::Good;
 }

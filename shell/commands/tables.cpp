@@ -30,12 +30,15 @@ Status ListTables(Shell& shell, Words& words)
 Json WholeRow(const standin::Row& row)
 {
     Json whole = Json::object();
-    for (const standin::Field& field : row.Description().fields)
+    for (const standin::Field& field : row.Description().fields) {
         whole.emplace(field.name, sources::ValueToJson(field.kind, row.Bytes(field)));
+    }
     const Json sparse = sources::RowToJson(row);
-    for (const standin::List& list : row.Description().lists)
-        if (const auto items = sparse.find(list.name); items != sparse.end())
+    for (const standin::List& list : row.Description().lists) {
+        if (const auto items = sparse.find(list.name); items != sparse.end()) {
             whole.emplace(list.name, Json(*items));
+        }
+    }
     return whole;
 }
 
@@ -45,20 +48,23 @@ std::vector<std::string> UsedFields(const std::vector<standin::Row>& rows)
     std::vector<std::string> used;
     for (const standin::Row& row : rows) {
         const Json sparse = sources::RowToJson(row);
-        for (const auto& member : sparse.items())
-            if (std::ranges::find(used, member.key()) == used.end())
+        for (const auto& member : sparse.items()) {
+            if (std::ranges::find(used, member.key()) == used.end()) {
                 used.push_back(member.key());
+            }
+        }
     }
     return used;
 }
 
-std::vector<standin::Row> RowsThatHave(const standin::Table&          table,
+std::vector<standin::Row> RowsThatHave(const standin::Table& table,
                                        const std::vector<Assignment>& wanted)
 {
     std::vector<standin::Row> rows;
     standin::ForEachRow(table, [&](const standin::Row& row) {
-        if (Has(row, wanted))
+        if (Has(row, wanted)) {
             rows.push_back(row);
+        }
     });
     return rows;
 }
@@ -67,15 +73,17 @@ std::vector<standin::Row> RowsThatHave(const standin::Table&          table,
 Status Show(Shell& shell, Words& words)
 {
     const standin::Table& table = KnownTable(words.Take("table"));
-    const auto            rows  = RowsThatHave(table, TakeAssignments(table, words));
-    const auto            used  = UsedFields(rows);
-    Json                  shown = Json::array();
+    const auto rows = RowsThatHave(table, TakeAssignments(table, words));
+    const auto used = UsedFields(rows);
+    Json shown = Json::array();
     for (const standin::Row& row : rows) {
         Json whole = WholeRow(row);
-        for (const standin::Field& field : table.fields)
+        for (const standin::Field& field : table.fields) {
             if (!shell.Out().IsJson() &&
-                std::ranges::find(used, std::string(field.name)) == used.end())
+                std::ranges::find(used, std::string(field.name)) == used.end()) {
                 whole.erase(std::string(field.name));
+            }
+        }
         shown.push_back(std::move(whole));
     }
     shell.Out().PrintRows(shown);
@@ -99,8 +107,9 @@ constexpr Walk walks[] = {
 const Walk& WalkOver(const std::string& table)
 {
     const auto found = std::ranges::find(walks, table, &Walk::table);
-    if (found == std::end(walks))
+    if (found == std::end(walks)) {
         throw UsageError("there is no walk over " + table + ", only over if_base, port and vlan");
+    }
     return *found;
 }
 
@@ -109,12 +118,13 @@ Status WalkTable(Shell& shell, Words& words)
     const Walk& walk = WalkOver(words.Take("table"));
     words.ExpectEnd();
     LogCatcher catcher;
-    Json       rows   = Json::array();
-    uint32_t   found  = 0;
-    uint32_t   ret    = walk.first(&found);
+    Json rows = Json::array();
+    uint32_t found = 0;
+    uint32_t ret = walk.first(&found);
     const bool opened = ret == 0;
-    for (; ret == 0; ret = walk.next(&found))
+    for (; ret == 0; ret = walk.next(&found)) {
         rows.push_back({{walk.value, found}});
+    }
     const uint32_t finished = opened ? walk.finish() : 0;
     shell.Out().PrintRows(rows);
     shell.Out().PrintLog(catcher.Take());

@@ -20,10 +20,11 @@ Status Do(Shell& shell, std::vector<sources::Write> writes, const char* done)
 {
     const size_t count = writes.size();
     shell.Writes().Write(std::move(writes));
-    if (shell.Writes().IsOpen())
+    if (shell.Writes().IsOpen()) {
         shell.Out().PrintDone("waiting for commit", shell.Writes().Waiting());
-    else
+    } else {
         shell.Out().PrintDone(done, count);
+    }
     return Status::Good;
 }
 
@@ -37,36 +38,41 @@ Status WriteNew(Shell& shell, Words& words, Kind kind)
 // The rows that the assignments fit; there must be one.
 std::vector<Row> Chosen(Shell& shell, const Table& table, const Assignments& wanted)
 {
-    if (wanted.empty())
+    if (wanted.empty()) {
         throw UsageError("which row of " + std::string(table.name) + "? FIELD=VALUE is missing");
+    }
     std::vector<Row> rows = shell.Writes().RowsOf(table);
     std::erase_if(rows, [&](const Row& row) { return !Has(row, wanted); });
-    if (rows.empty())
+    if (rows.empty()) {
         throw standin::Error(std::string(table.name) + ": there is no such row");
+    }
     return rows;
 }
 
 // The key's fields say which row, the others what becomes of it.
 Status Update(Shell& shell, Words& words)
 {
-    const Table& table   = KnownTable(words.Take("table"));
-    Assignments  changes = TakeAssignments(table, words);
-    const auto   rest =
+    const Table& table = KnownTable(words.Take("table"));
+    Assignments changes = TakeAssignments(table, words);
+    const auto rest =
         std::stable_partition(changes.begin(), changes.end(), std::mem_fn(&Assignment::isKey));
     const auto rows = Chosen(shell, table, {changes.begin(), rest});
-    if (rows.size() > 1)
+    if (rows.size() > 1) {
         throw UsageError(std::to_string(rows.size()) + " rows have this; give the whole key");
-    if (rest == changes.end())
+    }
+    if (rest == changes.end()) {
         throw UsageError("what is to change? FIELD=VALUE is missing");
+    }
     return Do(shell, {{Kind::Update, Changed(rows[0], {rest, changes.end()})}}, "updated");
 }
 
 Status Delete(Shell& shell, Words& words)
 {
-    const Table&                table = KnownTable(words.Take("table"));
+    const Table& table = KnownTable(words.Take("table"));
     std::vector<sources::Write> writes;
-    for (const Row& row : Chosen(shell, table, TakeAssignments(table, words)))
+    for (const Row& row : Chosen(shell, table, TakeAssignments(table, words))) {
         writes.push_back({Kind::Delete, row});
+    }
     return Do(shell, std::move(writes), "deleted");
 }
 

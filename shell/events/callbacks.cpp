@@ -56,8 +56,9 @@ template <typename Callback>
 Callback* CallbackPool<Callback>::Take(const Registration& registration)
 {
     const auto free = std::ranges::find(slots_, uint64_t{0}, &Slot::taken);
-    if (free == slots_.end())
+    if (free == slots_.end()) {
         throw UsageError("no more than " + std::to_string(size) + " callbacks can be registered");
+    }
     *free = {registration, ++takes_};
     return callbacks_[static_cast<size_t>(free - slots_.begin())];
 }

@@ -10,10 +10,10 @@
 namespace shell {
 
 struct Registration {
-    uint32_t    event    = 0;             // notifications: the key
-    uint32_t    sub      = IF_EVT_WHOLE;  // interface events
-    uint32_t    priority = 0;
-    std::string module   = {};
+    uint32_t event = 0;           // notifications: the key
+    uint32_t sub = IF_EVT_WHOLE;  // interface events
+    uint32_t priority = 0;
+    std::string module = {};
 
     // Whether an unregistration that names all but the priority means this one.
     bool IsFor(const Registration& other) const
@@ -36,24 +36,24 @@ public:
     // The one that was taken last for this registration, whatever its priority; or one that is not
     // registered.
     Callback* Find(const Registration& registration) const;
-    void      GiveBack(const Callback* callback);
-    void      GiveBackAll() { slots_ = {}; }
+    void GiveBack(const Callback* callback);
+    void GiveBackAll() { slots_ = {}; }
 
     const Registration& Of(size_t place) const { return slots_[place].registration; }
 
 private:
     struct Slot {
         Registration registration;
-        uint64_t     taken = 0;  // when, in calls of Take; 0: not in use
+        uint64_t taken = 0;  // when, in calls of Take; 0: not in use
     };
 
     std::array<Callback*, size> callbacks_;
-    std::array<Slot, size>      slots_;
-    uint64_t                    takes_ = 0;
+    std::array<Slot, size> slots_;
+    uint64_t takes_ = 0;
 };
 
 CallbackPool<L2IF_SH_EVT_CB_FUNC>& LayerTwoCallbacks();
-CallbackPool<IF_EVT_CB_FUNC>&      InterfaceCallbacks();
-CallbackPool<IF_NOTIFY_FUNC>&      NotificationCallbacks();
+CallbackPool<IF_EVT_CB_FUNC>& InterfaceCallbacks();
+CallbackPool<IF_NOTIFY_FUNC>& NotificationCallbacks();
 
 }  // namespace shell

@@ -1,8 +1,5 @@
 #include "shell/events/event.h"
 
-#include <tarnd_qrb/event_publish.h>
-#include <tarnd_qrb/records.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -10,6 +7,8 @@
 #include <sstream>
 
 #include <standin/changes.h>
+#include <tarnd_qrb/event_publish.h>
+#include <tarnd_qrb/records.h>
 
 #include "shell/table.h"
 #include "shell/text_table.h"
@@ -19,19 +18,19 @@ namespace shell {
 namespace {
 
 struct Name {
-    uint32_t    id;
+    uint32_t id;
     const char* name;
 };
 
-constexpr Name layerTwoNames[]     = {{L2IF_EVT_VLAN_ADD_PORT, "VLAN_ADD_PORT"},
-                                      {L2IF_EVT_VLAN_DEL_PORT, "VLAN_DEL_PORT"},
-                                      {L2IF_EVT_SWITCH_PORT_ON, "SWITCH_PORT_ON"},
-                                      {L2IF_EVT_SWITCH_PORT_OFF, "SWITCH_PORT_OFF"},
-                                      {L2IF_EVT_PORT_ADD, "PORT_ADD"},
-                                      {L2IF_EVT_PORT_DEL, "PORT_DEL"}};
-constexpr Name stateNames[]        = {{IF_SUB_EVT_PHY_STATE, "PHY_STATE"},
-                                      {IF_SUB_EVT_ROUTE_STATE, "ROUTE_STATE"},
-                                      {IF_SUB_EVT_PHY_UP, "PHY_UP"}};
+constexpr Name layerTwoNames[] = {{L2IF_EVT_VLAN_ADD_PORT, "VLAN_ADD_PORT"},
+                                  {L2IF_EVT_VLAN_DEL_PORT, "VLAN_DEL_PORT"},
+                                  {L2IF_EVT_SWITCH_PORT_ON, "SWITCH_PORT_ON"},
+                                  {L2IF_EVT_SWITCH_PORT_OFF, "SWITCH_PORT_OFF"},
+                                  {L2IF_EVT_PORT_ADD, "PORT_ADD"},
+                                  {L2IF_EVT_PORT_DEL, "PORT_DEL"}};
+constexpr Name stateNames[] = {{IF_SUB_EVT_PHY_STATE, "PHY_STATE"},
+                               {IF_SUB_EVT_ROUTE_STATE, "ROUTE_STATE"},
+                               {IF_SUB_EVT_PHY_UP, "PHY_UP"}};
 constexpr Name notificationNames[] = {{IF_NOTIFY_CREATED, "CREATED"},
                                       {IF_NOTIFY_DELETED, "DELETED"},
                                       {IF_NOTIFY_UP, "UP"},
@@ -47,18 +46,19 @@ std::string NameOf(std::span<const Name> names, uint32_t id)
 void AddTime(Json& event)
 {
     using namespace std::chrono;
-    const auto         now = system_clock::now();
-    const std::time_t  day = system_clock::to_time_t(now);
-    std::tm            local{};
+    const auto now = system_clock::now();
+    const std::time_t day = system_clock::to_time_t(now);
+    std::tm local{};
     std::ostringstream time;
     time << std::put_time(localtime_r(&day, &local), "%T.") << std::setfill('0') << std::setw(6)
          << duration_cast<microseconds>(now.time_since_epoch()).count() % 1'000'000;
-    event["time"]        = time.str();
+    event["time"] = time.str();
     const auto committed = standin::CommitTime();
-    if (committed != steady_clock::time_point())
+    if (committed != steady_clock::time_point()) {
         event["microseconds"] =
             std::round(duration<double, std::micro>(steady_clock::now() - committed).count() * 10) /
             10;
+    }
 }
 
 template <size_t size>
@@ -70,25 +70,26 @@ Json SetOf(const uint8_t (&bits)[size])
 // Null for what is not of the library's own events: only their publishers know what it is.
 void AddLayerTwoData(Json& event, uint32_t id, const void* data, const void* argument)
 {
-    const auto* port   = static_cast<const QRB_PORT_S*>(data);
+    const auto* port = static_cast<const QRB_PORT_S*>(data);
     const auto* change = static_cast<const QRB_VLAN_CHANGE_S*>(argument);
     switch (id) {
         case L2IF_EVT_VLAN_ADD_PORT:
         case L2IF_EVT_VLAN_DEL_PORT:
             event["ifIndex"] = change->ifIndex;
-            if (change->bitmap == QRB_VLAN_BITMAP_1)
+            if (change->bitmap == QRB_VLAN_BITMAP_1) {
                 event["vlan_bitmap_1"] = SetOf(port->vlan_bitmap_1);
-            else
+            } else {
                 event["vlan_bitmap_2"] = SetOf(port->vlan_bitmap_2);
+            }
             break;
         case L2IF_EVT_SWITCH_PORT_ON:
         case L2IF_EVT_SWITCH_PORT_OFF:
-            event["ifIndex"]     = *static_cast<const uint32_t*>(data);
+            event["ifIndex"] = *static_cast<const uint32_t*>(data);
             event["switch_port"] = *static_cast<const uint8_t*>(argument);
             break;
         case L2IF_EVT_PORT_ADD:
         case L2IF_EVT_PORT_DEL:
-            event["ifIndex"]       = uint32_t{port->if_index};
+            event["ifIndex"] = uint32_t{port->if_index};
             event["vlan_bitmap_1"] = SetOf(port->vlan_bitmap_1);
             event["vlan_bitmap_2"] = SetOf(port->vlan_bitmap_2);
             break;
@@ -105,10 +106,11 @@ Json LayerTwoEvent(const Registration& registration, const void* data, uint32_t 
     Json event = {{"event", "layer-2"},
                   {"id", registration.event},
                   {"name", NameOf(layerTwoNames, registration.event)}};
-    if (data != nullptr)
+    if (data != nullptr) {
         AddLayerTwoData(event, registration.event, data, argument);
-    event["value"]    = value;
-    event["module"]   = registration.module;
+    }
+    event["value"] = value;
+    event["module"] = registration.module;
     event["priority"] = registration.priority;
     AddTime(event);
     return event;
@@ -118,13 +120,14 @@ Json InterfaceEvent(const Registration& registration, uint32_t flag, uint32_t if
                     const void* first)
 {
     const bool isState = registration.event == IF_EVT_STATE;
-    Json       event   = {
-                {"event", "interface"},    {"id", registration.event},
-                {"sub", registration.sub}, {"name", isState ? NameOf(stateNames, registration.sub) : ""},
-                {"ifIndex", ifIndex},      {"flag", flag}};
-    if (first != nullptr)
+    Json event = {
+        {"event", "interface"},    {"id", registration.event},
+        {"sub", registration.sub}, {"name", isState ? NameOf(stateNames, registration.sub) : ""},
+        {"ifIndex", ifIndex},      {"flag", flag}};
+    if (first != nullptr) {
         event["first"] = *static_cast<const uint32_t*>(first);
-    event["module"]   = registration.module;
+    }
+    event["module"] = registration.module;
     event["priority"] = registration.priority;
     AddTime(event);
     return event;
@@ -160,30 +163,36 @@ Json LogEvent(const std::string& line)
 // "12:00:00.000123  interface 9/2 PHY_STATE  ifIndex=5 flag=1  31.5 us  watch 0".
 std::string EventText(const Json& event)
 {
-    if (event["event"] == "log")
+    if (event["event"] == "log") {
         return "log  " + event["line"].get<std::string>();
-    Json       left = event;
+    }
+    Json left = event;
     const auto take = [&](const char* name, const char* before) {
         const auto found = left.find(name);
-        if (found == left.end())
+        if (found == left.end()) {
             return std::string();
+        }
         const std::string text = OneLine(*found);
         left.erase(found);
         return text.empty() ? "" : before + text;
     };
     std::string text = take("time", "") + take("event", "  ") + take("id", " ");
-    if (left.value("sub", IF_EVT_WHOLE) == IF_EVT_WHOLE)
+    if (left.value("sub", IF_EVT_WHOLE) == IF_EVT_WHOLE) {
         left.erase("sub");
-    for (const char* usuallyZero : {"value", "a", "b"})
-        if (left.value(usuallyZero, 0) == 0)
+    }
+    for (const char* usuallyZero : {"value", "a", "b"}) {
+        if (left.value(usuallyZero, 0) == 0) {
             left.erase(usuallyZero);
+        }
+    }
     text += take("sub", "/") + take("name", " ");
     const std::string after = take("microseconds", "  ");
-    const std::string name  = take("module", "  ");
-    const std::string by    = name + take("priority", name.empty() ? "  priority " : " ") +
+    const std::string name = take("module", "  ");
+    const std::string by = name + take("priority", name.empty() ? "  priority " : " ") +
                            take("key", name.empty() ? "  key " : " ");
-    if (left.contains("ifIndex"))
+    if (left.contains("ifIndex")) {
         left["ifIndex"] = WithInterfaceName(left["ifIndex"]);
+    }
     return text + "  " + OneLine(left) + after + (after.empty() ? "" : " us") + by;
 }
 

@@ -11,8 +11,9 @@ namespace shell {
 
 EventQueue::EventQueue() : descriptor_(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC))
 {
-    if (descriptor_ < 0)
+    if (descriptor_ < 0) {
         throw std::system_error(errno, std::generic_category(), "cannot open an event descriptor");
+    }
 }
 
 EventQueue::~EventQueue()
@@ -23,21 +24,24 @@ EventQueue::~EventQueue()
 void EventQueue::Push(Json event)
 {
     const std::lock_guard lock(mutex_);
-    if (events_.empty())
+    if (events_.empty()) {
         eventfd_write(descriptor_, 1);
+    }
     events_.push_back(std::move(event));
 }
 
 std::optional<Json> EventQueue::Pop()
 {
     const std::lock_guard lock(mutex_);
-    if (events_.empty())
+    if (events_.empty()) {
         return std::nullopt;
+    }
     Json event = std::move(events_.front());
     events_.pop_front();
     eventfd_t count = 0;
-    if (events_.empty())
+    if (events_.empty()) {
         eventfd_read(descriptor_, &count);
+    }
     return event;
 }
 

@@ -15,10 +15,10 @@ class EventQueue {
 public:
     EventQueue();
     ~EventQueue();
-    EventQueue(const EventQueue&)            = delete;
+    EventQueue(const EventQueue&) = delete;
     EventQueue& operator=(const EventQueue&) = delete;
 
-    void                Push(Json event);
+    void Push(Json event);
     std::optional<Json> Pop();
 
     // Waits until something is in the queue, but no longer than that.
@@ -28,9 +28,9 @@ public:
     int Descriptor() const { return descriptor_; }
 
 private:
-    std::mutex       mutex_;
+    std::mutex mutex_;
     std::deque<Json> events_;
-    int              descriptor_;
+    int descriptor_;
 };
 
 // The one that the callbacks fill: they are plain functions.

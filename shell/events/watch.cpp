@@ -10,7 +10,7 @@ namespace shell {
 namespace {
 
 constexpr const char* module = "watch";
-constexpr uint32_t    key    = 0;
+constexpr uint32_t key = 0;
 
 bool isWatching = false;
 
@@ -21,16 +21,18 @@ void ForEachInterfaceEvent(const OnEvent& onEvent)
     IF_EvtInit();
     for (uint32_t event = 0; event < g_qrbIFEventCallbacks.childCount; ++event) {
         onEvent(event, IF_EVT_WHOLE);
-        for (uint32_t sub = 0; sub < g_qrbIFEventCallbacks.children[event].childCount; ++sub)
+        for (uint32_t sub = 0; sub < g_qrbIFEventCallbacks.children[event].childCount; ++sub) {
             onEvent(event, sub);
+        }
     }
 }
 
 void RegisterAll()
 {
-    for (uint32_t event = 0; event < L2IF_EVT_COUNT; ++event)
+    for (uint32_t event = 0; event < L2IF_EVT_COUNT; ++event) {
         L2IF_SH_EvtCbFuncReg(module, event, 0,
                              LayerTwoCallbacks().Take({event, IF_EVT_WHOLE, 0, module}));
+    }
     ForEachInterfaceEvent([](uint32_t event, uint32_t sub) {
         IF_INTF_RegEvtCb(event, sub, InterfaceCallbacks().Take({event, sub, 0, module}), 0, 0);
     });
@@ -48,9 +50,10 @@ void Return(CallbackPool<Callback>& pool, const Registration& registration,
 
 void UnregisterAll()
 {
-    for (uint32_t event = 0; event < L2IF_EVT_COUNT; ++event)
+    for (uint32_t event = 0; event < L2IF_EVT_COUNT; ++event) {
         Return(LayerTwoCallbacks(), {event, IF_EVT_WHOLE, 0, module},
                [=](auto* callback) { L2IF_SH_EvtCbFuncUnReg(module, event, 0, callback); });
+    }
     ForEachInterfaceEvent([](uint32_t event, uint32_t sub) {
         Return(InterfaceCallbacks(), {event, sub, 0, module},
                [=](auto* callback) { IF_INTF_UnRegEvtCb(event, sub, callback, 0); });
@@ -63,14 +66,16 @@ void UnregisterAll()
 
 void WatchEverything()
 {
-    if (!std::exchange(isWatching, true))
+    if (!std::exchange(isWatching, true)) {
         standin::BetweenDeliveries(RegisterAll);
+    }
 }
 
 void WatchNothing()
 {
-    if (std::exchange(isWatching, false))
+    if (std::exchange(isWatching, false)) {
         standin::BetweenDeliveries(UnregisterAll);
+    }
 }
 
 }  // namespace shell

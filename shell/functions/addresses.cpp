@@ -13,21 +13,23 @@ constexpr uint32_t most = 64;  // addresses that one call can give
 // The record is open as long as the call lasts.
 uint32_t OpenRecord(uint32_t ifIndex)
 {
-    ORM_SESSION    session = 0;
-    const uint32_t ret     = BDS_IPGetIpv4AddrTblByIfIndex(&session, &ifIndex);
-    if (ret == 0)
+    ORM_SESSION session = 0;
+    const uint32_t ret = BDS_IPGetIpv4AddrTblByIfIndex(&session, &ifIndex);
+    if (ret == 0) {
         OrmCloseSession(session);
+    }
     return ret;
 }
 
 uint32_t ReadItem(uint32_t ifIndex, uint32_t number, BDS_IPV4_ADDR_ITEM_S* item)
 {
     ORM_SESSION session = 0;
-    ORM_NODE    list    = 0;
-    ORM_NODE    node    = 0;
-    uint32_t    ret     = BDS_IPGetIpv4AddrTblByIfIndex(&session, &ifIndex);
-    if (ret != 0)
+    ORM_NODE list = 0;
+    ORM_NODE node = 0;
+    uint32_t ret = BDS_IPGetIpv4AddrTblByIfIndex(&session, &ifIndex);
+    if (ret != 0) {
         return ret;
+    }
     OrmNodeGetChild(session, 0, "ipv4_address_list", &list);
     OrmNodeGetItemByIdx(list, number, &node);
     ret = BDS_IPGetIpv4AddrTblItem(node, item);

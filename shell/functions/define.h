@@ -14,8 +14,9 @@ namespace shell {
 template <typename Slot>
 void Show(const Slot& slot, const Argument& argument, Direction direction, Json& shown)
 {
-    if (Slot::direction == direction && !argument.ignored)
+    if (Slot::direction == direction && !argument.ignored) {
         shown.emplace(std::string(argument.name), slot.Show(argument));
+    }
 }
 
 template <typename Code, typename... Parameters, size_t... i>
@@ -29,10 +30,11 @@ Answer Call(Code (*function)(Parameters...),
     Answer answer;
     (Show(std::get<i>(slots), arguments[i], Direction::In, answer.arguments), ...);
     LogCatcher catcher;
-    if constexpr (std::is_void_v<Code>)
+    if constexpr (std::is_void_v<Code>) {
         function(std::get<i>(slots).Pass()...);
-    else
+    } else {
         answer.code = function(std::get<i>(slots).Pass()...);
+    }
     answer.log = catcher.Take();
     (Show(std::get<i>(slots), arguments[i], Direction::Out, answer.outputs), ...);
     return answer;
@@ -45,7 +47,7 @@ Function Define(std::string_view name, Code (*function)(Parameters...), const Re
 {
     static_assert(sizeof...(Parameters) == sizeof...(Arguments));
     const std::array<Argument, sizeof...(Parameters)> described{arguments...};
-    const auto                                        call = [function, described](Words& words) {
+    const auto call = [function, described](Words& words) {
         return Call(function, described, words, std::index_sequence_for<Parameters...>{});
     };
     return {name, result, tables, answers, {{arguments, Slot<Parameters>::direction}...}, call};

@@ -24,9 +24,10 @@ uint32_t WithNew(CallbackPool<Callback>& pool, const Registration& registration,
                  const Register& registerIt)
 {
     Callback* const callback = pool.Take(registration);
-    const uint32_t  ret      = registerIt(callback);
-    if (ret != 0)
+    const uint32_t ret = registerIt(callback);
+    if (ret != 0) {
         pool.GiveBack(callback);
+    }
     return ret;
 }
 
@@ -36,9 +37,10 @@ uint32_t WithOld(CallbackPool<Callback>& pool, const Registration& registration,
                  const Unregister& unregister)
 {
     Callback* const callback = pool.Find(registration);
-    const uint32_t  ret      = unregister(callback);
-    if (ret == 0)
+    const uint32_t ret = unregister(callback);
+    if (ret == 0) {
         pool.GiveBack(callback);
+    }
     return ret;
 }
 
@@ -119,7 +121,7 @@ bool ComparePriorities(uint32_t a, uint32_t b)
 {
     Entry first{};
     Entry second{};
-    first.priority  = a;
+    first.priority = a;
     second.priority = b;
     return compare(&first, &second, 0);
 }
@@ -130,8 +132,9 @@ void CreateChildren(uint32_t number, uint32_t* children)
     IF_EVT_NODE_S node{};
     IF_CBF_Create_Child(&node, number);
     *children = node.childCount;
-    if (node.children != nullptr)
+    if (node.children != nullptr) {
         IF_CBF_Free_Child(&node, node.childCount);
+    }
 }
 
 // With the data that the library's own events have.
@@ -168,16 +171,18 @@ uint32_t GetEventNode(uint32_t id, uint32_t subId, uint64_t* callbacks)
 template <typename Entry, typename Show>
 void ShowEntries(const UTIL_LIST_S& list, Json& shown, const Show& show)
 {
-    for (UTIL_LIST_NODE_S* node = list.head; node != nullptr; node = node->next)
+    for (UTIL_LIST_NODE_S* node = list.head; node != nullptr; node = node->next) {
         shown.push_back(show(*static_cast<const Entry*>(UTIL_LIST_Data(node))));
+    }
 }
 
 void LayerTwoEntries(Json* shown)
 {
-    for (uint32_t id = 0; id < L2IF_EVT_COUNT && g_isL2IFEvtInited != 0; ++id)
+    for (uint32_t id = 0; id < L2IF_EVT_COUNT && g_isL2IFEvtInited != 0; ++id) {
         ShowEntries<L2IF_SH_EVT_CB_S>(g_qrbL2IFEventCallbacks[id], *shown, [&](const auto& entry) {
             return Json{{"event", id}, {"module", entry.moduleName}, {"priority", entry.priority}};
         });
+    }
 }
 
 void AddNode(uint32_t id, const IF_EVT_NODE_S& node, Json& shown)
@@ -185,14 +190,16 @@ void AddNode(uint32_t id, const IF_EVT_NODE_S& node, Json& shown)
     ShowEntries<IF_EVT_CB_S>(node.list, shown, [&](const auto& entry) {
         return Json{{"event", id}, {"sub", entry.subId}, {"priority", entry.priority}};
     });
-    for (uint32_t subId = 0; subId < node.childCount; ++subId)
+    for (uint32_t subId = 0; subId < node.childCount; ++subId) {
         AddNode(id, node.children[subId], shown);
+    }
 }
 
 void InterfaceEntries(Json* shown)
 {
-    for (uint32_t id = 0; id < g_qrbIFEventCallbacks.childCount; ++id)
+    for (uint32_t id = 0; id < g_qrbIFEventCallbacks.childCount; ++id) {
         AddNode(id, g_qrbIFEventCallbacks.children[id], *shown);
+    }
 }
 
 void NotificationEntries(Json* shown)

@@ -20,7 +20,7 @@ uint32_t ScanGroupIds(const char* rows, uint32_t* group)
 // The row step, on each profile.
 uint32_t ScanProfiles(const char* name, uint32_t* found)
 {
-    std::pair  context(name, found);
+    std::pair context(name, found);
     const auto onRow = [](ORM_SESSION session, void* search, uint32_t) -> uint32_t {
         const auto& [wanted, output] = *static_cast<decltype(context)*>(search);
         return QOS_GetIdByName(session, wanted, output);
@@ -31,8 +31,8 @@ uint32_t ScanProfiles(const char* name, uint32_t* found)
 // The session is open as long as the call lasts.
 uint32_t OpenProfile(uint32_t wanted)
 {
-    ORM_SESSION    session = 0;
-    const uint32_t ret     = QOS_SetQosIntePk(&session, wanted);
+    ORM_SESSION session = 0;
+    const uint32_t ret = QOS_SetQosIntePk(&session, wanted);
     OrmCloseSession(session);
     return ret;
 }
@@ -42,13 +42,15 @@ using ReadRemarks = uint32_t (*)(ORM_NODE, QOS_PROFILE_INFO_S*);
 uint32_t OfList(const char* name, ReadRemarks read, uint32_t wanted, QOS_PROFILE_INFO_S* found)
 {
     ORM_SESSION session = 0;
-    ORM_NODE    list    = 0;
-    uint32_t    ret     = QOS_SetQosIntePk(&session, wanted);
-    if (ret != 0)
+    ORM_NODE list = 0;
+    uint32_t ret = QOS_SetQosIntePk(&session, wanted);
+    if (ret != 0) {
         return ret;
+    }
     ret = OrmNodeGetChild(session, 0, name, &list);
-    if (ret == 0)
+    if (ret == 0) {
         ret = read(list, found);
+    }
     OrmCloseSession(session);
     return ret;
 }

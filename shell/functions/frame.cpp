@@ -13,10 +13,11 @@ namespace {
 // The session is open as long as the call lasts.
 uint32_t CreateSession(const char* name, uint32_t access)
 {
-    ORM_SESSION    session = 0;
-    const uint32_t ret     = QRB_CreatDbSession(name, access, &session);
-    if (session != 0)
+    ORM_SESSION session = 0;
+    const uint32_t ret = QRB_CreatDbSession(name, access, &session);
+    if (session != 0) {
         OrmCloseSession(session);
+    }
     return ret;
 }
 
@@ -25,9 +26,10 @@ template <typename Action>
 uint32_t InSession(const Action& action)
 {
     ORM_SESSION session = 0;
-    uint32_t    ret     = OrmOpenSessionByDefault(&session);
-    if (ret != 0)
+    uint32_t ret = OrmOpenSessionByDefault(&session);
+    if (ret != 0) {
         return ret;
+    }
     ret = action(session);
     OrmCloseSession(session);
     return ret;
@@ -44,7 +46,7 @@ uint32_t SetKey(const char* name, Rest words)
 uint32_t SessionGet(const char* name, Rest words, Json* row)
 {
     const RowKey rowKey(name, words);
-    RowOutput    output(name, *row);
+    RowOutput output(name, *row);
     return InSession([&](ORM_SESSION session) {
         return QRB_DB_SESSION_Get(session, name, &rowKey, &output, SetRowKey, GetRow);
     });
@@ -53,7 +55,7 @@ uint32_t SessionGet(const char* name, Rest words, Json* row)
 uint32_t Get(const char* name, Rest words, Json* row)
 {
     const RowKey rowKey(name, words);
-    RowOutput    output(name, *row);
+    RowOutput output(name, *row);
     return QRB_DB_Get(name, &rowKey, &output, SetRowKey, GetRow);
 }
 

@@ -18,7 +18,7 @@ uint32_t CompareRecords(const char* name, uint8_t selector, Json* record)
     struct SEARCH_S {
         IF_NAME_KEY_S key;
         QRB_IF_BASE_S found;
-        uint32_t      matches;
+        uint32_t matches;
     } search{{name, selector}, {}, 0};
     const auto offer = [](ORM_SESSION session, void* context, uint32_t) -> uint32_t {
         auto& [key, found, matches] = *static_cast<SEARCH_S*>(context);
@@ -26,24 +26,27 @@ uint32_t CompareRecords(const char* name, uint8_t selector, Json* record)
         return 0;
     };
     QRB_DB_Scan("if_base", &search, UINT32_MAX, offer, nullptr, nullptr, nullptr);
-    if (search.matches > 0)
+    if (search.matches > 0) {
         *record = {{"if_index", uint32_t{search.found.if_index}},
                    {"if_name", search.found.if_name},
                    {"simple_name", search.found.simple_name},
                    {"if_type", uint16_t{search.found.if_type}}};
+    }
     return search.matches;
 }
 
 void TypeTable(Json* entries)
 {
-    for (uint32_t i = 0; g_pstBDSIfTypeInfo != nullptr && i < QRB_IF_TYPE_COUNT; ++i)
+    for (uint32_t i = 0; g_pstBDSIfTypeInfo != nullptr && i < QRB_IF_TYPE_COUNT; ++i) {
         entries->push_back(RecordToJson(g_pstBDSIfTypeInfo[i]));
+    }
 }
 
 void TranslationTable(Json* entries)
 {
-    for (const auto& [ifType, phyType] : g_qrbIfTrans)
+    for (const auto& [ifType, phyType] : g_qrbIfTrans) {
         entries->push_back({{"if_type", ifType}, {"phy_type", phyType}});
+    }
 }
 
 // clang-format off

@@ -1,10 +1,10 @@
 // Start-up, subscriptions and the listener; change detection, on messages of the shell's own.
+#include <atomic>
+
 #include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/listener.h>
 #include <tarnd_qrb/subscription.h>
-
-#include <atomic>
 
 #include "shell/events/event.h"
 #include "shell/events/queue.h"
@@ -22,8 +22,9 @@ namespace {
 void OnDelivery(ORM_MESSAGE message, uint32_t type)
 {
     uint32_t rows = 0;
-    for (uint8_t end = 0; OrmSubFetchNext(message, &end) == 0 && end == 0;)
+    for (uint8_t end = 0; OrmSubFetchNext(message, &end) == 0 && end == 0;) {
         ++rows;
+    }
     Events().Push(DeliveryEvent(type, rows));
 }
 
@@ -33,10 +34,10 @@ uint32_t Register(const char* name, const char* connectionName, const char* owne
     return QrbDbListenerRegisterEvent(name, connectionName, text, OnDelivery, nullptr, ownerName);
 }
 
-constexpr const char* ifBase  = "if_base";
-constexpr const char* ifPhy   = "if_phy";
+constexpr const char* ifBase = "if_base";
+constexpr const char* ifPhy = "if_phy";
 constexpr const char* ifRoute = "if_route";
-constexpr const char* port    = "port";
+constexpr const char* port = "port";
 
 // A whole delivery, of the type that is asked for.
 template <const char* const& table, void (*callback)(ORM_MESSAGE, uint32_t)>
@@ -50,7 +51,7 @@ void Deliver(uint32_t ifIndex, uint32_t type)
 template <const char* const& table, typename Record, uint32_t (*extract)(ORM_MESSAGE, Record*)>
 uint32_t Extract(uint32_t ifIndex, Json* shown)
 {
-    Record   record{};
+    Record record{};
     uint32_t ret = 0;
     OnMessage(table, ifIndex, Position::OnRow,
               [&](ORM_MESSAGE message) { ret = extract(message, &record); });
@@ -61,7 +62,7 @@ uint32_t Extract(uint32_t ifIndex, Json* shown)
 uint32_t GetIfBase(uint32_t ifIndex, uint32_t object, Json* shown)
 {
     QRB_IF_BASE_S record{};
-    uint32_t      ret = 0;
+    uint32_t ret = 0;
     OnMessage(ifBase, ifIndex, Position::OnRow, [&](ORM_MESSAGE message) {
         ret = QRB_EVENT_GetIfBaseFromSession(message, object, &record);
     });
@@ -87,28 +88,28 @@ void OnPort(uint32_t ifIndex)
 void UpdatePhy(uint32_t index, uint8_t was, uint8_t is, QRB_IF_PHY_NOTICE_S* shown)
 {
     QRB_IF_PHY_S oldRow{};
-    oldRow.if_index     = index;
+    oldRow.if_index = index;
     QRB_IF_PHY_S newRow = oldRow;
-    oldRow.phy_state    = was;
-    newRow.phy_state    = is;
+    oldRow.phy_state = was;
+    newRow.phy_state = is;
     QRB_EVENT_IfPhyUpdate(&oldRow, &newRow, shown);
 }
 
 void UpdateRoute(uint32_t index, uint8_t was, uint8_t is)
 {
     QRB_IF_ROUTE_S oldRow{};
-    oldRow.if_index       = index;
+    oldRow.if_index = index;
     QRB_IF_ROUTE_S newRow = oldRow;
-    oldRow.route_state    = was;
-    newRow.route_state    = is;
+    oldRow.route_state = was;
+    newRow.route_state = is;
     QRB_EVENT_IfRouteUpdate(&oldRow, &newRow);
 }
 
 void UpdateSwitchPort(uint32_t index, uint8_t was, uint8_t is)
 {
     QRB_PORT_S oldRow{};
-    oldRow.if_index    = index;
-    QRB_PORT_S newRow  = oldRow;
+    oldRow.if_index = index;
+    QRB_PORT_S newRow = oldRow;
     oldRow.switch_port = was;
     newRow.switch_port = is;
     QRB_EVENT_PortUpdateSwitchPortUse(&oldRow, &newRow);
@@ -121,7 +122,7 @@ QRB_PORT_S PortWith(uint32_t index, const char* vlans)
     record.if_index = index;
     if (vlans != nullptr && *vlans != '\0') {
         const standin::Field& field = *FieldOrList(KnownTable(port), "vlan_bitmap_1");
-        standin::Row          row(port);
+        standin::Row row(port);
         sources::AddSet(row, field, vlans);
         std::ranges::copy(row.Bytes(field), record.vlan_bitmap_1);
         std::ranges::copy(row.Bytes(field), record.vlan_bitmap_2);
@@ -166,8 +167,9 @@ uint32_t SessionIsOpen()
 uint32_t ExitFlag(const char* set)
 {
     std::atomic_ref flag(g_epollDbListenerThreadExit);
-    if (set != nullptr)
+    if (set != nullptr) {
         flag.store(static_cast<uint8_t>(NumberFromWord({.name = "set"}, set, UINT8_MAX)));
+    }
     return flag.load();
 }
 

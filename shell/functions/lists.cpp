@@ -16,19 +16,19 @@ void Print(const void* element)
     printed.push_back(*static_cast<const uint32_t*>(element));
 }
 
-constexpr UTIL_LIST_TRAITS_S numbers{.elemSize      = sizeof(uint32_t),
-                                     .reserved1     = nullptr,
-                                     .destruct      = nullptr,
+constexpr UTIL_LIST_TRAITS_S numbers{.elemSize = sizeof(uint32_t),
+                                     .reserved1 = nullptr,
+                                     .destruct = nullptr,
                                      .constructCopy = nullptr,
                                      .constructMove = nullptr,
-                                     .reserved5     = nullptr,
-                                     .print         = Print};
+                                     .reserved5 = nullptr,
+                                     .print = Print};
 
 // Gives its memory back where the program ends.
 struct Numbers {
     Numbers() { UTIL_LIST_Construct(&list, &numbers); }
     ~Numbers() { UTIL_LIST_Clear(&list); }
-    Numbers(const Numbers&)            = delete;
+    Numbers(const Numbers&) = delete;
     Numbers& operator=(const Numbers&) = delete;
 
     UTIL_LIST_S list;
@@ -36,19 +36,21 @@ struct Numbers {
 
 UTIL_LIST_S* ListNamed(const char* name)
 {
-    static Numbers         a;
-    static Numbers         b;
+    static Numbers a;
+    static Numbers b;
     const std::string_view known = name != nullptr ? name : "";
-    if (known != "a" && known != "b")
+    if (known != "a" && known != "b") {
         throw UsageError("there are the lists a and b");
+    }
     return known == "a" ? &a.list : &b.list;
 }
 
 UTIL_LIST_NODE_S* NodeAt(const UTIL_LIST_S* list, uint32_t position)
 {
     UTIL_LIST_NODE_S* node = list->head;
-    for (; node != nullptr && position > 0; --position)
+    for (; node != nullptr && position > 0; --position) {
         node = node->next;
+    }
     return node != nullptr ? node : throw UsageError("there is no element at that position");
 }
 
@@ -60,14 +62,15 @@ uint32_t ValueOf(UTIL_LIST_NODE_S* node)
 Json Elements(const UTIL_LIST_S* list)
 {
     Json elements = Json::array();
-    for (UTIL_LIST_NODE_S* node = list->head; node != nullptr; node = node->next)
+    for (UTIL_LIST_NODE_S* node = list->head; node != nullptr; node = node->next) {
         elements.push_back(ValueOf(node));
+    }
     return elements;
 }
 
 struct View {
     const UTIL_LIST_S* list;
-    Json*              elements;
+    Json* elements;
 };
 
 // The result of an operation, if it has one, and lists as they are afterwards.
@@ -118,11 +121,12 @@ auto Whole(const char* name, Json* elements)
 template <auto operation, bool isFromRaw = false>
 auto Pair(const char* name, const char* otherName, Json* elements, Json* others)
 {
-    UTIL_LIST_S* const list    = ListNamed(name);
-    UTIL_LIST_S* const other   = ListNamed(otherName);
-    const auto         operate = [&] {
-        if (isFromRaw && list != other)
+    UTIL_LIST_S* const list = ListNamed(name);
+    UTIL_LIST_S* const other = ListNamed(otherName);
+    const auto operate = [&] {
+        if (isFromRaw && list != other) {
             UTIL_LIST_Clear(list);
+        }
         return operation(list, other);
     };
     return Viewed(operate, View{list, elements}, View{other, others});
@@ -206,7 +210,7 @@ uint32_t CountIf(const char* name, uint32_t number)
 UTIL_LIST_ITER_S IteratorAt(UTIL_LIST_S* list, uint32_t position)
 {
     UTIL_LIST_ITER_S iterator = UTIL_LIST_Begin(list);
-    iterator.node             = NodeAt(list, position);
+    iterator.node = NodeAt(list, position);
     return iterator;
 }
 
@@ -226,7 +230,7 @@ template <auto operation>
 void Move(const char* name, uint32_t position, Json* element)
 {
     UTIL_LIST_ITER_S iterator = IteratorAt(ListNamed(name), position);
-    *element                  = Shown(operation(&iterator));
+    *element = Shown(operation(&iterator));
 }
 
 void GetData(const char* name, uint32_t position, uint32_t* element)
@@ -239,7 +243,7 @@ void GetData(const char* name, uint32_t position, uint32_t* element)
 Json WithCopy(const char* name, Json (*use)(UTIL_LIST_S*& copy))
 {
     const UTIL_LIST_S* const list = ListNamed(name);
-    UTIL_LIST_S*             copy = nullptr;
+    UTIL_LIST_S* copy = nullptr;
     UTIL_LIST_ConstructPtrCopyCallback(&copy, &list);
     Json shown = use(copy);
     UTIL_LIST_DeleteCallback(&copy);
@@ -272,7 +276,7 @@ void PrintList(const char* name, Json* elements)
 void PrintPointer(const char* name, Json* elements)
 {
     UTIL_LIST_S* const list = ListNamed(name);
-    printed                 = Json::array();
+    printed = Json::array();
     UTIL_LIST_PrintPtrCallback(&list);
     *elements = printed;
 }

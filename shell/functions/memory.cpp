@@ -12,8 +12,9 @@ constexpr uint32_t most = 64;
 
 void ModuleMap(Json* modules)
 {
-    for (const auto& [name, handle] : g_memExModuleMap)
+    for (const auto& [name, handle] : g_memExModuleMap) {
         modules->push_back({{"name", name}, {"handle", handle}});
+    }
 }
 
 // clang-format off

@@ -9,9 +9,9 @@ namespace shell {
 namespace {
 
 // Callbacks and control functions take no argument.
-int                                     descriptor = -1;
-Position                                wanted     = Position::OnRow;
-const std::function<void(ORM_MESSAGE)>* onMessage  = nullptr;
+int descriptor = -1;
+Position wanted = Position::OnRow;
+const std::function<void(ORM_MESSAGE)>* onMessage = nullptr;
 
 int32_t TakeDescriptor(uint32_t watched, uint32_t /*operation*/)
 {
@@ -22,8 +22,9 @@ int32_t TakeDescriptor(uint32_t watched, uint32_t /*operation*/)
 void Run(ORM_MESSAGE message, uint32_t /*eventType*/)
 {
     uint8_t end = 0;
-    if (wanted == Position::OnRow)
+    if (wanted == Position::OnRow) {
         OrmSubFetchNext(message, &end);
+    }
     (*onMessage)(message);
 }
 
@@ -31,8 +32,8 @@ ORM_SESSION Subscribe(const char* table)
 {
     const std::string definition =
         Json({{"label_name", table}, {"events", Json::array({{{"type", "update"}}})}}).dump();
-    ORM_SESSION_PARAM param   = 0;
-    ORM_SESSION       session = 0;
+    ORM_SESSION_PARAM param = 0;
+    ORM_SESSION session = 0;
     OrmCreateSessionParam("channel:", "osc", &param);
     OrmOpenSubSession(param, TakeDescriptor, &session);
     OrmDestroySessionParam(param);
@@ -46,12 +47,13 @@ void OnMessage(const char* table, uint32_t ifIndex, Position position,
                const std::function<void(ORM_MESSAGE)>& action)
 {
     const auto row = standin::Find(standin::Row(table).Set("if_index", ifIndex));
-    if (!row)
+    if (!row) {
         throw standin::Error(std::string(table) + ": if_index " + std::to_string(ifIndex) +
                              ": there is no such row");
-    wanted                       = position;
-    onMessage                    = &action;
-    const ORM_SESSION    session = Subscribe(table);
+    }
+    wanted = position;
+    onMessage = &action;
+    const ORM_SESSION session = Subscribe(table);
     standin::Transaction write;
     write.Update(*row);
     write.Commit();
@@ -61,12 +63,13 @@ void OnMessage(const char* table, uint32_t ifIndex, Position position,
 
 Json FieldsOf(const char* table, const void* record)
 {
-    Json                           fields = Json::object();
-    const standin::Table&          known  = KnownTable(table);
+    Json fields = Json::object();
+    const standin::Table& known = KnownTable(table);
     const std::span<const uint8_t> bytes(static_cast<const uint8_t*>(record), known.recordSize);
-    for (const standin::Field& field : known.fields)
+    for (const standin::Field& field : known.fields) {
         fields.emplace(field.name,
                        sources::ValueToJson(field.kind, bytes.subspan(field.offset, field.width)));
+    }
     return fields;
 }
 

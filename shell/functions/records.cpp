@@ -17,7 +17,7 @@ Json CarToJson(const QOS_CAR_S& car)
 uint32_t AddressFromWord(const Argument& argument, const std::string& word)
 {
     Argument address = argument;
-    address.form     = Form::Ipv4;
+    address.form = Form::Ipv4;
     return static_cast<uint32_t>(NumberFromWord(address, word, UINT32_MAX));
 }
 
@@ -74,11 +74,12 @@ void RecordFromWord(const Argument& argument, const std::string& word, FIB_KEY_S
 void RecordFromWord(const Argument& argument, const std::string& word, FIB_PREFIX_S& record)
 {
     const size_t slash = word.find('/');
-    record.address     = AddressFromWord(argument, word.substr(0, slash));
-    record.prefixLen   = 32;
-    if (slash != std::string::npos)
+    record.address = AddressFromWord(argument, word.substr(0, slash));
+    record.prefixLen = 32;
+    if (slash != std::string::npos) {
         record.prefixLen = static_cast<uint8_t>(
             NumberFromWord({argument.name}, word.substr(slash + 1), UINT8_MAX));
+    }
 }
 
 }  // namespace shell

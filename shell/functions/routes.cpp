@@ -18,9 +18,9 @@ uint32_t Inquire6()
 // The scan is open as long as the call lasts.
 uint32_t StartGroupScan()
 {
-    ORM_SESSION    session = 0;
-    ORM_SCAN       scan    = 0;
-    const uint32_t ret     = FIB_ScanNhpGroupNodeValidate(&session, &scan);
+    ORM_SESSION session = 0;
+    ORM_SCAN scan = 0;
+    const uint32_t ret = FIB_ScanNhpGroupNodeValidate(&session, &scan);
     OrmScanEnd(session, scan);
     OrmCloseSession(session);
     return ret;

@@ -1,9 +1,9 @@
 #include "shell/functions/row.h"
 
-#include <tarnd_platform/orm_accessors.h>
-
 #include <array>
 #include <cstring>
+
+#include <tarnd_platform/orm_accessors.h>
 
 #include "shell/table.h"
 #include "shell/words.h"
@@ -17,15 +17,16 @@ Json ItemOf(const standin::List& list, ORM_NODE item)
     Json fields = Json::object();
     for (const standin::Field& field : list.fields) {
         std::vector<uint8_t> bytes(field.width);
-        if (OrmNodeGetFieldById(item, field.number, bytes.data(), field.width) == 0)
+        if (OrmNodeGetFieldById(item, field.number, bytes.data(), field.width) == 0) {
             fields.emplace(field.name, sources::ValueToJson(field.kind, bytes));
+        }
     }
     return fields;
 }
 
 Json ItemsOf(const standin::List& list, ORM_NODE node)
 {
-    Json     items = Json::array();
+    Json items = Json::array();
     uint32_t count = 0;
     OrmNodeGetSize(node, &count);
     for (uint32_t i = 0; i < count; ++i) {
@@ -43,14 +44,16 @@ uint32_t ReadRow(ORM_SESSION session, const standin::Table& table, Json& row)
     for (const standin::Field& field : table.fields) {
         std::vector<uint8_t> bytes(field.width);
         const uint32_t ret = OrmGetFieldById(session, field.number, bytes.data(), field.width);
-        if (ret != 0)
+        if (ret != 0) {
             return ret;
+        }
         row.emplace(field.name, sources::ValueToJson(field.kind, bytes));
     }
     for (const standin::List& list : table.lists) {
         ORM_NODE node = 0;
-        if (OrmNodeGetChild(session, 0, std::string(list.name).c_str(), &node) == 0)
+        if (OrmNodeGetChild(session, 0, std::string(list.name).c_str(), &node) == 0) {
             row.emplace(list.name, ItemsOf(list, node));
+        }
     }
     return 0;
 }
@@ -67,8 +70,9 @@ uint32_t TakeNumber(const standin::Field& member, const std::string& word)
 uint32_t SetNumbers(ORM_SESSION session, std::span<const uint32_t> numbers)
 {
     uint32_t ret = OrmSetKeyName(session, "primary_key");
-    for (uint32_t i = 0; i < numbers.size() && ret == 0; ++i)
+    for (uint32_t i = 0; i < numbers.size() && ret == 0; ++i) {
         ret = OrmSetIndexKeyValue(session, i, QRB_KEY_TYPE_U32, &numbers[i], sizeof(numbers[i]));
+    }
     return ret;
 }
 
@@ -85,21 +89,24 @@ uint32_t SetNameAndKind(ORM_SESSION session, const char* name, uint32_t kind)
 
 RowKey::RowKey(const char* table, Rest words)
 {
-    const auto  known = KnownTable(table).keys[0].members;
+    const auto known = KnownTable(table).keys[0].members;
     std::string names;
-    for (const standin::Field* member : known)
+    for (const standin::Field* member : known) {
         names += " " + std::string(member->name);
-    if (words.size() != known.size())
+    }
+    if (words.size() != known.size()) {
         throw UsageError(std::string("the key of ") + table + " is:" + names);
+    }
     for (size_t i = 0; i < known.size(); ++i) {
-        if (known[i]->kind == standin::Kind::Text)
+        if (known[i]->kind == standin::Kind::Text) {
             name = words[i];
-        else if (known[i]->width < sizeof(uint32_t) && !name)
+        } else if (known[i]->width < sizeof(uint32_t) && !name) {
             throw UsageError(std::string(known[i]->name) + ": a key of " +
                              std::to_string(known[i]->width * 8) +
                              " bits can't be set; QRB_DB_Scan finds rows by it");
-        else
+        } else {
             numbers.push_back(TakeNumber(*known[i], words[i]));
+        }
     }
 }
 
@@ -123,10 +130,11 @@ uint32_t GetRow(ORM_SESSION session, void* output)
 uint32_t AddRow(ORM_SESSION session, void* output, uint32_t /*index*/)
 {
     const auto& [table, rows] = *static_cast<RowOutput*>(output);
-    Json           row;
+    Json row;
     const uint32_t ret = ReadRow(session, table, row);
-    if (ret == 0)
+    if (ret == 0) {
         rows.push_back(std::move(row));
+    }
     return ret;
 }
 

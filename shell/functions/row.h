@@ -21,7 +21,7 @@ struct RowKey {
     RowKey(const char* table, Rest words);
 
     std::optional<std::string> name;  // only "acl_group_id" has one in its key
-    std::vector<uint32_t>      numbers;
+    std::vector<uint32_t> numbers;
 };
 
 // Where a row goes, or an array of rows.
@@ -29,7 +29,7 @@ struct RowOutput {
     RowOutput(const char* tableName, Json& destination);
 
     const standin::Table& table;
-    Json&                 output;
+    Json& output;
 };
 
 // Callbacks: a QRB_SET_KEY_FUNC for a RowKey, a QRB_GET_FIELDS_FUNC and a QRB_ENTRY_FUNC for a

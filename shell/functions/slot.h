@@ -18,8 +18,9 @@ namespace shell {
 
 inline std::string TakeWord(const Argument& argument, Words& words)
 {
-    if (words.Empty() && !argument.fallback.empty())
+    if (words.Empty() && !argument.fallback.empty()) {
         return std::string(argument.fallback);
+    }
     return words.Take(argument.name);
 }
 
@@ -28,24 +29,26 @@ template <typename T>
 struct Slot {
     static_assert(std::integral<T>);
     static constexpr auto direction = Direction::In;
-    static constexpr auto highest   = static_cast<uint64_t>(std::numeric_limits<T>::max());
+    static constexpr auto highest = static_cast<uint64_t>(std::numeric_limits<T>::max());
 
     void Read(const Argument& argument, Words& words)
     {
-        if (argument.ignored)
+        if (argument.ignored) {
             return;
-        const std::string word     = TakeWord(argument, words);
-        const bool        negative = std::signed_integral<T> && word.starts_with('-');
+        }
+        const std::string word = TakeWord(argument, words);
+        const bool negative = std::signed_integral<T> && word.starts_with('-');
         number = static_cast<T>(NumberFromWord(argument, word.substr(negative ? 1 : 0), highest));
         number = negative ? static_cast<T>(-number) : number;
     }
-    T    Pass() { return number; }
+    T Pass() { return number; }
     Json Show(const Argument& argument) const
     {
-        if constexpr (std::signed_integral<T>)
+        if constexpr (std::signed_integral<T>) {
             return number;
-        else
+        } else {
             return NumberToJson(argument.form, number);
+        }
     }
 
     T number{};
@@ -58,19 +61,21 @@ struct Slot<const char*> {
 
     void Read(const Argument& argument, Words& words)
     {
-        text   = argument.rest && !words.Empty() ? words.TakeRest() : TakeWord(argument, words);
+        text = argument.rest && !words.Empty() ? words.TakeRest() : TakeWord(argument, words);
         isNull = text == nullWord;
-        if (isNull && argument.neverNull)
+        if (isNull && argument.neverNull) {
             throw UsageError(std::string(argument.name) + ": must not be null");
-        if (text.size() > argument.highest)
+        }
+        if (text.size() > argument.highest) {
             throw UsageError(std::string(argument.name) + ": more than " +
                              std::to_string(argument.highest) + " characters");
+        }
     }
     const char* Pass() const { return isNull ? nullptr : text.c_str(); }
-    Json        Show(const Argument& /*argument*/) const { return isNull ? Json() : Json(text); }
+    Json Show(const Argument& /*argument*/) const { return isNull ? Json() : Json(text); }
 
     std::string text;
-    bool        isNull = false;
+    bool isNull = false;
 };
 
 // A record that the callee only reads.
@@ -84,10 +89,10 @@ struct Slot<const T*> {
         RecordFromWord(argument, word, record);
     }
     const T* Pass() const { return &record; }
-    Json     Show(const Argument& /*argument*/) const { return word; }
+    Json Show(const Argument& /*argument*/) const { return word; }
 
     std::string word;
-    T           record{};
+    T record{};
 };
 
 // All the words that are left.
@@ -108,28 +113,35 @@ template <typename T>
 struct Slot<T*> {
     static_assert(std::is_trivially_copyable_v<T>);
     static constexpr auto direction = Direction::Out;
-    static constexpr int  pattern   = 0xA5;
+    static constexpr int pattern = 0xA5;
 
     void Read(const Argument& argument, Words& words)
     {
         buffer.resize(argument.size);
         std::memset(buffer.data(), argument.zeroed ? 0 : pattern, buffer.size() * sizeof(T));
-        if constexpr (std::integral<T>)
-            if (!argument.fallback.empty())
+        if constexpr (std::integral<T>) {
+            if (!argument.fallback.empty()) {
                 buffer[0] = Given(argument, words);
+            }
+        }
     }
-    T*   Pass() { return buffer.data(); }
+    T* Pass() { return buffer.data(); }
     Json Show(const Argument& argument) const
     {
         Json written = Json::array();
-        for (const T& element : buffer)
-            if (IsWritten(element))
+        for (const T& element : buffer) {
+            if (IsWritten(element)) {
                 written.push_back(ShowElement(argument, element));
-        if constexpr (std::same_as<T, uint8_t>)
-            if (argument.form == Form::Mac)
+            }
+        }
+        if constexpr (std::same_as<T, uint8_t>) {
+            if (argument.form == Form::Mac) {
                 return written.empty() ? Json() : Json(MacToText(buffer.data()));
-        if (argument.size > 1)
+            }
+        }
+        if (argument.size > 1) {
             return written;
+        }
         return written.empty() ? Json() : written[0];
     }
 
@@ -151,10 +163,11 @@ private:
 
     static Json ShowElement(const Argument& argument, const T& element)
     {
-        if constexpr (std::integral<T>)
+        if constexpr (std::integral<T>) {
             return NumberToJson(argument.form, element);
-        else
+        } else {
             return RecordToJson(element);
+        }
     }
 };
 
@@ -162,7 +175,7 @@ private:
 template <>
 struct Slot<char*> : Slot<uint8_t*> {
     char* Pass() { return reinterpret_cast<char*>(buffer.data()); }
-    Json  Show(const Argument& /*argument*/) const
+    Json Show(const Argument& /*argument*/) const
     {
         const auto end = std::find(buffer.begin(), buffer.end(), 0);
         return end == buffer.end() ? Json() : Json(std::string(buffer.begin(), end));
@@ -175,9 +188,9 @@ template <>
 struct Slot<Json*> {
     static constexpr auto direction = Direction::Out;
 
-    void  Read(const Argument& /*argument*/, Words& /*words*/) {}
+    void Read(const Argument& /*argument*/, Words& /*words*/) {}
     Json* Pass() { return &value; }
-    Json  Show(const Argument& /*argument*/) const { return value; }
+    Json Show(const Argument& /*argument*/) const { return value; }
 
     Json value;
 };

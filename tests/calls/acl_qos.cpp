@@ -33,7 +33,7 @@ void OnList(const char* list)
     EXPECT_EQ(OrmNodeGetChild(session, 0, list, &node), 0U);
 }
 
-constexpr uint16_t VSID   = 1;
+constexpr uint16_t VSID = 1;
 constexpr uint16_t VSYSID = 2;
 
 }  // namespace

@@ -11,8 +11,8 @@
 namespace calls {
 
 ORM_SESSION session = 0;
-ORM_SCAN    scan    = 0;
-ORM_NODE    node    = 0;
+ORM_SCAN scan = 0;
+ORM_NODE node = 0;
 
 unsigned nullPointer = 0;
 
@@ -43,7 +43,7 @@ std::string Text(const char* text)
 
 void Load(const std::string& device)
 {
-    const auto           tables = sources::Json::parse(device);
+    const auto tables = sources::Json::parse(device);
     standin::Transaction write;
     for (const auto& [table, rows] : tables.items()) {
         for (const auto& row : rows) {
@@ -93,7 +93,7 @@ Outcome Perform(const Call& call, const Fault* fault)
     support::ResetPlatform();
     if (fault != nullptr) {
         const std::string& operation = fault->operations.back();
-        const auto         nth       = std::ranges::count(fault->operations, operation);
+        const auto nth = std::ranges::count(fault->operations, operation);
         support::FailCall(operation, static_cast<unsigned>(nth), fault->code,
                           IsLogging(operation) ? support::CleanUp::Works : fault->cleanUps);
     }

@@ -12,9 +12,8 @@
 #include <type_traits>
 #include <vector>
 
-#include <tarnd_platform/orm.h>
-
 #include <standin/database.h>
+#include <tarnd_platform/orm.h>
 
 #include "support/events.h"
 
@@ -23,10 +22,10 @@ namespace calls {
 using Lines = std::vector<std::string>;
 
 struct Call {
-    std::string title;                 // in docs/failures: the name, and what tells it from others
-    std::function<std::string()> run;  // the answer
-    std::function<void()>        before = {};  // what run needs; not watched
-    std::function<void()>        after  = {};
+    std::string title;                  // in docs/failures: the name, and what tells it from others
+    std::function<std::string()> run;   // the answer
+    std::function<void()> before = {};  // what run needs; not watched
+    std::function<void()> after = {};
 
     std::string Name() const { return title.substr(0, title.find_first_of("(,")); }
 };
@@ -55,8 +54,8 @@ using Outcome = Lines;
 
 // The last of these operations fails.
 struct Fault {
-    Lines            operations;
-    uint32_t         code;
+    Lines operations;
+    uint32_t code;
     support::CleanUp cleanUps;
 };
 
@@ -64,32 +63,32 @@ Outcome Perform(const Call& call, const Fault* fault = nullptr);
 
 // Questions of the moment, and what comes of them.
 struct Question {
-    std::string                  title;
+    std::string title;
     std::function<std::string()> run;
-    std::string                  outcome;  // as in docs/failures
+    std::string outcome;  // as in docs/failures
 };
 void Expect(const std::vector<Question>& questions);
 
 struct Step {
     std::string name;
-    unsigned    from;
-    unsigned    to;
-    unsigned    session;       // 0: any
-    uint32_t    code;          // 0: any
-    bool        cleanUpsFail;  // only then
-    Outcome     outcome;
+    unsigned from;
+    unsigned to;
+    unsigned session;   // 0: any
+    uint32_t code;      // 0: any
+    bool cleanUpsFail;  // only then
+    Outcome outcome;
     std::string row;  // that tells of it
 };
 
 struct Expectation {
-    Outcome               good;
-    std::vector<Step>     steps;
+    Outcome good;
+    std::vector<Step> steps;
     std::set<std::string> unused;  // rows
 };
 
-Expectation           Read(const Call& call);
-Outcome               ReadOutcome(const std::string& text, const std::string& name);
-Outcome               WithFault(Expectation& expectation, const Fault& fault);
+Expectation Read(const Call& call);
+Outcome ReadOutcome(const std::string& text, const std::string& name);
+Outcome WithFault(Expectation& expectation, const Fault& fault);
 std::set<std::string> Titles();  // of all that is told
 
 // Whether all that is lost with it is a line of the log; no clean-up fails behind that.
@@ -101,11 +100,11 @@ void Load(const std::string& device);
 // The session that a call works in or hands out, and a place in it. Positioned moves to the first
 // row of a table; Closed closes what is open.
 extern ORM_SESSION session;
-extern ORM_SCAN    scan;
-extern ORM_NODE    node;
-void               Opened();
-void               Positioned(const char* table);
-void               Closed();
+extern ORM_SCAN scan;
+extern ORM_NODE node;
+void Opened();
+void Positioned(const char* table);
+void Closed();
 
 // Every byte of what is left alone.
 inline constexpr uint8_t UNTOUCHED = 77;
@@ -121,7 +120,7 @@ struct Out {
     Value values[count];
     Out() { std::memset(values, UNTOUCHED, sizeof(values)); }
     explicit Out(Value value) : values{value} {}
-    Value*      Argument() { return values; }
+    Value* Argument() { return values; }
     std::string Output() const
     {
         std::string text;
@@ -137,19 +136,19 @@ struct Out {
 };
 using Out32 = Out<uint32_t>;
 using Out16 = Out<uint16_t>;
-using Out8  = Out<uint8_t>;
+using Out8 = Out<uint8_t>;
 struct OutText {
-    char        text[128] = "untouched";
-    char*       Argument() { return text; }
+    char text[128] = "untouched";
+    char* Argument() { return text; }
     std::string Output() const { return Text(text); }
 };
 template <uintptr_t* handle>
 struct OutHandle {
-    uintptr_t*  Argument() { return handle; }
+    uintptr_t* Argument() { return handle; }
     std::string Output() const { return *handle != 0 ? "open" : "closed"; }
 };
 using OutSession = OutHandle<&session>;
-using OutScan    = OutHandle<&scan>;
+using OutScan = OutHandle<&scan>;
 
 // So many pointers on, from 1, Run passes null; 0: nowhere.
 extern unsigned nullPointer;
@@ -199,5 +198,5 @@ std::string Run(Function function, Arguments... arguments)
 // The title and the run of a call.
 #define CALL(function, ...) #function "(" #__VA_ARGS__ ")", RUN(function, __VA_ARGS__)
 #define CALL_WHEN(when, function, ...) \
-#function "(" #__VA_ARGS__ ")" when, RUN(function, __VA_ARGS__)
+    #function "(" #__VA_ARGS__ ")" when, RUN(function, __VA_ARGS__)
 #define RUN(function, ...) [] { return ::calls::Run(function __VA_OPT__(, ) __VA_ARGS__); }

@@ -51,7 +51,7 @@ Calls DatabaseCalls()
 
 namespace {
 
-using Log      = support::PlatformTest;
+using Log = support::PlatformTest;
 using Database = support::PlatformTest;
 
 TEST_F(Log, WritesOnlyErrorsAndWorseThatFit)
@@ -81,8 +81,8 @@ TEST_F(Log, WritesOnlyErrorsAndWorseThatFit)
 uint32_t Keep(ORM_SESSION in, void* kept, uint32_t number)
 {
     auto* const both = static_cast<uint32_t*>(kept);
-    both[0]          = number;
-    both[1]          = 0;
+    both[0] = number;
+    both[1] = 0;
     return OrmGetFieldById(in, 2, &both[1], 2);
 }
 

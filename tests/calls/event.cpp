@@ -1,11 +1,12 @@
 // Change notification: registries, publishing, deliveries, the listener's start.
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
+#include <unistd.h>
+
 #include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/listener.h>
 #include <tarnd_qrb/subscription.h>
-#include <unistd.h>
 
 #include "calls/calls.h"
 #include "support/events.h"
@@ -20,13 +21,13 @@ using standin::Row;
 using namespace support::writes;
 using support::ForgetEvents;
 
-constexpr L2IF_SH_EVT_CB_FUNC* ON_LAYER2    = [](auto...) { return 0U; };
-constexpr IF_EVT_CB_FUNC*      ON_INTERFACE = [](auto...) { return 0U; };
-constexpr IF_NOTIFY_FUNC*      ON_NOTICE    = [](auto...) { return 0U; };
-constexpr uint16_t             PRIORITY     = 1;
+constexpr L2IF_SH_EVT_CB_FUNC* ON_LAYER2 = [](auto...) { return 0U; };
+constexpr IF_EVT_CB_FUNC* ON_INTERFACE = [](auto...) { return 0U; };
+constexpr IF_NOTIFY_FUNC* ON_NOTICE = [](auto...) { return 0U; };
+constexpr uint16_t PRIORITY = 1;
 
-constexpr L2IF_SH_EVT_CB_S LAYER2_ENTRY    = {};
-constexpr IF_EVT_CB_S      INTERFACE_ENTRY = {};
+constexpr L2IF_SH_EVT_CB_S LAYER2_ENTRY = {};
+constexpr IF_EVT_CB_S INTERFACE_ENTRY = {};
 
 IF_EVT_NODE_S tree;
 
@@ -51,8 +52,8 @@ void Registered()
 std::string Found(uint32_t eventId, uint32_t subId)
 {
     UTIL_LIST_NODE_S* first = nullptr;
-    uint64_t          count = UNTOUCHED;
-    const uint32_t    ret   = IF_SH_EvtPublishEventGetEventNode(eventId, subId, &first, &count);
+    uint64_t count = UNTOUCHED;
+    const uint32_t ret = IF_SH_EvtPublishEventGetEventNode(eventId, subId, &first, &count);
     return Texts({ret, static_cast<uint32_t>(count), first != nullptr});
 }
 #define FINDS(when, eventId, subId, before)                                 \
@@ -72,8 +73,8 @@ std::string TakeEvents()
 
 // A subscription of the test's own, which hands its messages to onMessage.
 std::function<void(ORM_MESSAGE, uint32_t)> onMessage;
-int32_t                                    descriptor = -1;
-std::string                                answer;
+int32_t descriptor = -1;
+std::string answer;
 
 void HandOver(ORM_MESSAGE message, uint32_t eventType)
 {
@@ -107,9 +108,9 @@ Row Member(uint64_t index, uint64_t state)
 Call Delivery(const char* title, std::function<void(ORM_MESSAGE, uint32_t)> function, Writing write,
               RowOf row)
 {
-    const bool             isNew = write == Writing{Insert};
-    std::vector<Row>       old   = {row(91, 1), row(92, 1)};
-    const std::vector<Row> now   = {row(91, isNew ? 1 : 0), row(92, isNew ? 1 : 0)};
+    const bool isNew = write == Writing{Insert};
+    std::vector<Row> old = {row(91, 1), row(92, 1)};
+    const std::vector<Row> now = {row(91, isNew ? 1 : 0), row(92, isNew ? 1 : 0)};
     if (write == Writing{Replace}) {
         old.pop_back();
     }
@@ -117,7 +118,7 @@ Call Delivery(const char* title, std::function<void(ORM_MESSAGE, uint32_t)> func
             [=] {
                 support::WatchPlatform(false);
                 onMessage = function;
-                answer    = "";
+                answer = "";
                 Write(write, now);
                 DbcHandleEvent(descriptor);
                 return TakeEvents() + answer;

@@ -2,12 +2,13 @@
 #include <fnmatch.h>
 
 #include <algorithm>
-#include <climits>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <regex>
 #include <span>
+
+#include <climits>
 
 #include "calls/calls.h"
 
@@ -43,7 +44,7 @@ const std::map<std::string, Lines>& Told()
                 continue;  // the device
             }
             std::ifstream text(file.path());
-            std::string   title;
+            std::string title;
             for (std::string line; std::getline(text, line);) {
                 if (line.starts_with("    ")) {
                     read[title].push_back(line.substr(4));
@@ -94,7 +95,7 @@ public:
             row_ = row;
             read_.unused.insert(row);
             const auto [word, outcome] = ReadRow(row);
-            const auto shape           = Told().find(word + SHAPE);
+            const auto shape = Told().find(word + SHAPE);
             if (word == "within") {
                 AddStepsWithin(outcome);
             } else if (shape != Told().end()) {
@@ -119,7 +120,7 @@ private:
     void AddShape(const Lines& rows, const Outcome& told)
     {
         const std::string& answers = told[0];
-        const size_t       end     = answers.find(';');
+        const size_t end = answers.find(';');
         for (const std::string& row : rows) {
             auto [word, outcome] = ReadRow(row);
             outcome[0] = outcome[0] == "A" || end == std::string::npos ? answers.substr(0, end)
@@ -131,18 +132,18 @@ private:
     // "Call@session answer", and what is logged behind.
     void AddStepsWithin(const Outcome& told)
     {
-        static const Calls      calls = AllCalls();
+        static const Calls calls = AllCalls();
         static const std::regex shape(R"((\w+)(?:@(\d+))? +(.*))");
-        std::smatch             part;
+        std::smatch part;
         ASSERT_TRUE(std::regex_match(told[0], part, shape)) << name_ << ": " << told[0];
         const auto call = std::ranges::find(calls, part[1].str(), &Call::Name);
         ASSERT_NE(call, calls.end()) << name_ << ": " << told[0];
         for (Step step : Read(*call).steps) {
-            step.row     = row_;
+            step.row = row_;
             step.session = Number(part[2], step.session);
             if (step.outcome[0] != "=") {
                 step.outcome[0] = part[3].str();
-                step.outcome    = Followed(step.outcome, told);
+                step.outcome = Followed(step.outcome, told);
             }
             read_.steps.push_back(step);
         }
@@ -155,7 +156,7 @@ private:
         std::smatch part;
         ASSERT_TRUE(std::regex_match(condition, part, shape)) << name_ << ": " << condition;
         const unsigned from = Number(part[2], 1);
-        const unsigned to   = Number(part[3], Number(part[2], UINT_MAX));
+        const unsigned to = Number(part[3], Number(part[2], UINT_MAX));
         read_.steps.push_back({part[1], from, to, Number(part[4], 0), Number(part[5], 0),
                                part[6].matched, outcome, row_});
     }
@@ -179,7 +180,7 @@ std::string WithCode(std::string text, uint32_t code)
     static const std::regex sum(R"(%(\+(\d+))?)");
     for (std::smatch part; std::regex_search(text, part, sum);) {
         const std::string value = std::to_string(code + Number(part[2], 0));
-        text                    = part.prefix().str() + value + part.suffix().str();
+        text = part.prefix().str() + value + part.suffix().str();
     }
     return text;
 }
@@ -187,9 +188,9 @@ std::string WithCode(std::string text, uint32_t code)
 // The step that a fault makes fail: the nth of its name in a session.
 const Step* FindStep(const std::vector<Step>& steps, const Fault& fault)
 {
-    const std::string name    = NameOf(fault.operations.back());
-    unsigned          session = 0;
-    unsigned          nth     = 0;
+    const std::string name = NameOf(fault.operations.back());
+    unsigned session = 0;
+    unsigned nth = 0;
     for (const std::string& operation : fault.operations) {
         const std::string step = NameOf(operation);
         if (step == "open") {
@@ -217,10 +218,10 @@ Expectation Read(const Call& call)
 // "answer | line | line"
 Outcome ReadOutcome(const std::string& text, const std::string& name)
 {
-    static const std::regex          bar(" *\\| ");
-    static const std::regex          newline(R"(\\n)");
+    static const std::regex bar(" *\\| ");
+    static const std::regex newline(R"(\\n)");
     const std::sregex_token_iterator part(text.begin(), text.end(), bar, -1);
-    Outcome                          outcome = {*part};
+    Outcome outcome = {*part};
     for (auto line = std::next(part); line != std::sregex_token_iterator(); ++line) {
         outcome.push_back(Named(name, std::regex_replace(line->str(), newline, "\n")));
     }
@@ -245,7 +246,7 @@ bool IsLogging(const std::string& operation)
 
 Outcome WithFault(Expectation& expectation, const Fault& fault)
 {
-    Outcome            good   = expectation.good;
+    Outcome good = expectation.good;
     const std::string& failed = fault.operations.back();
     if (IsLogging(failed)) {
         const auto line = std::ranges::count(fault.operations, failed);
@@ -262,7 +263,7 @@ Outcome WithFault(Expectation& expectation, const Fault& fault)
     Outcome outcome = step->outcome;
     if (outcome[0] == "=") {
         outcome[0] = good[0];
-        outcome    = Followed(outcome, good);
+        outcome = Followed(outcome, good);
     }
     for (std::string& text : outcome) {
         text = WithCode(text, fault.code);

@@ -16,8 +16,8 @@ namespace calls {
 
 namespace {
 
-using OutBase  = Out<QRB_IF_BASE_S, 1, &QRB_IF_BASE_S::if_index, &QRB_IF_BASE_S::if_type>;
-using OutMac   = Out<uint8_t, 7>;
+using OutBase = Out<QRB_IF_BASE_S, 1, &QRB_IF_BASE_S::if_index, &QRB_IF_BASE_S::if_type>;
+using OutMac = Out<uint8_t, 7>;
 using OutTypes = Out<BDS_IF_TYPE_INFO_S, QRB_IF_TYPE_COUNT, &BDS_IF_TYPE_INFO_S::port_type>;
 
 constexpr IF_NAME_KEY_S SIMPLE_NAME = {"E1", 0};
@@ -156,7 +156,7 @@ TEST_F(Interface, TypesAreAskedForFirstByManyThreads)
     for (int round = 0; round < 200; round++) {
         ForgetTypes();
         const BDS_IF_TYPE_INFO_S* seen[4] = {};
-        std::latch                start(std::ssize(seen));
+        std::latch start(std::ssize(seen));
         std::vector<std::jthread> threads;
         for (const BDS_IF_TYPE_INFO_S*& table : seen) {
             threads.emplace_back([&table, &start] {

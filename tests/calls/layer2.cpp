@@ -1,9 +1,9 @@
 // VLANs, VLAN interfaces and the walks.
+#include <algorithm>
+
 #include <tarnd_qrb/table_walk.h>
 #include <tarnd_qrb/vlan.h>
 #include <tarnd_qrb/vlan_interface.h>
-
-#include <algorithm>
 
 #include "calls/calls.h"
 
@@ -88,7 +88,7 @@ Calls Layer2Calls()
 
 namespace {
 
-using Vlan  = support::PlatformTest;
+using Vlan = support::PlatformTest;
 using Walks = DeviceTest;
 
 TEST_F(Vlan, IsActiveInAnyScopeUntilAnOddStateEndsTheSearch)

@@ -8,12 +8,12 @@ namespace calls {
 
 namespace {
 
-constexpr uint32_t     DESTINATION = 0x0A010203;
-constexpr FIB_KEY_S    KEY         = {{0, 0}, DESTINATION};
-constexpr FIB_PREFIX_S PREFIX      = {0x0A000000, 8};
-constexpr FIB_PREFIX_S PROBE       = {DESTINATION, 32};
+constexpr uint32_t DESTINATION = 0x0A010203;
+constexpr FIB_KEY_S KEY = {{0, 0}, DESTINATION};
+constexpr FIB_PREFIX_S PREFIX = {0x0A000000, 8};
+constexpr FIB_PREFIX_S PROBE = {DESTINATION, 32};
 
-using OutIndexes  = Out<uint32_t, 2>;
+using OutIndexes = Out<uint32_t, 2>;
 using OutNextHops = Out<FIB_NHP_S, 2, &FIB_NHP_S::firstValue, &FIB_NHP_S::secondValue>;
 
 }  // namespace

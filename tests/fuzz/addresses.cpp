@@ -14,18 +14,18 @@ using standin::Transaction;
 
 namespace {
 
-constexpr uint32_t none      = 0xFFFFFFFF;
+constexpr uint32_t none = 0xFFFFFFFF;
 constexpr uint32_t untouched = 0xABABABAB;
 
 struct Item {
     uint32_t address;
-    uint8_t  masklen;
-    uint8_t  type;
+    uint8_t masklen;
+    uint8_t type;
 };
 
 struct Interface {
-    uint32_t          index;
-    uint32_t          instance;
+    uint32_t index;
+    uint32_t instance;
     std::vector<Item> items;
 };
 
@@ -41,8 +41,8 @@ uint32_t MaskOf(uint8_t masklen)
 // Few different bytes, so that addresses are equal, or lie in one subnet, often enough.
 uint32_t TakeAddress(fuzz::Input& input)
 {
-    constexpr std::array<uint8_t, 4> bytes   = {0, 1, 10, 255};
-    uint32_t                         address = 0;
+    constexpr std::array<uint8_t, 4> bytes = {0, 1, 10, 255};
+    uint32_t address = 0;
     for (int byte = 0; byte < 4; byte++) {
         address = address << 8 | input.PickValueInArray(bytes);
     }
@@ -52,7 +52,7 @@ uint32_t TakeAddress(fuzz::Input& input)
 Item TakeItem(fuzz::Input& input)
 {
     const uint32_t address = TakeAddress(input);
-    const auto     masklen = input.ConsumeIntegralInRange<uint8_t>(0, 40);
+    const auto masklen = input.ConsumeIntegralInRange<uint8_t>(0, 40);
     return {address, masklen, input.ConsumeIntegralInRange<uint8_t>(0, 7)};
 }
 
@@ -60,7 +60,7 @@ std::vector<Interface> TakeInterfaces(fuzz::Input& input)
 {
     std::vector<Interface> interfaces(input.ConsumeIntegralInRange<size_t>(1, 3));
     for (size_t i = 0; i < interfaces.size(); i++) {
-        interfaces[i].index    = static_cast<uint32_t>(i);
+        interfaces[i].index = static_cast<uint32_t>(i);
         interfaces[i].instance = input.ConsumeIntegralInRange<uint32_t>(0, 1);
         for (size_t left = input.ConsumeIntegralInRange<size_t>(0, 6); left > 0; left--) {
             interfaces[i].items.push_back(TakeItem(input));
@@ -95,9 +95,9 @@ std::optional<Item> First(const Interface& interface, Wanted wanted)
 void CheckMain(const Interface& interface)
 {
     const auto typeOne = First(interface, [](const Item& item) { return item.type == 1; });
-    const auto notSix  = First(interface, [](const Item& item) { return item.type != 6; });
-    uint32_t   address = untouched;
-    uint32_t   masklen = untouched;
+    const auto notSix = First(interface, [](const Item& item) { return item.type != 6; });
+    uint32_t address = untouched;
+    uint32_t masklen = untouched;
     CHECK(IP_GetMainIpAddr(interface.index, &address, &masklen) == (typeOne ? 0 : 1));
     CHECK(address == (typeOne ? typeOne->address : untouched));
     CHECK(masklen == (typeOne ? typeOne->masklen : untouched));
@@ -107,12 +107,12 @@ void CheckMain(const Interface& interface)
 
 void CheckAll(const Interface& interface, uint32_t capacity)
 {
-    const size_t                   size = interface.items.size();
-    const size_t                   read = std::min<size_t>(size, capacity);
+    const size_t size = interface.items.size();
+    const size_t read = std::min<size_t>(size, capacity);
     std::vector<SYSAPI_IP4_ADDR_S> all(capacity);
-    std::vector<uint32_t>          addresses(capacity);
-    uint32_t                       count = untouched;
-    uint32_t                       first = untouched;
+    std::vector<uint32_t> addresses(capacity);
+    uint32_t count = untouched;
+    uint32_t first = untouched;
     CHECK(SYSAPI_GetIp4AddrNumByIf(interface.index) == size);
     CHECK(SYSAPI_GetIp4AllAddrByIf(interface.index, all.data(), capacity) == 0);
     CHECK(BDS_IPIFGetThisIfIpAddr(interface.index, addresses.data(), capacity, &count) == 0);
@@ -128,7 +128,7 @@ void CheckAll(const Interface& interface, uint32_t capacity)
 void CheckOne(const Interface& interface, uint32_t address)
 {
     const auto same = First(interface, [=](const Item& item) { return item.address == address; });
-    uint32_t   mask = untouched;
+    uint32_t mask = untouched;
     CHECK(BDS_IPIFIsThisIfIpAddr(interface.index, address) == (same ? 1 : 0));
     CHECK(IP_GetMask(interface.index, address, &mask) == (same ? 0 : 1));
     CHECK(mask == (same ? MaskOf(same->masklen) : untouched));
@@ -136,9 +136,9 @@ void CheckOne(const Interface& interface, uint32_t address)
 
 void CheckBest(const Interface& interface, uint32_t peer)
 {
-    uint32_t   masklen = untouched;
-    uint32_t   network = untouched;
-    uint32_t   address = untouched;
+    uint32_t masklen = untouched;
+    uint32_t network = untouched;
+    uint32_t address = untouched;
     const bool found =
         BDS_IPGetIFBestMatchIpAddr(interface.index, peer, &masklen, &network, &address) == 0;
     CHECK(found == !interface.items.empty());
@@ -147,7 +147,7 @@ void CheckBest(const Interface& interface, uint32_t peer)
     }
     Item best = interface.items[0];
     for (size_t i = 1; i < interface.items.size(); i++) {
-        const Item&    item = interface.items[i];
+        const Item& item = interface.items[i];
         const uint32_t mask = MaskOf(item.masklen);
         if (item.address != 0 && (item.address & mask) == (peer & mask)) {
             best = item;
@@ -164,7 +164,7 @@ void CheckOwner(const std::vector<Interface>& interfaces, uint32_t address, uint
                First(interface, [=](const Item& item) { return item.address == address; });
     });
     const bool found = owner != interfaces.end();
-    uint32_t   index = untouched;
+    uint32_t index = untouched;
     CHECK(IP_GetIfindexbyIpAddr(address, instance, &index) == (found ? 0 : 1));
     CHECK(index == (found ? owner->index : none));
     CHECK(BDS_IPIsLocalIfAddr(address, instance) == (found ? 1 : 0));
@@ -174,9 +174,9 @@ void CheckOwner(const std::vector<Interface>& interfaces, uint32_t address, uint
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    fuzz::Input                  input(data, size);
+    fuzz::Input input(data, size);
     const std::vector<Interface> interfaces = TakeInterfaces(input);
-    const uint32_t               address    = TakeAddress(input);
+    const uint32_t address = TakeAddress(input);
     Store(interfaces);
     for (const Interface& interface : interfaces) {
         CheckMain(interface);

@@ -25,12 +25,12 @@ void CheckText(int result, bool fits, const std::vector<char>& destination,
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    fuzz::Input       input(data, size);
-    const auto        capacity = input.ConsumeIntegralInRange<size_t>(0, 40);
-    const auto        count    = input.ConsumeIntegralInRange<size_t>(0, 40);
-    const auto        number   = input.ConsumeIntegral<int>();
-    const std::string present  = input.ConsumeRandomLengthString(40).c_str();
-    const std::string source   = input.ConsumeRemainingBytesAsString().c_str();
+    fuzz::Input input(data, size);
+    const auto capacity = input.ConsumeIntegralInRange<size_t>(0, 40);
+    const auto count = input.ConsumeIntegralInRange<size_t>(0, 40);
+    const auto number = input.ConsumeIntegral<int>();
+    const std::string present = input.ConsumeRandomLengthString(40).c_str();
+    const std::string source = input.ConsumeRemainingBytesAsString().c_str();
 
     std::vector<char> text(capacity, 'x');
     CheckText(strcpy_s(text.data(), capacity, source.c_str()), source.size() < capacity, text,
@@ -48,8 +48,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     }
 
     const std::string printed = source + "/" + std::to_string(number);
-    const bool        fits    = printed.size() < capacity;
-    const int         length  = sprintf_s(text.data(), capacity, "%s/%d", source.c_str(), number);
+    const bool fits = printed.size() < capacity;
+    const int length = sprintf_s(text.data(), capacity, "%s/%d", source.c_str(), number);
     CHECK(length == (fits ? static_cast<int>(printed.size()) : -1));
     CheckText(length < 0 ? length : 0, fits, text, printed);
 

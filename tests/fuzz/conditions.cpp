@@ -15,13 +15,13 @@ using namespace standin;
 
 namespace {
 
-constexpr std::string_view joint  = " and ";
+constexpr std::string_view joint = " and ";
 constexpr std::string_view equals = " = ";
 
 Row MakeRow(const Table& table, uint64_t seed)
 {
     constexpr std::string_view texts[] = {"and", "Vlanif10", "0x61", "10"};
-    Row                        row(table);
+    Row row(table);
     for (const Field& field : table.fields) {
         if (field.kind == Kind::Number || field.kind == Kind::Ipv4) {
             row.Set(field.name, field.width < 4 ? seed : seed * 0x01010101U);
@@ -47,8 +47,8 @@ Value Rendered(const Row& row, const Field& field)
         const std::string number = std::to_string(row.Number(field.name));
         return {number, number};
     }
-    constexpr std::string_view digits  = "0123456789abcdef";
-    std::string                literal = "0x";
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string literal = "0x";
     for (const uint8_t byte : row.Bytes(field)) {
         literal += {digits[byte >> 4], digits[byte & 15]};
     }
@@ -56,7 +56,7 @@ Value Rendered(const Row& row, const Field& field)
 }
 
 struct Described {
-    const Table&       table;
+    const Table& table;
     std::vector<Value> values;  // by field
 };
 
@@ -64,7 +64,7 @@ struct Described {
 std::vector<Described> MakeRows()
 {
     std::vector<Described> rows;
-    Transaction            transaction;
+    Transaction transaction;
     for (const Table& table : Tables()) {
         for (uint64_t seed = 0; seed < 4; seed++) {
             const Row row = MakeRow(table, seed);
@@ -97,9 +97,9 @@ std::string WithoutLeadingZeros(std::string_view number)
 
 bool Describes(std::string_view term, const Described& row)
 {
-    const size_t           at    = term.find(equals);
-    const std::string_view said  = term.substr(at + equals.size());
-    const Field*           field = FindField(row.table.fields, term.substr(0, at));
+    const size_t at = term.find(equals);
+    const std::string_view said = term.substr(at + equals.size());
+    const Field* field = FindField(row.table.fields, term.substr(0, at));
     CHECK(at != std::string_view::npos && field != nullptr);
     const auto& [plain, literal] = row.values[static_cast<size_t>(field - row.table.fields.data())];
     if (field->kind == Kind::Number || field->kind == Kind::Ipv4) {
@@ -129,8 +129,8 @@ std::string DescribeSome(fuzz::Input& input, const Described& row)
 
 ptrdiff_t CountSelected(ORM_SESSION session)
 {
-    ORM_SCAN  scan  = 0;
-    uint8_t   end   = 0;
+    ORM_SCAN scan = 0;
+    uint8_t end = 0;
     ptrdiff_t count = 0;
     CHECK(OrmScanStart(session, &scan) == 0);
     while (OrmScanNext(session, scan, &end) == 0 && end == 0) {
@@ -147,10 +147,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static const std::vector<Described> rows = MakeRows();
 
-    fuzz::Input       input(data, size);
-    const Described&  described = rows[input.ConsumeIntegralInRange<size_t>(0, rows.size() - 1)];
-    const Table&      table     = described.table;
-    const bool        mustWork  = input.ConsumeBool();
+    fuzz::Input input(data, size);
+    const Described& described = rows[input.ConsumeIntegralInRange<size_t>(0, rows.size() - 1)];
+    const Table& table = described.table;
+    const bool mustWork = input.ConsumeBool();
     const std::string text =
         mustWork ? DescribeSome(input, described) : input.ConsumeRemainingBytesAsString();
 

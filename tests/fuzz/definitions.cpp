@@ -16,7 +16,7 @@ using nlohmann::json;
 
 namespace {
 
-int                   descriptor = -1;
+int descriptor = -1;
 std::vector<uint32_t> heard;
 
 int32_t Control(uint32_t watched, uint32_t operation)
@@ -35,8 +35,8 @@ std::vector<uint32_t> WriteEachWay(const std::vector<Row>& rows, const json& lis
 {
     constexpr struct {
         const char* name;
-        uint32_t    event;
-        Writing     write;
+        uint32_t event;
+        Writing write;
     } ways[] = {{"insert", ORM_EVENT_INSERT, Insert},
                 {"update", ORM_EVENT_UPDATE, Update},
                 {"replace", ORM_EVENT_REPLACE, Replace},
@@ -57,11 +57,11 @@ std::vector<uint32_t> WriteEachWay(const std::vector<Row>& rows, const json& lis
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const std::string text(reinterpret_cast<const char*>(data), size);
-    const ORM_SESSION session    = support::OpenSubscriptions(Control);
-    const bool        accepted   = OrmSubscribe(session, "", text.c_str(), Hear, nullptr, "") == 0;
-    const json        definition = accepted ? json::parse(text.c_str()) : json();
-    std::vector<Row>  meant;
-    std::vector<Row>  others;
+    const ORM_SESSION session = support::OpenSubscriptions(Control);
+    const bool accepted = OrmSubscribe(session, "", text.c_str(), Hear, nullptr, "") == 0;
+    const json definition = accepted ? json::parse(text.c_str()) : json();
+    std::vector<Row> meant;
+    std::vector<Row> others;
     for (const Table& table : Tables()) {
         const bool named = accepted && definition.at("label_name") == std::string(table.name);
         (named ? meant : others).emplace_back(table);

@@ -32,8 +32,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static const std::string empty = sources::DumpJson();
 
-    const bool        loaded = Load({reinterpret_cast<const char*>(data), size});
-    const std::string dump   = sources::DumpJson();
+    const bool loaded = Load({reinterpret_cast<const char*>(data), size});
+    const std::string dump = sources::DumpJson();
     CHECK(loaded || dump == empty);
     if (dump != empty) {
         CHECK(!Load(dump));  // every row is there already

@@ -14,7 +14,7 @@
 
 namespace {
 
-uint32_t blocks    = 0;  // in use
+uint32_t blocks = 0;     // in use
 uint32_t stepsLeft = 0;  // to the one that fails; 0: none does
 
 bool Fails()
@@ -52,8 +52,8 @@ extern "C" void free_ex(uint16_t /*handle*/, void* memory)
 
 namespace {
 
-using List  = UTIL_LIST_S;
-using Node  = UTIL_LIST_NODE_S*;
+using List = UTIL_LIST_S;
+using Node = UTIL_LIST_NODE_S*;
 using Model = std::vector<uint32_t>;
 
 // Elements that own memory, so that one destroyed twice, or not at all, is seen.
@@ -136,7 +136,7 @@ constexpr Way ways[] = {
 Model ValuesIn(const List& list)
 {
     Model values;
-    Node  previous = nullptr;
+    Node previous = nullptr;
     for (Node node = list.head; node != nullptr; previous = node, node = node->next) {
         CHECK(node->prev == previous);
         values.push_back(ValueIn(UTIL_LIST_Data(node)));
@@ -158,12 +158,12 @@ Node NodeAt(const List& list, std::ptrdiff_t place)
 
 // A list and what must be in it.
 struct Pair {
-    List  list;
+    List list;
     Model model;
 };
 
 fuzz::Input* input;
-Pair         pairs[3];
+Pair pairs[3];
 
 uint32_t Below(size_t limit)
 {
@@ -192,12 +192,12 @@ bool Put(const Way& way, bool moves, List& list, Node at, Owner* value, uint64_t
 
 void Insert()
 {
-    auto& [list, model]  = Any();
-    const Way&     way   = ways[Below(std::size(ways))];
-    const bool     moves = Below(2) != 0;
+    auto& [list, model] = Any();
+    const Way& way = ways[Below(std::size(ways))];
+    const bool moves = Below(2) != 0;
     const uint64_t order = Below(2);
     const uint32_t value = Below(10);
-    auto           place = model.end();
+    auto place = model.end();
     if (way.place == Place::Front) {
         place = model.begin();
     } else if (way.place == Place::Before) {
@@ -205,8 +205,8 @@ void Insert()
     } else if (way.place == Place::Sorted) {
         place = std::ranges::find_if(model, [=](auto one) { return one + order <= value; });
     }
-    Owner      given = Make(value);
-    const bool done  = Put(way, moves, list, NodeAt(list, place - model.begin()), &given, order);
+    Owner given = Make(value);
+    const bool done = Put(way, moves, list, NodeAt(list, place - model.begin()), &given, order);
     CHECK((given == nullptr) == (moves && done && list.traits->constructMove != nullptr));
     if (!moves || !done) {
         Destroy(&given);
@@ -220,9 +220,9 @@ void Insert()
 void Refuse()
 {
     UTIL_LIST_TRAITS_S absurd = owners[0];
-    absurd.elemSize           = ~uint64_t{0} - 8;
+    absurd.elemSize = ~uint64_t{0} - 8;
     for (const UTIL_LIST_TRAITS_S* traits : {&owners[0], &std::as_const(absurd), {}}) {
-        List  list;
+        List list;
         Owner value = nullptr;
         UTIL_LIST_Construct(&list, traits);
         CHECK(!Put(ways[Below(std::size(ways))], Below(2) != 0, list, nullptr,
@@ -234,7 +234,7 @@ void Refuse()
 void Pop()
 {
     auto& [list, model] = Any();
-    const bool front    = Below(2) != 0;
+    const bool front = Below(2) != 0;
     CHECK((front ? UTIL_LIST_PopFront(&list) : UTIL_LIST_PopBack(&list)) ==
           (model.empty() ? 1 : 0));
     if (!model.empty()) {
@@ -253,11 +253,11 @@ void Remove()
 // And removes what is found.
 void Search()
 {
-    auto& [list, model]  = Any();
-    const uint32_t from  = Below(10);
-    const auto     meant = [=](uint32_t value) { return value >= from; };
-    const auto     place = std::ranges::find_if(model, meant);
-    const Node     found = UTIL_LIST_FindIf(&list, IsAtLeast, from);
+    auto& [list, model] = Any();
+    const uint32_t from = Below(10);
+    const auto meant = [=](uint32_t value) { return value >= from; };
+    const auto place = std::ranges::find_if(model, meant);
+    const Node found = UTIL_LIST_FindIf(&list, IsAtLeast, from);
     CHECK(found == NodeAt(list, place - model.begin()));
     CHECK(UTIL_LIST_CountIf(&list, IsAtLeast, from) ==
           static_cast<uint64_t>(std::ranges::count_if(model, meant)));
@@ -273,11 +273,11 @@ void Iterate()
 {
     constexpr UTIL_LIST_ITER_METHODS_S backwards = {UTIL_LIST_Prev, nullptr, UTIL_LIST_GetDataPtr,
                                                     UTIL_LIST_Erase};
-    auto& [list, model]                          = Any();
-    const uint32_t erased                        = Below(10);
-    const bool     back                          = Below(2) != 0;
-    Model          met;
-    auto           at = back ? UTIL_LIST_End(&list) : UTIL_LIST_Begin(&list);
+    auto& [list, model] = Any();
+    const uint32_t erased = Below(10);
+    const bool back = Below(2) != 0;
+    Model met;
+    auto at = back ? UTIL_LIST_End(&list) : UTIL_LIST_Begin(&list);
     if (back) {
         at.methods->prev(&at);
         at.methods = &backwards;
@@ -296,7 +296,7 @@ void Iterate()
 
 void Swap()
 {
-    Pair& one   = Any();
+    Pair& one = Any();
     Pair& other = Any();
     UTIL_LIST_Swap(&one.list, &other.list);
     std::swap(one.model, other.model);
@@ -322,7 +322,7 @@ void CopyWhole()
         UTIL_LIST_Destruct(&target.list);
     }
     const bool failed = UTIL_LIST_ConstructCopy(&target.list, &source.list) != 0;
-    target.model      = source.model;
+    target.model = source.model;
     if (failed) {
         CHECK(target.list.count < target.model.size());
         target.model.resize(target.list.count);
@@ -342,22 +342,22 @@ void Concatenate()
 void Nest()
 {
     union Element {
-        List  list;
+        List list;
         List* pointer;
     } copied, moved, left;
-    const auto& [list, model]   = Any();
-    const bool        scarce    = stepsLeft > 0;
-    const bool        byPointer = Below(2) != 0;
-    const List* const pointer   = &list;
-    const auto&       traits    = byPointer ? g_utilListByPtrTraits : g_utilListByValueTraits;
-    const uint32_t    status =
+    const auto& [list, model] = Any();
+    const bool scarce = stepsLeft > 0;
+    const bool byPointer = Below(2) != 0;
+    const List* const pointer = &list;
+    const auto& traits = byPointer ? g_utilListByPtrTraits : g_utilListByValueTraits;
+    const uint32_t status =
         traits.constructCopy(&copied, byPointer ? static_cast<const void*>(&pointer) : pointer);
     CHECK(status == (byPointer && copied.pointer == nullptr ? 1 : 0));
     CHECK(traits.elemSize == (byPointer ? sizeof(List*) : sizeof(List)));
     CHECK(traits.constructMove(&moved, &copied) == 0 && traits.constructCopy(&left, &copied) == 0);
 
-    const List* const inner  = byPointer ? moved.pointer : &moved.list;
-    const Model       values = inner == nullptr ? Model() : ValuesIn(*inner);
+    const List* const inner = byPointer ? moved.pointer : &moved.list;
+    const Model values = inner == nullptr ? Model() : ValuesIn(*inner);
     CHECK(values.size() <= model.size() && std::equal(values.begin(), values.end(), model.begin()));
     CHECK(scarce || values == model);
     CHECK(byPointer ? copied.pointer == nullptr : ValuesIn(copied.list).empty());
@@ -380,7 +380,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
                                    Remove,    Search,      Iterate, Swap,   MoveWhole,
                                    CopyWhole, Concatenate, Nest};
     fuzz::Input all(data, size);
-    input              = &all;
+    input = &all;
     const auto& traits = owners[Below(2)];
     for (Pair& pair : pairs) {
         UTIL_LIST_Construct(&pair.list, &traits);

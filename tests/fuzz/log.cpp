@@ -6,7 +6,7 @@
 
 extern "C" void syslog(int /*priority*/, const char* format, ...)
 {
-    char    text[1024];
+    char text[1024];
     va_list arguments;
     va_start(arguments, format);
     std::vsnprintf(text, sizeof(text), format, arguments);

@@ -22,8 +22,8 @@ using standin::Transaction;
 
 namespace {
 
-constexpr uint32_t none      = 0xFFFFFFFF;
-constexpr uint32_t ifIndex   = 7;
+constexpr uint32_t none = 0xFFFFFFFF;
+constexpr uint32_t ifIndex = 7;
 constexpr uint32_t untouched = 0xABABABAB;
 
 // A buffer of exactly its size, so that the address sanitizer sees every byte too many.
@@ -43,7 +43,7 @@ public:
 
 private:
     std::unique_ptr<char[]> bytes_;
-    size_t                  size_;
+    size_t size_;
 };
 
 // The characters at the end of a name that are all out of a set; its last argument is the number of
@@ -56,16 +56,16 @@ std::string Tail(const std::string& name, const char* characters, size_t others)
 
 void CheckTails(const std::string& name, uint32_t size)
 {
-    const Output      number(size);
+    const Output number(size);
     const std::string tail = Tail(name, "./0123456789:", 2);
-    const bool        fits = !tail.empty() && tail.size() + 1 < size;
+    const bool fits = !tail.empty() && tail.size() + 1 < size;
     CHECK(BDS_IfnetGetNumStrFromName(name.c_str(), number.Data(), size) ==
           (fits ? tail.size() : 0));
     CHECK(fits ? number.Holds(tail) : number.IsUntouched());
 
-    const Output      id(size);
-    const std::string digits    = Tail(name, "0123456789", 2);
-    const bool        digitsFit = !digits.empty() && digits.size() + 1 <= size;
+    const Output id(size);
+    const std::string digits = Tail(name, "0123456789", 2);
+    const bool digitsFit = !digits.empty() && digits.size() + 1 <= size;
     CHECK((BDS_IfnetGetVlanIdByIfName(name.c_str(), id.Data(), size) == 0) == digitsFit);
     CHECK(digitsFit ? id.Holds(digits) : id.IsUntouched());
 }
@@ -75,7 +75,7 @@ void CheckCopies(const std::string& name)
     const Output full(name.size() + 1);
     CHECK(IF_INTF_GetFullNameByInput(name.c_str(), full.Data()) == 0 && full.Holds(name));
 
-    const bool   fits = name.size() < QRB_IF_NAME_SIZE;
+    const bool fits = name.size() < QRB_IF_NAME_SIZE;
     const Output copy(QRB_IF_NAME_SIZE);
     CHECK((IF_INTF_GetNameByIfName(copy.Data(), name.c_str()) == 0) == fits);
     CHECK(!fits || copy.Holds(name));
@@ -83,7 +83,7 @@ void CheckCopies(const std::string& name)
 
 void CheckLiteral(const std::string& text, size_t size)
 {
-    std::string padded   = text.substr(0, size);
+    std::string padded = text.substr(0, size);
     std::string expected = "0x";
     padded.resize(size);
     for (const char byte : padded) {
@@ -113,7 +113,7 @@ void CheckSlots(const std::string& text, int32_t slot)
 std::string TakeName(fuzz::Input& input)
 {
     constexpr std::string_view likely = "ab.:/0123";
-    std::string                name   = input.ConsumeRandomLengthString(100).c_str();
+    std::string name = input.ConsumeRandomLengthString(100).c_str();
     if (input.ConsumeBool()) {
         std::ranges::for_each(name, [&](char& c) { c = likely[static_cast<uint8_t>(c) % 9]; });
     }
@@ -146,9 +146,9 @@ void Store(const std::string& name)
 
 void CheckInterface(const std::string& stored, const std::string& name)
 {
-    const bool     same     = stored.substr(0, 63) == name;
+    const bool same = stored.substr(0, 63) == name;
     const uint32_t expected = same ? ifIndex : none;
-    uint32_t       index    = untouched;
+    uint32_t index = untouched;
     CHECK(IF_INTF_GetIfByFullName(name.c_str()) == expected);
     CHECK(IF_INTF_GetIfIndexByFullName(name.c_str()) == expected);
     CHECK((BDS_Ifname2IfGetIndexByname(name.c_str(), &index) == 0) == same);
@@ -164,14 +164,14 @@ void CheckInterface(const std::string& stored, const std::string& name)
 
     const std::string digits = Tail(full.Data(), "0123456789", 2);
     const uint32_t id = digits.size() <= 4 ? static_cast<uint32_t>(std::atoi(digits.c_str())) : 0;
-    uint32_t       vlanId = 0;
+    uint32_t vlanId = 0;
     CHECK((BDS_IfnetGetVlanIdByIfIndex(ifIndex, &vlanId) == 0) == (id != 0) && vlanId == id);
 }
 
 void CheckVlan(const std::string& stored, const std::string& name)
 {
-    uint16_t   vlanId = 0;
-    const bool same   = stored.substr(0, 32) == name.substr(0, 32);
+    uint16_t vlanId = 0;
+    const bool same = stored.substr(0, 32) == name.substr(0, 32);
     CHECK((L2IF_SH_VLAN_GetVlanidByName(name.c_str(), &vlanId) == 0) == same);
     CHECK(vlanId == (same ? 9 : 0));
 
@@ -182,7 +182,7 @@ void CheckVlan(const std::string& stored, const std::string& name)
 
 void CheckAcl(const std::string& stored, const std::string& name)
 {
-    uint32_t          groupId = untouched;
+    uint32_t groupId = untouched;
     const std::string condition =
         "vsid = 1 and vsysid = 0 and acl_name = " + name + " and isipv6 = 0";
     const bool runs = condition.size() < 64 && !name.empty();
@@ -192,8 +192,8 @@ void CheckAcl(const std::string& stored, const std::string& name)
         CHECK(groupId == (runs && stored == name ? 5 : untouched));
     }
 
-    uint32_t   number = untouched;
-    const bool same   = stored.substr(0, 64) == name;
+    uint32_t number = untouched;
+    const bool same = stored.substr(0, 64) == name;
     CHECK((BDS_AclGetAclNumberByName(name.c_str(), 0, 0, 0, &number) == 0) == same);
     CHECK(number == (same ? 3001 : untouched));
 
@@ -213,12 +213,12 @@ void CheckProfile(const std::string& stored, const std::string& name)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    fuzz::Input       input(data, size);
-    const auto        number = input.ConsumeIntegral<int32_t>();
-    const auto        length = input.ConsumeIntegralInRange<uint32_t>(1, 80);
-    const bool        same   = input.ConsumeBool();
+    fuzz::Input input(data, size);
+    const auto number = input.ConsumeIntegral<int32_t>();
+    const auto length = input.ConsumeIntegralInRange<uint32_t>(1, 80);
+    const bool same = input.ConsumeBool();
     const std::string stored = TakeName(input);
-    const std::string name   = same ? stored : TakeName(input);
+    const std::string name = same ? stored : TakeName(input);
 
     CheckTails(name, length);
     CheckCopies(name);

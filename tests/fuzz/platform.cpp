@@ -31,10 +31,10 @@ using Texts = std::vector<std::string>;
 
 // The run under way: callbacks go on with its input.
 struct Run {
-    fuzz::Input*          input;
+    fuzz::Input* input;
     std::vector<uint64_t> handles[Sorts];
-    std::vector<int>      descriptors;
-    std::thread::id       thread;
+    std::vector<int> descriptors;
+    std::thread::id thread;
 };
 Run run;
 
@@ -53,8 +53,8 @@ const auto& Any(const Things& things)
 // number.
 uint64_t Handle(Sort sort)
 {
-    const uint32_t choice  = Small(31);
-    const auto&    handles = run.handles[choice == 1 ? Small(Sorts - 1) : uint32_t{sort}];
+    const uint32_t choice = Small(31);
+    const auto& handles = run.handles[choice == 1 ? Small(Sorts - 1) : uint32_t{sort}];
     if (handles.empty() || choice == 5) {
         return run.input->ConsumeIntegral<uint64_t>();
     }
@@ -65,7 +65,7 @@ uint64_t Handle(Sort sort)
 uint32_t Checked(uint32_t code)
 {
     constexpr uint32_t firstRefusal = 2001;
-    constexpr uint32_t lastRefusal  = 2015;
+    constexpr uint32_t lastRefusal = 2015;
     CHECK(code == ORM_OK || code == ORM_NO_RECORD || code == ORM_NO_LIST ||
           (code >= firstRefusal && code <= lastRefusal));
     return code;
@@ -73,12 +73,12 @@ uint32_t Checked(uint32_t code)
 
 // What a call takes and gives, as far as its parameters' types don't tell.
 struct Manner {
-    std::vector<Sort>     takes   = {};     // its handles, in order
-    Sort                  gives   = Sorts;  // a handle that it hands out
-    Texts                 texts   = {""};   // one of them
+    std::vector<Sort> takes = {};  // its handles, in order
+    Sort gives = Sorts;            // a handle that it hands out
+    Texts texts = {""};            // one of them
     std::vector<uint32_t> numbers = {0, 0, 1, 2, 3, UINT32_MAX};
-    uint32_t              size    = 4;  // of what it fills; of a key that it reads
-    uint32_t              keySize = 4;
+    uint32_t size = 4;  // of what it fills; of a key that it reads
+    uint32_t keySize = 4;
 };
 
 // The arguments of one call, to be taken in their order, and what became of them.
@@ -127,8 +127,8 @@ public:
     }
 
 private:
-    static constexpr uint8_t  untouched = 0xAB;
-    static constexpr uint32_t none      = UINT32_MAX;
+    static constexpr uint8_t untouched = 0xAB;
+    static constexpr uint32_t none = UINT32_MAX;
 
     static std::vector<uint8_t> AnyBytes(uint32_t rightSize, uint8_t value)
     {
@@ -140,14 +140,14 @@ private:
         return bytes.data();
     }
 
-    const Manner&           manner_;
-    size_t                  taken_ = 0;
-    std::vector<uint8_t>    key_;
-    std::vector<uint8_t>    destination_;
+    const Manner& manner_;
+    size_t taken_ = 0;
+    std::vector<uint8_t> key_;
+    std::vector<uint8_t> destination_;
     std::optional<uint32_t> size_;  // of the bytes that were taken last
-    uint64_t                handle_ = 0;
-    uint32_t                count_  = none;
-    uint8_t                 end_    = untouched;
+    uint64_t handle_ = 0;
+    uint32_t count_ = none;
+    uint8_t end_ = untouched;
 };
 
 using Step = std::function<void()>;
@@ -156,7 +156,7 @@ template <typename... Parameters>
 Step Calling(uint32_t (*call)(Parameters...), const Manner& manner)
 {
     return [=] {
-        Arguments                       arguments(manner);
+        Arguments arguments(manner);
         const std::tuple<Parameters...> inOrder{arguments.Next<Parameters>()...};
         arguments.CheckAfter(std::apply(call, inOrder));
     };
@@ -164,7 +164,7 @@ Step Calling(uint32_t (*call)(Parameters...), const Manner& manner)
 
 Step Filling(uint32_t (*getAllFields)(ORM_SESSION, void*, uint32_t), uint32_t size)
 {
-    const Step fromRow     = Calling(getAllFields, {.takes = {Session}, .size = size});
+    const Step fromRow = Calling(getAllFields, {.takes = {Session}, .size = size});
     const Step fromMessage = Calling(getAllFields, {.takes = {Message}, .size = size});
     return [=] { Small(3) < 3 ? fromRow() : fromMessage(); };
 }
@@ -225,7 +225,7 @@ void Deliver()
 
 void Write(const Table& table)
 {
-    const Row   row = fuzz::PlainRow(table, Small(3), Small(3));
+    const Row row = fuzz::PlainRow(table, Small(3), Small(3));
     Transaction transaction;
     Small(1) != 0 ? transaction.Replace(row) : transaction.Delete(row);
     try {
@@ -236,9 +236,9 @@ void Write(const Table& table)
 
 void SetGroupKey()
 {
-    const std::string      name(Small(70), 'a');
-    const char* const      text = Small(7) > 0 ? name.c_str() : nullptr;
-    std::array<uint8_t, 9> key  = {};
+    const std::string name(Small(70), 'a');
+    const char* const text = Small(7) > 0 ? name.c_str() : nullptr;
+    std::array<uint8_t, 9> key = {};
     std::memcpy(key.data(), &text, sizeof(text));
     Checked(
         OrmgAclGroupIdSetKeyPrimaryKeyInner(Handle(Session), key.data(), key.size() - Small(1)));
@@ -246,10 +246,10 @@ void SetGroupKey()
 
 void ReadGroup()
 {
-    std::vector<char>       name(1 + Small(70), 'x');
-    const auto              capacity = static_cast<uint32_t>(name.size());
-    char* const             text     = name.data();
-    std::array<uint8_t, 29> record   = {};
+    std::vector<char> name(1 + Small(70), 'x');
+    const auto capacity = static_cast<uint32_t>(name.size());
+    char* const text = name.data();
+    std::array<uint8_t, 29> record = {};
     std::memcpy(record.data(), &capacity, sizeof(capacity));
     std::memcpy(record.data() + 4, &text, sizeof(text));
     if (Checked(OrmgAclGroupIdGetAllFieldsInner(Handle(Session), record.data(), 29)) != ORM_OK) {
@@ -260,9 +260,9 @@ void ReadGroup()
 // Some way into what a caller would do, so that the steps after it find something.
 void StandOnRow()
 {
-    static const Texts tables  = {"am_ipv4_address", "qos_integration", "if_base", "port"};
-    const uint32_t     index   = Small(3) / 2;
-    const uint64_t     session = run.handles[Session].back();
+    static const Texts tables = {"am_ipv4_address", "qos_integration", "if_base", "port"};
+    const uint32_t index = Small(3) / 2;
+    const uint64_t session = run.handles[Session].back();
     OrmPrepare(session, Any(tables).c_str(), QRB_ORM_OP_READ);
     OrmSetKeyName(session, "primary_key");
     OrmSetIndexKeyValue(session, 0, QRB_KEY_TYPE_U32, &index, sizeof(index));
@@ -293,19 +293,19 @@ Texts Definitions()
 
 std::vector<Step> MakeSteps()
 {
-    const Texts tables  = TableNames();
-    const Texts keys    = {"primary_key", "local_key", "no_key"};
-    const Texts fields  = {"if_index", "index", "vlan_id", "no_field"};
-    const Texts lists   = {"ipv4_address_list", "car_list", "remark_dscp_list", "x"};
+    const Texts tables = TableNames();
+    const Texts keys = {"primary_key", "local_key", "no_key"};
+    const Texts fields = {"if_index", "index", "vlan_id", "no_field"};
+    const Texts lists = {"ipv4_address_list", "car_list", "remark_dscp_list", "x"};
     const Texts matches = {"if_index = 1", "vlan_id = 2 and vlan_scope0 = 0", "index = 1", "",
                            "id"};
-    const auto  open    = Calling(OrmOpenSessionByDefault, {.gives = Session});
-    const auto  prepare = Calling(
-         OrmPrepare, {.takes = {Session}, .texts = tables, .numbers = {QRB_ORM_OP_READ, 7, 0}});
-    const auto start     = Calling(OrmScanStart, {.takes = {Session}, .gives = Scan});
-    const auto next      = Calling(OrmScanNext, {.takes = {Session, Scan}});
-    const auto list      = Calling(GetList, {.takes = {Session}, .gives = List, .texts = lists});
-    const auto item      = Calling(OrmNodeGetItemByIdx, {.takes = {List}, .gives = Item});
+    const auto open = Calling(OrmOpenSessionByDefault, {.gives = Session});
+    const auto prepare = Calling(
+        OrmPrepare, {.takes = {Session}, .texts = tables, .numbers = {QRB_ORM_OP_READ, 7, 0}});
+    const auto start = Calling(OrmScanStart, {.takes = {Session}, .gives = Scan});
+    const auto next = Calling(OrmScanNext, {.takes = {Session, Scan}});
+    const auto list = Calling(GetList, {.takes = {Session}, .gives = List, .texts = lists});
+    const auto item = Calling(OrmNodeGetItemByIdx, {.takes = {List}, .gives = Item});
     const auto parameter = Calling(OrmCreateSessionParam, {.gives = Parameter, .texts = {"osc"}});
     const auto subscription =
         Calling(OpenSubscription, {.takes = {Parameter}, .gives = Subscription});
@@ -385,7 +385,7 @@ void CloseEverything()
     for (const uint64_t handle : all) {
         uint64_t other = 0;
         uint32_t count = 0;
-        uint8_t  end   = 0;
+        uint8_t end = 0;
         CHECK(OrmCloseSession(handle) != ORM_OK && OrmExecute(handle) != ORM_OK);
         CHECK(OrmOpenSubSession(handle, Control, &other) != ORM_OK);
         CHECK(OrmNodeGetSize(handle, &count) != ORM_OK);

@@ -1,15 +1,14 @@
 // A fuzzing target on random inputs, the same in each run, for builds without a fuzzer.
-#include <random>
-#include <vector>
-
 #include <cstddef>
 #include <cstdint>
+#include <random>
+#include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
 int main()
 {
-    std::mt19937         random(20261124);
+    std::mt19937 random(20261124);
     std::vector<uint8_t> input;
     for (int run = 0; run < 2000; run++) {
         input.resize(random() % 400);

@@ -32,7 +32,7 @@ struct Forward {
     uint32_t address;
     uint32_t prefixLen;
     uint32_t group;
-    bool     operator==(const Forward& other) const
+    bool operator==(const Forward& other) const
     {
         return address == other.address && prefixLen == other.prefixLen;
     }
@@ -41,12 +41,12 @@ struct Forward {
 struct Member {
     uint32_t group;
     uint32_t nextHop;
-    bool     operator==(const Member&) const = default;
+    bool operator==(const Member&) const = default;
 };
 
 struct Routes {
-    std::vector<Forward>  forwards;
-    std::vector<Member>   members;
+    std::vector<Forward> forwards;
+    std::vector<Member> members;
     std::vector<uint32_t> nextHops;  // indexes
 };
 
@@ -108,7 +108,7 @@ void Store(const Routes& routes)
 std::vector<uint32_t> NextHops(const Routes& routes, uint32_t destination)
 {
     std::vector<uint32_t> nextHops;
-    const auto            forward = std::ranges::find_if(routes.forwards, [=](const Forward& one) {
+    const auto forward = std::ranges::find_if(routes.forwards, [=](const Forward& one) {
         return Covers(one.address, static_cast<uint8_t>(one.prefixLen), destination, 32);
     });
     for (const Member& member : routes.members) {
@@ -130,14 +130,14 @@ bool IsNextHop(const Routes& routes, uint32_t index, const FIB_NHP_S& nextHop)
 void CheckInquiries(const Routes& routes, uint32_t destination, uint32_t capacity)
 {
     const std::vector<uint32_t> expected = NextHops(routes, destination);
-    const FIB_KEY_S             key      = {{}, destination};
-    FIB_NHP_S                   one      = {};
-    const bool                  answered = FIB_InquiryRoute(&key, &one) == 0;
+    const FIB_KEY_S key = {{}, destination};
+    FIB_NHP_S one = {};
+    const bool answered = FIB_InquiryRoute(&key, &one) == 0;
     CHECK(answered == (!expected.empty() && IsNextHop(routes, expected[0], one)));
 
     std::vector<FIB_NHP_S> several(capacity);
-    uint32_t               count = capacity;
-    const bool             all   = FIB_InquiryRoutes(&key, several.data(), &count) == 0;
+    uint32_t count = capacity;
+    const bool all = FIB_InquiryRoutes(&key, several.data(), &count) == 0;
     if (expected.empty()) {
         CHECK(!all && count == capacity);
         return;
@@ -153,11 +153,11 @@ void CheckInquiries(const Routes& routes, uint32_t destination, uint32_t capacit
 
 void CheckMatch(fuzz::Input& input)
 {
-    const auto         address = input.ConsumeIntegral<uint32_t>();
-    const FIB_PREFIX_S prefix  = {address, input.ConsumeIntegral<uint8_t>()};
-    const auto         shared  = input.ConsumeIntegralInRange<uint32_t>(0, 32);
-    const uint32_t     probed  = address ^ static_cast<uint32_t>(uint64_t{1} << shared);
-    const FIB_PREFIX_S probe   = {probed, input.ConsumeIntegral<uint8_t>()};
+    const auto address = input.ConsumeIntegral<uint32_t>();
+    const FIB_PREFIX_S prefix = {address, input.ConsumeIntegral<uint8_t>()};
+    const auto shared = input.ConsumeIntegralInRange<uint32_t>(0, 32);
+    const uint32_t probed = address ^ static_cast<uint32_t>(uint64_t{1} << shared);
+    const FIB_PREFIX_S probe = {probed, input.ConsumeIntegral<uint8_t>()};
     CHECK((FIB_AM_PrefixMatch(&prefix, &probe) != 0) ==
           Covers(address, prefix.prefixLen, probed, probe.prefixLen));
 }
@@ -169,9 +169,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     fuzz::Input input(data, size);
     CheckMatch(input);
 
-    const auto   destination = input.ConsumeIntegral<uint32_t>();
-    const auto   capacity    = input.ConsumeIntegralInRange<uint32_t>(1, 12);
-    const Routes routes      = TakeRoutes(input, destination);
+    const auto destination = input.ConsumeIntegral<uint32_t>();
+    const auto capacity = input.ConsumeIntegralInRange<uint32_t>(1, 12);
+    const Routes routes = TakeRoutes(input, destination);
     Store(routes);
     CheckInquiries(routes, destination, capacity);
     standin::Reset();

@@ -1,5 +1,7 @@
 // The shell's input lines: its verbs, with likely words and any others. Whatever is typed is
 // carried out or refused, in each style of output; for programs every line of output is JSON.
+#include "shell/shell.h"
+
 #include <algorithm>
 #include <iostream>
 #include <iterator>
@@ -13,7 +15,6 @@
 #include "shell/command.h"
 #include "shell/function.h"
 #include "shell/log_catcher.h"
-#include "shell/shell.h"
 #include "sources/json_error.h"
 
 namespace {
@@ -62,7 +63,7 @@ std::string TakeLine(fuzz::Input& input)
 {
     static const Texts verbs = Verbs();
     static const Texts words = LikelyWords();
-    std::string        line  = Any(input, verbs);
+    std::string line = Any(input, verbs);
     while (const auto choice = input.ConsumeIntegralInRange(0, 3)) {
         line += ' ' + (choice > 1 ? Any(input, words) : input.ConsumeRandomLengthString());
     }
@@ -82,12 +83,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     CHECK(started);
 
     fuzz::Input input(data, size);
-    const auto  style = input.PickValueInArray(
-         {Printer::Style::Plain, Printer::Style::Colour, Printer::Style::JsonLines});
-    sources::Source    source;
+    const auto style = input.PickValueInArray(
+        {Printer::Style::Plain, Printer::Style::Colour, Printer::Style::JsonLines});
+    sources::Source source;
     std::ostringstream output;
-    Printer            printer(output, style);
-    shell::Shell       shell(source, printer);
+    Printer printer(output, style);
+    shell::Shell shell(source, printer);
     fuzz::StartOver();
     for (int left = 4; left > 0 && input.remaining_bytes() > 0 && !shell.Ended(); left--) {
         CHECK(shell.Execute(TakeLine(input)) <= shell::Status::Usage);

@@ -32,8 +32,8 @@ inline uint64_t Speed(uint64_t index)
 }
 
 struct Change {
-    std::string             table;
-    uint32_t                index;
+    std::string table;
+    uint32_t index;
     std::optional<uint32_t> before;  // of field 1: a speed
     std::optional<uint32_t> after;
 
@@ -50,7 +50,7 @@ public:
         Take();
     }
     ~Events() { OrmCloseSession(session_); }
-    Events(const Events&)            = delete;
+    Events(const Events&) = delete;
     Events& operator=(const Events&) = delete;
 
     static std::vector<Change> Take()
@@ -68,8 +68,9 @@ private:
     static std::optional<uint32_t> Field(ORM_MESSAGE message, uint32_t object, uint32_t field)
     {
         uint32_t value = 0;
-        if (OrmSubExtractData(message, object, 0) != 0)
+        if (OrmSubExtractData(message, object, 0) != 0) {
             return std::nullopt;
+        }
         OrmGetFieldById(message, field, &value, sizeof value);
         return value;
     }
@@ -77,8 +78,8 @@ private:
     static void Note(const char* table, ORM_MESSAGE message)
     {
         for (uint8_t end = 0; OrmSubFetchNext(message, &end) == 0 && end == 0;) {
-            const auto            gone = Field(message, ORM_OBJECT_OLD, 0);
-            const auto            here = Field(message, ORM_OBJECT_NEW, 0);
+            const auto gone = Field(message, ORM_OBJECT_OLD, 0);
+            const auto here = Field(message, ORM_OBJECT_NEW, 0);
             const std::lock_guard lock(mutex);
             changes.push_back({table, here.value_or(gone.value_or(0)),
                                Field(message, ORM_OBJECT_OLD, 1),
@@ -86,9 +87,9 @@ private:
         }
     }
 
-    static inline std::mutex          mutex;
+    static inline std::mutex mutex;
     static inline std::vector<Change> changes;
-    const ORM_SESSION                 session_ = OpenSubscriptions(nullptr);
+    const ORM_SESSION session_ = OpenSubscriptions(nullptr);
 };
 
 }  // namespace support

@@ -2,14 +2,15 @@
 
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
-#include <tarnd_qrb/event_publish.h>
-#include <tarnd_qrb/listener.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <mutex>
 #include <utility>
+
+#include <tarnd_qrb/event_publish.h>
+#include <tarnd_qrb/listener.h>
 
 #include "support/system.h"
 #include "support/writes.h"
@@ -19,7 +20,7 @@ namespace support {
 namespace {
 
 std::mutex mutex;
-Events     events;
+Events events;
 
 void Record(const std::string& event)
 {
@@ -76,8 +77,8 @@ uint32_t OnLayer2(const void* data, uint32_t value, void* argument, uint64_t* wo
 template <uint32_t eventId>
 uint32_t OnInterface(uint32_t subId, uint32_t flag, uint32_t ifIndex, void* first, void* second)
 {
-    const auto  number = [](void* at) { return std::to_string(*static_cast<uint32_t*>(at)); };
-    std::string text   = std::to_string(eventId) + "/" + std::to_string(subId) + " flag " +
+    const auto number = [](void* at) { return std::to_string(*static_cast<uint32_t*>(at)); };
+    std::string text = std::to_string(eventId) + "/" + std::to_string(subId) + " flag " +
                        std::to_string(flag) + Interface(ifIndex);
     if (first != nullptr || second != nullptr) {
         text += " with " + number(first) + ", " + number(second);
@@ -116,16 +117,12 @@ bool IsMarkers(const std::string& event)
 void RecordEvents()
 {
     TakeEvents();
-    [&]<uint32_t... id>(std::integer_sequence<uint32_t, id...>)
-    {
+    [&]<uint32_t... id>(std::integer_sequence<uint32_t, id...>) {
         (L2IF_SH_EvtCbFuncReg("test", id, 1, OnLayer2<id>), ...);
-    }
-    (std::make_integer_sequence<uint32_t, L2IF_EVT_COUNT>());
-    [&]<uint32_t... id>(std::integer_sequence<uint32_t, id...>)
-    {
+    }(std::make_integer_sequence<uint32_t, L2IF_EVT_COUNT>());
+    [&]<uint32_t... id>(std::integer_sequence<uint32_t, id...>) {
         (RegisterForInterfaceEvent<id>(), ...);
-    }
-    (std::make_integer_sequence<uint32_t, IF_EVT_COUNT>());
+    }(std::make_integer_sequence<uint32_t, IF_EVT_COUNT>());
     IF_RegNotifyFunc(1, OnNotification);
 }
 
@@ -164,7 +161,7 @@ void StopListener()
     if (g_epollDbListenerThreadId != 0) {
         std::atomic_ref(g_epollDbListenerThreadExit).store(1, std::memory_order_release);
         // The thread may sleep for two seconds, and a hundred starts can't wait for that.
-        const int   wake     = eventfd(1, EFD_CLOEXEC);
+        const int wake = eventfd(1, EFD_CLOEXEC);
         epoll_event readable = {EPOLLIN, {}};
         pthread_mutex_lock(&g_epollDbListenerCondLock);
         epoll_ctl(g_epollDbListenerFd, EPOLL_CTL_ADD, wake, &readable);

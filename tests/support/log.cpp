@@ -13,12 +13,12 @@ namespace support {
 
 namespace {
 
-std::mutex           mutex;
+std::mutex mutex;
 std::vector<LogLine> lines;
 
 void Catch(int priority, const char* format, va_list arguments)
 {
-    char      text[1024];
+    char text[1024];
     const int length = vsnprintf(text, sizeof(text), format, arguments);
     if (length >= 0) {
         const std::lock_guard lock(mutex);
@@ -36,7 +36,7 @@ std::vector<LogLine> TakeLog()
 
 std::vector<std::string> TakeMessages()
 {
-    static const std::regex  identity(R"(^\[TARND_QRB\]\[(\w+):\d+\] )");
+    static const std::regex identity(R"(^\[TARND_QRB\]\[(\w+):\d+\] )");
     std::vector<std::string> messages;
     for (const LogLine& line : TakeLog()) {
         messages.push_back(std::regex_replace(line.text, identity, "$1: "));

@@ -27,8 +27,9 @@ using Wire = sources::ovsdb::Json;
 inline std::string TakeLogText()
 {
     std::string text;
-    for (const LogLine& line : TakeLog())
+    for (const LogLine& line : TakeLog()) {
         text += line.text;
+    }
     return text;
 }
 
@@ -37,7 +38,7 @@ class Folder {
 public:
     Folder() { EXPECT_NE(mkdtemp(path_.data()), nullptr); }
     ~Folder() { std::filesystem::remove_all(path_); }
-    Folder(const Folder&)            = delete;
+    Folder(const Folder&) = delete;
     Folder& operator=(const Folder&) = delete;
 
     std::string operator/(const std::string& name) const { return path_ + "/" + name; }
@@ -56,7 +57,7 @@ public:
         : base_(folder / name), options_(options)
     {
         const std::string schema = base_ + ".db " TARND_PROJECT_ROOT "/data/tarnd_qrb.ovsschema";
-        const std::string first  = " unix:" + folder / "first.raft";
+        const std::string first = " unix:" + folder / "first.raft";
         const std::string create =
             role == Role::Alone   ? "create " + schema
             : role == Role::First ? "--election-timer=200 create-cluster " + schema + first
@@ -67,10 +68,11 @@ public:
     }
     ~OvsdbServer()
     {
-        if (process_ > 0)
+        if (process_ > 0) {
             Stop(SIGKILL);
+        }
     }
-    OvsdbServer(const OvsdbServer&)            = delete;
+    OvsdbServer(const OvsdbServer&) = delete;
     OvsdbServer& operator=(const OvsdbServer&) = delete;
 
     // Returns once it answers, and is connected to its cluster.
@@ -98,13 +100,13 @@ public:
     }
     void Signal(int signal) const { kill(process_, signal); }
 
-    bool        IsLeader() const { return StateOf("leader"); }
+    bool IsLeader() const { return StateOf("leader"); }
     std::string Remote() const { return "unix:" + base_ + ".sock"; }
 
     // The answers to the operations, each time over a connection of its own. The first refusal is
     // an exception, and so is the loss of the connection.
     Wire Transact(const std::vector<Wire>& operations,
-                  const char*              name = sources::ovsdb::database) const
+                  const char* name = sources::ovsdb::database) const
     {
         using namespace sources::ovsdb;
         constexpr Milliseconds patience(10'000);
@@ -114,12 +116,14 @@ public:
         parameters.insert(parameters.end(), operations.begin(), operations.end());
         connection.Send(Wire{{"id", 1}, {"method", "transact"}, {"params", parameters}}.dump());
         Wire answer;
-        while (answer.is_null())
+        while (answer.is_null()) {
             connection.Attend(-1, -1, [&](const Wire& message) { answer = message; });
+        }
         Wire results = answer.at("result");
         for (const Wire& result : results) {
-            if (const std::string reason = ReasonIn(result); !reason.empty())
+            if (const std::string reason = ReasonIn(result); !reason.empty()) {
                 throw std::runtime_error(reason);
+            }
         }
         return results;
     }
@@ -144,7 +148,7 @@ private:
 
     const std::string base_;
     const std::string options_;
-    pid_t             process_ = 0;
+    pid_t process_ = 0;
 };
 
 }  // namespace support

@@ -28,18 +28,18 @@ namespace {
 // A call that is going to fail: the nth from now of one operation.
 struct Planned {
     std::string operation;
-    unsigned    remaining = 0;
-    uint32_t    code      = 0;
-    CleanUp     cleanUp   = CleanUp::Works;
+    unsigned remaining = 0;
+    uint32_t code = 0;
+    CleanUp cleanUp = CleanUp::Works;
 };
 
-bool                     watching = false;  // by atomic built-ins, as what malloc looks at
-std::mutex               mutex;
+bool watching = false;  // by atomic built-ins, as what malloc looks at
+std::mutex mutex;
 std::vector<std::string> points;
 std::vector<std::string> texts;
-std::optional<Planned>   planned;
-std::optional<uint32_t>  cleanUpCode;  // set once a fault is to be followed by failing clean-ups
-std::atomic<int>         openHandles = 0;
+std::optional<Planned> planned;
+std::optional<uint32_t> cleanUpCode;  // set once a fault is to be followed by failing clean-ups
+std::atomic<int> openHandles = 0;
 
 // What does its work even where it is to fail, so that what stays open is the caller's doing.
 bool IsCleanUp(std::string_view operation)
@@ -72,8 +72,8 @@ std::optional<uint32_t> Fault(std::string_view operation)
 template <auto Operation>
 UNWATCHED auto Next(const char* name)
 {
-    static decltype(Operation) next  = nullptr;
-    auto                       found = __atomic_load_n(&next, __ATOMIC_RELAXED);
+    static decltype(Operation) next = nullptr;
+    auto found = __atomic_load_n(&next, __ATOMIC_RELAXED);
     if (found == nullptr) {
         found = reinterpret_cast<decltype(Operation)>(dlsym(RTLD_NEXT, name));
         __atomic_store_n(&next, found, __ATOMIC_RELAXED);
@@ -108,8 +108,8 @@ uint32_t Opened(uint32_t result)
 template <auto Operation, typename... Arguments>
 uint32_t Close(const char* name, Arguments... arguments)
 {
-    const std::optional<uint32_t> fault  = Fault(name);
-    const uint32_t                result = Next<Operation>(name)(arguments...);
+    const std::optional<uint32_t> fault = Fault(name);
+    const uint32_t result = Next<Operation>(name)(arguments...);
     openHandles -= result == 0 ? 1 : 0;
     return fault.value_or(result);
 }
@@ -138,7 +138,7 @@ int PassSystem(const char* name, const void* returnAddress, Arguments... argumen
 
 // The library's blocks. They are few at a time, and keeping them must not allocate.
 void* blocks[64];
-int   blockCount = 0;
+int blockCount = 0;
 
 // A block goes into an empty slot, or out of its own.
 UNWATCHED void* Exchange(void* before, void* after)
@@ -346,7 +346,7 @@ UNWATCHED void free(void* block)
 }
 
 [[gnu::no_sanitize_thread]] int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
-                                               void* (*entry)(void*), void*             argument)
+                                               void* (*entry)(void*), void* argument)
 {
     if (IsLibrary(__builtin_return_address(0))) {
         if (const auto error = Fault("pthread_create")) {

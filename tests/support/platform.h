@@ -41,7 +41,7 @@ int OpenHandles();
 int LibraryBlocks();
 
 struct LogLine {
-    int         priority;
+    int priority;
     std::string text;  // as handed to the system log
 };
 

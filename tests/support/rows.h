@@ -23,8 +23,9 @@ inline std::vector<standin::Row> RowsOf(const standin::Table& table)
 inline std::vector<standin::Row> AllRows()
 {
     std::vector<standin::Row> rows;
-    for (const standin::Table& table : standin::Tables())
+    for (const standin::Table& table : standin::Tables()) {
         std::ranges::move(RowsOf(table), std::back_inserter(rows));
+    }
     return rows;
 }
 
@@ -40,10 +41,12 @@ public:
         for (const standin::Table& table : standin::Tables()) {
             for (int i = 0; i < number; ++i) {
                 standin::Row& row = rows.emplace_back(table);
-                for (const standin::Field& field : table.fields)
+                for (const standin::Field& field : table.fields) {
                     Fill(row, field);
-                for (const standin::List& list : table.lists)
+                }
+                for (const standin::List& list : table.lists) {
                     FillList(row, list);
+                }
             }
         }
         return rows;
@@ -73,12 +76,14 @@ private:
     void FillList(standin::Row& row, const standin::List& list)
     {
         const auto items = Below(4);
-        if (items > 0)
+        if (items > 0) {
             row.MakeList(list.name);
+        }
         for (uint64_t i = 1; i < items; ++i) {
             std::vector<uint64_t> values;
-            for (const standin::Field& field : list.fields)
+            for (const standin::Field& field : list.fields) {
                 values.push_back(Number(field));
+            }
             row.AddItem(list.name, values);
         }
     }
@@ -89,17 +94,19 @@ private:
     std::vector<uint8_t> Bytes(size_t size)
     {
         std::vector<uint8_t> bytes(size, Below(2) == 0 ? 0 : 0xff);
-        for (size_t i = Below(size); i < size; i += 1 + Below(size))
+        for (size_t i = Below(size); i < size; i += 1 + Below(size)) {
             bytes[i] = static_cast<uint8_t>(Below(256));
+        }
         return bytes;
     }
 
     std::string Text(size_t longest)
     {
         constexpr std::string_view characters = "aZ0/ \"\\\t\x7f{}[],:";
-        std::string                text       = Below(2) == 0 ? "\xc3\xbc" : "";
-        for (size_t i = text.size(), size = Below(longest + 1); i < size; ++i)
+        std::string text = Below(2) == 0 ? "\xc3\xbc" : "";
+        for (size_t i = text.size(), size = Below(longest + 1); i < size; ++i) {
             text += characters[Below(characters.size())];
+        }
         return text;
     }
 

@@ -10,8 +10,8 @@ namespace support {
 // A session for subscriptions; 0 where it is refused.
 inline ORM_SESSION OpenSubscriptions(ORM_FD_CONTROL control)
 {
-    ORM_SESSION_PARAM param   = 0;
-    ORM_SESSION       session = 0;
+    ORM_SESSION_PARAM param = 0;
+    ORM_SESSION session = 0;
     OrmCreateSessionParam("channel:", "osc", &param);
     OrmOpenSubSession(param, control, &session);
     OrmDestroySessionParam(param);

@@ -35,21 +35,23 @@ std::string RefusalOf(const Action& action)
 }
 
 struct Outcome {
-    int         status;  // -1: it did not end by itself
+    int status;  // -1: it did not end by itself
     std::string output;
 };
 
 // Runs a command of the shell's.
 inline Outcome Run(const std::string& command)
 {
-    Outcome     outcome{-1, ""};
+    Outcome outcome{-1, ""};
     FILE* const pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr)
+    if (pipe == nullptr) {
         return outcome;
-    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe))
+    }
+    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) {
         outcome.output.push_back(static_cast<char>(c));
+    }
     const int ended = pclose(pipe);
-    outcome.status  = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
+    outcome.status = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
     return outcome;
 }
 
@@ -64,11 +66,12 @@ inline void Ip(const std::string& commands)
 template <typename Condition>
 bool Eventually(const Condition& condition)
 {
-    using Clock         = std::chrono::steady_clock;
+    using Clock = std::chrono::steady_clock;
     const auto deadline = Clock::now() + std::chrono::seconds(10);
     while (!condition()) {
-        if (Clock::now() > deadline)
+        if (Clock::now() > deadline) {
             return false;
+        }
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
     return true;

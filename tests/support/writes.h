@@ -10,9 +10,9 @@ namespace support::writes {
 
 using Writing = void (*)(standin::Transaction&, const standin::Row&);
 
-inline constexpr Writing Insert  = [](auto& transaction, auto& row) { transaction.Insert(row); };
-inline constexpr Writing Delete  = [](auto& transaction, auto& row) { transaction.Delete(row); };
-inline constexpr Writing Update  = [](auto& transaction, auto& row) { transaction.Update(row); };
+inline constexpr Writing Insert = [](auto& transaction, auto& row) { transaction.Insert(row); };
+inline constexpr Writing Delete = [](auto& transaction, auto& row) { transaction.Delete(row); };
+inline constexpr Writing Update = [](auto& transaction, auto& row) { transaction.Update(row); };
 inline constexpr Writing Replace = [](auto& transaction, auto& row) { transaction.Replace(row); };
 
 inline standin::Row Base(uint64_t interface)

@@ -50,18 +50,18 @@ public:
     Header Read();
 
 private:
-    bool               AtEnd() const { return next_ == lines_.size(); }
+    bool AtEnd() const { return next_ == lines_.size(); }
     const std::string& Peek() const { return lines_[next_]; }
-    Text               TakeComment();
-    void               TakeComment(Text& above);
-    Declaration        TakeDeclaration();
-    void               SkipAssertion();
+    Text TakeComment();
+    void TakeComment(Text& above);
+    Declaration TakeDeclaration();
+    void SkipAssertion();
 
-    Header                   header_;
+    Header header_;
     std::vector<std::string> lines_;
-    size_t                   next_ = 0;
-    std::string              section_;
-    Text                     rules_;
+    size_t next_ = 0;
+    std::string section_;
+    Text rules_;
 };
 
 Reader::Reader(const std::string& path)
@@ -92,7 +92,7 @@ void Reader::TakeComment(Text& above)
     above = TakeComment();
     if (AtEnd() || Peek().empty()) {
         section_ = FirstSentence(above);
-        rules_   = Split(above, section_);
+        rules_ = Split(above, section_);
         above.clear();
     }
 }
@@ -136,12 +136,12 @@ Kind KindOf(const std::string& firstLine)
 Declaration Reader::TakeDeclaration()
 {
     Declaration declaration;
-    declaration.kind    = KindOf(Peek());
+    declaration.kind = KindOf(Peek());
     declaration.section = section_;
-    declaration.rules   = rules_;
+    declaration.rules = rules_;
 
     const bool macro = declaration.kind == Kind::Macro;
-    int        depth = 0;
+    int depth = 0;
     for (bool complete = false; !complete;) {
         std::string line = lines_[next_++];
         // Comments behind the members of a record are part of the code.
@@ -221,12 +221,12 @@ std::vector<Block> Blocks(const Text& text)
 {
     static const std::regex item(R"(^(\w+)  +(.*))");
     static const std::regex bullet("^ *- (.*)");
-    std::vector<Block>      blocks;
-    bool                    afterBlank = true;
+    std::vector<Block> blocks;
+    bool afterBlank = true;
     for (const std::string& line : text) {
         const size_t indent = line.find_first_not_of(' ');
-        const bool   inCode = !blocks.empty() && blocks.back().kind == Block::Kind::Code;
-        std::smatch  match;
+        const bool inCode = !blocks.empty() && blocks.back().kind == Block::Kind::Code;
+        std::smatch match;
         if (indent == std::string::npos) {
             afterBlank = true;
             continue;

@@ -19,18 +19,18 @@ using Text = std::vector<std::string>;
 enum class Kind { Function, Data, Type, Macro };
 
 struct Declaration {
-    Kind        kind = Kind::Macro;
+    Kind kind = Kind::Macro;
     std::string name;
-    Text        code;    // without the comment behind it
-    Text        above;   // the comment above
-    Text        behind;  // the comment behind
+    Text code;    // without the comment behind it
+    Text above;   // the comment above
+    Text behind;  // the comment behind
     std::string section;
-    Text        rules;  // what holds for the whole section
+    Text rules;  // what holds for the whole section
 };
 
 struct Header {
-    std::string              include;  // "tarnd_qrb/vlan.h"
-    Text                     introduction;
+    std::string include;  // "tarnd_qrb/vlan.h"
+    Text introduction;
     std::vector<Declaration> declarations;
 
     std::string Family() const;  // "vlan"
@@ -46,9 +46,9 @@ std::string FirstSentence(const Text& text);
 // a paragraph of its own indents by four.
 struct Block {
     enum class Kind { Paragraph, Item, Bullet, Code };
-    Kind        kind;
+    Kind kind;
     std::string name;  // of an item
-    Text        lines;
+    Text lines;
 };
 std::vector<Block> Blocks(const Text& text);
 

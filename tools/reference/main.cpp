@@ -19,8 +19,8 @@ namespace {
 std::set<std::string> ExportedNames(const std::string& map)
 {
     std::set<std::string> names;
-    std::ifstream         stream(map);
-    const std::regex      entry(R"(^ +(\w+);)");
+    std::ifstream stream(map);
+    const std::regex entry(R"(^ +(\w+);)");
     for (std::string line; std::getline(stream, line);) {
         std::smatch match;
         if (std::regex_search(line, match, entry)) {

@@ -178,7 +178,7 @@ private:
     void WriteTypes(Page& page, const Declaration& declaration) const
     {
         static const std::regex word("\\w+");
-        std::set<std::string>   shown;
+        std::set<std::string> shown;
         for (const std::string& line : declaration.code) {
             for (std::sregex_iterator match(line.begin(), line.end(), word), end; match != end;
                  ++match) {
@@ -194,9 +194,9 @@ private:
         }
     }
 
-    std::filesystem::path                     directory_;
-    std::string                               version_;
-    const std::vector<Header>&                headers_;
+    std::filesystem::path directory_;
+    std::string version_;
+    const std::vector<Header>& headers_;
     std::map<std::string, const Declaration*> types_;
 };
 

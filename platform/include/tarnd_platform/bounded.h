@@ -7,8 +7,7 @@
  * the terminator, or -1 when the text would not fit or the format fails. Thread-safe: they touch
  * nothing but their arguments.
  */
-#ifndef TARND_PLATFORM_BOUNDED_H
-#define TARND_PLATFORM_BOUNDED_H
+#pragma once
 
 #include <stdarg.h>
 #include <stddef.h>
@@ -31,6 +30,4 @@ int vsprintf_s(char* destination, size_t destinationSize, const char* format, va
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -4,8 +4,7 @@
  * Every allocation is charged to a module's handle, so that use can be reported for each module.
  * Thread-safe.
  */
-#ifndef TARND_PLATFORM_MEMORY_H
-#define TARND_PLATFORM_MEMORY_H
+#pragma once
 
 #include <stddef.h>
 #include <stdint.h>
@@ -29,6 +28,4 @@ uint32_t meminfo_get(uint32_t selector, uint16_t handle, uint64_t* first, uint64
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -13,8 +13,7 @@
  * thread at a time.
  * Ownership: texts and buffers stay the caller's and are not kept after a call has returned.
  */
-#ifndef TARND_PLATFORM_ORM_H
-#define TARND_PLATFORM_ORM_H
+#pragma once
 
 #include <stdint.h>
 
@@ -97,6 +96,4 @@ uint32_t OrmNodeGetFieldById(ORM_NODE item, uint32_t field, void* destination, u
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -11,8 +11,7 @@
  * order, without gaps. Records: tarnd_qrb/records.h, and for "acl_group_id" the comment at its
  * accessors below.
  */
-#ifndef TARND_PLATFORM_ORM_ACCESSORS_H
-#define TARND_PLATFORM_ORM_ACCESSORS_H
+#pragma once
 
 #include <tarnd_platform/orm.h>
 
@@ -67,6 +66,4 @@ uint32_t OrmgQosIntegrationSetKeyPrimaryKeyInner(ORM_SESSION session, const void
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -5,8 +5,7 @@
  * subscription covers has changed, and stay so until every message is read. Whoever waits on a
  * descriptor calls DbcHandleEvent, which runs the callbacks on its own thread.
  */
-#ifndef TARND_PLATFORM_ORM_SUBSCRIPTION_H
-#define TARND_PLATFORM_ORM_SUBSCRIPTION_H
+#pragma once
 
 #include <tarnd_platform/orm.h>
 
@@ -14,7 +13,7 @@
 extern "C" {
 #endif
 
-typedef uintptr_t   ORM_SESSION_PARAM;
+typedef uintptr_t ORM_SESSION_PARAM;
 typedef ORM_SESSION ORM_MESSAGE; /* one delivery; valid during the callback that got it */
 
 /* Event types handed to a callback. */
@@ -65,6 +64,4 @@ uint32_t DbcHandleEvent(int32_t descriptor);
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -34,7 +34,7 @@ public:
 
     Row& Set(std::string_view field, uint64_t number);        // Number, Ipv4
     Row& Set(std::string_view field, std::string_view text);  // Text
-    Row& SetBytes(std::string_view         field,
+    Row& SetBytes(std::string_view field,
                   std::span<const uint8_t> bytes);  // Mac, Set: exactly its width
     Row& AddToSet(std::string_view field, uint32_t first, uint32_t last);  // Set: turns bits on
 
@@ -43,14 +43,14 @@ public:
     // Adds an item at the end (and makes the list): its field values in the description's order.
     Row& AddItem(std::string_view list, std::span<const uint64_t> values);
 
-    uint64_t                 Number(std::string_view field) const;  // Number, Ipv4
-    std::string_view         Text(std::string_view field) const;
+    uint64_t Number(std::string_view field) const;  // Number, Ipv4
+    std::string_view Text(std::string_view field) const;
     std::span<const uint8_t> Bytes(const Field& field) const;
     // Items one behind another, or nothing where the list is absent. list: its place in
     // Table::lists.
     std::optional<std::span<const uint8_t>> Items(size_t list) const;
 
-    const Table&             Description() const { return *table_; }
+    const Table& Description() const { return *table_; }
     std::span<const uint8_t> Record() const { return record_; }
 
     friend bool operator==(const Row&, const Row&) = default;
@@ -58,8 +58,8 @@ public:
 private:
     friend Row Detached(const Table& table, const StoredRow& row);
 
-    const Table*                                     table_;
-    std::vector<uint8_t>                             record_;
+    const Table* table_;
+    std::vector<uint8_t> record_;
     std::vector<std::optional<std::vector<uint8_t>>> lists_;
 };
 
@@ -81,7 +81,7 @@ private:
     enum class Operation : uint8_t { Insert, Delete, Update, Replace };
     struct Write {
         Operation operation;
-        Row       row;
+        Row row;
     };
     std::vector<Write> writes_;
 };
@@ -90,7 +90,7 @@ private:
 std::optional<Row> Find(const Row& key);
 
 // Every row of a table in insertion order, by a scan.
-void   ForEachRow(const Table& table, const std::function<void(const Row&)>& onRow);
+void ForEachRow(const Table& table, const std::function<void(const Row&)>& onRow);
 size_t CountRows(const Table& table);
 
 // Empties every table without telling anybody. For tests and benchmarks that start over; no session

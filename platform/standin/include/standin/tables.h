@@ -18,11 +18,11 @@ enum class Kind : uint8_t {
 
 struct Field {
     std::string_view name;
-    uint32_t         number;
-    Kind             kind;
-    uint32_t         offset;                // in the record, or in the list item
-    uint32_t         width;                 // bytes
-    bool             unterminated = false;  // a text that may fill its whole width
+    uint32_t number;
+    Kind kind;
+    uint32_t offset;            // in the record, or in the list item
+    uint32_t width;             // bytes
+    bool unterminated = false;  // a text that may fill its whole width
 };
 
 // The longest text that a field holds.
@@ -33,26 +33,26 @@ constexpr uint32_t LongestText(const Field& field)
 
 // Members lie side by side in the record, so a key is a run of its bytes.
 struct Key {
-    std::string_view              name;
+    std::string_view name;
     std::span<const Field* const> members;
-    uint32_t                      offset;
-    uint32_t                      width;
+    uint32_t offset;
+    uint32_t width;
 };
 
 inline constexpr uint32_t longestKey = 68;
 
 struct List {
-    std::string_view       name;
+    std::string_view name;
     std::span<const Field> fields;
-    uint32_t               itemSize;
+    uint32_t itemSize;
 };
 
 struct Table {
-    std::string_view       name;
-    uint32_t               recordSize;
+    std::string_view name;
+    uint32_t recordSize;
     std::span<const Field> fields;
-    std::span<const Key>   keys;  // the first is the primary key
-    std::span<const List>  lists;
+    std::span<const Key> keys;  // the first is the primary key
+    std::span<const List> lists;
 };
 
 std::span<const Table> Tables();
