@@ -1,6 +1,6 @@
-// The building blocks that modules call directly: an interface's address record, an item of its
-// list, and the main address by the item's type not being 6.
-#include "ifm/address_list.h"
+// Building blocks that modules call directly: an interface's address record, one item of its list,
+// and the main address, selected by an item type other than 6.
+#include "ifm/ipv4_address_list.h"
 
 using namespace qrb;
 

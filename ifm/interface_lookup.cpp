@@ -1,5 +1,4 @@
-// From a full name: to the interface index, by a scan of "if_base" or by its local key, and to the
-// short name.
+// Lookups between interface index, full name and short name in "if_base", and operations on names.
 #include <syslog.h>
 
 #include <cstring>
@@ -55,28 +54,72 @@ uint32_t ScanForName(ORM_SESSION session, ORM_SCAN scan, const IF_NAME_KEY_S& ke
 
 }  // namespace
 
-uint32_t IF_CmpIfBaseRecord(ORM_SESSION session, const IF_NAME_KEY_S* key, void* output,
-                            int32_t size)
+uint32_t IF_INTF_GetIfNameByIfIndex(char* output, uint32_t ifIndex)
 {
-    constexpr uint32_t MATCH = 1;
-    constexpr uint32_t NO_MATCH = 0;
+    QRB_IF_BASE_S base;
+    const uint32_t ret = ReadRecord(OrmgIfBaseReadInner, ifIndex, &base);
+    if (ret != OK) {
+        QRB_INFO("orm read key[%d] failed, ret = %d.\n", ifIndex, ret);
+        return NONE;
+    }
+    const int copied = strcpy_s(output, QRB_IF_NAME_SIZE, base.if_name);
+    if (copied != 0) {
+        QRB_ERROR("orm cpy failed, index=%d ret = %d.\n", ifIndex, copied);
+        return NONE;
+    }
+    return OK;
+}
+
+uint32_t IF_GetIfNameByIndex(uint32_t ifIndex, char* output)
+{
+    QRB_IF_BASE_S base;
+    const uint32_t ret = ReadRecord(OrmgIfBaseReadInner, ifIndex, &base);
+    if (ret != OK) {
+        QRB_ERROR("orm read key[%d] failed, ret = %d.\n", ifIndex, ret);
+        return FAIL;
+    }
+    const int copied = strcpy_s(output, QRB_IF_NAME_SIZE, base.if_name);
+    if (copied != 0) {
+        QRB_ERROR("orm cpy failed, index=%d ret = %d.\n", ifIndex, copied);
+        return FAIL;
+    }
+    return OK;
+}
+
+uint32_t BDS_IfnetGetIfNameByIfIndex(uint32_t ifIndex, char* output)
+{
+    if (AnyNull(__func__, output)) {
+        return FAIL;
+    }
+    QRB_IF_BASE_S base;
+    const uint32_t ret = ReadRecord(OrmgIfBaseReadInner, ifIndex, &base);
+    if (ret != OK) {
+        QRB_ERROR("Failed to fetch if_base, ret=%d\n", ret);
+        return FAIL;
+    }
+    // A name without its terminator counts one byte too many, and the copy refuses it.
+    const size_t size = strnlen(base.if_name, sizeof(base.if_name)) + 1;
+    if (memcpy_s(output, QRB_IF_NAME_SIZE, base.if_name, size) != 0) {
+        QRB_ERROR("Failed to copy ifName from db struct to output\n");
+        return FAIL;
+    }
+    return OK;
+}
+
+uint32_t BDS_IfnetIsIfExist(uint32_t ifIndex)
+{
+    constexpr uint32_t EXISTS = 1;
+    constexpr uint32_t ABSENT = 0;
 
     QRB_IF_BASE_S base;
-    const uint32_t ret = ReadCurrent(OrmgIfBaseGetAllFieldsInner, session, &base);
+    const uint32_t ret = ReadRecord(OrmgIfBaseReadInner, ifIndex, &base);
+    if (ret == ORM_NO_RECORD) {
+        return ABSENT;
+    }
     if (ret != OK) {
-        QRB_ERROR("get all field if_base fail for cmp %u\n", ret);
-        return NO_MATCH;
+        QRB_ERROR("Error to fetch database, ret=%d\n", ret);
     }
-    const char* const name = key->selector != 0 ? base.if_name : base.simple_name;
-    if (strncmp(key->name, name, QRB_IF_NAME_SIZE) != 0) {
-        return NO_MATCH;
-    }
-    const size_t capacity = size > 0 ? static_cast<size_t>(size) : 0;
-    if (memcpy_s(output, capacity, &base, sizeof(base)) != 0) {
-        QRB_ERROR("copy all field if_base fail for cmp\n");
-        return NO_MATCH;
-    }
-    return MATCH;
+    return EXISTS;
 }
 
 uint32_t IF_INTF_GetIfByFullName(const char* fullName)
@@ -106,6 +149,30 @@ uint32_t IF_INTF_GetIfByFullName(const char* fullName)
     OrmScanEnd(session, scan);
     OrmCloseSession(session);
     return ifIndex;
+}
+
+uint32_t IF_CmpIfBaseRecord(ORM_SESSION session, const IF_NAME_KEY_S* key, void* output,
+                            int32_t size)
+{
+    constexpr uint32_t MATCH = 1;
+    constexpr uint32_t NO_MATCH = 0;
+
+    QRB_IF_BASE_S base;
+    const uint32_t ret = ReadCurrent(OrmgIfBaseGetAllFieldsInner, session, &base);
+    if (ret != OK) {
+        QRB_ERROR("get all field if_base fail for cmp %u\n", ret);
+        return NO_MATCH;
+    }
+    const char* const name = key->selector != 0 ? base.if_name : base.simple_name;
+    if (strncmp(key->name, name, QRB_IF_NAME_SIZE) != 0) {
+        return NO_MATCH;
+    }
+    const size_t capacity = size > 0 ? static_cast<size_t>(size) : 0;
+    if (memcpy_s(output, capacity, &base, sizeof(base)) != 0) {
+        QRB_ERROR("copy all field if_base fail for cmp\n");
+        return NO_MATCH;
+    }
+    return MATCH;
 }
 
 uint32_t IF_INTF_GetIfIndexByFullName(const char* fullName)
@@ -178,4 +245,44 @@ uint32_t IF_INTF_GetSimpleName(const char* fullName, char* output)
         return OK;
     });
     return copied ? OK : FAIL;
+}
+
+uint32_t IF_INTF_GetFullNameByInput(const char* input, char* output)
+{
+    const size_t length = strlen(input);
+    const int copied = strncpy_s(output, length + 1, input, length);
+    if (copied != 0) {
+        QRB_ERROR("get full name failed, input=%s ret = %d.\n", input, copied);
+        return NONE;
+    }
+    return OK;
+}
+
+uint32_t IF_INTF_GetNameByIfName(char* output, const char* name)
+{
+    return strcpy_s(output, QRB_IF_NAME_SIZE, name) == 0 ? OK : FAIL;
+}
+
+uint32_t BDS_IfnetGetNumStrFromName(const char* name, char* output, uint32_t size)
+{
+    if (name == nullptr || output == nullptr || size == 0) {
+        QRB_ERROR("Null value provided\n");
+        return 0;
+    }
+    // '.' to ':' are neighbours: '.', '/', the digits and ':'.
+    const auto isTail = [](char c) { return c >= '.' && c <= ':'; };
+    const size_t length = strlen(name);
+    size_t head = length;
+    while (head > 0 && isTail(name[head - 1])) {
+        head--;
+    }
+    const size_t tail = length - head;
+    if (tail == 0 || tail + 1 >= size || head < 2) {
+        return 0;
+    }
+    const int copied = memcpy_s(output, tail + 1, name + head, tail + 1);
+    if (copied != 0) {
+        QRB_ERROR("memcpy failed, ret=%d\n", copied);
+    }
+    return static_cast<uint32_t>(tail);
 }
