@@ -1,5 +1,5 @@
 // Insertion, whole and in its two halves.
-#include "bal/util_list/node.h"
+#include "bal/util_list/list_node.h"
 
 using namespace qrb;
 

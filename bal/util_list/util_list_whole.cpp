@@ -1,5 +1,5 @@
 // Lists as wholes: made, emptied, exchanged, copied, joined.
-#include "bal/util_list/node.h"
+#include "bal/util_list/list_node.h"
 
 using namespace qrb;
 

@@ -1,5 +1,5 @@
 // Iteration.
-#include "bal/util_list/node.h"
+#include "bal/util_list/list_node.h"
 
 using namespace qrb;
 

@@ -1,5 +1,5 @@
 // Lists of lists, by value and by pointer.
-#include "bal/util_list/node.h"
+#include "bal/util_list/list_node.h"
 
 using namespace qrb;
 

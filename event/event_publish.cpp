@@ -3,7 +3,6 @@
 
 #include "event/entries.h"
 #include "event/interface_tree.h"
-#include "event/interface_walk.h"
 
 using namespace qrb;
 
@@ -59,25 +58,6 @@ uint32_t IF_SH_EvtPublishEventGetEventNode(uint32_t eventId, uint32_t subId,
     *first = node->list.head;
     *count = node->list.count;
     return OK;
-}
-
-void qrb::PublishInterfaceEvent(const char* function, uint32_t eventId, uint32_t subId,
-                                uint32_t flag, uint32_t ifIndex, void* first, void* second)
-{
-    UTIL_LIST_NODE_S* node = nullptr;
-    uint64_t count = 0;
-    if (IF_SH_EvtPublishEventGetEventNode(eventId, subId, &node, &count) != OK) {
-        return;
-    }
-    WalkEntries<IF_EVT_CB_S>(node, [&](const IF_EVT_CB_S& entry) {
-        if (entry.pfCallback == nullptr) {
-            QRB_ERROR_AT(function, "Failed to execute callback, subId=%u, priority=%u\n",
-                         entry.subId, entry.priority);
-            return false;
-        }
-        entry.pfCallback(subId, flag, ifIndex, first, second);
-        return true;
-    });
 }
 
 uint32_t IF_NotifyAll(uint32_t ulIfIndex, uint32_t ulCmd, uint32_t a, uint32_t b)

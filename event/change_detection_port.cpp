@@ -131,3 +131,6 @@ uint32_t QRB_EVENT_PortCheckIsVlanBitMapChange(const QRB_PORT_S* newRow, const Q
     }
     return BITMAP_CHANGED;
 }
+
+// A hook that once printed a row. Nothing calls it, and modules may.
+void QRB_EVENT_PrintPort(const QRB_PORT_S* /*row*/) {}
