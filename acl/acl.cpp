@@ -1,4 +1,5 @@
-// Existence, names, numbers and rule counts of ACLs.
+// Existence, names, numbers and rule counts of ACLs: "acl_group" holds the ACLs, "acl_group_id"
+// their names, "acl_adv" (IPv4) and "acl_rule_id" (IPv6) their rules.
 #include <tarnd_platform/bounded.h>
 #include <tarnd_platform/orm_accessors.h>
 #include <tarnd_qrb/acl.h>
@@ -13,56 +14,57 @@ namespace {
 constexpr uint32_t EXISTS = 1;
 constexpr uint32_t ABSENT = 0;
 
-constexpr uint32_t IPV4 = 0;  // the column isipv6
+constexpr uint32_t IPV4 = 0;  // values of the field "isipv6"
 constexpr uint32_t IPV6 = 1;
 
+// Sizes of a condition and its terminating NUL. A longer condition is a failure.
 constexpr size_t CONDITION_SIZE = 64;
 constexpr size_t WIDE_CONDITION_SIZE = 128;
 
-// How the columns of "acl_group" tell an ACL.
+// Selects an ACL in "acl_group".
 struct ACL_S {
     uint16_t vsid;
     uint16_t vsysid;
     uint32_t number;
-    const char* name;  // null: known by its number
+    const char* name;  // null: selected by number
     uint32_t isIpv6;
 };
 
-// False when the condition does not fit.
-bool Describe(const ACL_S& acl, char* condition, size_t size)
+// Returns false if the condition does not fit.
+bool FormatCondition(const ACL_S& acl, char* condition, size_t size)
 {
-    const int length =
-        acl.name != nullptr
-            ? sprintf_s(condition, size,
-                        "vsid = %u and vsysid = %u and acl_name = %s and isipv6 = %u", acl.vsid,
-                        acl.vsysid, acl.name, acl.isIpv6)
-            : sprintf_s(condition, size,
-                        "vsid = %u and vsysid = %u and acl_number = %u and isipv6 = %u", acl.vsid,
-                        acl.vsysid, acl.number, acl.isIpv6);
-    return length > 0;
+    if (acl.name != nullptr) {
+        return sprintf_s(condition, size,
+                         "vsid = %u and vsysid = %u and acl_name = %s and isipv6 = %u", acl.vsid,
+                         acl.vsysid, acl.name, acl.isIpv6) > 0;
+    }
+    return sprintf_s(condition, size,
+                     "vsid = %u and vsysid = %u and acl_number = %u and isipv6 = %u", acl.vsid,
+                     acl.vsysid, acl.number, acl.isIpv6) > 0;
 }
 
-// Looks for one group and puts its id into *groupId. *matches tells whether there was one.
+// Reads the id of the first group that matches. *matches receives 1 if there is one, else 0.
 uint32_t FindGroup(const char* condition, uint32_t* groupId, uint32_t* matches)
 {
     *matches = 0;
     return QRB_DB_Scan("acl_group", groupId, 1, ACL_DB_ScanAclGroupId, matches, condition, nullptr);
 }
 
-// What three of the four checks take for existence: that the condition fits and the scan ran.
-uint32_t AnswerScanned(const ACL_S& acl, size_t capacity, uint32_t* groupId)
+// EXISTS means only that the condition fits and the scan ran, for three of the four existence
+// checks.
+uint32_t CheckScanned(const ACL_S& acl, size_t capacity, uint32_t* groupId)
 {
     char condition[WIDE_CONDITION_SIZE];
     uint32_t matches = 0;
     const bool scanned =
-        Describe(acl, condition, capacity) && FindGroup(condition, groupId, &matches) == OK;
+        FormatCondition(acl, condition, capacity) && FindGroup(condition, groupId, &matches) == OK;
     return scanned ? EXISTS : ABSENT;
 }
 
 constexpr char GROUP_ID_TABLE[] = "acl_group_id";
 constexpr uint32_t FIELD_ACL_NUMBER = 5;
 
-// Where the accessor of the whole record puts the name.
+// Output record of OrmgAclGroupIdGetAllFieldsInner, which copies the name to a caller's buffer.
 struct QRB_PACKED ACL_GROUP_ID_FIELDS_S {
     uint32_t nameCapacity;
     char* name;
@@ -72,7 +74,7 @@ QRB_RECORD_SIZE(ACL_GROUP_ID_FIELDS_S, 29);
 QRB_FIELD_AT(ACL_GROUP_ID_FIELDS_S, nameCapacity, 0, 4);
 QRB_FIELD_AT(ACL_GROUP_ID_FIELDS_S, name, 4, 8);
 
-// The primary key.
+// Primary key of "acl_group_id".
 struct QRB_PACKED ACL_GROUP_ID_KEY_S {
     const char* name;
     uint8_t kind;
@@ -97,8 +99,8 @@ uint32_t ReadNumber(ORM_SESSION session, void* aclNumber)
     return ReadField(session, FIELD_ACL_NUMBER, static_cast<uint32_t*>(aclNumber));
 }
 
-// Adds the matching records to *count. An error in the middle ends the counting like the end of
-// the table.
+// Adds the number of matching records to *count. A failing advance ends the count as the end of the
+// table does.
 uint32_t CountMatches(const char* function, ORM_SESSION session, const char* condition,
                       uint32_t* count)
 {
@@ -113,25 +115,32 @@ uint32_t CountMatches(const char* function, ORM_SESSION session, const char* con
         QRB_ERROR_AT(function, "OrmScanStart failed, ret = %d\n", ret);
         return FAIL;
     }
-    uint8_t end = 0;
-    while (OrmScanNext(session, scan, &end) == OK && end == 0) {
+    while (NextRow(session, scan, &ret)) {
         (*count)++;
     }
     OrmScanEnd(session, scan);
     return OK;
 }
 
-// The same in a session of its own. What CountMatches reports is not reported again.
+// CountMatches in a session of its own. A failing close is ignored.
 uint32_t CountRecords(const char* function, const char* table, const char* condition,
                       uint32_t* count)
 {
-    uint32_t counted = FAIL;
-    InSession(function, IGNORED, [&](ORM_SESSION session) -> uint32_t {
-        QRB_TRY(OrmPrepare(session, table, QRB_ORM_OP_SCAN));
-        counted = CountMatches(function, session, condition, count);
-        return OK;
-    });
-    return counted;
+    ORM_SESSION session = 0;
+    uint32_t ret = OrmOpenSessionByDefault(&session);
+    if (ret != OK) {
+        QRB_ERROR_AT(function, "Failed to fetch DB, ret=%d\n", ret);
+        return FAIL;
+    }
+    ret = OrmPrepare(session, table, QRB_ORM_OP_SCAN);
+    if (ret != OK) {
+        OrmCloseSession(session);
+        QRB_ERROR_AT(function, "DB error: %d\n", ret);
+        return FAIL;
+    }
+    ret = CountMatches(function, session, condition, count);
+    OrmCloseSession(session);
+    return ret;
 }
 
 }  // namespace
@@ -140,7 +149,7 @@ uint32_t ACL_IsACLNodeExistByNumber(uint16_t vsid, uint16_t vsysid, uint32_t acl
                                     uint32_t* groupId)
 {
     char condition[CONDITION_SIZE];
-    if (!Describe({vsid, vsysid, aclNumber, nullptr, IPV4}, condition, sizeof(condition))) {
+    if (!FormatCondition({vsid, vsysid, aclNumber, nullptr, IPV4}, condition, sizeof(condition))) {
         return ABSENT;
     }
     uint32_t matches = 0;
@@ -158,19 +167,19 @@ uint32_t ACLIPv6_IsACLNodeExistByNumber(uint16_t vsid, uint16_t vsysid, uint32_t
     if (groupId == nullptr) {
         return ABSENT;
     }
-    return AnswerScanned({vsid, vsysid, aclNumber, nullptr, IPV6}, WIDE_CONDITION_SIZE, groupId);
+    return CheckScanned({vsid, vsysid, aclNumber, nullptr, IPV6}, WIDE_CONDITION_SIZE, groupId);
 }
 
 uint32_t ACL_IsExist(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, const char* name,
                      uint32_t* groupId)
 {
-    return AnswerScanned({vsid, vsysid, aclNumber, name, IPV4}, CONDITION_SIZE, groupId);
+    return CheckScanned({vsid, vsysid, aclNumber, name, IPV4}, CONDITION_SIZE, groupId);
 }
 
 uint32_t ACLIPv6_IsExist(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, const char* name,
                          uint32_t* groupId)
 {
-    return AnswerScanned({vsid, vsysid, aclNumber, name, IPV6}, CONDITION_SIZE, groupId);
+    return CheckScanned({vsid, vsysid, aclNumber, name, IPV6}, CONDITION_SIZE, groupId);
 }
 
 uint32_t ACL_DB_ScanAclGroupId(ORM_SESSION session, void* groupId, uint32_t /*index*/)
@@ -182,7 +191,7 @@ uint32_t ACL_DB_ScanAclGroupId(ORM_SESSION session, void* groupId, uint32_t /*in
 uint32_t ACL_GetRuleCount(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, uint32_t* count)
 {
     uint32_t groupId = 0;
-    if (ACL_IsACLNodeExistByNumber(vsid, vsysid, aclNumber, &groupId) == 0) {
+    if (ACL_IsACLNodeExistByNumber(vsid, vsysid, aclNumber, &groupId) != EXISTS) {
         return FAIL;
     }
     char condition[CONDITION_SIZE];
@@ -196,7 +205,7 @@ uint32_t ACL_GetRuleCount(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, ui
 uint32_t ACLIPv6_GetRuleCount(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, uint32_t* count)
 {
     uint32_t groupId = 0;
-    if (ACLIPv6_IsACLNodeExistByNumber(vsid, vsysid, aclNumber, &groupId) != 1) {
+    if (ACLIPv6_IsACLNodeExistByNumber(vsid, vsysid, aclNumber, &groupId) != EXISTS) {
         return FAIL;
     }
     char condition[CONDITION_SIZE];

@@ -1,7 +1,7 @@
-// The shapes that queries are made of: a one-shot read, steps in a session, a scan.
+// Building blocks of queries: keyed reads, sessions and scans.
 //
-// A helper that logs does so on behalf of its caller, which hands its own name over as __func__. A
-// lambda, whose __func__ names nobody, takes the name from around it.
+// A helper that logs takes the name of the exported function that it logs for: messages carry that
+// name, and __func__ would be the helper's own.
 #pragma once
 
 #include <cstdint>
@@ -18,8 +18,8 @@
 #define QRB_INFO_AT(function, ...) \
     Tarn_QRB_Log_Printf(::qrb::PRIORITY_INFO, function, __LINE__, __VA_ARGS__)
 
-// Leaves the function with the code of the first failing step; only where the result is such a
-// code.
+// Returns from the enclosing function with the result of a step unless it is 0. For functions whose
+// result is such a code.
 #define QRB_TRY(step)                     \
     do {                                  \
         const uint32_t qrbTried = (step); \
@@ -35,13 +35,13 @@ inline constexpr uint32_t PRIORITY_WARNING = 4;
 inline constexpr uint32_t PRIORITY_INFO = 6;
 
 inline constexpr uint32_t OK = 0;
-inline constexpr uint32_t FAIL = 1;  // every failure of a plain status function
+inline constexpr uint32_t FAIL = 1;  // returned for every failure by functions without own codes
 inline constexpr uint32_t NONE = QRB_VALUE_NONE;
 
-// Whether the result of ending a scan or closing a session decides over the query's own.
+// Whether a failure to end the scan or to close the session fails the query.
 enum CHECK { CHECKED, IGNORED };
 
-// True, and logged, when a pointer is null.
+// Returns whether any of the pointers is null, and logs it.
 template <typename... Pointer>
 bool AnyNull(const char* function, Pointer... pointer)
 {
@@ -52,21 +52,22 @@ bool AnyNull(const char* function, Pointer... pointer)
     return anyNull;
 }
 
-// One field of the current record, by number.
+// Reads one field of the current record by number.
 template <typename Value>
 uint32_t ReadField(ORM_SESSION session, uint32_t field, Value* value)
 {
     return OrmGetFieldById(session, field, value, sizeof(*value));
 }
 
-// One field of a list item, by number.
+// Reads one field of a list item by number.
 template <typename Value>
 uint32_t ReadItemField(ORM_NODE item, uint32_t field, Value* value)
 {
     return OrmNodeGetFieldById(item, field, value, sizeof(*value));
 }
 
-// The current record whole. It is zeroed first: what the accessor leaves alone reads as zero.
+// Reads all fields of the current record. The record is zeroed first: fields that the accessor does
+// not write are 0.
 template <typename Accessor, typename Record>
 uint32_t ReadCurrent(Accessor* getAllFields, ORM_SESSION session, Record* record)
 {
@@ -74,8 +75,8 @@ uint32_t ReadCurrent(Accessor* getAllFields, ORM_SESSION session, Record* record
     return getAllFields(session, record, sizeof(*record));
 }
 
-// The one record with this key, without a session. It is zeroed first: an absent record reads as
-// zeros.
+// Reads the record with this key, without a session. The record is zeroed first: a missing one
+// reads as zeros.
 template <typename Accessor, typename Key, typename Record>
 uint32_t ReadRecord(Accessor* read, const Key& key, Record* record)
 {
@@ -83,8 +84,8 @@ uint32_t ReadRecord(Accessor* read, const Key& key, Record* record)
     return read(&key, sizeof(key), record, sizeof(*record));
 }
 
-// Runs body(session) in a session of its own. body answers 0 or the first failing code, which is
-// logged here; the session is closed on every path.
+// Calls body(session) with a session of its own, and closes the session on every path. body returns
+// 0 or the first failing code, which is logged after the close.
 template <typename Body>
 uint32_t InSession(const char* function, CHECK close, Body&& body)
 {
@@ -105,30 +106,37 @@ uint32_t InSession(const char* function, CHECK close, Body&& body)
     return ret;
 }
 
-// Hands each row of a table to onRow(session, &done), in a session of its own, until one fails or
-// sets done. The scan ends, and the session is closed, on every path.
-template <typename OnRow>
-uint32_t ScanTable(const char* function, CHECK check, const char* table, OnRow&& onRow)
+// Starts a scan of a table without logging. A failure leaves no scan open.
+inline uint32_t StartScan(ORM_SESSION session, const char* table, ORM_SCAN* scan)
+{
+    QRB_TRY(OrmPrepare(session, table, QRB_ORM_OP_SCAN));
+    return OrmScanStart(session, scan);
+}
+
+// Advances a scan. True: the next row is the current record. False: *ret is OK at the end of the
+// table, and the code of a failure otherwise.
+inline bool NextRow(ORM_SESSION session, ORM_SCAN scan, uint32_t* ret)
+{
+    uint8_t atEnd = 0;
+    *ret = OrmScanNext(session, scan, &atEnd);
+    return *ret == OK && atEnd == 0;
+}
+
+// Calls body(session, scan) with a started scan of a table. Ends the scan and closes the session on
+// every path. body returns 0 or the first failing code, which is logged after the close.
+template <typename Body>
+uint32_t ScanTable(const char* function, CHECK check, const char* table, Body&& body)
 {
     return InSession(function, check, [&](ORM_SESSION session) -> uint32_t {
         ORM_SCAN scan = 0;
-        QRB_TRY(OrmPrepare(session, table, QRB_ORM_OP_SCAN));
-        QRB_TRY(OrmScanStart(session, &scan));
-        uint8_t atEnd = 0;
-        bool done = false;
-        uint32_t ret = OrmScanNext(session, scan, &atEnd);
-        while (ret == OK && atEnd == 0 && !done) {
-            ret = onRow(session, &done);
-            if (ret == OK && !done) {
-                ret = OrmScanNext(session, scan, &atEnd);
-            }
-        }
+        QRB_TRY(StartScan(session, table, &scan));
+        const uint32_t ret = body(session, scan);
         const uint32_t ended = OrmScanEnd(session, scan);
         return (ret == OK && check == CHECKED) ? ended : ret;
     });
 }
 
-// One field, by name, of the record that an interface has in a table keyed by interface index.
+// Reads one field, by name, of an interface's record in a table keyed by interface index.
 template <typename Value>
 uint32_t ReadFieldByIfIndex(const char* function, const char* table, uint32_t ifIndex,
                             const char* field, Value* value)

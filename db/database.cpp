@@ -1,4 +1,4 @@
-// Sessions, keyed reads and scans of any table, and byte strings as conditions write them.
+// Sessions, keyed reads and scans of any table, and literals for scan conditions.
 #include <cstdlib>
 #include <cstring>
 
@@ -14,7 +14,7 @@ namespace {
 constexpr uint32_t INIT_MODE = 1;
 constexpr uint32_t INIT_OPTION = 0;
 
-// QRB_CreatDbSession alone answers the other way round.
+// Results of QRB_CreatDbSession, which alone returns 0 for failure.
 constexpr uint32_t CREATED = 1;
 constexpr uint32_t NOT_CREATED = 0;
 
@@ -24,47 +24,48 @@ struct DELIVERY_S {
     QRB_ENTRY_FUNC onEntry;
 };
 
-uint32_t SetCondition(ORM_SESSION session, void* context, const char* condition,
-                      QRB_SET_CONDITION_FUNC setCondition)
+uint32_t StartScanWithCondition(ORM_SESSION session, const char* table, void* context,
+                                const char* condition, QRB_SET_CONDITION_FUNC setCondition,
+                                ORM_SCAN* scan)
 {
+    QRB_TRY(OrmPrepare(session, table, QRB_ORM_OP_SCAN));
     if (condition != nullptr) {
-        return OrmSetScanCond(session, condition);
+        QRB_TRY(OrmSetScanCond(session, condition));
+    } else if (setCondition != nullptr) {
+        QRB_TRY(setCondition(session, context));
     }
-    return setCondition != nullptr ? setCondition(session, context) : OK;
+    return OrmScanStart(session, scan);
 }
 
-// Delivers records until the end or the limit; *count receives their number.
+// Delivers records until the end of the table or the limit. *count receives their number.
 uint32_t Deliver(ORM_SESSION session, ORM_SCAN scan, const DELIVERY_S& delivery, uint32_t* count)
 {
-    const char* const function = "QRB_DB_SESSION_ProcessScanEntries";  // as messages name this step
-    uint8_t end = 0;
     uint32_t index = 0;
-    do {
-        uint32_t ret = OrmScanNext(session, scan, &end);
-        if (ret != OK) {
-            QRB_ERROR_AT(function, "Failed to fetch DB, ret=%d\n", ret);
-            return FAIL;
-        }
-        if (end != 0) {
-            break;
-        }
+    uint32_t ret = OK;
+    while (NextRow(session, scan, &ret)) {
         ret = delivery.onEntry(session, delivery.context, index);
         if (ret != OK) {
-            QRB_ERROR_AT(function, "Failed to fetch DB, ret=%d\n", ret);
-            return FAIL;
+            break;
         }
         index++;
-    } while (index < delivery.maxCount);
+        if (index >= delivery.maxCount) {
+            break;
+        }
+    }
+    if (ret != OK) {
+        QRB_ERROR_AT("QRB_DB_SESSION_ProcessScanEntries", "Failed to fetch DB, ret=%d\n", ret);
+        return FAIL;
+    }
     *count = index;
     return OK;
 }
 
-constexpr char PREFIX[] = "0x";
+constexpr char LITERAL_PREFIX[] = "0x";
 
-// "0x", two digits for each byte, and the terminator.
+// The prefix, two digits for each byte and the terminating NUL.
 constexpr size_t LiteralSize(size_t bytes)
 {
-    return sizeof(PREFIX) + 2 * bytes;
+    return sizeof(LITERAL_PREFIX) + 2 * bytes;
 }
 
 uint32_t AppendBytes(const uint8_t* bytes, size_t size, char* output)
@@ -159,18 +160,8 @@ uint32_t QRB_DB_SESSION_Scan(ORM_SESSION session, const char* table, void* conte
                              uint32_t maxCount, QRB_ENTRY_FUNC onEntry, uint32_t* count,
                              const char* condition, QRB_SET_CONDITION_FUNC setCondition)
 {
-    uint32_t ret = OrmPrepare(session, table, QRB_ORM_OP_SCAN);
-    if (ret != OK) {
-        QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
-        return FAIL;
-    }
-    ret = SetCondition(session, context, condition, setCondition);
-    if (ret != OK) {
-        QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
-        return FAIL;
-    }
     ORM_SCAN scan = 0;
-    ret = OrmScanStart(session, &scan);
+    uint32_t ret = StartScanWithCondition(session, table, context, condition, setCondition, &scan);
     if (ret != OK) {
         QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
         return FAIL;
@@ -213,7 +204,7 @@ uint32_t QRB_DB_TransStringToHexNumString(const char* text, char* output, int32_
     }
     memcpy(work, text, strnlen(text, bytes));
     uint32_t ret = FAIL;
-    if (strcpy_s(output, LiteralSize(bytes), PREFIX) == 0) {
+    if (strcpy_s(output, LiteralSize(bytes), LITERAL_PREFIX) == 0) {
         ret = AppendBytes(work, bytes, output);
     }
     free(work);

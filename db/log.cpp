@@ -1,4 +1,4 @@
-// A message's way to the system log.
+// Formats messages and writes them to the system log.
 #include <syslog.h>
 
 #include <cstdarg>

@@ -1,4 +1,5 @@
-// Next hops of a destination: scans of the forwarding, group and next-hop tables.
+// Next hops of a destination. The forwarding table maps a prefix to a next-hop group, the group
+// table a group to next-hop indexes, the next-hop table an index to a next hop.
 #include <bit>
 
 #include <tarnd_qrb/route.h>
@@ -8,6 +9,10 @@
 using namespace qrb;
 
 namespace {
+
+// The parameter multiple of FIB_ScanNhpGroupNode.
+constexpr uint8_t SINGLE = 0;
+constexpr uint8_t MULTIPLE = 1;
 
 constexpr char FORWARD_TABLE[] = "Fib.ConfigIpv4Fwd";
 constexpr uint32_t FORWARD_DEST_ADDR = 4;
@@ -22,25 +27,20 @@ constexpr uint32_t NEXT_HOP_FIRST_VALUE = 3;
 constexpr uint32_t NEXT_HOP_SECOND_VALUE = 4;
 constexpr uint8_t HOST_PREFIX_LEN = 32;
 
-struct SCAN_S {
+struct ROUTE_SCAN_S {
     ORM_SESSION session;
     ORM_SCAN scan;
 };
 
-uint32_t PrepareAndStart(const char* table, SCAN_S* scan)
-{
-    QRB_TRY(OrmPrepare(scan->session, table, QRB_ORM_OP_SCAN));
-    return OrmScanStart(scan->session, &scan->scan);
-}
-
-// Silent; FAIL leaves nothing open and both handles 0.
-uint32_t Start(const char* table, SCAN_S* scan)
+// Opens a session and starts a scan, without logging. After a failure nothing is open and both
+// handles are 0.
+uint32_t Start(const char* table, ROUTE_SCAN_S* scan)
 {
     *scan = {};
     if (OrmOpenSessionByDefault(&scan->session) != OK) {
         return FAIL;
     }
-    if (PrepareAndStart(table, scan) != OK) {
+    if (StartScan(scan->session, table, &scan->scan) != OK) {
         OrmCloseSession(scan->session);
         *scan = {};
         return FAIL;
@@ -48,15 +48,15 @@ uint32_t Start(const char* table, SCAN_S* scan)
     return OK;
 }
 
-void Finish(const SCAN_S& scan)
+void Finish(const ROUTE_SCAN_S& scan)
 {
     OrmScanEnd(scan.session, scan.scan);
     OrmCloseSession(scan.session);
 }
 
-// False, and logged, at the end of the table as after a failure. Inline, for it is done for each
-// row of a table that may have a million.
-inline bool Advance(const char* function, const SCAN_S& scan)
+// Advances the scan. The end of the table is logged like a failure. Inline, because it runs for
+// each of up to a million rows.
+inline bool Advance(const char* function, const ROUTE_SCAN_S& scan)
 {
     uint8_t end = 0;
     const uint32_t ret = OrmScanNext(scan.session, scan.scan, &end);
@@ -67,7 +67,8 @@ inline bool Advance(const char* function, const SCAN_S& scan)
     return true;
 }
 
-bool FindForward(const char* function, const SCAN_S& scan, uint32_t destination, uint32_t* groupId)
+bool FindForward(const char* function, const ROUTE_SCAN_S& scan, uint32_t destination,
+                 uint32_t* groupId)
 {
     const FIB_PREFIX_S probe = {destination, HOST_PREFIX_LEN};
     while (Advance(function, scan)) {
@@ -87,37 +88,38 @@ bool FindForward(const char* function, const SCAN_S& scan, uint32_t destination,
     return false;
 }
 
-// Moves on to the next member of a group. A failure and the end of the table are logged; *end tells
-// the latter, whose code is OK.
-uint32_t NextMember(const char* function, const SCAN_S& scan, uint32_t groupId, uint32_t* nhpIndex,
-                    uint8_t* end)
+// Advances to the next member of a group. False at the end of the table, where *ret is OK, and
+// after a failure; both are logged.
+bool NextMember(const char* function, const ROUTE_SCAN_S& scan, uint32_t groupId,
+                uint32_t* nhpIndex, uint32_t* ret)
 {
-    for (;;) {
-        uint32_t ret = OrmScanNext(scan.session, scan.scan, end);
-        if (ret != OK || *end != 0) {
-            QRB_ERROR_AT(function, "OrmScanNext ret:%u, isEof:%u. session: %d, scan: %d", ret, *end,
+    uint32_t rowGroupId = 0;
+    do {
+        uint8_t end = 0;
+        *ret = OrmScanNext(scan.session, scan.scan, &end);
+        if (*ret != OK || end != 0) {
+            QRB_ERROR_AT(function, "OrmScanNext ret:%u, isEof:%u. session: %d, scan: %d", *ret, end,
                          scan.session == 0, scan.scan == 0);
-            return ret;
+            return false;
         }
-        uint32_t rowGroupId = 0;
-        ret = ReadField(scan.session, GROUP_NHP_GROUP_ID, &rowGroupId);
-        if (ret != OK) {
-            QRB_ERROR_AT(function, "Ormg Fib Config Nhp Group Node Get Nhp GroupId ret:%u", ret);
-            return ret;
+        rowGroupId = 0;
+        *ret = ReadField(scan.session, GROUP_NHP_GROUP_ID, &rowGroupId);
+        if (*ret != OK) {
+            QRB_ERROR_AT(function, "Ormg Fib Config Nhp Group Node Get Nhp GroupId ret:%u", *ret);
+            return false;
         }
-        if (rowGroupId != groupId) {
-            continue;
-        }
-        *nhpIndex = 0;
-        ret = ReadField(scan.session, GROUP_PRIMARY_NHP_ID, nhpIndex);
-        if (ret != OK) {
-            QRB_ERROR_AT(function, "Ormg Fib Config Nhp Group Node Get Primary NhpId ret:%u", ret);
-        }
-        return ret;
+    } while (rowGroupId != groupId);
+    *nhpIndex = 0;
+    *ret = ReadField(scan.session, GROUP_PRIMARY_NHP_ID, nhpIndex);
+    if (*ret != OK) {
+        QRB_ERROR_AT(function, "Ormg Fib Config Nhp Group Node Get Primary NhpId ret:%u", *ret);
+        return false;
     }
+    return true;
 }
 
-bool FindNextHop(const char* function, const SCAN_S& scan, uint32_t nhpIndex, FIB_NHP_S* nextHop)
+bool FindNextHop(const char* function, const ROUTE_SCAN_S& scan, uint32_t nhpIndex,
+                 FIB_NHP_S* nextHop)
 {
     while (Advance(function, scan)) {
         uint32_t rowIndex = 0;
@@ -134,9 +136,6 @@ bool FindNextHop(const char* function, const SCAN_S& scan, uint32_t nhpIndex, FI
     }
     return false;
 }
-
-constexpr uint8_t SINGLE = 0;
-constexpr uint8_t MULTIPLE = 1;
 
 }  // namespace
 
@@ -203,7 +202,7 @@ uint32_t FIB6_InquiryRe6(const void* /*pstFibKey*/, void* /*pstFibNhp*/)
 
 uint32_t FIB_AM_PrefixMatch(const FIB_PREFIX_S* prefix, const FIB_PREFIX_S* probe)
 {
-    // The leading zeros of the difference are the bits that both share: 32 for equal addresses.
+    // The number of leading bits that both addresses share; 32 if they are equal.
     return prefix->prefixLen <= probe->prefixLen &&
                    prefix->prefixLen <= std::countl_zero(prefix->address ^ probe->address)
                ? 1
@@ -212,7 +211,7 @@ uint32_t FIB_AM_PrefixMatch(const FIB_PREFIX_S* prefix, const FIB_PREFIX_S* prob
 
 uint32_t FIB_ScanIp4Forward(uint32_t destination, uint32_t* groupId)
 {
-    SCAN_S scan;
+    ROUTE_SCAN_S scan;
     if (Start(FORWARD_TABLE, &scan) != OK) {
         return FAIL;
     }
@@ -225,7 +224,7 @@ uint32_t FIB_ScanIp4Forward(uint32_t destination, uint32_t* groupId)
 
 uint32_t FIB_ScanNhpGroupNodeValidate(ORM_SESSION* session, ORM_SCAN* scan)
 {
-    SCAN_S started;
+    ROUTE_SCAN_S started;
     const uint32_t ret = Start(GROUP_TABLE, &started);
     *session = started.session;
     *scan = started.scan;
@@ -235,26 +234,22 @@ uint32_t FIB_ScanNhpGroupNodeValidate(ORM_SESSION* session, ORM_SCAN* scan)
 uint32_t FIB_ScanNhpGroupNode(uint32_t groupId, uint32_t* nhpIndexes, uint8_t multiple,
                               uint32_t* count)
 {
-    SCAN_S scan;
+    ROUTE_SCAN_S scan;
     if (FIB_ScanNhpGroupNodeValidate(&scan.session, &scan.scan) != OK) {
         QRB_ERROR("scan nhp group node failed");
         return FAIL;
     }
     bool found = false;
-    bool done = false;
     uint32_t nhpIndex = 0;
-    uint8_t end = 0;
-    uint32_t ret = NextMember(__func__, scan, groupId, &nhpIndex, &end);
-    while (ret == OK && end == 0 && !done) {
+    uint32_t ret = OK;
+    while (NextMember(__func__, scan, groupId, &nhpIndex, &ret)) {
         found = true;
-        if (multiple == 0) {
+        if (multiple == SINGLE) {
             nhpIndexes[0] = nhpIndex;
-            done = true;
-        } else {
-            if (*count < FIB_GROUP_MEMBERS_MAX) {
-                nhpIndexes[(*count)++] = nhpIndex;
-            }
-            ret = NextMember(__func__, scan, groupId, &nhpIndex, &end);
+            break;
+        }
+        if (*count < FIB_GROUP_MEMBERS_MAX) {
+            nhpIndexes[(*count)++] = nhpIndex;
         }
     }
     Finish(scan);
@@ -263,7 +258,7 @@ uint32_t FIB_ScanNhpGroupNode(uint32_t groupId, uint32_t* nhpIndexes, uint8_t mu
 
 uint32_t FIB_ScanNhpStd(uint32_t nhpIndex, uint32_t* firstValue, uint32_t* secondValue)
 {
-    SCAN_S scan;
+    ROUTE_SCAN_S scan;
     if (Start(NEXT_HOP_TABLE, &scan) != OK) {
         return FAIL;
     }

@@ -24,32 +24,69 @@ int BuildLocalKey(const char* name, QRB_IF_BASE_LOCAL_KEY_S* key)
     return strcpy_s(key->name, sizeof(key->name), name);
 }
 
-// Makes the record with this name the session's current one.
+// Makes the record with this key the current one of the session.
 uint32_t ExecuteLocalKey(ORM_SESSION session, const QRB_IF_BASE_LOCAL_KEY_S& key)
 {
     QRB_TRY(OrmgIfBaseSetKeyLocalKeyInner(session, &key, sizeof(key)));
     return OrmExecute(session);
 }
 
-// Looks for a record that matches until the end of the table or a failure. The index, or NONE.
-uint32_t ScanForName(ORM_SESSION session, ORM_SCAN scan, const IF_NAME_KEY_S& key,
-                     const char* function)
+// Returns the interface index of the first record that matches, or NONE.
+uint32_t FindByKey(const char* function, ORM_SESSION session, ORM_SCAN scan,
+                   const IF_NAME_KEY_S& key)
 {
-    QRB_IF_BASE_S base;
-    uint8_t end = 0;
-    for (;;) {
-        const uint32_t ret = OrmScanNext(session, scan, &end);
-        if (ret != OK) {
-            QRB_ERROR_AT(function, "scan %s next fail %u\n", TABLE, ret);
-            return NONE;
-        }
-        if (end != 0) {
-            return NONE;
-        }
+    uint32_t ret = OK;
+    while (NextRow(session, scan, &ret)) {
+        QRB_IF_BASE_S base;
         if (IF_CmpIfBaseRecord(session, &key, &base, sizeof(base)) != 0) {
             return base.if_index;
         }
     }
+    if (ret != OK) {
+        QRB_ERROR_AT(function, "scan %s next fail %u\n", TABLE, ret);
+    }
+    return NONE;
+}
+
+// Writes *ifIndex only if a record has this full name.
+uint32_t FindByFullName(ORM_SESSION session, ORM_SCAN scan, const char* name, uint32_t* ifIndex,
+                        bool* found)
+{
+    uint32_t ret = OK;
+    while (NextRow(session, scan, &ret)) {
+        char rowName[QRB_IF_NAME_SIZE] = {};
+        uint32_t rowIndex = 0;
+        QRB_TRY(ReadField(session, FIELD_IF_NAME, &rowName));
+        QRB_TRY(ReadField(session, FIELD_IF_INDEX, &rowIndex));
+        if (strncmp(name, rowName, sizeof(rowName)) == 0) {
+            *ifIndex = rowIndex;
+            *found = true;
+            break;
+        }
+    }
+    return ret;
+}
+
+// Copies the short name of the record with this key. A failed copy is logged and leaves *copied
+// false; the result is the code of the read.
+uint32_t CopySimpleName(const char* function, ORM_SESSION session,
+                        const QRB_IF_BASE_LOCAL_KEY_S& key, char* output, bool* copied)
+{
+    QRB_IF_BASE_S base;
+    QRB_TRY(OrmPrepare(session, TABLE, QRB_ORM_OP_READ));
+    QRB_TRY(ExecuteLocalKey(session, key));
+    QRB_TRY(ReadCurrent(OrmgIfBaseGetAllFieldsInner, session, &base));
+    *copied = strcpy_s(output, QRB_IF_NAME_SIZE, base.simple_name) == 0;
+    if (!*copied) {
+        QRB_ERROR_AT(function, "strcpy_s failed\n");
+    }
+    return OK;
+}
+
+// '.', '/', the digits and ':' are consecutive characters.
+bool IsNumberCharacter(char c)
+{
+    return c >= '.' && c <= ':';
 }
 
 }  // namespace
@@ -97,7 +134,7 @@ uint32_t BDS_IfnetGetIfNameByIfIndex(uint32_t ifIndex, char* output)
         QRB_ERROR("Failed to fetch if_base, ret=%d\n", ret);
         return FAIL;
     }
-    // A name without its terminator counts one byte too many, and the copy refuses it.
+    // For a name without a terminating NUL the size is 65, and the copy fails.
     const size_t size = strnlen(base.if_name, sizeof(base.if_name)) + 1;
     if (memcpy_s(output, QRB_IF_NAME_SIZE, base.if_name, size) != 0) {
         QRB_ERROR("Failed to copy ifName from db struct to output\n");
@@ -124,11 +161,11 @@ uint32_t BDS_IfnetIsIfExist(uint32_t ifIndex)
 
 uint32_t IF_INTF_GetIfByFullName(const char* fullName)
 {
-    const char* const function = "IF_ScanTblByCond";
+    const char* const function = "IF_ScanTblByCond";  // the name in the messages
     ORM_SESSION session = 0;
     uint32_t ret = OrmOpenSessionByDefault(&session);
     if (ret != OK) {
-        // This line goes without identity and function.
+        // This message has neither the identity nor a function name.
         syslog(static_cast<int>(PRIORITY_ERROR), "create db session fail %u\n", ret);
         return NONE;
     }
@@ -145,7 +182,7 @@ uint32_t IF_INTF_GetIfByFullName(const char* fullName)
         QRB_ERROR_AT(function, "start scan %s fail %u\n", TABLE, ret);
         return NONE;
     }
-    const uint32_t ifIndex = ScanForName(session, scan, {fullName, 1}, function);
+    const uint32_t ifIndex = FindByKey(function, session, scan, {fullName, 1});
     OrmScanEnd(session, scan);
     OrmCloseSession(session);
     return ifIndex;
@@ -200,18 +237,10 @@ uint32_t BDS_Ifname2IfGetIndexByname(const char* name, uint32_t* ifIndex)
         return FAIL;
     }
     bool found = false;
-    const auto compare = [&](ORM_SESSION session, bool* done) -> uint32_t {
-        char rowName[QRB_IF_NAME_SIZE] = {};
-        uint32_t rowIndex = 0;
-        QRB_TRY(ReadField(session, FIELD_IF_NAME, &rowName));
-        QRB_TRY(ReadField(session, FIELD_IF_INDEX, &rowIndex));
-        if (strncmp(name, rowName, sizeof(rowName)) == 0) {
-            *ifIndex = rowIndex;
-            found = *done = true;
-        }
-        return OK;
+    const auto find = [&](ORM_SESSION session, ORM_SCAN scan) {
+        return FindByFullName(session, scan, name, ifIndex, &found);
     };
-    if (ScanTable(__func__, CHECKED, TABLE, compare) != OK) {
+    if (ScanTable(__func__, CHECKED, TABLE, find) != OK) {
         return FAIL;
     }
     if (!found) {
@@ -231,18 +260,10 @@ uint32_t IF_INTF_GetSimpleName(const char* fullName, char* output)
         QRB_ERROR("strcpy_s failed\n");
         return FAIL;
     }
-    const char* const here = __func__;
+    const char* const function = __func__;
     bool copied = false;
-    InSession(here, IGNORED, [&](ORM_SESSION session) -> uint32_t {
-        QRB_IF_BASE_S base;
-        QRB_TRY(OrmPrepare(session, TABLE, QRB_ORM_OP_READ));
-        QRB_TRY(ExecuteLocalKey(session, key));
-        QRB_TRY(ReadCurrent(OrmgIfBaseGetAllFieldsInner, session, &base));
-        copied = strcpy_s(output, QRB_IF_NAME_SIZE, base.simple_name) == 0;
-        if (!copied) {
-            QRB_ERROR_AT(here, "strcpy_s failed\n");
-        }
-        return OK;
+    InSession(function, IGNORED, [&](ORM_SESSION session) {
+        return CopySimpleName(function, session, key, output, &copied);
     });
     return copied ? OK : FAIL;
 }
@@ -269,11 +290,9 @@ uint32_t BDS_IfnetGetNumStrFromName(const char* name, char* output, uint32_t siz
         QRB_ERROR("Null value provided\n");
         return 0;
     }
-    // '.' to ':' are neighbours: '.', '/', the digits and ':'.
-    const auto isTail = [](char c) { return c >= '.' && c <= ':'; };
     const size_t length = strlen(name);
     size_t head = length;
-    while (head > 0 && isTail(name[head - 1])) {
+    while (head > 0 && IsNumberCharacter(name[head - 1])) {
         head--;
     }
     const size_t tail = length - head;

@@ -1,4 +1,5 @@
-// States, location, hardware address and class of an interface.
+// State, location, MAC address and index range of an interface, and functions with constant
+// results.
 #include <cstdlib>
 
 #include <tarnd_platform/bounded.h>
@@ -12,6 +13,11 @@ using namespace qrb;
 
 namespace {
 
+// Index ranges of 2^24 interfaces each.
+constexpr uint32_t AP_TUNNEL_FIRST = 0x60000000;
+constexpr uint32_t VAP_FIRST = 0x61000000;
+constexpr uint32_t RANGE_LAST = 0x00FFFFFF;  // offset of the last index of a range
+
 uint32_t ReadPhy(const char* function, uint32_t ifIndex, QRB_IF_PHY_S* phy)
 {
     const uint32_t ret = ReadRecord(OrmgIfPhyReadInner, ifIndex, phy);
@@ -21,14 +27,10 @@ uint32_t ReadPhy(const char* function, uint32_t ifIndex, QRB_IF_PHY_S* phy)
     return ret;
 }
 
-constexpr uint32_t AP_TUNNEL_FIRST = 0x60000000;
-constexpr uint32_t VAP_FIRST = 0x61000000;
-constexpr uint32_t LAST_IN_CLASS = 0x00FFFFFF;  // counted from the first
-
-// Below the first the difference wraps to a large number.
-uint32_t IsInClass(uint32_t ifIndex, uint32_t first)
+// For an index below the first of the range, the unsigned difference wraps and is out of range.
+uint32_t IsInRange(uint32_t ifIndex, uint32_t first)
 {
-    return ifIndex - first <= LAST_IN_CLASS ? 1 : 0;
+    return ifIndex - first <= RANGE_LAST ? 1 : 0;
 }
 
 }  // namespace
@@ -180,12 +182,12 @@ uint32_t BDS_IfnetGetSlotIdBySlotStr(const char* text)
 
 uint32_t IF_INIF_IsVapByIfIndex(uint32_t ifIndex)
 {
-    return IsInClass(ifIndex, VAP_FIRST);
+    return IsInRange(ifIndex, VAP_FIRST);
 }
 
 uint32_t IF_INIF_IsAPtunnleByIfIndex(uint32_t ifIndex)
 {
-    return IsInClass(ifIndex, AP_TUNNEL_FIRST);
+    return IsInRange(ifIndex, AP_TUNNEL_FIRST);
 }
 
 uint32_t IF_INTF_GetSlotByIfName(const char* /*ifName*/)

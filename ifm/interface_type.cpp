@@ -1,7 +1,8 @@
-// Port and physical types: the type code of "if_base", looked up in two constant tables.
+// Port and physical types of interfaces: the type code in "if_base", mapped by two tables.
 //
-// The type table is built when it is first asked for. Whoever builds holds the lock; readers take
-// none: they see the pointer null or the table filled, since it is filled first and published then.
+// The port type table is built on first use, under buildLock. Readers take no lock: a table is
+// filled before its pointer is published with release semantics, so they see null or a filled
+// table.
 #include <pthread.h>
 
 #include <cstdlib>
@@ -25,7 +26,7 @@ const QRB_IF_TRANS_S g_qrbIfTrans[QRB_IF_TRANS_COUNT] = {
 
 namespace {
 
-constexpr uint32_t BASE_COUNT = 10;  // the base group; the rest is filled by a step of its own
+constexpr uint32_t BASE_COUNT = 10;  // entries that BDS_InitIfTypeInfo fills itself
 
 // clang-format off
 constexpr BDS_IF_TYPE_INFO_S TYPE_INFO[QRB_IF_TYPE_COUNT] = {
@@ -59,7 +60,7 @@ void CopyEntries(BDS_IF_TYPE_INFO_S* table, uint32_t first, uint32_t end)
     }
 }
 
-// With buildLock held.
+// Requires buildLock. After a failure the published table is null or lacks the new entries.
 uint32_t BuildTable()
 {
     const char* const function = "BDS_InitIfTypeInfo";
@@ -85,7 +86,7 @@ const BDS_IF_TYPE_INFO_S* PublishedTable()
     return __atomic_load_n(&g_pstBDSIfTypeInfo, __ATOMIC_ACQUIRE);
 }
 
-// The table, built if nobody has yet. Null when that fails.
+// Returns the table, and builds it on first use. Null if that fails.
 const BDS_IF_TYPE_INFO_S* TypeTable()
 {
     const BDS_IF_TYPE_INFO_S* table = PublishedTable();

@@ -1,15 +1,119 @@
-// Queries over the IPv4 addresses of an interface, and the interface that owns an address.
+// Queries over the IPv4 addresses of an interface, and the interface that owns an address. The IPv6
+// functions have constant results.
 #include <algorithm>
 #include <cstdlib>
 
+#include <tarnd_platform/orm_accessors.h>
+#include <tarnd_qrb/ipv4_address.h>
+
+#include "db/access.h"
 #include "ifm/ipv4_address_list.h"
 
 using namespace qrb;
 
 namespace {
 
-// A copy of the list in count elements, zero where they can't be read. Null without memory; the
-// caller frees it.
+// Shifting a 32-bit word by 32 or more is undefined.
+constexpr uint32_t MaskOfLength(uint32_t masklen)
+{
+    return masklen < 32 ? ~(UINT32_MAX >> masklen) : UINT32_MAX;
+}
+
+// Prepares the keyed read of an interface's record; OrmExecute performs it.
+uint32_t PrepareAddressRecord(ORM_SESSION session, uint32_t ifIndex)
+{
+    QRB_TRY(OrmPrepare(session, ADDRESS_TABLE, QRB_ORM_OP_READ));
+    return OrmgAmIpv4AddressSetKeyPrimaryKeyInner(session, &ifIndex, sizeof(ifIndex));
+}
+
+// The address list of the current record. *count must be 0 before the call.
+uint32_t GetAddressList(ORM_SESSION session, ORM_NODE* list, uint32_t* count)
+{
+    QRB_TRY(OrmNodeGetChild(session, 0, ADDRESS_LIST, list));
+    return OrmNodeGetSize(*list, count);
+}
+
+// The address list of an interface. *count must be 0 before the call.
+uint32_t OpenAddressList(ORM_SESSION session, uint32_t ifIndex, ORM_NODE* list, uint32_t* count)
+{
+    QRB_TRY(PrepareAddressRecord(session, ifIndex));
+    QRB_TRY(OrmExecute(session));
+    return GetAddressList(session, list, count);
+}
+
+// Each output is written as soon as it is read.
+uint32_t ReadAddress(ORM_NODE item, SYSAPI_IP4_ADDR_S* address)
+{
+    uint8_t masklen = 0;
+    QRB_TRY(ReadItemField(item, ITEM_ADDRESS, &address->address));
+    QRB_TRY(ReadItemField(item, ITEM_MASKLEN, &masklen));
+    address->masklen = masklen;
+    return OK;
+}
+
+// Finds the list item with this address.
+uint32_t FindAddress(ORM_NODE list, uint32_t count, uint32_t address, ORM_NODE* item, bool* found)
+{
+    for (uint32_t index = 0; index < count; index++) {
+        uint32_t itemAddress = 0;
+        QRB_TRY(OrmNodeGetItemByIdx(list, index, item));
+        QRB_TRY(ReadItemField(*item, ITEM_ADDRESS, &itemAddress));
+        if (itemAddress == address) {
+            *found = true;
+            return OK;
+        }
+    }
+    return OK;
+}
+
+// The first address of type TYPE_MAIN.
+uint32_t FindMain(ORM_SESSION session, uint32_t ifIndex, SYSAPI_IP4_ADDR_S* main, bool* found)
+{
+    ORM_NODE list = 0;
+    uint32_t count = 0;
+    QRB_TRY(OpenAddressList(session, ifIndex, &list, &count));
+    for (uint32_t index = 0; index < count; index++) {
+        ORM_NODE item = 0;
+        uint8_t type = 0;
+        QRB_TRY(OrmNodeGetItemByIdx(list, index, &item));
+        QRB_TRY(ReadItemField(item, ITEM_TYPE, &type));
+        if (type == TYPE_MAIN) {
+            *found = true;
+            return ReadAddress(item, main);
+        }
+    }
+    return OK;
+}
+
+// *absent receives whether the interface has no record. The read alone decides that: other steps
+// may fail with the same code.
+uint32_t CountAddresses(ORM_SESSION session, uint32_t ifIndex, uint32_t* count, bool* absent)
+{
+    QRB_TRY(PrepareAddressRecord(session, ifIndex));
+    const uint32_t ret = OrmExecute(session);
+    *absent = ret == ORM_NO_RECORD;
+    QRB_TRY(ret);
+    ORM_NODE list = 0;
+    return GetAddressList(session, &list, count);
+}
+
+// Copies the first addresses, up to the capacity.
+uint32_t CopyAddresses(ORM_SESSION session, uint32_t ifIndex, SYSAPI_IP4_ADDR_S* addresses,
+                       uint32_t capacity)
+{
+    ORM_NODE list = 0;
+    uint32_t count = 0;
+    QRB_TRY(OpenAddressList(session, ifIndex, &list, &count));
+    for (uint32_t index = 0; index < count && index < capacity; index++) {
+        ORM_NODE item = 0;
+        QRB_TRY(OrmNodeGetItemByIdx(list, index, &item));
+        QRB_TRY(ReadAddress(item, &addresses[index]));
+    }
+    return OK;
+}
+
+// Allocates count elements with the first addresses; those that cannot be read are zero. Returns
+// null if there is no memory. The caller frees the result.
 SYSAPI_IP4_ADDR_S* FetchAddresses(const char* function, uint32_t ifIndex, uint32_t count)
 {
     auto* const fetched = static_cast<SYSAPI_IP4_ADDR_S*>(calloc(count, sizeof(SYSAPI_IP4_ADDR_S)));
@@ -25,18 +129,55 @@ SYSAPI_IP4_ADDR_S* FetchAddresses(const char* function, uint32_t ifIndex, uint32
     return fetched;
 }
 
-uint32_t CountAddresses(ORM_SESSION session, uint32_t ifIndex, uint32_t* count, bool* absent)
+// Outputs of BDS_IPGetIFBestMatchIpAddr.
+struct BEST_MATCH_S {
+    uint32_t* address;
+    uint32_t* masklen;
+    uint32_t* network;
+};
+
+// The last address whose subnet contains the peer, else the first address. *count receives the
+// number of addresses.
+uint32_t FindBestMatch(ORM_SESSION session, uint32_t ifIndex, uint32_t peer,
+                       const BEST_MATCH_S& best, uint32_t* count)
 {
-    QRB_TRY(PrepareAddressRecord(session, ifIndex));
-    const uint32_t ret = OrmExecute(session);
-    *absent = ret == ORM_NO_RECORD;
-    QRB_TRY(ret);
     ORM_NODE list = 0;
-    return GetAddressList(session, &list, count);
+    QRB_TRY(OpenAddressList(session, ifIndex, &list, count));
+    for (uint32_t index = 0; index < *count; index++) {
+        ORM_NODE item = 0;
+        SYSAPI_IP4_ADDR_S own = {};
+        QRB_TRY(OrmNodeGetItemByIdx(list, index, &item));
+        QRB_TRY(ReadAddress(item, &own));
+        const uint32_t mask = MaskOfLength(own.masklen);
+        const bool matches = own.address != 0 && ((own.address ^ peer) & mask) == 0;
+        if (index == 0 || matches) {
+            *best.address = own.address;
+            *best.masklen = own.masklen;
+            *best.network = own.address & mask;
+        }
+    }
+    return OK;
 }
 
-// The interface of the current record goes to *owner if the record, one of this instance, holds the
-// address.
+// The mask of one of the interface's addresses.
+uint32_t FindMask(ORM_SESSION session, uint32_t ifIndex, uint32_t address, uint32_t* mask,
+                  bool* found)
+{
+    ORM_NODE list = 0;
+    uint32_t count = 0;
+    ORM_NODE item = 0;
+    QRB_TRY(OpenAddressList(session, ifIndex, &list, &count));
+    QRB_TRY(FindAddress(list, count, address, &item, found));
+    if (*found) {
+        uint8_t masklen = 0;
+        QRB_TRY(ReadItemField(item, ITEM_MASKLEN, &masklen));
+        *mask = MaskOfLength(masklen);
+    }
+    return OK;
+}
+
+// Writes the interface index of the current record to *owner if the record belongs to this instance
+// and contains the address.
 uint32_t MatchOwner(ORM_SESSION session, uint32_t address, uint32_t instanceId, uint32_t* owner)
 {
     uint32_t ifIndex = 0;
@@ -46,15 +187,28 @@ uint32_t MatchOwner(ORM_SESSION session, uint32_t address, uint32_t instanceId, 
     if (instance != instanceId) {
         return OK;
     }
-    return WalkAddresses(session, [&](ORM_NODE item, uint32_t, bool* done) -> uint32_t {
-        uint32_t itemAddress = 0;
-        QRB_TRY(ReadItemField(item, ITEM_ADDRESS, &itemAddress));
-        if (itemAddress == address) {
-            *owner = ifIndex;
-            *done = true;
-        }
-        return OK;
-    });
+    ORM_NODE list = 0;
+    uint32_t count = 0;
+    ORM_NODE item = 0;
+    bool found = false;
+    QRB_TRY(GetAddressList(session, &list, &count));
+    QRB_TRY(FindAddress(list, count, address, &item, &found));
+    if (found) {
+        *owner = ifIndex;
+    }
+    return OK;
+}
+
+// After a match the scan advances once more, and the query fails if that does. *owner must be NONE
+// before the call.
+uint32_t FindOwner(ORM_SESSION session, ORM_SCAN scan, uint32_t address, uint32_t instanceId,
+                   uint32_t* owner)
+{
+    uint32_t ret = OK;
+    while (NextRow(session, scan, &ret) && *owner == NONE) {
+        QRB_TRY(MatchOwner(session, address, instanceId, owner));
+    }
+    return ret;
 }
 
 }  // namespace
@@ -64,15 +218,12 @@ uint32_t IP_GetMainIpAddr(uint32_t ifIndex, uint32_t* address, uint32_t* masklen
     if (AnyNull(__func__, address, masklen)) {
         return FAIL;
     }
-    bool found = false;
     SYSAPI_IP4_ADDR_S main = {};
-    const auto isMain = [&](ORM_NODE item, uint32_t, bool* done) -> uint32_t {
-        uint8_t type = 0;
-        QRB_TRY(ReadItemField(item, ITEM_TYPE, &type));
-        found = *done = (type == TYPE_MAIN);
-        return found ? ReadAddress(item, &main) : OK;
-    };
-    if (WalkAddressesOf(__func__, ifIndex, isMain) != OK || !found) {
+    bool found = false;
+    const uint32_t ret = InSession(__func__, CHECKED, [&](ORM_SESSION session) {
+        return FindMain(session, ifIndex, &main, &found);
+    });
+    if (ret != OK || !found) {
         return FAIL;
     }
     *address = main.address;
@@ -80,8 +231,7 @@ uint32_t IP_GetMainIpAddr(uint32_t ifIndex, uint32_t* address, uint32_t* masklen
     return OK;
 }
 
-// An interface without a record is no failure: only the read itself finds that, whatever the code
-// of another step says, and how the session then closes is no news either.
+// For an interface without a record neither the failed read nor a failed close is an error.
 uint32_t SYSAPI_GetIp4AddrNumByIf(uint32_t ifIndex)
 {
     ORM_SESSION session = 0;
@@ -113,11 +263,10 @@ uint32_t SYSAPI_GetIp4AllAddrByIf(uint32_t ifIndex, SYSAPI_IP4_ADDR_S* addresses
         QRB_ERROR("Null value provided\n");
         return FAIL;
     }
-    const auto copy = [&](ORM_NODE item, uint32_t index, bool* done) {
-        *done = index + 1 == capacity;
-        return ReadAddress(item, &addresses[index]);
-    };
-    return WalkAddressesOf(__func__, ifIndex, copy) == OK ? OK : FAIL;
+    const uint32_t ret = InSession(__func__, CHECKED, [&](ORM_SESSION session) {
+        return CopyAddresses(session, ifIndex, addresses, capacity);
+    });
+    return ret == OK ? OK : FAIL;
 }
 
 uint32_t BDS_IPIFIsThisIfIpAddr(uint32_t ifIndex, uint32_t address)
@@ -188,29 +337,17 @@ uint32_t BDS_IPGetIFBestMatchIpAddr(uint32_t ifIndex, uint32_t peer, uint32_t* m
     if (AnyNull(__func__, masklen, network, address)) {
         return FAIL;
     }
-    const char* const here = __func__;
-    bool empty = true;
-    const auto take = [&](ORM_NODE item, uint32_t index, bool*) -> uint32_t {
-        SYSAPI_IP4_ADDR_S own = {};
-        empty = false;
-        QRB_TRY(ReadAddress(item, &own));
-        const uint32_t mask = MaskOfLength(own.masklen);
-        const bool fits = own.address != 0 && ((own.address ^ peer) & mask) == 0;
-        if (index == 0 || fits) {
-            *address = own.address;
-            *masklen = own.masklen;
-            *network = own.address & mask;
-        }
-        return OK;
-    };
-    const uint32_t ret = InSession(here, CHECKED, [&](ORM_SESSION session) -> uint32_t {
-        QRB_TRY(WalkAddressesOf(session, ifIndex, take));
-        if (empty) {
-            QRB_ERROR_AT(here, "There is no ip address on interface!");
+    const char* const function = __func__;
+    const BEST_MATCH_S best = {address, masklen, network};
+    uint32_t count = 0;
+    const uint32_t ret = InSession(function, CHECKED, [&](ORM_SESSION session) -> uint32_t {
+        QRB_TRY(FindBestMatch(session, ifIndex, peer, best, &count));
+        if (count == 0) {
+            QRB_ERROR_AT(function, "There is no ip address on interface!");
         }
         return OK;
     });
-    return ret == OK && !empty ? OK : FAIL;
+    return ret == OK && count != 0 ? OK : FAIL;
 }
 
 uint32_t IP_GetMask(uint32_t ifIndex, uint32_t address, uint32_t* mask)
@@ -219,18 +356,10 @@ uint32_t IP_GetMask(uint32_t ifIndex, uint32_t address, uint32_t* mask)
         return FAIL;
     }
     bool found = false;
-    const auto compare = [&](ORM_NODE item, uint32_t, bool* done) -> uint32_t {
-        uint32_t itemAddress = 0;
-        QRB_TRY(ReadItemField(item, ITEM_ADDRESS, &itemAddress));
-        if (itemAddress == address) {
-            uint8_t masklen = 0;
-            QRB_TRY(ReadItemField(item, ITEM_MASKLEN, &masklen));
-            *mask = MaskOfLength(masklen);
-            found = *done = true;
-        }
-        return OK;
-    };
-    return WalkAddressesOf(__func__, ifIndex, compare) == OK && found ? OK : FAIL;
+    const uint32_t ret = InSession(__func__, CHECKED, [&](ORM_SESSION session) {
+        return FindMask(session, ifIndex, address, mask, &found);
+    });
+    return ret == OK && found ? OK : FAIL;
 }
 
 uint32_t IP_GetIfindexbyIpAddr(uint32_t address, uint32_t instanceId, uint32_t* ifIndex)
@@ -239,12 +368,10 @@ uint32_t IP_GetIfindexbyIpAddr(uint32_t address, uint32_t instanceId, uint32_t* 
         return FAIL;
     }
     uint32_t owner = NONE;
-    const auto match = [&](ORM_SESSION session, bool* done) {
-        // A match ends the scan one row later: the advance past it has to succeed too.
-        *done = owner != NONE;
-        return *done ? OK : MatchOwner(session, address, instanceId, &owner);
+    const auto find = [&](ORM_SESSION session, ORM_SCAN scan) {
+        return FindOwner(session, scan, address, instanceId, &owner);
     };
-    if (ScanTable(__func__, CHECKED, ADDRESS_TABLE, match) != OK) {
+    if (ScanTable(__func__, CHECKED, ADDRESS_TABLE, find) != OK) {
         return FAIL;
     }
     *ifIndex = owner;

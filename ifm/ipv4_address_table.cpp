@@ -1,12 +1,42 @@
 // Building blocks that modules call directly: an interface's address record, one item of its list,
 // and the main address, selected by an item type other than 6.
+#include <tarnd_platform/orm_accessors.h>
+#include <tarnd_qrb/ipv4_address.h>
+
+#include "db/access.h"
 #include "ifm/ipv4_address_list.h"
 
 using namespace qrb;
 
 namespace {
 
-// The first readable item that may be the main address. *ret is the code of the last fetch or read.
+// Opens a session and makes an interface's record its current one. After a failure *session may be
+// open.
+uint32_t OpenRecord(const char* function, ORM_SESSION* session, const uint32_t* key)
+{
+    uint32_t ret = OrmOpenSessionByDefault(session);
+    if (ret != OK) {
+        QRB_ERROR_AT(function, "get main ipv4 addr create db session fail, ret=%u\n", ret);
+        return ret;
+    }
+    ret = OrmPrepare(*session, ADDRESS_TABLE, QRB_ORM_OP_READ);
+    if (ret != OK) {
+        QRB_ERROR_AT(function, "get main ipv4 addr prepare %s fail, ret=%u\n", ADDRESS_TABLE, ret);
+        return ret;
+    }
+    ret = OrmgAmIpv4AddressSetKeyPrimaryKeyInner(*session, key, sizeof(*key));
+    if (ret == OK) {
+        ret = OrmExecute(*session);
+    }
+    if (ret != OK) {
+        QRB_ERROR_AT(function, "get main ipv4 addr set primary %s fail, ret=%u\n", ADDRESS_TABLE,
+                     ret);
+    }
+    return ret;
+}
+
+// Finds the first readable item that may be the main address. *ret receives the code of the last
+// fetch or read.
 bool FindMainItem(const char* function, ORM_NODE list, uint32_t count, BDS_IPV4_ADDR_ITEM_S* item,
                   uint32_t* ret)
 {
@@ -30,7 +60,7 @@ bool FindMainItem(const char* function, ORM_NODE list, uint32_t count, BDS_IPV4_
     return false;
 }
 
-// The main address in the current record's list.
+// Reads the main address from the list of the current record.
 uint32_t ReadMainItem(const char* function, ORM_SESSION session, uint32_t ifIndex,
                       BDS_IPV4_ADDR_ITEM_S* item)
 {
@@ -41,7 +71,7 @@ uint32_t ReadMainItem(const char* function, ORM_SESSION session, uint32_t ifInde
                      ifIndex);
         return NONE;
     }
-    // A size that can't be had is no size: the count decides, its code is only told.
+    // If the size query fails, count stays 0; its return code is only logged.
     uint32_t count = 0;
     ret = OrmNodeGetSize(list, &count);
     if (count == 0) {
@@ -60,19 +90,10 @@ uint32_t ReadMainItem(const char* function, ORM_SESSION session, uint32_t ifInde
 
 uint32_t BDS_IPGetIpv4AddrTblByIfIndex(ORM_SESSION* session, const uint32_t* key)
 {
-    uint32_t ret = OrmOpenSessionByDefault(session);
-    if (ret != OK) {
-        QRB_ERROR("get main ipv4 addr create db session fail, ret=%u\n", ret);
-    } else if ((ret = OrmPrepare(*session, ADDRESS_TABLE, QRB_ORM_OP_READ)) != OK) {
-        QRB_ERROR("get main ipv4 addr prepare %s fail, ret=%u\n", ADDRESS_TABLE, ret);
-    } else if ((ret = OrmgAmIpv4AddressSetKeyPrimaryKeyInner(*session, key, sizeof(*key))) != OK) {
-        QRB_ERROR("get main ipv4 addr set primary %s fail, ret=%u\n", ADDRESS_TABLE, ret);
-    } else if ((ret = OrmExecute(*session)) != OK) {
-        QRB_ERROR("get main ipv4 addr set primary %s fail, ret=%u\n", ADDRESS_TABLE, ret);
-    } else {
+    if (OpenRecord(__func__, session, key) == OK) {
         return OK;
     }
-    OrmCloseSession(*session);  // also a session that did not open: the platform refuses 0
+    OrmCloseSession(*session);  // also if it was not opened: the database rejects handle 0
     return NONE;
 }
 

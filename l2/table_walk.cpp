@@ -1,4 +1,5 @@
-// The walks over interfaces, ports and VLANs: one walk, told three times what differs.
+// Table iterators over interfaces, ports and VLANs. The three share one implementation,
+// parameterised by a descriptor.
 #include <tarnd_platform/orm_accessors.h>
 #include <tarnd_qrb/records.h>
 #include <tarnd_qrb/table_walk.h>
@@ -16,16 +17,16 @@ ORM_SCAN g_VlanScanHandle = 0;
 
 namespace {
 
-struct WALK_S {
+struct TABLE_ITERATOR_S {
     const char* table;
     ORM_SESSION* session;
     ORM_SCAN* scan;
     uint32_t (*readValue)(ORM_SESSION session, uint32_t* value);
-    uint32_t (*finish)();
-    // As messages name the walk, its session and the reader of its rows.
+    // Names in messages: the iterator, its session variable, the row accessor, the finish function.
     const char* name;
     const char* sessionName;
-    const char* readerName;
+    const char* accessorName;
+    const char* finishName;
 };
 
 uint32_t ReadIfIndex(ORM_SESSION session, uint32_t* value)
@@ -52,54 +53,76 @@ uint32_t ReadVlanId(ORM_SESSION session, uint32_t* value)
     return OK;
 }
 
-// clang-format off
-constexpr WALK_S IF_INDEX_WALK = {"if_base", &g_ScanIndexSession, &g_IndexScanHandle,
-                                  ReadIfIndex, QRB_ScanIfIndexFinish,
-                                  "index", "g_ScanIndexSession", "OrmgIfBaseGetAllFields"};
-constexpr WALK_S PORT_WALK     = {"port", &g_ScanPortSession, &g_PortScanHandle,
-                                  ReadPortIndex, QRB_ScanPortFinish,
-                                  "port", "g_ScanPortSession", "OrmgportGetAllFields"};
-constexpr WALK_S VLAN_WALK     = {"vlan", &g_ScanVlanSession, &g_VlanScanHandle,
-                                  ReadVlanId, QRB_ScanVlanFinish,
-                                  "vlan", "g_ScanVlanSession", "OrmgVlanGetAllFields"};
-// clang-format on
+constexpr TABLE_ITERATOR_S INTERFACES = {
+    .table = "if_base",
+    .session = &g_ScanIndexSession,
+    .scan = &g_IndexScanHandle,
+    .readValue = ReadIfIndex,
+    .name = "index",
+    .sessionName = "g_ScanIndexSession",
+    .accessorName = "OrmgIfBaseGetAllFields",
+    .finishName = "QRB_ScanIfIndexFinish",
+};
 
-uint32_t PrepareAndStart(const char* function, const WALK_S& walk)
+constexpr TABLE_ITERATOR_S PORTS = {
+    .table = "port",
+    .session = &g_ScanPortSession,
+    .scan = &g_PortScanHandle,
+    .readValue = ReadPortIndex,
+    .name = "port",
+    .sessionName = "g_ScanPortSession",
+    .accessorName = "OrmgportGetAllFields",
+    .finishName = "QRB_ScanPortFinish",
+};
+
+constexpr TABLE_ITERATOR_S VLANS = {
+    .table = "vlan",
+    .session = &g_ScanVlanSession,
+    .scan = &g_VlanScanHandle,
+    .readValue = ReadVlanId,
+    .name = "vlan",
+    .sessionName = "g_ScanVlanSession",
+    .accessorName = "OrmgVlanGetAllFields",
+    .finishName = "QRB_ScanVlanFinish",
+};
+
+uint32_t PrepareAndStart(const char* function, const TABLE_ITERATOR_S& iterator)
 {
-    uint32_t ret = OrmPrepare(*walk.session, walk.table, QRB_ORM_OP_SCAN);
+    uint32_t ret = OrmPrepare(*iterator.session, iterator.table, QRB_ORM_OP_SCAN);
     if (ret != OK) {
-        QRB_ERROR_AT(function, "Database error: %d, OrmPrepare %s fail", ret, walk.name);
+        QRB_ERROR_AT(function, "Database error: %d, OrmPrepare %s fail", ret, iterator.name);
         return FAIL;
     }
-    ret = OrmScanStart(*walk.session, walk.scan);
+    ret = OrmScanStart(*iterator.session, iterator.scan);
     if (ret != OK) {
-        QRB_ERROR_AT(function, "Database error: %d, OrmScanStart %s fail", ret, walk.name);
+        QRB_ERROR_AT(function, "Database error: %d, OrmScanStart %s fail", ret, iterator.name);
         return FAIL;
     }
     return OK;
 }
 
-uint32_t Open(const char* function, const WALK_S& walk)
+uint32_t Open(const char* function, const TABLE_ITERATOR_S& iterator)
 {
-    const uint32_t ret = OrmOpenSessionByDefault(walk.session);
+    const uint32_t ret = OrmOpenSessionByDefault(iterator.session);
     if (ret != OK) {
-        QRB_ERROR_AT(function, "Database error: %d, open %s %s fail", ret, walk.name,
-                     walk.sessionName);
+        QRB_ERROR_AT(function, "Database error: %d, open %s %s fail", ret, iterator.name,
+                     iterator.sessionName);
         return FAIL;
     }
-    if (PrepareAndStart(function, walk) != OK) {
-        OrmCloseSession(*walk.session);
-        *walk.session = 0;
+    if (PrepareAndStart(function, iterator) != OK) {
+        OrmCloseSession(*iterator.session);
+        *iterator.session = 0;
         return FAIL;
     }
     return OK;
 }
 
-// The value of the next row. FAIL at the end of the table, silently, and after a failure.
-uint32_t Advance(const char* function, const WALK_S& walk, uint32_t* value)
+// Reads the value of the next row. FAIL at the end of the table, without logging, and after a
+// failure.
+uint32_t Advance(const char* function, const TABLE_ITERATOR_S& iterator, uint32_t* value)
 {
     uint8_t end = 0;
-    uint32_t ret = OrmScanNext(*walk.session, *walk.scan, &end);
+    uint32_t ret = OrmScanNext(*iterator.session, *iterator.scan, &end);
     if (ret != OK) {
         QRB_ERROR_AT(function, "OrmScanNext ret:%u, isEof:%u", ret, end);
         return FAIL;
@@ -107,56 +130,56 @@ uint32_t Advance(const char* function, const WALK_S& walk, uint32_t* value)
     if (end != 0) {
         return FAIL;
     }
-    ret = walk.readValue(*walk.session, value);
+    ret = iterator.readValue(*iterator.session, value);
     if (ret != OK) {
-        QRB_ERROR_AT(function, "%s fail ret:%u", walk.readerName, ret);
+        QRB_ERROR_AT(function, "%s fail ret:%u", iterator.accessorName, ret);
         return FAIL;
     }
     return OK;
 }
 
-// It is not asked whether the walk is open: the database refuses the null handles.
-uint32_t WalkFinish(const char* function, const WALK_S& walk)
+// Does not check that the iterator is open: the database rejects null handles.
+uint32_t Finish(const char* function, const TABLE_ITERATOR_S& iterator)
 {
-    const uint32_t ended = OrmScanEnd(*walk.session, *walk.scan);
-    *walk.scan = 0;
+    const uint32_t ended = OrmScanEnd(*iterator.session, *iterator.scan);
+    *iterator.scan = 0;
     if (ended != OK) {
         QRB_ERROR_AT(function, "OrmScanEnd fail ret:%u", ended);
     }
-    const uint32_t closed = OrmCloseSession(*walk.session);
-    *walk.session = 0;
+    const uint32_t closed = OrmCloseSession(*iterator.session);
+    *iterator.session = 0;
     if (ended == OK && closed != OK) {
         QRB_ERROR_AT(function, "OrmCloseSession fail ret:%u", closed);
     }
     return ended == OK && closed == OK ? OK : FAIL;
 }
 
-uint32_t WalkFirst(const char* function, const WALK_S& walk, uint32_t* value)
+uint32_t First(const char* function, const TABLE_ITERATOR_S& iterator, uint32_t* value)
 {
-    if (*walk.session != 0 || *walk.scan != 0) {
+    if (*iterator.session != 0 || *iterator.scan != 0) {
         return FAIL;
     }
-    if (Open(function, walk) != OK) {
+    if (Open(function, iterator) != OK) {
         return FAIL;
     }
-    if (Advance(function, walk, value) != OK) {
-        walk.finish();
+    if (Advance(function, iterator, value) != OK) {
+        Finish(iterator.finishName, iterator);
         return FAIL;
     }
     return OK;
 }
 
-uint32_t WalkNext(const char* function, const WALK_S& walk, uint32_t* value)
+uint32_t Next(const char* function, const TABLE_ITERATOR_S& iterator, uint32_t* value)
 {
-    if (*walk.session == 0 || *walk.scan == 0) {
+    if (*iterator.session == 0 || *iterator.scan == 0) {
         return FAIL;
     }
-    return Advance(function, walk, value);
+    return Advance(function, iterator, value);
 }
 
-// A step of a walk under an older name: the output is written whatever happens.
+// Steps an iterator for the older names, whose output is 0 after a failure.
 template <typename Value>
-uint32_t Yield(uint32_t (*step)(uint32_t*), Value* output)
+uint32_t StepAndStore(uint32_t (*step)(uint32_t*), Value* output)
 {
     uint32_t value = 0;
     const uint32_t ret = step(&value);
@@ -168,57 +191,57 @@ uint32_t Yield(uint32_t (*step)(uint32_t*), Value* output)
 
 uint32_t QRB_GetFirstIfIndex(uint32_t* ifIndex)
 {
-    return WalkFirst(__func__, IF_INDEX_WALK, ifIndex);
+    return First(__func__, INTERFACES, ifIndex);
 }
 
 uint32_t QRB_GetNextIfIndex(uint32_t* ifIndex)
 {
-    return WalkNext(__func__, IF_INDEX_WALK, ifIndex);
+    return Next(__func__, INTERFACES, ifIndex);
 }
 
 uint32_t QRB_ScanIfIndexFinish()
 {
-    return WalkFinish(__func__, IF_INDEX_WALK);
+    return Finish(__func__, INTERFACES);
 }
 
 uint32_t QRB_GetFirstPort(uint32_t* portIndex)
 {
-    return WalkFirst(__func__, PORT_WALK, portIndex);
+    return First(__func__, PORTS, portIndex);
 }
 
 uint32_t QRB_GetNextPort(uint32_t* portIndex)
 {
-    return WalkNext(__func__, PORT_WALK, portIndex);
+    return Next(__func__, PORTS, portIndex);
 }
 
 uint32_t QRB_ScanPortFinish()
 {
-    return WalkFinish(__func__, PORT_WALK);
+    return Finish(__func__, PORTS);
 }
 
 uint32_t QRB_GetFirstVlan(uint32_t* vlanId)
 {
-    return WalkFirst(__func__, VLAN_WALK, vlanId);
+    return First(__func__, VLANS, vlanId);
 }
 
 uint32_t QRB_GetNextVlan(uint32_t* vlanId)
 {
-    return WalkNext(__func__, VLAN_WALK, vlanId);
+    return Next(__func__, VLANS, vlanId);
 }
 
 uint32_t QRB_ScanVlanFinish()
 {
-    return WalkFinish(__func__, VLAN_WALK);
+    return Finish(__func__, VLANS);
 }
 
 uint32_t IF_INTF_GetFirstIfIndex(uint32_t* ifIndex)
 {
-    return Yield(QRB_GetFirstIfIndex, ifIndex);
+    return StepAndStore(QRB_GetFirstIfIndex, ifIndex);
 }
 
 uint32_t IF_INTF_GetNextIfIndex(uint32_t /*current*/, uint32_t* ifIndex)
 {
-    return Yield(QRB_GetNextIfIndex, ifIndex);
+    return StepAndStore(QRB_GetNextIfIndex, ifIndex);
 }
 
 uint32_t IF_INTF_ScanFinish()
@@ -228,12 +251,12 @@ uint32_t IF_INTF_ScanFinish()
 
 uint32_t L2IF_GetFirstPort(uint32_t* portIndex)
 {
-    return Yield(QRB_GetFirstPort, portIndex);
+    return StepAndStore(QRB_GetFirstPort, portIndex);
 }
 
 uint32_t L2IF_GetNextPort(uint32_t* portIndex)
 {
-    return Yield(QRB_GetNextPort, portIndex);
+    return StepAndStore(QRB_GetNextPort, portIndex);
 }
 
 uint32_t L2IF_ScanFinish()
@@ -243,12 +266,12 @@ uint32_t L2IF_ScanFinish()
 
 uint32_t L2IF_GetFirstVlan(uint16_t* vlanId)
 {
-    return Yield(QRB_GetFirstVlan, vlanId);
+    return StepAndStore(QRB_GetFirstVlan, vlanId);
 }
 
 uint32_t L2IF_GetNextVlan(uint16_t* vlanId)
 {
-    return Yield(QRB_GetNextVlan, vlanId);
+    return StepAndStore(QRB_GetNextVlan, vlanId);
 }
 
 uint32_t L2IF_ScanVlanFinish()

@@ -13,59 +13,66 @@ namespace {
 constexpr char TABLE[] = "vlan";
 constexpr uint32_t FIELD_ID = 2;
 constexpr uint32_t FIELD_STATE = 9;
-
-// The one result of a record's reader after which the default VLAN and the description keep the
-// caller's values.
-constexpr uint32_t READ_LEAVES_OUTPUT = 1;
-
-constexpr uint32_t YES = 0;  // of the VLAN_Is* family
-constexpr uint32_t NO = 1;
 constexpr uint8_t STATE_ACTIVE = 1;
 
-constexpr uint32_t MEMBER = 0;
-constexpr uint32_t NOT_MEMBER = 1;
+// Results of VLAN_IsVlanActive, VLAN_IsVlanUsed and VLAN_IsPortInVlan.
+constexpr uint32_t YES = 0;
+constexpr uint32_t NO = 1;
+
+// The only result of a record read after which L2IF_GetPVIDByIfIndex and L2IF_VLAN_GetDescript do
+// not write their output.
+constexpr uint32_t READ_LEAVES_OUTPUT = 1;
+
+constexpr int32_t NAME_SIZE = 32;                   // bytes of the field "name"
+constexpr size_t LITERAL_SIZE = 2 * NAME_SIZE + 3;  // "0x", two digits for each byte, NUL
+constexpr size_t CONDITION_SIZE = 131;
 
 bool Contains(const uint8_t (&set)[QRB_MEMBER_SET_SIZE], uint8_t position)
 {
     return (set[position / 8] & (0x80 >> position % 8)) != 0;
 }
 
+// A missing record is not a failure: it reads as zeros.
 bool FailedToRead(uint32_t ret)
 {
     return ret != OK && ret != ORM_NO_RECORD;
 }
 
-constexpr int32_t NAME_SIZE = 32;                   // bytes of the field "name"
-constexpr size_t LITERAL_SIZE = 2 * NAME_SIZE + 3;  // "0x", two digits for each byte, NUL
-constexpr size_t CONDITION_SIZE = 131;
-
-// Reads the record of a VLAN whose scopes are 0.
+// Reads the record of a VLAN in scope (0, 0).
 uint32_t ReadUnscopedVlan(uint16_t vlanId, QRB_VLAN_S* vlan)
 {
     return ReadRecord(OrmgVlanReadInner, QRB_VLAN_KEY_S{0, 0, vlanId}, vlan);
 }
 
+// A VLAN may have a row in several scopes. Rows with state 0 are skipped; any other state ends the
+// search: STATE_ACTIVE at once, the others after one more advance, which has to succeed. *state
+// must be 0 before the call.
+uint32_t FindState(ORM_SESSION session, ORM_SCAN scan, uint16_t vlanId, uint8_t* state)
+{
+    uint32_t ret = OK;
+    while (NextRow(session, scan, &ret) && *state == 0) {
+        uint16_t rowId = 0;
+        QRB_TRY(ReadField(session, FIELD_ID, &rowId));
+        if (rowId != vlanId) {
+            continue;
+        }
+        QRB_TRY(ReadField(session, FIELD_STATE, state));
+        if (*state == STATE_ACTIVE) {
+            break;
+        }
+    }
+    return ret;
+}
+
 }  // namespace
 
-// The id may stand in several scopes: a row with state 0 lets the search go on. Any other state
-// ends it: 1 at once, the others one row later, so that the advance past them has to succeed too.
 uint32_t VLAN_IsVlanActive(uint16_t vlanId)
 {
     uint8_t state = 0;
-    const auto readState = [&](ORM_SESSION session, bool* done) -> uint32_t {
-        *done = state != 0;
-        if (*done) {
-            return OK;
-        }
-        uint16_t rowId = 0;
-        QRB_TRY(ReadField(session, FIELD_ID, &rowId));
-        if (rowId == vlanId) {
-            QRB_TRY(ReadField(session, FIELD_STATE, &state));
-            *done = state == STATE_ACTIVE;
-        }
-        return OK;
+    const auto find = [&](ORM_SESSION session, ORM_SCAN scan) {
+        return FindState(session, scan, vlanId, &state);
     };
-    const uint32_t ret = ScanTable(__func__, IGNORED, TABLE, readState);
+    const uint32_t ret = ScanTable(__func__, IGNORED, TABLE, find);
     return (ret == OK && state == STATE_ACTIVE) ? YES : NO;
 }
 
@@ -101,27 +108,27 @@ uint32_t VLAN_IsPortInVlan(uint32_t ifIndex, uint16_t vlanId)
     uint32_t ret = ReadRecord(OrmgPortReadInner, ifIndex, &port);
     if (FailedToRead(ret)) {
         QRB_ERROR("Failed to fetch port status for ifIndex=%u, ret=%d", ifIndex, ret);
-        return NOT_MEMBER;
+        return NO;
     }
     const QRB_VLAN_KEY_S key = {port.vlan_scope0, port.vlan_scope1, vlanId};
     QRB_VLAN_S vlan;
     ret = ReadRecord(OrmgVlanReadInner, key, &vlan);
     if (FailedToRead(ret)) {
         QRB_ERROR("Failed to fetch vlan status for ifIndex=%u, ret=%d", ifIndex, ret);
-        return NOT_MEMBER;
+        return NO;
     }
     const uint8_t position = VLAN_PortIndex2PortIdx(port.port_index);
     if (Contains(vlan.member_bitmap_1, position) || Contains(vlan.member_bitmap_2, position)) {
-        return MEMBER;
+        return YES;
     }
     QRB_INFO("Read port bitmap %u,%u,%u,%u port is not member of vlan\n", port.vlan_scope0,
              port.vlan_scope1, vlanId, port.port_index);
-    return NOT_MEMBER;
+    return NO;
 }
 
 uint32_t BDS_L2IF_VP_PortIsInVlan(uint32_t ifIndex, uint16_t vlanId)
 {
-    return VLAN_IsPortInVlan(ifIndex, vlanId) == MEMBER ? 1 : 0;
+    return VLAN_IsPortInVlan(ifIndex, vlanId) == YES ? 1 : 0;
 }
 
 uint32_t BDS_L2IF_VP_PortIsInVlanWithTag(uint32_t /*ifIndex*/, uint16_t /*vlanId*/)

@@ -1,4 +1,5 @@
-// QoS profiles: the index of a name, and the remark and CAR lists of an index.
+// QoS profiles in "qos_integration": the index of a name, and the remark and CAR (committed access
+// rate) lists of an index.
 #include <cstring>
 
 #include <tarnd_platform/bounded.h>
@@ -16,26 +17,33 @@ constexpr uint32_t FIELD_INDEX = 0;
 constexpr uint32_t FIELD_NAME = 1;
 constexpr uint32_t NAME_SIZE = 64;
 
-// Visits every row, also after a match.
-uint32_t VisitRows(const char* function, ORM_SESSION session, ORM_SCAN scan, const char* name,
-                   uint32_t* index)
+// Item of a list that goes to the second slot of QOS_PROFILE_INFO_S; every other item goes to the
+// first.
+constexpr uint32_t SECOND_SLOT_ITEM = 1;
+
+// Field numbers of list items.
+constexpr uint32_t FIELD_REMARK = 1;
+constexpr uint32_t FIELD_CAR_1 = 1;
+constexpr uint32_t FIELD_CAR_2 = 2;
+constexpr uint32_t FIELD_CAR_3 = 3;
+constexpr uint32_t FIELD_CAR_4 = 4;
+
+// Reads every row, also after a match: the last profile with the name counts.
+uint32_t ScanRows(const char* function, ORM_SESSION session, ORM_SCAN scan, const char* name,
+                  uint32_t* index)
 {
-    for (;;) {
-        uint8_t end = 0;
-        uint32_t ret = OrmScanNext(session, scan, &end);
-        if (ret != OK) {
-            QRB_ERROR_AT(function, "sacn next failed. ret: %d", ret);
-            return ret;
-        }
-        if (end != 0) {
-            return OK;
-        }
+    uint32_t ret = OK;
+    while (NextRow(session, scan, &ret)) {
         ret = QOS_GetIdByName(session, name, index);
         if (ret != OK) {
             QRB_ERROR_AT(function, "get id by name failed. ret: %d", ret);
             return ret;
         }
     }
+    if (ret != OK) {
+        QRB_ERROR_AT(function, "sacn next failed. ret: %d", ret);
+    }
+    return ret;
 }
 
 uint32_t ScanProfiles(const char* function, ORM_SESSION session, const char* name, uint32_t* index)
@@ -51,20 +59,13 @@ uint32_t ScanProfiles(const char* function, ORM_SESSION session, const char* nam
         QRB_ERROR_AT(function, "scan start failed. ret: %d", ret);
         return ret;
     }
-    ret = VisitRows(function, session, scan, name, index);
+    ret = ScanRows(function, session, scan, name, index);
     OrmScanEnd(session, scan);
     return ret;
 }
 
-constexpr uint32_t SECOND_SLOT_ITEM = 1;  // every other item goes to the first slot
-
-constexpr uint32_t FIELD_REMARK = 1;
-constexpr uint32_t FIELD_CAR_1 = 1;
-constexpr uint32_t FIELD_CAR_2 = 2;
-constexpr uint32_t FIELD_CAR_3 = 3;
-constexpr uint32_t FIELD_CAR_4 = 4;
-
-uint32_t PositionOn(const char* function, ORM_SESSION session, uint32_t index)
+// Makes the profile's row the current record.
+uint32_t ReadProfile(const char* function, ORM_SESSION session, uint32_t index)
 {
     uint32_t ret = OrmPrepare(session, TABLE, QRB_ORM_OP_READ);
     if (ret != OK) {
@@ -83,7 +84,7 @@ uint32_t PositionOn(const char* function, ORM_SESSION session, uint32_t index)
     return ret;
 }
 
-// A list whose size can't be had has no items.
+// Returns 0 if the size query fails.
 uint32_t ItemCount(ORM_NODE list)
 {
     uint32_t count = 0;
@@ -91,16 +92,35 @@ uint32_t ItemCount(ORM_NODE list)
     return count;
 }
 
-// An item that can't be had has no field to read.
-uint32_t ReadRemark(ORM_NODE list, uint32_t number, uint32_t* remark)
+// Members of QOS_PROFILE_INFO_S that one kind of remark sets.
+struct REMARK_SLOTS_S {
+    uint8_t* valid;
+    uint8_t* first;
+    uint8_t* second;
+};
+
+// Stores the remarks of a list. Returns the code of the first item that cannot be read; the items
+// before it stay stored.
+uint32_t ReadRemarks(ORM_NODE list, QOS_PROFILE_INFO_S* info, const REMARK_SLOTS_S& slots)
 {
-    ORM_NODE item = 0;
-    OrmNodeGetItemByIdx(list, number, &item);
-    return ReadItemField(item, FIELD_REMARK, remark);
+    const uint32_t count = ItemCount(list);
+    for (uint32_t index = 0; index < count; index++) {
+        ORM_NODE item = 0;
+        uint32_t remark = 0;
+        OrmNodeGetItemByIdx(list, index, &item);  // after a failure item is 0 and the read fails
+        QRB_TRY(ReadItemField(item, FIELD_REMARK, &remark));
+        info->valid = 1;
+        *slots.valid = 1;
+        if (index == SECOND_SLOT_ITEM) {
+            *slots.second = static_cast<uint8_t>(remark);
+        } else {
+            *slots.first = static_cast<uint8_t>(remark);
+        }
+    }
+    return OK;
 }
 
-// The readers of a list report a missing one, and leave other failures to be reported once the
-// session is closed.
+// The readers of a list log a missing list; other failures are logged after the close.
 bool IsUnreported(uint32_t ret)
 {
     return ret != OK && ret != ORM_NO_LIST;
@@ -129,7 +149,7 @@ uint32_t Read8021List(const char* function, ORM_SESSION session, QOS_PROFILE_INF
     return ret;
 }
 
-// Answers the sum of the codes of reading one item: 0 when all went well.
+// Returns the sum of the codes of all steps, which is 0 if none failed.
 uint32_t ReadCar(ORM_NODE list, uint32_t number, QOS_CAR_S* car)
 {
     ORM_NODE item = 0;
@@ -141,7 +161,7 @@ uint32_t ReadCar(ORM_NODE list, uint32_t number, QOS_CAR_S* car)
     return sum;
 }
 
-// Stops at the first item that can't be read, with ReadCar's answer.
+// Stops at the first item that cannot be read, and returns the result of ReadCar.
 uint32_t ReadCars(ORM_NODE list, QOS_PROFILE_INFO_S* info)
 {
     const uint32_t count = ItemCount(list);
@@ -171,7 +191,8 @@ uint32_t QOS_GetProfileIdByName(uint32_t /*unused*/, const char* name, uint32_t*
 
 uint32_t QOS_GetIdByName(ORM_SESSION session, const char* name, uint32_t* index)
 {
-    // A byte more than the field: a name that fills it still ends, and is refused by its length.
+    // One byte more than the field: a name without a terminating NUL is 64 characters long, and the
+    // copy below fails.
     char field[NAME_SIZE + 1] = {};
     uint32_t ret = OrmGetFieldById(session, FIELD_NAME, field, NAME_SIZE);
     if (ret != OK) {
@@ -205,7 +226,7 @@ uint32_t QOS_SetQosIntePk(ORM_SESSION* session, uint32_t index)
         QRB_ERROR("[qrb qos]error : open session failed. ret: %d", ret);
         return ret;
     }
-    ret = PositionOn(__func__, *session, index);
+    ret = ReadProfile(__func__, *session, index);
     if (ret != OK) {
         OrmCloseSession(*session);
         *session = 0;
@@ -233,35 +254,22 @@ uint32_t QOS_GetRemarkInfo(uint32_t /*unused*/, uint32_t index, QOS_PROFILE_INFO
 
 uint32_t QOS_GetDscp(ORM_NODE list, QOS_PROFILE_INFO_S* info)
 {
-    const uint32_t count = ItemCount(list);
-    for (uint32_t item = 0; item < count; item++) {
-        uint32_t dscp = 0;
-        const uint32_t ret = ReadRemark(list, item, &dscp);
-        if (ret != OK) {
-            QRB_ERROR("get remark desp list failed. ret: %u", ret);
-            return QOS_FAIL;
-        }
-        info->valid = 1;
-        info->dscpValid = 1;
-        (item == SECOND_SLOT_ITEM ? info->dscp1 : info->dscp0) = static_cast<uint8_t>(dscp);
+    const REMARK_SLOTS_S slots = {&info->dscpValid, &info->dscp0, &info->dscp1};
+    const uint32_t ret = ReadRemarks(list, info, slots);
+    if (ret != OK) {
+        QRB_ERROR("get remark desp list failed. ret: %u", ret);
+        return QOS_FAIL;
     }
     return OK;
 }
 
 uint32_t QOS_Get8021(ORM_NODE list, QOS_PROFILE_INFO_S* info)
 {
-    const uint32_t count = ItemCount(list);
-    for (uint32_t item = 0; item < count; item++) {
-        uint32_t priority = 0;
-        const uint32_t ret = ReadRemark(list, item, &priority);
-        if (ret != OK) {
-            QRB_ERROR("get remark 8021p list value failed. ret: %u", ret);
-            return QOS_FAIL;
-        }
-        info->valid = 1;
-        info->pri8021pValid = 1;
-        (item == SECOND_SLOT_ITEM ? info->pri8021p1 : info->pri8021p0) =
-            static_cast<uint8_t>(priority);
+    const REMARK_SLOTS_S slots = {&info->pri8021pValid, &info->pri8021p0, &info->pri8021p1};
+    const uint32_t ret = ReadRemarks(list, info, slots);
+    if (ret != OK) {
+        QRB_ERROR("get remark 8021p list value failed. ret: %u", ret);
+        return QOS_FAIL;
     }
     return OK;
 }
@@ -293,5 +301,10 @@ uint32_t QOS_GetCarInfo(uint32_t /*unused*/, uint32_t index, QOS_PROFILE_INFO_S*
 void QOS_AssignCars(QOS_PROFILE_INFO_S* info, uint32_t item, uint32_t field1, uint32_t field2,
                     uint32_t field3, uint32_t field4)
 {
-    (item == SECOND_SLOT_ITEM ? info->car1 : info->car0) = {1, field1, field3, field2, field4};
+    const QOS_CAR_S car = {1, field1, field3, field2, field4};
+    if (item == SECOND_SLOT_ITEM) {
+        info->car1 = car;
+    } else {
+        info->car0 = car;
+    }
 }
