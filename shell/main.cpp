@@ -9,12 +9,12 @@
 
 #include <CLI/CLI.hpp>
 
-#include "shell/daemon.h"
-#include "shell/events/event.h"
-#include "shell/events/queue.h"
-#include "shell/log_catcher.h"
-#include "shell/prompt.h"
+#include "shell/events/event_json.h"
+#include "shell/events/event_queue.h"
+#include "shell/hosted_library.h"
+#include "shell/output/log_capture.h"
 #include "shell/source.h"
+#include "shell/terminal/prompt.h"
 
 namespace {
 
@@ -27,7 +27,7 @@ struct Options {
     bool echo = false;
 };
 
-constexpr auto examples = R"(
+constexpr auto EXAMPLES = R"(
 Examples:
   tarnd-qrb host                                       a prompt; this host's interfaces
   tarnd-qrb device.json IF_INTF_GetIfNameByIfIndex 2   one call, and its answer
@@ -41,7 +41,7 @@ Exit status: 0 every call did what it should; 1 one of them failed, or the sourc
 
 void Describe(CLI::App& app, Options& options)
 {
-    app.footer(examples);
+    app.footer(EXAMPLES);
     app.add_flag("-j,--json", options.json, "Answers as JSON, one object a line");
     app.add_flag("-e,--echo", options.echo,
                  "Repeats each line of standard input before its answer");
@@ -110,7 +110,7 @@ Status Run(const Options& options)
     shell::SetLogSink([](const std::string& line) { shell::Events().Push(shell::LogEvent(line)); });
     BlockInterrupts(SIG_BLOCK);
     const auto source = shell::OpenSource(options.source);
-    const shell::Library library;
+    const shell::HostedLibrary library;
     source->Follow();
     BlockInterrupts(SIG_UNBLOCK);
     shell::Printer printer(std::cout, StyleFor(options));

@@ -4,29 +4,17 @@
 
 #include <standin/changes.h>
 
-#include "shell/command.h"
-#include "shell/events/queue.h"
-#include "shell/nearest.h"
+#include "shell/commands/command.h"
+#include "shell/events/event_queue.h"
+#include "shell/nearest_name.h"
 
 namespace shell {
 namespace {
 
-constexpr std::chrono::seconds longestWait(3);
-
-std::vector<std::string> AllNames()
-{
-    std::vector<std::string> names;
-    for (const Command& command : Commands()) {
-        names.emplace_back(command.name);
-    }
-    for (const Function& function : Functions()) {
-        names.emplace_back(function.name);
-    }
-    return names;
-}
+constexpr std::chrono::seconds LONGEST_WAIT(3);
 
 // What is wrong with the words is told together with those that would be right.
-Answer CallWith(const Function& function, Words& words)
+CallResult CallWith(const Function& function, Words& words)
 {
     try {
         return function.call(words);
@@ -68,7 +56,7 @@ Status Shell::Execute(const std::vector<std::string>& words)
         return Carry(words[0], arguments);
     });
     // What a write brought about stands behind it.
-    standin::AwaitDeliveries(longestWait);
+    standin::AwaitDeliveries(LONGEST_WAIT);
     PrintEvents();
     return status;
 }
@@ -97,10 +85,10 @@ Status Shell::Carry(const std::string& name, Words& words)
     }
     const Function* function = FindFunction(name);
     if (function == nullptr) {
-        throw UsageError(NoSuch("function or command", name, AllNames()));
+        throw UsageError(NoSuch("function or command", name, CallableNames()));
     }
     // Registries are changed only while nothing is published.
-    Answer answer;
+    CallResult answer;
     standin::BetweenDeliveries([&] { answer = CallWith(*function, words); });
     printer_.Print(*function, answer);
     const bool good = !answer.code || function->result.Of(*answer.code).good;

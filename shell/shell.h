@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "shell/printer.h"
-#include "shell/transaction.h"
+#include "shell/commands/pending_writes.h"
+#include "shell/output/printer.h"
 
 namespace shell {
 
@@ -29,12 +29,12 @@ public:
     bool Ended() const { return ended_; }
     void End() { ended_ = true; }
     Printer& Out() { return printer_; }
-    Transaction& Writes() { return writes_; }
+    PendingWrites& Writes() { return writes_; }
 
 private:
     Status Carry(const std::string& name, Words& words);
 
-    Transaction writes_;
+    PendingWrites writes_;
     Printer& printer_;
     bool ended_ = false;
 };

@@ -1,6 +1,6 @@
 #include "shell/source.h"
 
-#include "shell/progress.h"
+#include "shell/terminal/progress.h"
 #include "sources/cluster.h"
 #include "sources/host.h"
 #include "sources/json_file.h"
@@ -32,9 +32,9 @@ std::unique_ptr<sources::Source> OpenSource(const std::string& name)
     if (name == "host") {
         return std::make_unique<HostSource>();
     }
-    constexpr std::string_view ovsdb = "ovsdb:";
-    if (name.starts_with(ovsdb)) {
-        return std::make_unique<sources::Cluster>(name.substr(ovsdb.size()));
+    constexpr std::string_view OVSDB = "ovsdb:";
+    if (name.starts_with(OVSDB)) {
+        return std::make_unique<sources::Cluster>(name.substr(OVSDB.size()));
     }
     return std::make_unique<JsonSource>(name);
 }

@@ -6,7 +6,7 @@
 namespace shell {
 namespace {
 
-constexpr std::string_view blanks = " \t\r\n";
+constexpr std::string_view BLANKS = " \t\r\n";
 
 // The length of the JSON object or array that the text begins with.
 size_t JsonLength(std::string_view text)
@@ -56,7 +56,7 @@ std::string Take(std::string_view& line, size_t count)
 std::string TakeWord(std::string_view& line)
 {
     std::string word;
-    while (!line.empty() && blanks.find(line.front()) == std::string_view::npos) {
+    while (!line.empty() && BLANKS.find(line.front()) == std::string_view::npos) {
         const char front = line.front();
         if (front == '"' || front == '\'') {
             word += TakeQuoted(line);
@@ -73,7 +73,7 @@ std::vector<std::string> SplitLine(std::string_view line)
 {
     std::vector<std::string> words;
     for (;;) {
-        line.remove_prefix(std::min(line.find_first_not_of(blanks), line.size()));
+        line.remove_prefix(std::min(line.find_first_not_of(BLANKS), line.size()));
         if (line.empty() || line.front() == '#') {
             return words;
         }

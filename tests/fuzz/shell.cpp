@@ -12,9 +12,9 @@
 #include <tarnd_qrb/memory_map.h>
 
 #include "fuzz.h"
-#include "shell/command.h"
-#include "shell/function.h"
-#include "shell/log_catcher.h"
+#include "shell/commands/command.h"
+#include "shell/functions/function.h"
+#include "shell/output/log_capture.h"
 #include "sources/json_error.h"
 
 namespace {

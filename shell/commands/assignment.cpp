@@ -1,0 +1,135 @@
+#include "shell/commands/assignment.h"
+
+#include <algorithm>
+
+#include "shell/table_lookup.h"
+#include "sources/json_row.h"
+#include "sources/json_set.h"
+
+namespace shell {
+namespace {
+
+using Operator = Assignment::Operator;
+using standin::Field;
+using standin::Kind;
+using standin::Table;
+
+bool InPrimaryKey(const Table& table, const std::string& name)
+{
+    return std::ranges::any_of(table.keys[0].members,
+                               [&](const Field* member) { return member->name == name; });
+}
+
+Assignment ParseAssignment(const Table& table, const std::string& word)
+{
+    const size_t equals = word.find('=');
+    if (equals == std::string::npos || equals == 0) {
+        throw UsageError("\"" + word + "\" is not of the form FIELD=VALUE");
+    }
+    const char mark = word[equals - 1];
+    const bool sets = mark == '+' || mark == '-';
+    Assignment assignment{word.substr(0, equals - (sets ? 1 : 0)),
+                          mark == '+'   ? Operator::Add
+                          : mark == '-' ? Operator::Remove
+                                        : Operator::Set,
+                          word.substr(equals + 1), false};
+    const Field* field = FieldOrList(table, assignment.field);
+    if (sets && (field == nullptr || field->kind != Kind::Set)) {
+        throw UsageError(assignment.field + " is no set: only = can be used with it");
+    }
+    assignment.isKey = InPrimaryKey(table, assignment.field);
+    return assignment;
+}
+
+bool IsNumber(const std::string& text)
+{
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos &&
+           text.size() < 20;
+}
+
+// As the JSON format has it.
+Json ValueOf(const Table& table, const Assignment& assignment)
+{
+    const Field* field = standin::FindField(table.fields, assignment.field);
+    if (field == nullptr) {
+        Json list = Json::parse(assignment.value, nullptr, false);
+        return list.is_discarded() ? Json(assignment.value) : list;
+    }
+    if (field->kind == Kind::Number && IsNumber(assignment.value)) {
+        return std::stoull(assignment.value);
+    }
+    if (field->kind == Kind::Set && assignment.value.empty()) {
+        return Json::array();
+    }
+    return assignment.value;
+}
+
+// The row without the ids of a set.
+standin::Row Without(standin::Row row, const Assignment& assignment)
+{
+    const Table& table = row.Description();
+    const Field& field = *standin::FindField(table.fields, assignment.field);
+    standin::Row ids(table);
+    sources::AddSet(ids, field, assignment.value);
+    std::vector<uint8_t> bits(field.width);
+    std::ranges::transform(row.Bytes(field), ids.Bytes(field), bits.begin(),
+                           [](uint8_t bit, uint8_t gone) { return bit & ~gone; });
+    return row.SetBytes(field.name, bits);
+}
+
+// The row that the object describes; what is wrong is told with the table's name.
+standin::Row RowOf(const Table& table, const Json& object)
+{
+    try {
+        return sources::RowFromJson(table, object);
+    } catch (const sources::JsonError& error) {
+        throw error.Under(std::string(table.name));
+    }
+}
+
+}  // namespace
+
+std::vector<Assignment> TakeAssignments(const Table& table, Words& words)
+{
+    std::vector<Assignment> assignments;
+    for (const std::string& word : words.TakeAll()) {
+        assignments.push_back(ParseAssignment(table, word));
+    }
+    return assignments;
+}
+
+standin::Row NewRow(const Table& table, const std::vector<Assignment>& assignments)
+{
+    Json object = Json::object();
+    for (const Assignment& assignment : assignments) {
+        object[assignment.field] = ValueOf(table, assignment);
+    }
+    return RowOf(table, object);
+}
+
+standin::Row Changed(const standin::Row& row, const std::vector<Assignment>& assignments)
+{
+    const Table& table = row.Description();
+    Json object = sources::RowToJson(row);
+    for (const Assignment& assignment : assignments) {
+        if (assignment.op == Operator::Set) {
+            object[assignment.field] = ValueOf(table, assignment);
+        } else if (assignment.op == Operator::Add) {
+            object[assignment.field].push_back(ValueOf(table, assignment));
+        }
+    }
+    standin::Row changed = RowOf(table, object);
+    for (const Assignment& assignment : assignments) {
+        if (assignment.op == Operator::Remove) {
+            changed = Without(std::move(changed), assignment);
+        }
+    }
+    return changed;
+}
+
+bool Has(const standin::Row& row, const std::vector<Assignment>& assignments)
+{
+    return Changed(row, assignments) == row;
+}
+
+}  // namespace shell

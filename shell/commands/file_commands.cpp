@@ -1,0 +1,183 @@
+// Whole devices as files: load, dump, diff.
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <map>
+
+#include "shell/commands/command.h"
+#include "shell/output/json_text.h"
+#include "shell/table_lookup.h"
+#include "shell/terminal/progress.h"
+#include "sources/json_file.h"
+#include "sources/json_row.h"
+
+namespace shell {
+namespace {
+
+using standin::Row;
+
+Status Load(Shell& shell, Words& words)
+{
+    const std::string file = words.Take("file");
+    words.ExpectEnd();
+    std::vector<sources::Write> writes;
+    Progress progress("rows read");
+    sources::ReadJson(file, [&](Row row) {
+        writes.push_back({sources::Write::Kind::Insert, std::move(row)});
+        progress.Step();
+    });
+    const size_t count = writes.size();
+    shell.Writes().Write(std::move(writes));
+    shell.Out().PrintDone(shell.Writes().IsOpen() ? "waiting for commit" : "loaded", count);
+    return Status::Good;
+}
+
+Status Dump(Shell& shell, Words& words)
+{
+    const std::string file = words.Empty() ? "-" : words.Take("file");
+    words.ExpectEnd();
+    const std::string text = sources::DumpJson();
+    if (file == "-") {
+        shell.Out().PrintRaw(text);
+        return Status::Good;
+    }
+    std::ofstream output(file, std::ios::binary);
+    output << text << std::flush;
+    if (!output) {
+        throw standin::Error(file + ": " + std::strerror(errno));
+    }
+    return Status::Good;
+}
+
+// The rows of a device, by table and key.
+using Contents = std::map<std::pair<size_t, Json>, Json>;
+
+void AddTo(Contents& contents, const Row& row)
+{
+    const standin::Table& table = row.Description();
+    Json whole = sources::RowToJson(row);
+    Json key = Json::array();
+    for (const standin::Field* member : table.keys[0].members) {
+        key.push_back(whole[std::string(member->name)]);
+    }
+    const auto place = static_cast<size_t>(&table - standin::Tables().data());
+    contents.emplace(std::pair(place, std::move(key)), std::move(whole));
+}
+
+Contents ContentsOf(const std::string& file)
+{
+    Contents contents;
+    sources::ReadJson(file, [&](const Row& row) { AddTo(contents, row); });
+    return contents;
+}
+
+Contents PresentContents()
+{
+    Contents contents;
+    for (const standin::Table& table : standin::Tables()) {
+        standin::ForEachRow(table, [&](const Row& row) { AddTo(contents, row); });
+    }
+    return contents;
+}
+
+Json ValueOr(const Json& row, const std::string& field)
+{
+    const auto found = row.is_object() ? row.find(field) : row.end();
+    return found != row.end() && row.is_object() ? *found : Json();
+}
+
+// One row of the difference; null for a row that is not there.
+Json Difference(const std::pair<size_t, Json>& place, const Json& before, const Json& after)
+{
+    const standin::Table& table = standin::Tables()[place.first];
+    Json key = Json::object();
+    for (size_t i = 0; i < place.second.size(); ++i) {
+        key[std::string(table.keys[0].members[i]->name)] = place.second[i];
+    }
+    const char* change = before.is_null() ? "added" : after.is_null() ? "removed" : "changed";
+    return {{"change", change},
+            {"table", table.name},
+            {"key", key},
+            {"before", before},
+            {"after", after}};
+}
+
+Json Compare(const Contents& before, const Contents& after)
+{
+    Json differences = Json::array();
+    for (const auto& [place, row] : before) {
+        const auto now = after.find(place);
+        if (now == after.end()) {
+            differences.push_back(Difference(place, row, nullptr));
+        } else if (now->second != row) {
+            differences.push_back(Difference(place, row, now->second));
+        }
+    }
+    for (const auto& [place, row] : after) {
+        if (!before.contains(place)) {
+            differences.push_back(Difference(place, nullptr, row));
+        }
+    }
+    return differences;
+}
+
+// "+ table key...", "- table key...", "~ table key: field before -> after".
+std::string Described(const Json& difference)
+{
+    const Json& before = difference["before"];
+    const Json& after = difference["after"];
+    const std::string table = difference["table"].get<std::string>() + " ";
+    if (before.is_null()) {
+        return "+ " + table + OneLine(after) + "\n";
+    }
+    if (after.is_null()) {
+        return "- " + table + OneLine(before) + "\n";
+    }
+    std::string changes;
+    for (const std::string& field :
+         FieldNames(KnownTable(difference["table"].get<std::string>()))) {
+        const Json was = ValueOr(before, field);
+        const Json is = ValueOr(after, field);
+        if (was != is) {
+            changes += (changes.empty() ? ": " : ", ") + field + " " +
+                       (was.is_null() ? "nothing" : OneLine(was)) + " -> " +
+                       (is.is_null() ? "nothing" : OneLine(is));
+        }
+    }
+    return "~ " + table + OneLine(difference["key"]) + changes + "\n";
+}
+
+// As diff(1) does it: 1 where there is a difference.
+Status Diff(Shell& shell, Words& words)
+{
+    const Contents before = ContentsOf(words.Take("file"));
+    const Contents after = words.Empty() ? PresentContents() : ContentsOf(words.Take("file"));
+    words.ExpectEnd();
+    const Json differences = Compare(before, after);
+    std::string text;
+    for (const Json& difference : differences) {
+        text += Described(difference);
+    }
+    if (shell.Out().IsJson()) {
+        shell.Out().PrintRows(differences);
+    } else {
+        shell.Out().PrintText(text);
+    }
+    return differences.empty() ? Status::Good : Status::Failed;
+}
+
+}  // namespace
+
+// clang-format off
+std::vector<Command> FileCommands()
+{
+    return {
+        {"load", "FILE", "Adds the rows of a JSON file, all or none.", Load},
+        {"dump", "[FILE]", "Writes the whole database as JSON, here or to a file.", Dump},
+        {"diff", "FILE [FILE]", "Tells what differs from one file to another, or to the database as it is now.", Diff},
+    };
+}
+// clang-format on
+
+}  // namespace shell

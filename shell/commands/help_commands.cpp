@@ -1,0 +1,152 @@
+// help, json, quit.
+#include <algorithm>
+#include <cctype>
+
+#include "shell/commands/command.h"
+#include "shell/nearest_name.h"
+#include "shell/terminal/completion.h"
+
+namespace shell {
+namespace {
+
+std::string FormText(const Argument& argument)
+{
+    std::string text = argument.form == Form::Ipv4  ? "an IPv4 address"
+                       : argument.form == Form::Mac ? "a MAC address"
+                                                    : "";
+    if (!argument.table.empty() && !argument.field.empty()) {
+        text += (text.empty() ? "" : ", ") + std::string(argument.table) + "." +
+                std::string(argument.field);
+    }
+    if (!argument.fallback.empty() && argument.fallback != NULL_WORD) {
+        text += (text.empty() ? "" : ", ") + ("else " + std::string(argument.fallback));
+    }
+    return text;
+}
+
+std::string ArgumentLines(const Function& function)
+{
+    std::string text;
+    for (const Parameter& parameter : function.parameters) {
+        if (parameter.argument.ignored) {
+            continue;
+        }
+        std::string line = parameter.direction == Direction::In ? "  in   " : "  out  ";
+        line += parameter.argument.name;
+        line.resize(std::max<size_t>(line.size() + 2, 22), ' ');
+        line += FormText(parameter.argument);
+        text += line.erase(line.find_last_not_of(' ') + 1) + "\n";
+    }
+    return text;
+}
+
+std::string FunctionHelp(const Function& function)
+{
+    std::string text = std::string(function.name) + " " + function.Usage() + "\n  " +
+                       std::string(function.answers) + "\n";
+    text += ArgumentLines(function);
+    text += "  result  " + function.result.Help() + "\n";
+    if (!function.tables.empty()) {
+        text += "  reads   " + std::string(function.tables) + "\n";
+    }
+    return text;
+}
+
+std::string CommandHelp(const Command& command)
+{
+    return std::string(command.name) + (command.arguments.empty() ? "" : " ") +
+           std::string(command.arguments) + "\n  " + std::string(command.does) + "\n";
+}
+
+// The beginning, up to the first stop.
+std::string Short(std::string_view does)
+{
+    return std::string(does.substr(0, does.find_first_of(":;,.")));
+}
+
+std::string Overview()
+{
+    std::string text = "Commands, more about each with help NAME:\n";
+    for (const Command& command : Commands()) {
+        std::string line = "  " + std::string(command.name) + " " + std::string(command.arguments);
+        line.resize(std::max<size_t>(line.size() + 2, 36), ' ');
+        text += line + Short(command.does) + "\n";
+    }
+    return text +
+           "\nA function is called by its name with its inputs: IF_INTF_GetIfNameByIfIndex 2\n"
+           "  functions         lists them all, functions vlan those that have to do with VLANs\n"
+           "  help FUNCTION     tells its arguments, its result and what it answers\n";
+}
+
+Status Help(Shell& shell, Words& words)
+{
+    if (words.Empty()) {
+        shell.Out().PrintText(Overview());
+        return Status::Good;
+    }
+    const std::string topic = words.Take("topic");
+    words.ExpectEnd();
+    if (const Command* command = FindCommand(topic)) {
+        shell.Out().PrintText(CommandHelp(*command));
+    } else if (const Function* function = FindFunction(topic)) {
+        shell.Out().PrintText(FunctionHelp(*function));
+    } else {
+        throw UsageError(NoSuch("function or command", topic, CallableNames()));
+    }
+    return Status::Good;
+}
+
+bool Mentions(std::string_view text, std::string_view word)
+{
+    const auto lower = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
+    const auto same = [=](char one, char other) { return lower(one) == lower(other); };
+    return std::search(text.begin(), text.end(), word.begin(), word.end(), same) != text.end();
+}
+
+Status ShowFunctions(Shell& shell, Words& words)
+{
+    const std::string word = words.TakeRest();
+    Json rows = Json::array();
+    for (const Function& function : Functions()) {
+        if (Mentions(function.name, word) || Mentions(function.answers, word) ||
+            Mentions(function.tables, word)) {
+            rows.push_back({{"function", function.name},
+                            {"arguments", function.Usage()},
+                            {"answers", function.answers}});
+        }
+    }
+    shell.Out().PrintRows(rows);
+    return Status::Good;
+}
+
+Status ListCompletions(Shell& shell, Words& words)
+{
+    std::string text;
+    for (const std::string& candidate : Complete(words.TakeRest()).candidates) {
+        text += candidate + "\n";
+    }
+    shell.Out().PrintText(text);
+    return Status::Good;
+}
+
+Status Quit(Shell& shell, Words& /*words*/)
+{
+    shell.End();
+    return Status::Good;
+}
+
+}  // namespace
+
+// clang-format off
+std::vector<Command> HelpCommands()
+{
+    return {
+        {"functions", "[WORD]", "Lists the library's functions, or those that have to do with a word.", ShowFunctions},
+        {"help", "[NAME]", "Tells about a command or a function.", Help},
+        {"complete", "'LINE'", "Lists what could stand where a line breaks off; Tab does so at the prompt.", ListCompletions},
+        {"quit", "", "Ends the shell.", Quit},
+    };
+}
+// clang-format on
+
+}  // namespace shell

@@ -1,0 +1,119 @@
+// Writing, as the rest of a device does: insert, update, replace, delete; begin, commit, abort.
+#include <algorithm>
+#include <functional>
+
+#include "shell/commands/assignment.h"
+#include "shell/commands/command.h"
+#include "shell/table_lookup.h"
+
+namespace shell {
+namespace {
+
+using Kind = sources::Write::Kind;
+using standin::Row;
+using standin::Table;
+
+using Assignments = std::vector<Assignment>;
+
+// Writes, and says so.
+Status Do(Shell& shell, std::vector<sources::Write> writes, const char* done)
+{
+    const size_t count = writes.size();
+    shell.Writes().Write(std::move(writes));
+    if (shell.Writes().IsOpen()) {
+        shell.Out().PrintDone("waiting for commit", shell.Writes().Waiting());
+    } else {
+        shell.Out().PrintDone(done, count);
+    }
+    return Status::Good;
+}
+
+Status WriteNew(Shell& shell, Words& words, Kind kind)
+{
+    const Table& table = KnownTable(words.Take("table"));
+    return Do(shell, {{kind, NewRow(table, TakeAssignments(table, words))}},
+              kind == Kind::Insert ? "inserted" : "replaced");
+}
+
+// The rows that the assignments fit; there must be one.
+std::vector<Row> Chosen(Shell& shell, const Table& table, const Assignments& wanted)
+{
+    if (wanted.empty()) {
+        throw UsageError("which row of " + std::string(table.name) + "? FIELD=VALUE is missing");
+    }
+    std::vector<Row> rows = shell.Writes().RowsOf(table);
+    std::erase_if(rows, [&](const Row& row) { return !Has(row, wanted); });
+    if (rows.empty()) {
+        throw standin::Error(std::string(table.name) + ": there is no such row");
+    }
+    return rows;
+}
+
+// The key's fields say which row, the others what becomes of it.
+Status Update(Shell& shell, Words& words)
+{
+    const Table& table = KnownTable(words.Take("table"));
+    Assignments changes = TakeAssignments(table, words);
+    const auto rest =
+        std::stable_partition(changes.begin(), changes.end(), std::mem_fn(&Assignment::isKey));
+    const auto rows = Chosen(shell, table, {changes.begin(), rest});
+    if (rows.size() > 1) {
+        throw UsageError(std::to_string(rows.size()) + " rows have this; give the whole key");
+    }
+    if (rest == changes.end()) {
+        throw UsageError("what is to change? FIELD=VALUE is missing");
+    }
+    return Do(shell, {{Kind::Update, Changed(rows[0], {rest, changes.end()})}}, "updated");
+}
+
+Status Delete(Shell& shell, Words& words)
+{
+    const Table& table = KnownTable(words.Take("table"));
+    std::vector<sources::Write> writes;
+    for (const Row& row : Chosen(shell, table, TakeAssignments(table, words))) {
+        writes.push_back({Kind::Delete, row});
+    }
+    return Do(shell, std::move(writes), "deleted");
+}
+
+Status Begin(Shell& shell, Words& words)
+{
+    words.ExpectEnd();
+    shell.Writes().Begin();
+    return Status::Good;
+}
+
+Status Commit(Shell& shell, Words& words)
+{
+    words.ExpectEnd();
+    shell.Out().PrintDone("committed", shell.Writes().Commit());
+    return Status::Good;
+}
+
+Status Abort(Shell& shell, Words& words)
+{
+    words.ExpectEnd();
+    shell.Out().PrintDone("forgotten", shell.Writes().Abort());
+    return Status::Good;
+}
+
+}  // namespace
+
+// clang-format off
+std::vector<Command> WriteCommands()
+{
+    const auto insert  = [](Shell& shell, Words& words) { return WriteNew(shell, words, Kind::Insert); };
+    const auto replace = [](Shell& shell, Words& words) { return WriteNew(shell, words, Kind::Replace); };
+    return {
+        {"insert", "TABLE FIELD=VALUE...", "Adds a row; what is left out is zero or empty.", insert},
+        {"update", "TABLE FIELD=VALUE...", "Changes a row: the key's fields say which, the others what. Sets also take += and -=.", Update},
+        {"replace", "TABLE FIELD=VALUE...", "Adds a row, or puts it in the place of the one with its key.", replace},
+        {"delete", "TABLE FIELD=VALUE...", "Deletes the rows that have these values.", Delete},
+        {"begin", "", "Begins a transaction: writes wait for commit.", Begin},
+        {"commit", "", "Carries out the writes that wait, all or none.", Commit},
+        {"abort", "", "Forgets the writes that wait.", Abort},
+    };
+}
+// clang-format on
+
+}  // namespace shell

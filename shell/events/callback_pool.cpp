@@ -1,0 +1,106 @@
+#include "shell/events/callback_pool.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "shell/events/event_json.h"
+#include "shell/events/event_queue.h"
+#include "shell/words.h"
+
+namespace shell {
+namespace {
+
+template <size_t place>
+uint32_t OnLayer2(const void* data, uint32_t value, void* argument, uint64_t* /*word*/)
+{
+    Events().Push(Layer2Event(Layer2Callbacks().Of(place), data, value, argument));
+    return 0;
+}
+
+template <size_t place>
+uint32_t OnInterface(uint32_t /*sub*/, uint32_t flag, uint32_t ifIndex, void* first,
+                     void* /*second*/)
+{
+    Events().Push(InterfaceEvent(InterfaceCallbacks().Of(place), flag, ifIndex, first));
+    return 0;
+}
+
+template <size_t place>
+uint32_t OnNotification(uint32_t ifIndex, uint32_t command, uint32_t a, uint32_t b)
+{
+    Events().Push(NotificationEvent(NotificationCallbacks().Of(place), ifIndex, command, a, b));
+    return 0;
+}
+
+template <size_t... place>
+std::array<L2IF_SH_EVT_CB_FUNC*, sizeof...(place)> AllLayer2(std::index_sequence<place...>)
+{
+    return {OnLayer2<place>...};
+}
+
+template <size_t... place>
+std::array<IF_EVT_CB_FUNC*, sizeof...(place)> AllInterface(std::index_sequence<place...>)
+{
+    return {OnInterface<place>...};
+}
+
+template <size_t... place>
+std::array<IF_NOTIFY_FUNC*, sizeof...(place)> AllNotification(std::index_sequence<place...>)
+{
+    return {OnNotification<place>...};
+}
+
+}  // namespace
+
+template <typename Callback>
+Callback* CallbackPool<Callback>::Take(const Registration& registration)
+{
+    const auto free = std::ranges::find(entries_, uint64_t{0}, &PoolEntry::taken);
+    if (free == entries_.end()) {
+        throw UsageError("no more than " + std::to_string(SIZE) + " callbacks can be registered");
+    }
+    *free = {registration, ++takes_};
+    return callbacks_[static_cast<size_t>(free - entries_.begin())];
+}
+
+template <typename Callback>
+Callback* CallbackPool<Callback>::Find(const Registration& registration) const
+{
+    const auto fit = [&](const PoolEntry& entry) {
+        const bool isFor = entry.taken > 0 && entry.registration.IsFor(registration);
+        return isFor ? entry.taken + 1 : entry.taken == 0 ? 1 : 0;
+    };
+    const auto best = std::ranges::max_element(entries_, {}, fit);
+    return callbacks_[static_cast<size_t>(best - entries_.begin())];
+}
+
+template <typename Callback>
+void CallbackPool<Callback>::GiveBack(const Callback* callback)
+{
+    const auto found = std::ranges::find(callbacks_, callback);
+    entries_[static_cast<size_t>(found - callbacks_.begin())] = {};
+}
+
+template class CallbackPool<L2IF_SH_EVT_CB_FUNC>;
+template class CallbackPool<IF_EVT_CB_FUNC>;
+template class CallbackPool<IF_NOTIFY_FUNC>;
+
+CallbackPool<L2IF_SH_EVT_CB_FUNC>& Layer2Callbacks()
+{
+    static CallbackPool<L2IF_SH_EVT_CB_FUNC> pool(AllLayer2(std::make_index_sequence<512>()));
+    return pool;
+}
+
+CallbackPool<IF_EVT_CB_FUNC>& InterfaceCallbacks()
+{
+    static CallbackPool<IF_EVT_CB_FUNC> pool(AllInterface(std::make_index_sequence<512>()));
+    return pool;
+}
+
+CallbackPool<IF_NOTIFY_FUNC>& NotificationCallbacks()
+{
+    static CallbackPool<IF_NOTIFY_FUNC> pool(AllNotification(std::make_index_sequence<512>()));
+    return pool;
+}
+
+}  // namespace shell

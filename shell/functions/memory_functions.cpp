@@ -1,0 +1,42 @@
+// The daemon's modules and what each has in use.
+#include <tarnd_qrb/memory_map.h>
+
+#include "shell/functions/common_arguments.h"
+#include "shell/functions/function_definition.h"
+#include "shell/functions/result_codes.h"
+
+namespace shell {
+namespace {
+
+constexpr uint32_t MOST = 64;
+
+void ModuleMap(Json* modules)
+{
+    for (const auto& [name, handle] : g_memExModuleMap) {
+        modules->push_back({{"name", name}, {"handle", handle}});
+    }
+}
+
+constexpr Argument MODULE{.name = "module"};
+constexpr Argument ENTRIES{.name = "entries", .size = MOST};
+constexpr Argument ENTRY_COUNT{.name = "count", .highest = MOST, .fallback = "32"};
+
+}  // namespace
+
+// clang-format off
+std::vector<Function> MemoryFunctions()
+{
+    using namespace arguments;
+    return {
+        Define("g_memExModuleMap", ModuleMap, VALUE, "", "The daemon's modules, by module id.", Number("modules")),
+        FUNCTION(MEM_EX_Init, VALUE, "", "Asks the accounting service for every handle."),
+        FUNCTION(MEM_EX_GetHandle, VALUE, "", "The handle of a module; 0 where there is none.", MODULE),
+        FUNCTION(MEM_EX_GetModule, VALUE, "", "The id of a module; 32 where no module has the name.", NeverNull(Number("name"))),
+        FUNCTION(MEM_EX_GetDetailedInfoSize, OK_OR1, "", "How many entries a usage report has.", COUNT),
+        FUNCTION(MEM_EX_GetDetailedInfo, OK_OR_MEMORY, "", "What each module has in use.", ENTRIES, ENTRY_COUNT),
+        FUNCTION(MEM_EX_CopyDetailedInfo, OK_OR_MEMORY, "", "What the first modules have in use.", ENTRIES, ENTRY_COUNT),
+    };
+}
+// clang-format on
+
+}  // namespace shell

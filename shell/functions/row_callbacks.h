@@ -1,0 +1,41 @@
+// Any row of any table, through the callbacks of the generic keyed read and scan.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <standin/tables.h>
+#include <tarnd_platform/orm.h>
+
+#include "shell/functions/argument.h"
+
+namespace shell {
+
+using Rest = std::span<const std::string>;
+
+// The primary key of a table, a word for each member. Throws UsageError for words that don't fit,
+// and for the table whose key the contract can't set, "vlan".
+struct RowKey {
+    RowKey(const char* table, Rest words);
+
+    std::optional<std::string> name;  // only "acl_group_id" has one in its key
+    std::vector<uint32_t> numbers;
+};
+
+// Where a row goes, or an array of rows.
+struct RowOutput {
+    RowOutput(const char* tableName, Json& destination);
+
+    const standin::Table& table;
+    Json& output;
+};
+
+// Callbacks: a QRB_SET_KEY_FUNC for a RowKey, a QRB_GET_FIELDS_FUNC and a QRB_ENTRY_FUNC for a
+// RowOutput.
+uint32_t SetRowKey(ORM_SESSION session, const void* key);
+uint32_t GetRow(ORM_SESSION session, void* output);
+uint32_t AddRow(ORM_SESSION session, void* output, uint32_t index);
+
+}  // namespace shell

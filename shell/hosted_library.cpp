@@ -1,0 +1,56 @@
+#include "shell/hosted_library.h"
+
+#include <chrono>
+#include <stdexcept>
+
+#include <tarnd_qrb/listener.h>
+#include <tarnd_qrb/memory_map.h>
+#include <tarnd_qrb/subscription.h>
+
+#include "shell/events/event_json.h"
+#include "shell/events/event_queue.h"
+
+namespace shell {
+namespace {
+
+// The line with which the listener's thread reports that it runs.
+bool IsListenerStart(const Json& event)
+{
+    return event.value("line", "").find("DbListener thread start") != std::string::npos;
+}
+
+// Takes the lines of the start off the queue.
+std::string TakeStartLog()
+{
+    std::string lines;
+    for (bool isThere = false; !isThere;) {
+        Events().Wait(std::chrono::seconds(1));
+        const auto event = Events().Pop();
+        if (!event) {
+            break;
+        }
+        isThere = IsListenerStart(*event);
+        lines += "\n" + EventText(*event);
+    }
+    return lines;
+}
+
+}  // namespace
+
+HostedLibrary::HostedLibrary()
+{
+    MEM_EX_Init();
+    const bool isStarted = BDS_InitStart() == 0;
+    const std::string log = TakeStartLog();
+    if (!isStarted) {
+        throw std::runtime_error("the library does not start" + log);
+    }
+}
+
+HostedLibrary::~HostedLibrary()
+{
+    OrmCloseSession(g_dbListenerSubSession);
+    g_isDbListenerSubOpened = 0;
+}
+
+}  // namespace shell

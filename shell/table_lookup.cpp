@@ -1,0 +1,90 @@
+#include "shell/table_lookup.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "shell/nearest_name.h"
+#include "shell/words.h"
+#include "sources/json_row.h"
+
+namespace shell {
+namespace {
+
+template <typename Named>
+std::vector<std::string> NamesOf(std::span<const Named> all)
+{
+    std::vector<std::string> names;
+    for (const Named& one : all) {
+        names.emplace_back(one.name);
+    }
+    return names;
+}
+
+}  // namespace
+
+const standin::Table& KnownTable(std::string_view name)
+{
+    const standin::Table* table = standin::FindTable(name);
+    if (table == nullptr) {
+        throw UsageError(NoSuch("table", name, TableNames()));
+    }
+    return *table;
+}
+
+const standin::Field* FieldOrList(const standin::Table& table, std::string_view name)
+{
+    const standin::Field* field = standin::FindField(table.fields, name);
+    if (field == nullptr &&
+        std::ranges::find(table.lists, name, &standin::List::name) == table.lists.end()) {
+        throw UsageError(NoSuch("field", name, FieldNames(table)));
+    }
+    return field;
+}
+
+std::vector<std::string> FieldNames(const standin::Table& table)
+{
+    std::vector<std::string> names = NamesOf(table.fields);
+    std::ranges::move(NamesOf(table.lists), std::back_inserter(names));
+    return names;
+}
+
+std::vector<std::string> TableNames()
+{
+    return NamesOf(standin::Tables());
+}
+
+std::vector<std::string> ValuesOf(const standin::Table& table, std::string_view field)
+{
+    std::vector<std::string> values;
+    std::unordered_set<std::string> seen;
+    const auto add = [&](const Json& object) {
+        const auto found = object.find(field);
+        if (found != object.end() && seen.insert(Bare(*found)).second) {
+            values.push_back(Bare(*found));
+        }
+    };
+    standin::ForEachRow(table, [&](const standin::Row& row) {
+        const Json object = sources::RowToJson(row);
+        add(object);
+        for (const standin::List& list : table.lists) {
+            if (const auto items = object.find(list.name); items != object.end()) {
+                std::ranges::for_each(*items, add);
+            }
+        }
+    });
+    return values;
+}
+
+std::string WithInterfaceName(uint32_t ifIndex)
+{
+    const auto row = standin::Find(standin::Row("if_base").Set("if_index", ifIndex));
+    return std::to_string(ifIndex) + (row ? " (" + std::string(row->Text("if_name")) + ")" : "");
+}
+
+std::string Bare(const Json& value)
+{
+    return value.is_string() ? value.get<std::string>()
+                             : value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+}  // namespace shell

@@ -1,0 +1,218 @@
+#include "shell/terminal/prompt.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cwchar>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include <histedit.h>
+
+#include "shell/events/event_queue.h"
+#include "shell/terminal/completion.h"
+
+namespace shell {
+namespace {
+
+constexpr int historySize = 1000;
+
+std::filesystem::path HistoryFile()
+{
+    const char* const state = std::getenv("XDG_STATE_HOME");
+    const char* const home = std::getenv("HOME");
+    if (state != nullptr && *state != '\0') {
+        return std::filesystem::path(state) / "tarnd-qrb" / "history";
+    }
+    return std::filesystem::path(home != nullptr ? home : ".") / ".local/state/tarnd-qrb/history";
+}
+
+// The lines of earlier sessions, and of this one; kept when it ends.
+class History {
+public:
+    History() : history_(history_init()), file_(HistoryFile())
+    {
+        std::error_code ignored;
+        std::filesystem::create_directories(file_.parent_path(), ignored);
+        Do(H_SETSIZE, historySize);
+        Do(H_SETUNIQUE, 1);
+        Do(H_LOAD, file_.c_str());
+    }
+    ~History()
+    {
+        Do(H_SAVE, file_.c_str());
+        history_end(history_);
+    }
+    History(const History&) = delete;
+    History& operator=(const History&) = delete;
+
+    template <typename... Arguments>
+    void Do(int operation, Arguments... arguments)
+    {
+        HistEvent event{};
+        ::history(history_, &event, operation, arguments...);
+    }
+    ::History* Get() { return history_; }
+
+private:
+    ::History* history_;
+    std::filesystem::path file_;
+};
+
+// What the editor's functions work with.
+struct Prompt {
+    explicit Prompt(Shell& runningShell) : shell(runningShell) {}
+
+    Shell& shell;
+    std::string text;
+};
+
+Prompt& PromptOf(EditLine* editor)
+{
+    Prompt* prompt = nullptr;
+    el_get(editor, EL_CLIENTDATA, &prompt);
+    return *prompt;
+}
+
+char* PromptText(EditLine* editor)
+{
+    Prompt& prompt = PromptOf(editor);
+    prompt.text = prompt.shell.Writes().IsOpen() ? "qrb*> " : "qrb> ";
+    return prompt.text.data();
+}
+
+std::string_view CommonStart(const std::vector<std::string>& words)
+{
+    std::string_view start = words.front();
+    for (const std::string& word : words) {
+        start = start.substr(
+            0, static_cast<size_t>(std::ranges::mismatch(start, word).in1 - start.begin()));
+    }
+    return start;
+}
+
+// In columns as wide as the terminal has room for.
+void ListWords(const std::vector<std::string>& words, size_t terminalWidth)
+{
+    const auto longest = std::ranges::max(words, {}, &std::string::size).size();
+    const size_t columns = std::max<size_t>(terminalWidth / (longest + 2), 1);
+    std::cout << '\n';
+    for (size_t i = 0; i < words.size(); ++i) {
+        const bool endsLine = (i + 1) % columns == 0 || i + 1 == words.size();
+        std::cout << words[i]
+                  << (endsLine ? "\n" : std::string(longest + 2 - words[i].size(), ' '));
+    }
+    std::cout << std::flush;
+}
+
+size_t TerminalWidth(EditLine* editor)
+{
+    char name[] = "co";
+    int columns = 80;
+    void* unused = nullptr;
+    el_get(editor, EL_GETTC, name, &columns, unused);
+    return static_cast<size_t>(columns);
+}
+
+// Adds what all candidates have in common; where that is nothing, lists them.
+unsigned char OnTab(EditLine* editor, int /*key*/)
+{
+    constexpr size_t most = 200;
+    const LineInfo* line = el_line(editor);
+    const auto [begun, candidates] =
+        Complete({line->buffer, static_cast<size_t>(line->cursor - line->buffer)});
+    if (candidates.empty()) {
+        return CC_REFRESH_BEEP;
+    }
+    const std::string_view start = CommonStart(candidates);
+    std::string added(start.substr(begun.size()));
+    if (candidates.size() == 1 && !start.ends_with('=') && !start.ends_with('/')) {
+        added += ' ';
+    }
+    if (!added.empty()) {
+        return el_insertstr(editor, added.c_str()) == 0 ? CC_REFRESH : CC_ERROR;
+    }
+    if (candidates.size() <= most) {
+        ListWords(candidates, TerminalWidth(editor));
+    } else {
+        std::cout << '\n' << candidates.size() << " possibilities\n" << std::flush;
+    }
+    return CC_REDISPLAY;
+}
+
+// Waits for a key. Events that come meanwhile are printed above the line.
+int ReadKey(EditLine* editor, wchar_t* key)
+{
+    pollfd waitedFor[] = {{STDIN_FILENO, POLLIN, 0}, {Events().Descriptor(), POLLIN, 0}};
+    while (poll(waitedFor, std::size(waitedFor), -1) < 0 || waitedFor[0].revents == 0) {
+        if (waitedFor[1].revents == 0) {
+            continue;
+        }
+        std::cout << "\r\033[K";
+        PromptOf(editor).shell.PrintEvents();
+        std::cout << std::flush;
+        el_set(editor, EL_REFRESH);
+    }
+    std::mbstate_t state{};
+    for (char byte = 0; read(STDIN_FILENO, &byte, 1) == 1;) {
+        const size_t used = std::mbrtowc(key, &byte, 1, &state);
+        if (used != static_cast<size_t>(-2)) {
+            return used == static_cast<size_t>(-1) ? -1 : 1;
+        }
+    }
+    return 0;
+}
+
+using Editor = std::unique_ptr<EditLine, decltype(&el_end)>;
+
+Editor MakeEditor(History& history, Prompt& prompt)
+{
+    Editor editor(el_init("tarnd-qrb", stdin, stdout, stderr), el_end);
+    el_set(editor.get(), EL_CLIENTDATA, &prompt);
+    el_set(editor.get(), EL_PROMPT, PromptText);
+    el_set(editor.get(), EL_EDITOR, "emacs");
+    el_set(editor.get(), EL_HIST, ::history, history.Get());
+    el_set(editor.get(), EL_GETCFN, ReadKey);
+    el_set(editor.get(), EL_ADDFN, "complete", "Completes a word", OnTab);
+    el_set(editor.get(), EL_BIND, "^I", "complete", nullptr);
+    el_set(editor.get(), EL_BIND, "^R", "em-inc-search-prev", nullptr);
+    // Ctrl-C gives up the line, not the shell.
+    el_set(editor.get(), EL_SETTY, "-d", "-isig", nullptr);
+    el_set(editor.get(), EL_BIND, "^C", "em-kill-line", nullptr);
+    el_source(editor.get(), nullptr);
+    return editor;
+}
+
+}  // namespace
+
+Status RunPrompt(Shell& shell)
+{
+    History history;
+    Prompt prompt(shell);
+    const Editor editor = MakeEditor(history, prompt);
+    Status worst = Status::Good;
+    std::cout << "help tells what there is, Tab completes, Ctrl-D ends.\n";
+    while (!shell.Ended()) {
+        int length = 0;
+        const char* const text = el_gets(editor.get(), &length);
+        if (text == nullptr || length <= 0) {
+            break;
+        }
+        const std::string line(text, static_cast<size_t>(length));
+        if (line.find_first_not_of(" \t\n") == std::string::npos) {
+            continue;
+        }
+        history.Do(H_ENTER, line.c_str());
+        worst = std::max(worst, shell.Execute(line));
+        std::cout.flush();
+    }
+    if (!shell.Ended()) {
+        std::cout << '\n';
+    }
+    return worst;
+}
+
+}  // namespace shell
