@@ -18,8 +18,7 @@
 #define QRB_INFO_AT(function, ...) \
     Tarn_QRB_Log_Printf(::qrb::PRIORITY_INFO, function, __LINE__, __VA_ARGS__)
 
-// Returns from the enclosing function with the result of a step unless it is 0. For functions whose
-// result is such a code.
+// Returns the code of a failing step from the enclosing function.
 #define QRB_TRY(step)                     \
     do {                                  \
         const uint32_t qrbTried = (step); \
@@ -35,7 +34,7 @@ inline constexpr uint32_t PRIORITY_WARNING = 4;
 inline constexpr uint32_t PRIORITY_INFO = 6;
 
 inline constexpr uint32_t OK = 0;
-inline constexpr uint32_t FAIL = 1;  // returned for every failure by functions without own codes
+inline constexpr uint32_t FAIL = 1;  // of status functions, for every failure
 inline constexpr uint32_t NONE = QRB_VALUE_NONE;
 
 // Whether a failure to end the scan or to close the session fails the query.

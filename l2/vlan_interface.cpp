@@ -1,4 +1,5 @@
-// VLAN interfaces: between VLAN id, name and interface index, from "if_base".
+// Conversions between the VLAN id, the name and the interface index of a VLAN interface, by
+// "if_base".
 #include <cstdlib>
 #include <cstring>
 
@@ -13,10 +14,10 @@ using namespace qrb;
 
 namespace {
 
-constexpr uint32_t FIRST_IF_INDEX = 10000;  // of the fixed numbering, for VLAN id 0
+constexpr uint32_t IF_INDEX_BASE = 10000;  // fixed numbering: interface index minus VLAN id
 constexpr uint16_t IF_TYPE_VLAN = 8;
 constexpr size_t VLAN_DIGITS_SIZE = 5;  // four digits and a NUL
-constexpr size_t SHORTEST_NAME = 2;     // characters before the digits
+constexpr size_t PREFIX_MIN = 2;        // characters before the digits
 constexpr int DECIMAL = 10;
 constexpr char NAME_FORMAT[] = "Vlanif%u";
 
@@ -33,7 +34,7 @@ uint32_t BDS_L2IF_VLAN_GetIfIndexByVlanId(uint16_t vlanId, uint32_t* ifIndex)
         QRB_ERROR("Null value provided\n");
         return FAIL;
     }
-    *ifIndex = FIRST_IF_INDEX + vlanId;
+    *ifIndex = IF_INDEX_BASE + vlanId;
     return OK;
 }
 
@@ -75,7 +76,7 @@ uint32_t BDS_IfnetGetVlanIdByIfName(const char* name, char* output, uint32_t siz
         head--;
     }
     const size_t digits = length - head;
-    if (digits == 0 || head < SHORTEST_NAME || digits + 1 > size) {
+    if (digits == 0 || head < PREFIX_MIN || digits + 1 > size) {
         return FAIL;
     }
     const int copied = memcpy_s(output, digits + 1, name + head, digits + 1);
