@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <functional>
 
-#include <standin/database.h>
+#include <standin/store.h>
 #include <tarnd_qrb/records.h>
 
 namespace bench {

@@ -19,7 +19,7 @@
 #include <thread>
 #include <vector>
 
-#include <standin/database.h>
+#include <standin/store.h>
 #include <tarnd_platform/orm_accessors.h>
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/interface_lookup.h>

@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-#include <standin/changes.h>
+#include <standin/deliveries.h>
 
 #include "shell/commands/command.h"
 #include "shell/events/event_queue.h"

@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include <standin/database.h>
+#include <standin/store.h>
 
 namespace sources {
 

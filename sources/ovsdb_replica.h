@@ -8,7 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include <standin/database.h>
+#include <standin/store.h>
 
 #include "sources/ovsdb_row.h"
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include <standin/database.h>
+#include <standin/store.h>
 
 #include "sources/ovsdb_schema.h"
 

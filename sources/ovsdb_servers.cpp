@@ -4,7 +4,7 @@
 #include <optional>
 #include <sstream>
 
-#include <standin/database.h>
+#include <standin/store.h>
 
 namespace sources::ovsdb {
 namespace {

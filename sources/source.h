@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include <standin/database.h>
+#include <standin/store.h>
 
 namespace sources {
 

@@ -9,7 +9,7 @@
 #include <set>
 #include <utility>
 
-#include <standin/database.h>
+#include <standin/store.h>
 #include <tarnd_qrb/route.h>
 
 #include "sources/host_mirror.h"

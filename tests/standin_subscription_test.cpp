@@ -13,7 +13,7 @@
 
 #include <gtest/gtest.h>
 
-#include <standin/changes.h>
+#include <standin/deliveries.h>
 #include <tarnd_platform/orm_subscription.h>
 
 #include "support/changes.h"

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <semaphore>
 
-#include <standin/database.h>
+#include <standin/store.h>
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/event_registry.h>
 #include <tarnd_qrb/interface_lookup.h>

@@ -7,7 +7,7 @@
 #include <csignal>
 #include <optional>
 
-#include <standin/changes.h>
+#include <standin/deliveries.h>
 #include <tarnd_qrb/event_publish.h>
 
 #include "shell/commands/command.h"

@@ -6,7 +6,7 @@
 #include <iomanip>
 #include <sstream>
 
-#include <standin/changes.h>
+#include <standin/deliveries.h>
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/records.h>
 

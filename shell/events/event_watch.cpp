@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include <standin/changes.h>
+#include <standin/deliveries.h>
 
 #include "shell/events/callback_pool.h"
 

@@ -12,7 +12,7 @@
 #include <type_traits>
 #include <vector>
 
-#include <standin/database.h>
+#include <standin/store.h>
 #include <tarnd_platform/orm.h>
 
 #include "support/events.h"

@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include <standin/database.h>
+#include <standin/store.h>
 #include <tarnd_qrb/ipv4_address.h>
 
 #include "fuzz.h"

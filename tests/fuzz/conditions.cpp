@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include <standin/database.h>
+#include <standin/store.h>
 #include <tarnd_platform/orm.h>
 
 #include "fuzz.h"

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include <standin/database.h>
+#include <standin/store.h>
 
 // A statement that must hold: the run stops, and the input is kept, where it doesn't.
 #define CHECK(statement)                                                                        \

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include <standin/database.h>
+#include <standin/store.h>
 #include <tarnd_qrb/acl.h>
 #include <tarnd_qrb/database.h>
 #include <tarnd_qrb/interface_lookup.h>

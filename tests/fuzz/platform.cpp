@@ -12,7 +12,7 @@
 #include <tuple>
 #include <vector>
 
-#include <standin/database.h>
+#include <standin/store.h>
 #include <tarnd_platform/orm_accessors.h>
 #include <tarnd_platform/orm_subscription.h>
 

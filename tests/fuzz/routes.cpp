@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include <standin/database.h>
+#include <standin/store.h>
 #include <tarnd_qrb/route.h>
 
 #include "fuzz.h"

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include <standin/database.h>
+#include <standin/store.h>
 
 #include "support/subscription.h"
 

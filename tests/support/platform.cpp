@@ -12,7 +12,7 @@
 #include <mutex>
 #include <optional>
 
-#include <standin/database.h>
+#include <standin/store.h>
 #include <tarnd_platform/bounded.h>
 #include <tarnd_platform/memory.h>
 #include <tarnd_platform/orm_accessors.h>

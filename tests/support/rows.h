@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include <standin/database.h>
+#include <standin/store.h>
 
 namespace support {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include <standin/database.h>
+#include <standin/store.h>
 
 namespace support::writes {
 

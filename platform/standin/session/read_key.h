@@ -1,0 +1,31 @@
+// The key by which a session reads one record.
+#pragma once
+
+#include <array>
+
+#include "store/table_store.h"
+
+namespace standin {
+
+class ReadKey {
+public:
+    void Prepare(const TableStore& store);
+
+    uint32_t ChooseKey(std::string_view name);
+    uint32_t SetMember(uint32_t member, uint32_t valueType, const void* value, uint32_t size);
+    uint32_t SetWholeKey(std::string_view name, const void* bytes, uint32_t size);
+
+    bool IsOf(const TableStore& store) const { return store_ == &store; }
+    bool IsComplete() const { return store_ != nullptr && key_ && missing_ == 0; }
+    const StoredRow* Find() const { return store_->Find(*key_, bytes_.data()); }
+
+private:
+    const Key& Description() const { return store_->Description().keys[*key_]; }
+
+    const TableStore* store_ = nullptr;
+    std::optional<size_t> key_;  // its place in Table::keys
+    uint32_t missing_ = 0;       // a bit for each member that is to be set
+    std::array<uint8_t, longestKey> bytes_;
+};
+
+}  // namespace standin
