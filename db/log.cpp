@@ -8,6 +8,7 @@
 #include <tarnd_qrb/log.h>
 
 #include "db/access.h"
+#include "db/probes.h"
 
 namespace {
 
@@ -20,6 +21,7 @@ void Tarn_QRB_Log_Printf(uint32_t priority, const char* function, uint32_t line,
                          ...)
 {
     if (priority > qrb::PRIORITY_ERROR) {
+        QRB_PROBE(log_dropped, priority, function, line, format);
         return;
     }
     char* const text = static_cast<char*>(malloc(MESSAGE_SIZE));
@@ -31,11 +33,14 @@ void Tarn_QRB_Log_Printf(uint32_t priority, const char* function, uint32_t line,
     const int length = vsprintf_s(text, MESSAGE_SIZE, format, arguments);
     va_end(arguments);
 
-    const int level = static_cast<int>(priority);
-    if (length >= 0 && function != nullptr) {
-        syslog(level, "[%s][%s:%u] %s", IDENTITY, function, line, text);
-    } else if (length >= 0) {
-        syslog(level, "[%s] %s", IDENTITY, text);
+    if (length >= 0) {
+        const int level = static_cast<int>(priority);
+        QRB_PROBE(log_line, priority, function, line, text);
+        if (function != nullptr) {
+            syslog(level, "[%s][%s:%u] %s", IDENTITY, function, line, text);
+        } else {
+            syslog(level, "[%s] %s", IDENTITY, text);
+        }
     }
     free(text);
 }
