@@ -19,12 +19,13 @@
 #include <tarnd_platform/orm_subscription.h>
 #include <tarnd_qrb/interface_lookup.h>
 
-#include "sources/cluster.h"
+#include "sources/ovsdb/ovsdb_source.h"
 
 namespace {
 
-using sources::Cluster;
-using sources::Write;
+using sources::OvsdbSource;
+using sources::RowWrite;
+using sources::WriteKind;
 using sources::ovsdb::Json;
 using standin::Row;
 using Clock = std::chrono::steady_clock;
@@ -131,16 +132,16 @@ void Subscribe()
 void Fill(const std::string& path, uint64_t count)
 {
     constexpr uint64_t atOnce = 10'000;
-    Cluster cluster("unix:" + path);
+    OvsdbSource cluster("unix:" + path);
     cluster.Follow();
-    std::vector<Write> writes = {
-        {Write::Kind::Insert, Row("if_phy").Set("if_index", 1)},
-        {Write::Kind::Insert, Row("if_base").Set("if_index", 1).Set("if_name", "Ethernet0/0/1")}};
+    std::vector<RowWrite> writes = {
+        {WriteKind::Insert, Row("if_phy").Set("if_index", 1)},
+        {WriteKind::Insert, Row("if_base").Set("if_index", 1).Set("if_name", "Ethernet0/0/1")}};
     for (uint64_t i = 0; i < count; ++i) {
-        writes.push_back({Write::Kind::Insert, Row("Fib.ConfigIpv4Fwd")
-                                                   .Set("destAddr", 0x0a000000 + (i << 8))
-                                                   .Set("prefixLen", 24)
-                                                   .Set("nhpGroupId", i % 1000)});
+        writes.push_back({WriteKind::Insert, Row("Fib.ConfigIpv4Fwd")
+                                                 .Set("destAddr", 0x0a000000 + (i << 8))
+                                                 .Set("prefixLen", 24)
+                                                 .Set("nhpGroupId", i % 1000)});
         if (writes.size() >= atOnce || i + 1 == count) {
             cluster.Commit(std::exchange(writes, {}));
         }
@@ -161,7 +162,7 @@ void Start(const std::string& path)
 
     const auto begin = Clock::now();
     const double own = ThreadSeconds();
-    const Cluster cluster("unix:" + path);
+    const OvsdbSource cluster("unix:" + path);
     const double seconds = SecondsSince(begin);
     const double spent = ThreadSeconds() - own;
     std::printf(
@@ -225,7 +226,7 @@ void Storm(const std::string& path)
         Blow(path);
         alone = std::max(alone, stormChanges / SecondsSince(begin));
 
-        Cluster cluster("unix:" + path);
+        OvsdbSource cluster("unix:" + path);
         cluster.Follow();
         callbacks = 0;
         lastSpeed = 0;
@@ -241,7 +242,7 @@ void Storm(const std::string& path)
         "following; ratio %.2f\n",
         followed, callbacks.load(), stormChanges, alone, followed / alone);
 
-    Cluster cluster("unix:" + path);
+    OvsdbSource cluster("unix:" + path);
     cluster.Follow();
     std::atomic<bool> goOn = true;
     std::jthread calm([&] {
@@ -269,7 +270,7 @@ double Median(std::vector<double> values)
 void Delay(const std::string& path)
 {
     constexpr uint32_t changes = 2000, first = 1'000'000;
-    Cluster cluster("unix:" + path);
+    OvsdbSource cluster("unix:" + path);
     Subscribe();
     cluster.Follow();
     const std::string command =

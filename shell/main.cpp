@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
+#include <memory>
 
 #include <CLI/CLI.hpp>
 
@@ -13,8 +14,9 @@
 #include "shell/events/event_queue.h"
 #include "shell/hosted_library.h"
 #include "shell/output/log_capture.h"
-#include "shell/source.h"
+#include "shell/terminal/progress.h"
 #include "shell/terminal/prompt.h"
+#include "sources/source.h"
 
 namespace {
 
@@ -105,11 +107,17 @@ void BlockInterrupts(int how)
     pthread_sigmask(how, &signals, nullptr);
 }
 
+std::unique_ptr<sources::Source> OpenSource(const std::string& name)
+{
+    shell::Progress progress("rows read from " + name);
+    return sources::OpenSource(name, [&] { progress.Step(); });
+}
+
 Status Run(const Options& options)
 {
     shell::SetLogSink([](const std::string& line) { shell::Events().Push(shell::LogEvent(line)); });
     BlockInterrupts(SIG_BLOCK);
-    const auto source = shell::OpenSource(options.source);
+    const auto source = OpenSource(options.source);
     const shell::HostedLibrary library;
     source->Follow();
     BlockInterrupts(SIG_UNBLOCK);

@@ -5,7 +5,7 @@
 
 #include "shell/nearest_name.h"
 #include "shell/words.h"
-#include "sources/json_row.h"
+#include "sources/json/json_row.h"
 
 namespace shell {
 namespace {

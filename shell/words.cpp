@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "sources/json/json_extent.h"
+
 namespace shell {
 namespace {
 
@@ -11,17 +13,9 @@ constexpr std::string_view BLANKS = " \t\r\n";
 // The length of the JSON object or array that the text begins with.
 size_t JsonLength(std::string_view text)
 {
-    int depth = 0;
-    bool inString = false;
+    sources::JsonExtent extent;
     for (size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (inString && c == '\\') {
-            ++i;
-        } else if (c == '"') {
-            inString = !inString;
-        } else if (!inString && (c == '{' || c == '[')) {
-            ++depth;
-        } else if (!inString && (c == '}' || c == ']') && --depth == 0) {
+        if (extent.Next(text[i])) {
             return i + 1;
         }
     }

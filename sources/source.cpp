@@ -1,27 +1,76 @@
 #include "sources/source.h"
 
-namespace sources {
+#include <algorithm>
+#include <string_view>
 
-void Source::Commit(const std::vector<Write>& writes)
+#include "sources/host/host_source.h"
+#include "sources/json/json_source.h"
+#include "sources/ovsdb/ovsdb_source.h"
+
+namespace sources {
+namespace {
+
+using OnRow = std::function<void()>;
+
+std::unique_ptr<Source> OpenHost(const std::string&, const OnRow&)
+{
+    return std::make_unique<HostSource>();
+}
+
+std::unique_ptr<Source> OpenOvsdb(const std::string& servers, const OnRow&)
+{
+    return std::make_unique<OvsdbSource>(servers);
+}
+
+std::unique_ptr<Source> OpenJson(const std::string& file, const OnRow& onRow)
+{
+    return std::make_unique<JsonSource>(file, onRow);
+}
+
+struct SourceKind {
+    std::string_view prefix;
+    bool isWholeName;
+    std::unique_ptr<Source> (*open)(const std::string& rest, const OnRow& onRow);
+};
+
+// The first whose prefix the name begins with, or is.
+constexpr SourceKind SOURCE_KINDS[] = {
+    {"host", true, OpenHost},
+    {"ovsdb:", false, OpenOvsdb},
+    {"", false, OpenJson},
+};
+
+}  // namespace
+
+void Source::Commit(const std::vector<RowWrite>& writes)
 {
     standin::Transaction transaction;
     for (const auto& [kind, row] : writes) {
         switch (kind) {
-            case Write::Kind::Insert:
+            case WriteKind::Insert:
                 transaction.Insert(row);
                 break;
-            case Write::Kind::Update:
+            case WriteKind::Update:
                 transaction.Update(row);
                 break;
-            case Write::Kind::Replace:
+            case WriteKind::Replace:
                 transaction.Replace(row);
                 break;
-            case Write::Kind::Delete:
+            case WriteKind::Delete:
                 transaction.Delete(row);
                 break;
         }
     }
     transaction.Commit();
+}
+
+std::unique_ptr<Source> OpenSource(const std::string& name, const OnRow& onRow)
+{
+    const auto isOfKind = [&](const SourceKind& kind) {
+        return kind.isWholeName ? name == kind.prefix : name.starts_with(kind.prefix);
+    };
+    const auto& kind = *std::ranges::find_if(SOURCE_KINDS, isOfKind);
+    return kind.open(name.substr(kind.prefix.size()), onRow);
 }
 
 }  // namespace sources

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -9,14 +11,14 @@
 
 namespace sources {
 
-struct Write {
-    enum class Kind : uint8_t { Insert, Update, Replace, Delete };
+enum class WriteKind : uint8_t { Insert, Update, Replace, Delete };
 
-    Kind kind;
+struct RowWrite {
+    WriteKind kind;
     standin::Row row;
 };
 
-// A source fills the database when it is made, or throws std::runtime_error.
+// A source fills the database when it is constructed, or throws std::runtime_error.
 class Source {
 public:
     Source() = default;
@@ -24,12 +26,17 @@ public:
     Source& operator=(const Source&) = delete;
     virtual ~Source() = default;
 
-    // From here on writes each change of what it mirrors, as it comes, on a thread of its own.
+    // Starts a thread that writes each change of what the source mirrors. Nothing by default.
     virtual void Follow() {}
 
-    // Several writes, all or nothing. Throws standin::Error, and has then changed nothing. Here:
-    // to this process's database.
-    virtual void Commit(const std::vector<Write>& writes);
+    // Carries out several writes, all or none. Throws standin::Error, and has then changed nothing.
+    // By default the writes go to this process's database.
+    virtual void Commit(const std::vector<RowWrite>& writes);
 };
+
+// Opens "host", "ovsdb:" followed by servers as sources/ovsdb/ovsdb_servers.h describes them, or
+// the path of a JSON file. onRow is called for each row that is read from a file. Throws
+// std::runtime_error.
+std::unique_ptr<Source> OpenSource(const std::string& name, const std::function<void()>& onRow);
 
 }  // namespace sources

@@ -7,7 +7,7 @@
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/subscription.h>
 
-#include "sources/host.h"
+#include "sources/host/host_source.h"
 #include "support/events.h"
 #include "support/system.h"
 #include "support/writes.h"
@@ -173,7 +173,7 @@ void FollowTheKernel()
         {"link set veth0 master br0", {"13 if 10 use 1"}},
         {"link set veth0 mtu 1400", {}},
         {"link del br0", {"14 if 10 use 0", "37 if 12 pvid 0", "notify 1 if 12"}}};
-    sources::Host host;
+    sources::HostSource host;
     AwaitEvents();
     host.Follow();
     for (const auto& [change, expected] : steps) {

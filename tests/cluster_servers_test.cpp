@@ -3,7 +3,7 @@
 #include <csignal>
 #include <thread>
 
-#include "sources/cluster.h"
+#include "sources/ovsdb/ovsdb_source.h"
 #include "support/changes.h"
 #include "support/ovsdb.h"
 #include "support/platform.h"
@@ -14,18 +14,18 @@
 namespace {
 
 using namespace support;
-using sources::Cluster;
-using sources::Write;
+using sources::OvsdbSource;
+using sources::RowWrite;
 using sources::ovsdb::ColumnsOf;
 using sources::ovsdb::RowToWire;
 using standin::Row;
 using standin::Table;
 using Role = OvsdbServer::Role;
-using enum Write::Kind;
+using enum sources::WriteKind;
 
 using namespace std::chrono_literals;
 
-constexpr sources::ClusterTiming brisk{10'000ms, 300ms, 20ms, 200ms};
+constexpr sources::OvsdbTiming brisk{10'000ms, 300ms, 20ms, 200ms};
 
 Wire NewRow(const std::string& table, const Wire& row)
 {
@@ -72,7 +72,7 @@ TEST_F(ServersTest, WritesComeBackAsChangesOrAreRefused)
     const OvsdbServer server(folder_);
     writes::Write(writes::Insert, {Phy(99)});  // nobody's: it goes
     const Events events;
-    Cluster cluster(server.Remote(), brisk);
+    OvsdbSource cluster(server.Remote(), brisk);
     cluster.Follow();
     cluster.Commit({{Insert, Phy(1, 10)}});
     EXPECT_EQ(Speed(1), 10U);
@@ -87,7 +87,7 @@ TEST_F(ServersTest, WritesComeBackAsChangesOrAreRefused)
     EXPECT_EQ(Events::Take(), expected);
 
     cluster.Commit({{Insert, Base(1, "one")}});
-    const std::pair<std::vector<Write>, std::string> refused[] = {
+    const std::pair<std::vector<RowWrite>, std::string> refused[] = {
         {{{Insert, Phy(4)}, {Insert, Phy(2)}},
          "identical values (2) for index on column \"if_index\""},
         {{{Insert, Base(2, "one")}}, "for index on columns"},
@@ -105,7 +105,7 @@ TEST_F(ServersTest, WritesComeBackAsChangesOrAreRefused)
 TEST_F(ServersTest, TheReplicaEqualsTheServerAfterEachRound)
 {
     OvsdbServer server(folder_);
-    Cluster cluster(server.Remote(), brisk);
+    OvsdbSource cluster(server.Remote(), brisk);
     cluster.Follow();
     RandomRows random(2);
     for (uint64_t round = 0; round < 6; ++round) {
@@ -144,7 +144,7 @@ TEST_F(ServersTest, ASilentServerIsGivenUpAndTheTablesStay)
     OvsdbServer first(folder_);
     OvsdbServer second(folder_, "second");
     first.Transact({NewRow("if_phy", {{"if_index", 1}, {"speed", 10}})});
-    Cluster cluster(first.Remote() + "," + second.Remote(), {300ms, 40ms, 10ms, 20ms});
+    OvsdbSource cluster(first.Remote() + "," + second.Remote(), {300ms, 40ms, 10ms, 20ms});
     cluster.Follow();
     std::this_thread::sleep_for(200ms);  // a server with nothing to tell answers
     EXPECT_EQ(TakeLog().size(), 0U);
@@ -189,7 +189,7 @@ TEST_F(ServersTest, OverTcpAndTls)
     const std::string own = ",private-key=" + key + ",certificate=" + pem + ",ca-certificate=";
     uint64_t row = 0;
     for (const auto& remote : {"tcp:" + withPort("127.0.0.1"), tls + own + pem}) {
-        Cluster cluster(remote, brisk);
+        OvsdbSource cluster(remote, brisk);
         cluster.Follow();
         cluster.Commit({{Insert, Base(++row, std::string(30, 'x') + remote.front())}});
         ExpectSameAs(server);
@@ -198,7 +198,7 @@ TEST_F(ServersTest, OverTcpAndTls)
         {"stranger.pem", "certificate verify failed"}, {"nobody.pem", "nobody.pem: "}};
     for (const auto& [authority, reason] : refused) {
         ExpectRefusal(reason, [&, vouching = folder_ / authority] {
-            Cluster(tls + own + vouching, {50ms, 1000ms, 5ms, 5ms});
+            OvsdbSource(tls + own + vouching, {50ms, 1000ms, 5ms, 5ms});
         });
     }
 }
@@ -207,16 +207,16 @@ TEST_F(ServersTest, RowsOfAnyContentsGoThereAndComeBackInTheirOrder)
 {
     const OvsdbServer server(folder_);
     const auto rows = RandomRows(1).ForAllTables(10);
-    std::vector<Write> writes;
+    std::vector<RowWrite> writes;
     for (const Row& row : rows) {
         writes.push_back({Insert, row});
     }
-    Cluster writer(server.Remote(), brisk);
+    OvsdbSource writer(server.Remote(), brisk);
     writer.Follow();
     writer.Commit(writes);
     EXPECT_EQ(AllRows(), rows);
     standin::Reset();
-    const Cluster newcomer(server.Remote(), brisk);
+    const OvsdbSource newcomer(server.Remote(), brisk);
     EXPECT_EQ(AllRows(), rows);
 }
 
@@ -271,7 +271,7 @@ TEST_F(ServersTest, EveryCommittedChangeIsOneEventThoughLeadersDie)
         }
     };
     first.Transact({NewRow("if_phy", {{"if_index", 1}})});
-    Cluster cluster(first.Remote() + "," + second.Remote() + "," + third.Remote(), brisk);
+    OvsdbSource cluster(first.Remote() + "," + second.Remote() + "," + third.Remote(), brisk);
     const auto followed = [&]() -> OvsdbServer& {
         const auto* found = std::end(servers);
         EXPECT_TRUE(Eventually([&] {

@@ -1,12 +1,11 @@
 // The tables from servers, as far as it needs none, or one that talks nonsense.
-#include "sources/cluster.h"
-
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include <thread>
 
+#include "sources/ovsdb/ovsdb_source.h"
 #include "support/changes.h"
 #include "support/ovsdb.h"
 #include "support/platform.h"
@@ -16,7 +15,7 @@
 namespace {
 
 using namespace support;
-using sources::Cluster;
+using sources::OvsdbSource;
 using sources::ovsdb::Replica;
 
 using namespace std::chrono_literals;
@@ -109,7 +108,7 @@ TEST_F(ClusterTest, ServersAreNamedInManyWays)
     for (const char* wrong : {"", "unix", "tcp:h", "tcp::1", "tcp:h:", "ssl:h:1", "unix:/a,x=y"}) {
         EXPECT_THROW(sources::ovsdb::ParseServers(wrong), standin::Error) << wrong;
     }
-    EXPECT_THROW(Cluster("unix:/nowhere/socket", {200ms, 100ms, 10ms, 10ms}), standin::Error);
+    EXPECT_THROW(OvsdbSource("unix:/nowhere/socket", {200ms, 100ms, 10ms, 10ms}), standin::Error);
 }
 
 // Why a server is no good that says these words to everybody, whatever it is asked.
@@ -130,7 +129,7 @@ std::string FaultOfServer(const std::string& words, std::chrono::milliseconds pa
         }
     });
     const std::string fault = RefusalOf([&] {
-        Cluster("unix:" + folder / "s", {patience, 20ms, 5ms, 5ms});
+        OvsdbSource("unix:" + folder / "s", {patience, 20ms, 5ms, 5ms});
     });
     shutdown(listener, SHUT_RDWR);
     server.join();

@@ -1,6 +1,4 @@
 // The kernel's state in the database, compared with what the operating system itself says.
-#include "sources/host.h"
-
 #include <arpa/inet.h>
 #include <net/if.h>
 
@@ -12,15 +10,16 @@
 #include <standin/store.h>
 #include <tarnd_qrb/route.h>
 
-#include "sources/host_mirror.h"
-#include "sources/json_row.h"
+#include "sources/host/host_mirror.h"
+#include "sources/host/host_source.h"
+#include "sources/json/json_row.h"
 #include "support/platform.h"
 #include "support/rows.h"
 #include "support/system.h"
 
 namespace {
 
-using sources::Host;
+using sources::HostSource;
 using sources::Json;
 using sources::Route;
 using standin::Row;
@@ -126,7 +125,7 @@ bool SameAsSystem()
 
 TEST_F(HostTest, TellsOfThisMachine)
 {
-    const Host host;
+    const HostSource host;
     EXPECT_GT(RowsOf("if_base").size(), 0U);
     EXPECT_TRUE(SameInterfaces());
 }
@@ -134,7 +133,7 @@ TEST_F(HostTest, TellsOfThisMachine)
 void ExpectToFollow(const char* before, std::initializer_list<const char*> changes)
 {
     Ip(before);
-    Host host;
+    HostSource host;
     EXPECT_TRUE(SameAsSystem());
     host.Follow();
     for (const char* change : changes) {
@@ -198,7 +197,7 @@ TEST_F(HostTest, AnOverrunLosesNothingThatLasts)
     IN_OWN_NETWORK([] {
         constexpr int smallest = 1;
         Ip("link add one type veth peer name two; link add three type veth peer name four");
-        Host host(smallest);
+        HostSource host(smallest);
         sources::Notifications witness(smallest);
         // Two links change names; others come, go and change.
         Ip("link set one name spare; link set two name one; link set spare name two;"

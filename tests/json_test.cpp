@@ -4,7 +4,7 @@
 #include <fstream>
 #include <regex>
 
-#include "sources/json_file.h"
+#include "sources/json/json_file.h"
 #include "support/platform.h"
 #include "support/rows.h"
 #include "support/system.h"

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "shell/table_lookup.h"
-#include "sources/json_row.h"
-#include "sources/json_set.h"
+#include "sources/json/json_row.h"
+#include "sources/json/json_set.h"
 
 namespace shell {
 namespace {

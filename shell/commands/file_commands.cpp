@@ -9,8 +9,8 @@
 #include "shell/output/json_text.h"
 #include "shell/table_lookup.h"
 #include "shell/terminal/progress.h"
-#include "sources/json_file.h"
-#include "sources/json_row.h"
+#include "sources/json/json_file.h"
+#include "sources/json/json_row.h"
 
 namespace shell {
 namespace {
@@ -21,10 +21,10 @@ Status Load(Shell& shell, Words& words)
 {
     const std::string file = words.Take("file");
     words.ExpectEnd();
-    std::vector<sources::Write> writes;
+    std::vector<sources::RowWrite> writes;
     Progress progress("rows read");
     sources::ReadJson(file, [&](Row row) {
-        writes.push_back({sources::Write::Kind::Insert, std::move(row)});
+        writes.push_back({sources::WriteKind::Insert, std::move(row)});
         progress.Step();
     });
     const size_t count = writes.size();

@@ -17,11 +17,11 @@ bool HaveOneKey(const Row& a, const Row& b)
                               b.Record().subspan(key.offset, key.width));
 }
 
-void Apply(const sources::Write& write, std::vector<Row>& rows)
+void Apply(const sources::RowWrite& write, std::vector<Row>& rows)
 {
     const auto like = [&](const Row& row) { return HaveOneKey(row, write.row); };
     const auto at = std::ranges::find_if(rows, like);
-    if (write.kind == sources::Write::Kind::Delete) {
+    if (write.kind == sources::WriteKind::Delete) {
         std::erase_if(rows, like);
     } else if (at != rows.end()) {
         *at = write.row;
@@ -32,7 +32,7 @@ void Apply(const sources::Write& write, std::vector<Row>& rows)
 
 }  // namespace
 
-std::vector<sources::Write>& PendingWrites::Open()
+std::vector<sources::RowWrite>& PendingWrites::Open()
 {
     if (!waiting_) {
         throw UsageError("there is no transaction: begin starts one");
@@ -61,7 +61,7 @@ size_t PendingWrites::Abort()
     return count;
 }
 
-void PendingWrites::Write(std::vector<sources::Write> writes)
+void PendingWrites::Write(std::vector<sources::RowWrite> writes)
 {
     if (waiting_) {
         std::ranges::move(writes, std::back_inserter(*waiting_));
@@ -75,7 +75,7 @@ std::vector<Row> PendingWrites::RowsOf(const standin::Table& table) const
     std::vector<Row> rows;
     standin::ForEachRow(table, [&](const Row& row) { rows.push_back(row); });
     if (waiting_) {
-        for (const sources::Write& write : *waiting_) {
+        for (const sources::RowWrite& write : *waiting_) {
             if (&write.row.Description() == &table) {
                 Apply(write, rows);
             }

@@ -23,16 +23,16 @@ public:
     size_t Abort();
 
     // Now, or with the rest of the open transaction.
-    void Write(std::vector<sources::Write> writes);
+    void Write(std::vector<sources::RowWrite> writes);
 
     // As a table would be after the writes that wait.
     std::vector<standin::Row> RowsOf(const standin::Table& table) const;
 
 private:
-    std::vector<sources::Write>& Open();
+    std::vector<sources::RowWrite>& Open();
 
     sources::Source& source_;
-    std::optional<std::vector<sources::Write>> waiting_;
+    std::optional<std::vector<sources::RowWrite>> waiting_;
 };
 
 }  // namespace shell

@@ -7,8 +7,8 @@
 #include "shell/commands/command.h"
 #include "shell/output/log_capture.h"
 #include "shell/table_lookup.h"
-#include "sources/json_row.h"
-#include "sources/json_value.h"
+#include "sources/json/json_row.h"
+#include "sources/json/json_value.h"
 
 namespace shell {
 namespace {

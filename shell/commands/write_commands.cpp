@@ -9,14 +9,14 @@
 namespace shell {
 namespace {
 
-using Kind = sources::Write::Kind;
+using Kind = sources::WriteKind;
 using standin::Row;
 using standin::Table;
 
 using Assignments = std::vector<Assignment>;
 
 // Writes, and says so.
-Status Do(Shell& shell, std::vector<sources::Write> writes, const char* done)
+Status Do(Shell& shell, std::vector<sources::RowWrite> writes, const char* done)
 {
     const size_t count = writes.size();
     shell.Writes().Write(std::move(writes));
@@ -69,7 +69,7 @@ Status Update(Shell& shell, Words& words)
 Status Delete(Shell& shell, Words& words)
 {
     const Table& table = KnownTable(words.Take("table"));
-    std::vector<sources::Write> writes;
+    std::vector<sources::RowWrite> writes;
     for (const Row& row : Chosen(shell, table, TakeAssignments(table, words))) {
         writes.push_back({Kind::Delete, row});
     }

@@ -12,7 +12,7 @@
 
 #include "shell/output/json_text.h"
 #include "shell/table_lookup.h"
-#include "sources/json_set.h"
+#include "sources/json/json_set.h"
 
 namespace shell {
 namespace {

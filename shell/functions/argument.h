@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "sources/json_error.h"
+#include "sources/json/json_error.h"
 
 namespace shell {
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "shell/table_lookup.h"
-#include "sources/json_value.h"
+#include "sources/json/json_value.h"
 
 namespace shell {
 namespace {

@@ -13,7 +13,7 @@
 #include "shell/functions/function_definition.h"
 #include "shell/functions/result_codes.h"
 #include "shell/table_lookup.h"
-#include "sources/json_set.h"
+#include "sources/json/json_set.h"
 
 namespace shell {
 namespace {

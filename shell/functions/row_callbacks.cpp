@@ -7,7 +7,7 @@
 
 #include "shell/table_lookup.h"
 #include "shell/words.h"
-#include "sources/json_value.h"
+#include "sources/json/json_value.h"
 
 namespace shell {
 namespace {

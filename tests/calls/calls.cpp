@@ -5,7 +5,7 @@
 #include <regex>
 #include <utility>
 
-#include "sources/json_row.h"
+#include "sources/json/json_row.h"
 #include "support/system.h"
 
 namespace calls {

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "fuzz.h"
-#include "sources/json_file.h"
+#include "sources/json/json_file.h"
 
 namespace {
 

@@ -15,7 +15,7 @@
 #include "shell/commands/command.h"
 #include "shell/functions/function.h"
 #include "shell/output/log_capture.h"
-#include "sources/json_error.h"
+#include "sources/json/json_error.h"
 
 namespace {
 

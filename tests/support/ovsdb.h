@@ -14,8 +14,8 @@
 
 #include <gtest/gtest.h>
 
-#include "sources/ovsdb_connection.h"
-#include "sources/ovsdb_write.h"
+#include "sources/ovsdb/ovsdb_connection.h"
+#include "sources/ovsdb/ovsdb_write.h"
 #include "support/platform.h"
 #include "support/system.h"
 

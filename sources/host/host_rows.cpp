@@ -1,0 +1,132 @@
+#include "sources/host/host_rows.h"
+
+#include <net/if_arp.h>
+
+#include <algorithm>
+#include <tuple>
+
+namespace sources {
+namespace {
+
+using standin::Row;
+
+// The interface type table's first values are numbers of the registered interface types where they
+// are known at all: 6 is Ethernet, 53 a virtual interface, 1 any other.
+struct TypeOfHardware {
+    uint32_t hardware;
+    uint32_t ifType;
+};
+constexpr uint32_t otherType = 16;
+constexpr TypeOfHardware types[] = {{ARPHRD_ETHER, 1},   {ARPHRD_LOOPBACK, 2}, {ARPHRD_TUNNEL, 2},
+                                    {ARPHRD_TUNNEL6, 2}, {ARPHRD_SIT, 2},      {ARPHRD_IPGRE, 2},
+                                    {ARPHRD_NONE, 2}};
+
+uint32_t IfType(uint32_t hardware)
+{
+    const auto* const found = std::ranges::find(types, hardware, &TypeOfHardware::hardware);
+    return found == std::end(types) ? otherType : found->ifType;
+}
+
+// The position in VLAN member sets is the second byte: the interface index, modulo 256.
+uint32_t PortIndex(uint32_t interface)
+{
+    return interface << 8;
+}
+
+Row RowOf(std::string_view table, uint32_t interface)
+{
+    return Row(table).Set("if_index", interface);
+}
+
+// Of the routes to one destination, only the one with the lowest metric; longest prefixes first.
+void KeepBest(std::vector<Route>& routes)
+{
+    const auto place = [](const Route& route) {
+        return std::tuple(-route.prefixLength, route.destination, route.metric);
+    };
+    const auto sameDestination = [](const Route& one, const Route& other) {
+        return std::tie(one.prefixLength, one.destination) ==
+               std::tie(other.prefixLength, other.destination);
+    };
+    std::ranges::stable_sort(routes, {}, place);
+    routes.erase(std::unique(routes.begin(), routes.end(), sameDestination), routes.end());
+}
+
+}  // namespace
+
+Rows LinkRows(const Link& link)
+{
+    return {RowOf("if_base", link.index)
+                .Set("if_name", link.name)
+                .Set("simple_name", link.name)
+                .Set("if_type", IfType(link.hardware))
+                .Set("mtu", link.mtu),
+            RowOf("if_phy", link.index)
+                .Set("phy_state", link.carrier)
+                .SetBytes("mac_addr", link.mac)
+                .Set("port_id", link.index),
+            RowOf("if_link", link.index).Set("link_state", link.carrier),
+            RowOf("if_route", link.index).Set("route_state", link.running),
+            RowOf("port", link.index)
+                .Set("port_index", PortIndex(link.index))
+                .Set("switch_port", link.bridgeMember)
+                .Set("pvid", link.bridgeMember)};
+}
+
+Rows AddressRows(const std::vector<Address>& addresses)
+{
+    enum Type : uint64_t { Main = 1, Further = 2 };
+    std::map<uint32_t, Row> rows;
+    for (const Address& address : addresses) {
+        const auto [row, isNew] =
+            rows.try_emplace(address.interface, RowOf("am_ipv4_address", address.interface));
+        const std::array<uint64_t, 3> item = {address.address, address.prefixLength,
+                                              isNew ? Main : Further};
+        row->second.AddItem("ipv4_address_list", item);
+    }
+    Rows all;
+    for (auto& [interface, row] : rows) {
+        all.push_back(std::move(row));
+    }
+    return all;
+}
+
+uint32_t Forwarding::NumberOf(const Group& group, ForwardingRows& rows)
+{
+    const auto [groupNumber, firstOfGroup] = groups_.Of(group);
+    if (!firstOfGroup) {
+        return groupNumber;
+    }
+    for (const NextHop& hop : group) {
+        const auto [hopNumber, firstOfHop] = nextHops_.Of(hop);
+        rows.groupNodes.push_back(Row("Fib.ConfigNhpGroupNode")
+                                      .Set("nhpGroupId", groupNumber)
+                                      .Set("primaryNhpId", hopNumber));
+        if (firstOfHop) {
+            rows.nextHops.push_back(Row("Fib.ConfigNhpStandard")
+                                        .Set("nhpIndex", hopNumber)
+                                        .Set("next_hop", hop.gateway)
+                                        .Set("out_if_index", hop.interface));
+        }
+    }
+    return groupNumber;
+}
+
+ForwardingRows Forwarding::RowsOf(std::vector<Route> routes)
+{
+    constexpr uint32_t noGroup = 0;  // a group without members: an inquiry fails
+    ForwardingRows rows;
+    KeepBest(routes);
+    for (const Route& route : routes) {
+        const uint32_t group = route.nextHops.empty() ? noGroup : NumberOf(route.nextHops, rows);
+        rows.forwards.push_back(Row("Fib.ConfigIpv4Fwd")
+                                    .Set("destAddr", route.destination)
+                                    .Set("prefixLen", route.prefixLength)
+                                    .Set("nhpGroupId", group));
+    }
+    groups_.NextRound();
+    nextHops_.NextRound();
+    return rows;
+}
+
+}  // namespace sources

@@ -1,0 +1,20 @@
+// Between a field of a row and its form in JSON: numbers as they are, "10.0.0.1",
+// "02:00:00:00:00:01", texts, and sets as ids and ranges.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include <standin/tables.h>
+
+#include "sources/json/json_error.h"
+
+namespace sources {
+
+Json ValueToJson(standin::Kind kind, std::span<const uint8_t> bytes);
+
+// Throw JsonError for a value of the wrong type, out of range or too long.
+void SetFromJson(standin::Row& row, const standin::Field& field, const Json& value);
+uint64_t NumberFromJson(const standin::Field& field, const Json& value);  // Number, Ipv4
+
+}  // namespace sources

@@ -1,0 +1,266 @@
+#include "sources/ovsdb/ovsdb_row.h"
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+
+#include "sources/json/json_value.h"
+
+namespace sources::ovsdb {
+namespace {
+
+using standin::Field;
+using standin::Kind;
+using standin::List;
+using standin::Row;
+using standin::Table;
+
+// A set of one element may stand for itself.
+template <typename OnElement>
+void ForEachElement(const Json& set, const OnElement& onElement)
+{
+    if (!set.is_array()) {
+        onElement(set);
+    } else {
+        std::ranges::for_each(set.at(1), onElement);
+    }
+}
+
+uint64_t NumberFromWire(const Json& value, uint64_t highest)
+{
+    const bool fits = value.is_number_unsigned() && value.get<uint64_t>() <= highest;
+    return fits ? value.get<uint64_t>() : WholeNumber(value, highest);
+}
+
+Json IdsOf(std::span<const uint8_t> bits)
+{
+    Json ids = Json::array();
+    for (size_t id = 0; id < bits.size() * 8; ++id) {
+        if ((bits[id / 8] & 0x80U >> id % 8) != 0) {
+            ids.push_back(id);
+        }
+    }
+    return {"set", ids};
+}
+
+Json ValueToWire(const Field& field, std::span<const uint8_t> bytes)
+{
+    return field.kind == Kind::Set ? IdsOf(bytes) : Json(ValueToJson(field.kind, bytes));
+}
+
+Json ListColumnToWire(const SchemaColumn& column, std::span<const uint8_t> items)
+{
+    Json values = Json::array();
+    const size_t itemSize = column.list->itemSize;
+    for (size_t position = 0; position * itemSize < items.size(); ++position) {
+        const auto bytes =
+            items.subspan(position * itemSize + column.field->offset, column.field->width);
+        values.push_back({position, ValueToWire(*column.field, bytes)});
+    }
+    return {"map", values};
+}
+
+std::optional<std::span<const uint8_t>> ItemsOf(const Row& row, const List& list)
+{
+    return row.Items(static_cast<size_t>(&list - row.Description().lists.data()));
+}
+
+// What is zero may be left out: an empty text stands for an address of zeros.
+bool IsLeftOut(const Field& field, const Json& value)
+{
+    const auto* text = value.get_ptr<const std::string*>();
+    return (field.kind == Kind::Ipv4 || field.kind == Kind::Mac) && text != nullptr &&
+           text->empty();
+}
+
+void FieldFromWire(Row& row, const Field& field, const Json& value)
+{
+    if (field.kind == Kind::Set) {
+        std::vector<uint8_t> bits(field.width);
+        ForEachElement(value, [&](const Json& element) {
+            const uint64_t id = NumberFromWire(element, field.width * 8 - 1);
+            bits[id / 8] = static_cast<uint8_t>(bits[id / 8] | 0x80U >> id % 8);
+        });
+        row.SetBytes(field.name, bits);
+    } else if (!IsLeftOut(field, value)) {
+        SetFromJson(row, field, value);
+    }
+}
+
+// By position: the values of an item's fields.
+using Items = std::map<uint64_t, std::vector<uint64_t>>;
+
+void ListColumnFromWire(Items& items, const SchemaColumn& column, const Json& map)
+{
+    const auto fields = column.list->fields;
+    const Field& field = *column.field;
+    for (const Json& pair : map.at(1)) {
+        auto& values = items[NumberFromWire(pair.at(0), INT32_MAX)];
+        values.resize(fields.size());
+        if (!IsLeftOut(field, pair.at(1))) {
+            values[static_cast<size_t>(&field - fields.data())] = NumberFromJson(field, pair.at(1));
+        }
+    }
+}
+
+void ListsFromWire(Row& row, const std::map<const List*, Items>& all, const Json& wire)
+{
+    if (wire.contains(lists)) {
+        ForEachElement(wire[lists],
+                       [&](const Json& name) { row.MakeList(name.get<std::string>()); });
+    }
+    for (const auto& [list, items] : all) {
+        for (const auto& [position, values] : items) {
+            row.AddItem(list->name, values);
+        }
+    }
+}
+
+// The set or map in that column, made empty where it was left out.
+Json& Collection(Json& wire, const std::string& column, const char* kind)
+{
+    return wire.emplace(column, Json::array({kind, Json::array()})).first.value();
+}
+
+Json::array_t SortedElements(const Json& set)
+{
+    Json::array_t elements;
+    ForEachElement(set, [&](const Json& element) { elements.push_back(element); });
+    std::ranges::sort(elements);
+    return elements;
+}
+
+void ModifySet(Json& set, const Json& change)
+{
+    const auto before = SortedElements(set);
+    const auto differ = SortedElements(change);
+    Json::array_t after;
+    std::ranges::set_symmetric_difference(before, differ, std::back_inserter(after));
+    set = {"set", after};
+}
+
+void ModifyMap(Json& map, const Json& change)
+{
+    std::map<Json, Json> values;
+    for (const Json& pair : map.at(1)) {
+        values[pair.at(0)] = pair.at(1);
+    }
+    for (const Json& pair : change.at(1)) {
+        const auto [entry, isNew] = values.try_emplace(pair.at(0), pair.at(1));
+        if (!isNew && entry->second == pair.at(1)) {
+            values.erase(entry);
+        } else {
+            entry->second = pair.at(1);
+        }
+    }
+    Json pairs = Json::array();
+    for (const auto& [position, value] : values) {
+        pairs.push_back({position, value});
+    }
+    map = {"map", pairs};
+}
+
+}  // namespace
+
+Json RowToWire(const Row& row)
+{
+    const Table& table = row.Description();
+    Json wire = Json::object();
+    for (const SchemaColumn& column : ColumnsOf(table).columns) {
+        if (column.list == nullptr) {
+            wire[column.name] = ValueToWire(*column.field, row.Bytes(*column.field));
+        } else {
+            wire[column.name] =
+                ListColumnToWire(column, ItemsOf(row, *column.list).value_or(std::span<uint8_t>()));
+        }
+    }
+    Json present = Json::array();
+    for (const List& list : table.lists) {
+        if (ItemsOf(row, list)) {
+            present.push_back(list.name);
+        }
+    }
+    if (!table.lists.empty()) {
+        wire[lists] = {"set", present};
+    }
+    return wire;
+}
+
+Row RowFromWire(const Table& table, const Json& wire)
+{
+    Row row(table);
+    std::map<const List*, Items> items;
+    for (const SchemaColumn& column : ColumnsOf(table).columns) {
+        const auto value = wire.find(column.name);
+        if (value == wire.end()) {
+            continue;
+        }
+        At(column.name, [&] {
+            if (column.list == nullptr) {
+                FieldFromWire(row, *column.field, *value);
+            } else {
+                ListColumnFromWire(items[column.list], column, *value);
+            }
+        });
+    }
+    ListsFromWire(row, items, wire);
+    return row;
+}
+
+int64_t PlaceOf(const Json& wire)
+{
+    int64_t found = noPlace;
+    if (wire.contains(place)) {
+        ForEachElement(wire[place], [&](const Json& value) { found = value.get<int64_t>(); });
+    }
+    return found;
+}
+
+void Modify(const Table& table, Json& wire, const Json& modification)
+{
+    for (const SchemaColumn& column : ColumnsOf(table).columns) {
+        const auto change = modification.find(column.name);
+        if (change == modification.end()) {
+            continue;
+        }
+        if (column.list != nullptr) {
+            ModifyMap(Collection(wire, column.name, "map"), *change);
+        } else if (column.field->kind == Kind::Set) {
+            ModifySet(Collection(wire, column.name, "set"), *change);
+        } else {
+            wire[column.name] = *change;
+        }
+    }
+    if (modification.contains(lists)) {
+        ModifySet(Collection(wire, lists, "set"), modification[lists]);
+    }
+    if (modification.contains(place)) {
+        wire[place] = modification[place];
+    }
+}
+
+Json KeyCondition(const Table& table, const Json& wire)
+{
+    Json condition = Json::array();
+    for (const SchemaColumn& column : ColumnsOf(table).columns) {
+        if (std::ranges::count(table.keys.front().members, column.field) != 0) {
+            condition.push_back({column.name, "==", wire.at(column.name)});
+        }
+    }
+    return condition;
+}
+
+std::string RowName(const Table& table, const Json& wire)
+{
+    std::string name(table.name);
+    for (const Field* member : table.keys.front().members) {
+        const std::string field(member->name);
+        name += (member == table.keys.front().members.front() ? ": " : ", ") + field;
+        if (wire.contains(field)) {
+            name += " " + wire[field].dump();
+        }
+    }
+    return name;
+}
+
+}  // namespace sources::ovsdb
