@@ -19,8 +19,10 @@ using standin::Transaction;
 using Numbers = std::vector<uint32_t>;
 constexpr uint32_t none = UINT32_MAX;
 
-// Each inserted row has a number of its own, its mtu, so that it can be told from another one with
-// its key. Numbers grow with insertion.
+// Each inserted row has a number of its own, its mtu, which distinguishes it from another one with
+// its key. Numbers are in table order: the rank, then a count of insertions.
+constexpr int RANK_SHIFT = 24;
+
 struct Entry {
     uint32_t index;
     std::string name;
@@ -31,7 +33,7 @@ struct Entry {
         return support::writes::Base(index).Set("if_name", name).Set("mtu", number);
     }
 };
-using Model = std::vector<Entry>;  // in the order of their insertion
+using Model = std::vector<Entry>;  // in table order
 
 class StandinDatabase : public testing::Test {
 protected:
@@ -85,8 +87,8 @@ protected:
         ASSERT_EQ(OrmExecute(reading_), read_ == none ? ORM_NO_RECORD : 0U);
     }
 
-    // A scan, with transactions between its steps, meets rows once each, in order: all that stay
-    // there, and none that came late.
+    // A scan, with transactions between its steps, returns rows once each, in table order: all that
+    // stay there, and none that came late.
     void ScanSome()
     {
         const Numbers before = InModel();
@@ -132,8 +134,9 @@ private:
         const auto named = std::ranges::find(model, entry.name, &Entry::name);
         const bool isThere = there != model.end();
         const std::string key = "if_base: if_index " + std::to_string(entry.index);
-        entry.number = isThere ? there->number : ++last_;
-        kind(transaction, entry.AsRow());
+        const uint32_t rank = Below(3);  // of a row that is there, it changes nothing
+        entry.number = isThere ? there->number : rank << RANK_SHIFT | ++last_;
+        kind(transaction, entry.AsRow().SetRank(rank));
         if (kind == Insert && isThere) {
             return key + ": there is such a row already";
         }
@@ -148,14 +151,14 @@ private:
         } else if (isThere) {
             *there = entry;
         } else {
-            model.push_back(entry);
+            model.insert(std::ranges::upper_bound(model, entry.number, {}, &Entry::number), entry);
         }
         return "";
     }
 
     Model model_;
     std::mt19937 random_{20};
-    uint32_t last_ = 0;  // number that was given
+    uint32_t last_ = 0;  // insertion
     ORM_SESSION reading_ = 0;
     ORM_SESSION scanning_ = 0;
     uint32_t read_ = none;  // the number of the row that the first session stands on

@@ -1,5 +1,4 @@
 // Memory and string functions that know their destination's size.
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -15,21 +14,6 @@ int Refuse(char* destination, size_t destinationSize, int code)
         destination[0] = '\0';
     }
     return code;
-}
-
-constexpr size_t HALF = 16;
-
-// Copies one half or two without a call, which would take longer than the copy: the first bytes and
-// the last, which meet or overlap.
-void CopyInHalves(void* destination, const void* source, size_t count)
-{
-    const size_t last = count - HALF;
-    std::array<char, HALF> first;
-    std::array<char, HALF> second;
-    memcpy(first.data(), source, HALF);
-    memcpy(second.data(), static_cast<const char*>(source) + last, HALF);
-    memcpy(destination, first.data(), HALF);
-    memcpy(static_cast<char*>(destination) + last, second.data(), HALF);
 }
 
 // Copies length characters and a terminator to destination + at.
@@ -53,11 +37,7 @@ int memcpy_s(void* destination, size_t destinationSize, const void* source, size
     if (count > destinationSize) {
         return ERANGE;
     }
-    if (count >= HALF && count <= 2 * HALF) {
-        CopyInHalves(destination, source, count);
-    } else {
-        memcpy(destination, source, count);
-    }
+    memcpy(destination, source, count);
     return 0;
 }
 

@@ -9,7 +9,7 @@
 
 namespace standin {
 
-// Hands the session to action, or refuses the handle.
+// Passes the session to action, or refuses the handle.
 template <typename Action>
 uint32_t OnSession(uint64_t handle, Action action)
 {
@@ -17,13 +17,16 @@ uint32_t OnSession(uint64_t handle, Action action)
     return session == nullptr ? Refusal::UnknownHandle : action(*session);
 }
 
-// The same for whatever has a current record: a session or a message.
+// Passes the current row of a session or message to action, or returns why there is none.
 template <typename Action>
-uint32_t OnPosition(uint64_t handle, Action action)
+uint32_t OnCurrentRow(uint64_t handle, Action action)
 {
     const bool isMessage = KindOf(handle) == HandleKind::Message;
     Session* session = FindSession(isMessage ? HandleKind::Message : HandleKind::Session, handle);
-    return session == nullptr ? Refusal::UnknownHandle : action(session->position);
+    if (session == nullptr) {
+        return Refusal::UnknownHandle;
+    }
+    return session->current.IsSet() ? action(session->current) : Refusal::WrongOrder;
 }
 
 // No exception leaves the library.

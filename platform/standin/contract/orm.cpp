@@ -16,11 +16,24 @@ uint32_t OrmOpenSessionByDefault(ORM_SESSION* session)
     if (session == nullptr) {
         return Refusal::NullArgument;
     }
-    return Guarded([&]() -> uint32_t {
-        return OpenSession(HandleKind::Session, session) != nullptr ? ORM_OK
-                                                                    : Refusal::OutOfResources;
-    });
+    return OpenSession(HandleKind::Session, session) != nullptr ? ORM_OK : Refusal::OutOfResources;
 }
+
+namespace {
+
+uint32_t CloseSubscriptionSession(ORM_SESSION handle)
+{
+    Session* session = FindSession(HandleKind::Subscription, handle);
+    if (session == nullptr) {
+        return Refusal::UnknownHandle;
+    }
+    const auto subscriber = std::exchange(session->subscriber, nullptr);
+    CloseSession(*session);
+    subscriber->Close();
+    return ORM_OK;
+}
+
+}  // namespace
 
 uint32_t OrmCloseSession(ORM_SESSION session)
 {
@@ -83,8 +96,9 @@ uint32_t OrmGetField(ORM_SESSION session, const char* field, void* destination, 
     if (AnyNull(field, destination)) {
         return Refusal::NullArgument;
     }
-    return OnPosition(session, [=](const CurrentRow& position) {
-        return position.CopyField(std::string_view(field), destination, size);
+    return OnCurrentRow(session, [=](const CurrentRow& current) {
+        const Field* found = FindField(current.Description().fields, field);
+        return CopyField(found, current.Row().Record(), destination, size);
     });
 }
 
@@ -93,8 +107,9 @@ uint32_t OrmGetFieldById(ORM_SESSION session, uint32_t field, void* destination,
     if (destination == nullptr) {
         return Refusal::NullArgument;
     }
-    return OnPosition(session, [=](const CurrentRow& position) {
-        return position.CopyField(field, destination, size);
+    return OnCurrentRow(session, [=](const CurrentRow& current) {
+        const Field* found = FieldOfNumber(current.Description().fields, field);
+        return CopyField(found, current.Row().Record(), destination, size);
     });
 }
 

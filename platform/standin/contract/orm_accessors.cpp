@@ -4,11 +4,21 @@
 #include <cstring>
 
 #include "contract/contract_call.h"
-#include "store/gate.h"
+#include "store/reader_writer_lock.h"
 
 using namespace standin;
 
 namespace {
+
+constexpr char IF_BASE[] = "if_base";
+constexpr char IF_PHY[] = "if_phy";
+constexpr char IF_LINK[] = "if_link";
+constexpr char IF_ROUTE[] = "if_route";
+constexpr char PORT[] = "port";
+constexpr char VLAN[] = "vlan";
+constexpr char AM_IPV4_ADDRESS[] = "am_ipv4_address";
+constexpr char ACL_GROUP_ID[] = "acl_group_id";
+constexpr char QOS_INTEGRATION[] = "qos_integration";
 
 uint32_t ReadOne(const TableStore& store, const void* key, uint32_t keyLength, void* record,
                  uint32_t recordLength)
@@ -20,8 +30,8 @@ uint32_t ReadOne(const TableStore& store, const void* key, uint32_t keyLength, v
     if (keyLength != table.keys.front().width || recordLength != table.recordSize) {
         return Refusal::WrongSize;
     }
-    const Inside inside;
-    const StoredRow* row = store.Find(0, key);
+    const ReadGuard guard;
+    const StoredRow* row = store.Find(0, static_cast<const uint8_t*>(key));
     if (row == nullptr) {
         return ORM_NO_RECORD;
     }
@@ -35,14 +45,14 @@ uint32_t CopyCurrent(const TableStore& store, ORM_SESSION session, void* record,
     if (record == nullptr) {
         return Refusal::NullArgument;
     }
-    return OnPosition(session, [&](const CurrentRow& position) -> uint32_t {
-        if (!position.IsOn(store.Description())) {
+    return OnCurrentRow(session, [&](const CurrentRow& current) -> uint32_t {
+        if (&current.Description() != &store.Description()) {
             return Refusal::WrongOrder;
         }
         if (recordLength != store.Description().recordSize) {
             return Refusal::WrongSize;
         }
-        std::memcpy(record, position.Row()->Record(), recordLength);
+        std::memcpy(record, current.Row().Record(), recordLength);
         return ORM_OK;
     });
 }
@@ -60,57 +70,11 @@ uint32_t SetKey(const TableStore& store, ORM_SESSION session, std::string_view n
     });
 }
 
-const TableStore& IfBase()
+// The store of a table, looked up once.
+template <const auto& name>
+const TableStore& StoreNamed()
 {
-    static const TableStore& store = *FindStore("if_base");
-    return store;
-}
-
-const TableStore& IfPhy()
-{
-    static const TableStore& store = *FindStore("if_phy");
-    return store;
-}
-
-const TableStore& IfLink()
-{
-    static const TableStore& store = *FindStore("if_link");
-    return store;
-}
-
-const TableStore& IfRoute()
-{
-    static const TableStore& store = *FindStore("if_route");
-    return store;
-}
-
-const TableStore& Port()
-{
-    static const TableStore& store = *FindStore("port");
-    return store;
-}
-
-const TableStore& Vlan()
-{
-    static const TableStore& store = *FindStore("vlan");
-    return store;
-}
-
-const TableStore& AmIpv4Address()
-{
-    static const TableStore& store = *FindStore("am_ipv4_address");
-    return store;
-}
-
-const TableStore& AclGroupId()
-{
-    static const TableStore& store = *FindStore("acl_group_id");
-    return store;
-}
-
-const TableStore& QosIntegration()
-{
-    static const TableStore& store = *FindStore("qos_integration");
+    static const TableStore& store = *FindStore(name);
     return store;
 }
 
@@ -119,77 +83,77 @@ const TableStore& QosIntegration()
 uint32_t OrmgIfBaseReadInner(const void* key, uint32_t keyLength, void* record,
                              uint32_t recordLength)
 {
-    return ReadOne(IfBase(), key, keyLength, record, recordLength);
+    return ReadOne(StoreNamed<IF_BASE>(), key, keyLength, record, recordLength);
 }
 
 uint32_t OrmgIfBaseGetAllFieldsInner(ORM_SESSION session, void* record, uint32_t recordLength)
 {
-    return CopyCurrent(IfBase(), session, record, recordLength);
+    return CopyCurrent(StoreNamed<IF_BASE>(), session, record, recordLength);
 }
 
 uint32_t OrmgIfBaseSetKeyLocalKeyInner(ORM_SESSION session, const void* key, uint32_t keyLength)
 {
-    return SetKey(IfBase(), session, "local_key", key, keyLength);
+    return SetKey(StoreNamed<IF_BASE>(), session, "local_key", key, keyLength);
 }
 
 uint32_t OrmgIfPhyReadInner(const void* key, uint32_t keyLength, void* record,
                             uint32_t recordLength)
 {
-    return ReadOne(IfPhy(), key, keyLength, record, recordLength);
+    return ReadOne(StoreNamed<IF_PHY>(), key, keyLength, record, recordLength);
 }
 
 uint32_t OrmgIfPhyGetAllFieldsInner(ORM_SESSION session, void* record, uint32_t recordLength)
 {
-    return CopyCurrent(IfPhy(), session, record, recordLength);
+    return CopyCurrent(StoreNamed<IF_PHY>(), session, record, recordLength);
 }
 
 uint32_t OrmgIfLinkReadInner(const void* key, uint32_t keyLength, void* record,
                              uint32_t recordLength)
 {
-    return ReadOne(IfLink(), key, keyLength, record, recordLength);
+    return ReadOne(StoreNamed<IF_LINK>(), key, keyLength, record, recordLength);
 }
 
 uint32_t OrmgIfRouteReadInner(const void* key, uint32_t keyLength, void* record,
                               uint32_t recordLength)
 {
-    return ReadOne(IfRoute(), key, keyLength, record, recordLength);
+    return ReadOne(StoreNamed<IF_ROUTE>(), key, keyLength, record, recordLength);
 }
 
 uint32_t OrmgIfRouteGetAllFieldsInner(ORM_SESSION session, void* record, uint32_t recordLength)
 {
-    return CopyCurrent(IfRoute(), session, record, recordLength);
+    return CopyCurrent(StoreNamed<IF_ROUTE>(), session, record, recordLength);
 }
 
 uint32_t OrmgPortReadInner(const void* key, uint32_t keyLength, void* record, uint32_t recordLength)
 {
-    return ReadOne(Port(), key, keyLength, record, recordLength);
+    return ReadOne(StoreNamed<PORT>(), key, keyLength, record, recordLength);
 }
 
 uint32_t OrmgPortGetAllFieldsInner(ORM_SESSION session, void* record, uint32_t recordLength)
 {
-    return CopyCurrent(Port(), session, record, recordLength);
+    return CopyCurrent(StoreNamed<PORT>(), session, record, recordLength);
 }
 
 uint32_t OrmgVlanReadInner(const void* key, uint32_t keyLength, void* record, uint32_t recordLength)
 {
-    return ReadOne(Vlan(), key, keyLength, record, recordLength);
+    return ReadOne(StoreNamed<VLAN>(), key, keyLength, record, recordLength);
 }
 
 uint32_t OrmgVlanGetAllFieldsInner(ORM_SESSION session, void* record, uint32_t recordLength)
 {
-    return CopyCurrent(Vlan(), session, record, recordLength);
+    return CopyCurrent(StoreNamed<VLAN>(), session, record, recordLength);
 }
 
 uint32_t OrmgAmIpv4AddressSetKeyPrimaryKeyInner(ORM_SESSION session, const void* key,
                                                 uint32_t keyLength)
 {
-    return SetKey(AmIpv4Address(), session, "primary_key", key, keyLength);
+    return SetKey(StoreNamed<AM_IPV4_ADDRESS>(), session, "primary_key", key, keyLength);
 }
 
 uint32_t OrmgQosIntegrationSetKeyPrimaryKeyInner(ORM_SESSION session, const void* key,
                                                  uint32_t keyLength)
 {
-    return SetKey(QosIntegration(), session, "primary_key", key, keyLength);
+    return SetKey(StoreNamed<QOS_INTEGRATION>(), session, "primary_key", key, keyLength);
 }
 
 // The names of ACL groups are handed over by address: in the key the text, in the record a buffer
@@ -207,7 +171,7 @@ struct [[gnu::packed]] GroupRecord {
     uint8_t untouched[17];
 };
 
-constexpr uint32_t groupNameWidth = 65;
+constexpr uint32_t GROUP_NAME_WIDTH = 65;
 
 }  // namespace
 
@@ -222,13 +186,13 @@ uint32_t OrmgAclGroupIdSetKeyPrimaryKeyInner(ORM_SESSION session, const void* ke
     }
     GroupKey given;
     std::memcpy(&given, key, sizeof(given));
-    if (given.name == nullptr || strnlen(given.name, groupNameWidth) == groupNameWidth) {
+    if (given.name == nullptr || strnlen(given.name, GROUP_NAME_WIDTH) == GROUP_NAME_WIDTH) {
         return Refusal::BadKeyValue;
     }
-    char stored[groupNameWidth + sizeof(given.kind)] = {};
-    std::memcpy(stored, given.name, strnlen(given.name, groupNameWidth));
-    std::memcpy(stored + groupNameWidth, &given.kind, sizeof(given.kind));
-    return SetKey(AclGroupId(), session, "primary_key", stored, sizeof(stored));
+    char stored[GROUP_NAME_WIDTH + sizeof(given.kind)] = {};
+    std::memcpy(stored, given.name, strnlen(given.name, GROUP_NAME_WIDTH));
+    std::memcpy(stored + GROUP_NAME_WIDTH, &given.kind, sizeof(given.kind));
+    return SetKey(StoreNamed<ACL_GROUP_ID>(), session, "primary_key", stored, sizeof(stored));
 }
 
 uint32_t OrmgAclGroupIdGetAllFieldsInner(ORM_SESSION session, void* record, uint32_t recordLength)
@@ -244,14 +208,15 @@ uint32_t OrmgAclGroupIdGetAllFieldsInner(ORM_SESSION session, void* record, uint
     if (given.name == nullptr) {
         return Refusal::NullArgument;
     }
-    return OnPosition(session, [&](const CurrentRow& position) -> uint32_t {
-        char name[groupNameWidth];
-        if (!position.IsOn(AclGroupId().Description())) {
+    return OnCurrentRow(session, [&](const CurrentRow& current) -> uint32_t {
+        const Table& table = StoreNamed<ACL_GROUP_ID>().Description();
+        if (&current.Description() != &table) {
             return Refusal::WrongOrder;
         }
-        const uint32_t read = position.CopyField("name", name, sizeof(name));
-        const size_t size = strnlen(name, sizeof(name) - 1) + 1;
-        if (read != ORM_OK || size > given.capacity) {
+        const Field& field = *FindField(table.fields, "name");
+        const auto* name = reinterpret_cast<const char*>(current.Row().Record() + field.offset);
+        const size_t size = strnlen(name, GROUP_NAME_WIDTH - 1) + 1;
+        if (size > given.capacity) {
             return Refusal::WrongSize;
         }
         std::memcpy(given.name, name, size);

@@ -11,8 +11,7 @@ namespace {
 
 // What a node's handle stands for, if its session still is where it was.
 struct Node {
-    const CurrentRow* position = nullptr;  // null: a stale handle, or none
-    const List* list = nullptr;
+    const List* list = nullptr;  // null: a stale handle, or none
     std::span<const uint8_t> items;
 };
 
@@ -20,19 +19,15 @@ Node FindNode(HandleKind kind, ORM_NODE handle)
 {
     const NodeUse use = NodeUse::Of(handle);
     const Session* session = KindOf(handle) == kind ? SessionAt(handle) : nullptr;
-    if (session == nullptr || session->position.Stamp() != use.stamp) {
+    if (session == nullptr || session->current.Stamp() != use.stamp || !session->current.IsSet()) {
         return {};
     }
-    const CurrentRow& position = session->position;
-    if (position.Row() == nullptr) {
-        return {};
-    }
-    const Table& table = position.Store()->Description();
+    const Table& table = session->current.Description();
     if (use.list >= table.lists.size()) {
         return {};
     }
-    const auto items = position.Row()->Items(table, use.list);
-    return items ? Node{&position, &table.lists[use.list], *items} : Node{};
+    const auto items = session->current.Row().Items(table, use.list);
+    return items ? Node{&table.lists[use.list], *items} : Node{};
 }
 
 size_t Count(const Node& node)
@@ -40,20 +35,17 @@ size_t Count(const Node& node)
     return node.items.size() / node.list->itemSize;
 }
 
-uint32_t GetList(ORM_SESSION session, const CurrentRow& position, std::string_view name,
+uint32_t GetList(ORM_SESSION session, const CurrentRow& current, std::string_view name,
                  ORM_NODE* node)
 {
-    if (position.Row() == nullptr) {
-        return Refusal::WrongOrder;
-    }
-    const Table& table = position.Store()->Description();
+    const Table& table = current.Description();
     const auto found = std::ranges::find(table.lists, name, &List::name);
     const auto list = static_cast<size_t>(found - table.lists.begin());
-    if (found == table.lists.end() || !position.Row()->Items(table, list)) {
+    if (found == table.lists.end() || !current.Row().Items(table, list)) {
         return ORM_NO_LIST;
     }
-    *node =
-        MakeHandle(HandleKind::List, PlaceOf(session), NodeUse{position.Stamp(), list, 0}.Packed());
+    *node = MakeHandle(HandleKind::List, SessionNumberOf(session),
+                       NodeUse{current.Stamp(), list, 0}.Packed());
     return ORM_OK;
 }
 
@@ -67,9 +59,8 @@ uint32_t OrmNodeGetChild(ORM_SESSION session, ORM_NODE parent, const char* list,
     if (parent != 0) {
         return Refusal::UnknownHandle;
     }
-    return OnPosition(session, [=](const CurrentRow& position) {
-        return GetList(session, position, list, node);
-    });
+    return OnCurrentRow(
+        session, [=](const CurrentRow& current) { return GetList(session, current, list, node); });
 }
 
 uint32_t OrmNodeGetSize(ORM_NODE node, uint32_t* count)
@@ -78,7 +69,7 @@ uint32_t OrmNodeGetSize(ORM_NODE node, uint32_t* count)
         return Refusal::NullArgument;
     }
     const Node list = FindNode(HandleKind::List, node);
-    if (list.position == nullptr) {
+    if (list.list == nullptr) {
         return Refusal::UnknownHandle;
     }
     *count = static_cast<uint32_t>(Count(list));
@@ -91,7 +82,7 @@ uint32_t OrmNodeGetItemByIdx(ORM_NODE node, uint32_t index, ORM_NODE* item)
         return Refusal::NullArgument;
     }
     const Node list = FindNode(HandleKind::List, node);
-    if (list.position == nullptr) {
+    if (list.list == nullptr) {
         return Refusal::UnknownHandle;
     }
     if (index >= Count(list)) {
@@ -99,7 +90,7 @@ uint32_t OrmNodeGetItemByIdx(ORM_NODE node, uint32_t index, ORM_NODE* item)
     }
     NodeUse use = NodeUse::Of(node);
     use.item = index;
-    *item = MakeHandle(HandleKind::Item, PlaceOf(node), use.Packed());
+    *item = MakeHandle(HandleKind::Item, SessionNumberOf(node), use.Packed());
     return ORM_OK;
 }
 
@@ -110,9 +101,9 @@ uint32_t OrmNodeGetFieldById(ORM_NODE item, uint32_t field, void* destination, u
     }
     const Node list = FindNode(HandleKind::Item, item);
     const size_t index = NodeUse::Of(item).item;
-    if (list.position == nullptr || index >= Count(list)) {
+    if (list.list == nullptr || index >= Count(list)) {
         return Refusal::UnknownHandle;
     }
     const uint8_t* bytes = list.items.data() + index * list.list->itemSize;
-    return CopyFieldOf(FieldOfNumber(list.list->fields, field), bytes, destination, size);
+    return CopyField(FieldOfNumber(list.list->fields, field), bytes, destination, size);
 }

@@ -12,10 +12,7 @@ uint32_t OrmCreateSessionParam(const char* channel, const char* kind, ORM_SESSIO
     if (AnyNull(channel, kind, param)) {
         return Refusal::NullArgument;
     }
-    return Guarded([&]() -> uint32_t {
-        return OpenSession(HandleKind::Parameter, param) != nullptr ? ORM_OK
-                                                                    : Refusal::OutOfResources;
-    });
+    return OpenSession(HandleKind::Parameter, param) != nullptr ? ORM_OK : Refusal::OutOfResources;
 }
 
 uint32_t OrmSessionParamSetConnName(ORM_SESSION_PARAM param, const char* name)
@@ -64,12 +61,12 @@ uint32_t SelectObject(Session& message, uint32_t object)
         return Refusal::WrongOrder;
     }
     const Change& change = changes[message.fetched - 1];
-    const StoredRow* row = object == ORM_OBJECT_OLD ? change.before : change.after;
-    if (row == nullptr) {
-        message.position.Leave();
+    const RowReference& row = object == ORM_OBJECT_OLD ? change.before : change.after;
+    if (!row) {
+        message.current.Clear();
         return ORM_NO_RECORD;
     }
-    message.position.MoveTo(*change.store, *row);
+    message.current.Set(*change.store, row);
     return ORM_OK;
 }
 
@@ -113,7 +110,7 @@ uint32_t OrmSubFetchNext(ORM_MESSAGE message, uint8_t* end)
     }
     return OnMessage(message, [=](Session& open) -> uint32_t {
         const size_t rows = open.delivery->Changes().size();
-        open.position.Leave();
+        open.current.Clear();
         open.fetched = std::min(open.fetched + 1, rows + 1);
         if (open.fetched > rows) {
             *end = 1;

@@ -1,4 +1,4 @@
-// What a transaction has to tell its subscribers.
+// The messages of one transaction to its subscribers.
 #pragma once
 
 #include <memory>
@@ -6,14 +6,12 @@
 #include <utility>
 #include <vector>
 
-#include "notify/delivery.h"
+#include "notify/subscriber.h"
 
 namespace standin {
 
-class Subscriber;
-
-// Made while the transaction can still be undone, since that takes memory; posted, which takes
-// none, once it stands. So what is committed is told.
+// Made while the transaction can still be undone, since that takes memory. Posting takes none, so
+// every committed change is announced.
 class Announcement {
 public:
     Announcement() = default;
@@ -23,7 +21,7 @@ public:
     void Post();
 
 private:
-    std::vector<std::pair<std::shared_ptr<Subscriber>, Deliveries>> mail_;
+    std::vector<std::pair<std::shared_ptr<Subscriber>, Deliveries>> messages_;
 };
 
 }  // namespace standin

@@ -1,4 +1,4 @@
-// A subscription session: what it covers, and what it has yet to be told.
+// A subscription session: its subscriptions, and its pending notifications.
 #pragma once
 
 #include <condition_variable>
@@ -8,24 +8,9 @@
 
 #include "notify/delivery.h"
 #include "notify/subscription_definition.h"
+#include "standin/event_descriptor.h"
 
 namespace standin {
-
-// An eventfd that is readable while it is raised.
-class Signal {
-public:
-    Signal();
-    ~Signal();
-    Signal(const Signal&) = delete;
-    Signal& operator=(const Signal&) = delete;
-
-    int Descriptor() const { return descriptor_; }
-    void Raise() const;
-    void Lower() const;
-
-private:
-    int descriptor_;
-};
 
 class Subscriber : public std::enable_shared_from_this<Subscriber> {
 public:
@@ -39,19 +24,19 @@ public:
 
     void Subscribe(const Definition& definition, ORM_SUB_CALLBACK callback);
 
-    // What it is to be told of changes, which come in runs: neighbours of one table and operation.
-    using Runs = std::span<const std::span<const Change>>;
-    Deliveries DeliveriesOf(Runs runs);
+    // Its messages about changes, which come in runs: neighbours of one table and operation.
+    Deliveries DeliveriesOf(std::span<const std::span<const Change>> runs);
     void Append(Deliveries deliveries);
 
     // Runs the callbacks of what is pending now.
     uint32_t Dispatch();
 
-    // Waits until nothing pends and no callback runs; false where that takes until the deadline.
+    // Waits until nothing is pending and no callback runs; false where that takes until the
+    // deadline.
     bool AwaitQuiet(std::chrono::steady_clock::time_point deadline);
 
     // No callback runs while this is held.
-    std::unique_lock<std::recursive_mutex> HoldCallbacks()
+    std::unique_lock<std::recursive_timed_mutex> HoldCallbacks()
     {
         return std::unique_lock(dispatching_);
     }
@@ -68,29 +53,25 @@ private:
     explicit Subscriber(ORM_FD_CONTROL control) : control_(control) {}
 
     size_t PendingCount();
-    void LowerWhereNonePend();  // under the lock
-    Deliveries TakeFirst();     // none or one
-    bool DeliverFirst();        // false where there is no handle for the message
-    void DropPending();
+    void LowerWhenDrained();  // under the lock
+    Deliveries TakeFirst();   // none or one
+    bool DeliverFirst();      // false where there is no handle for the message
     bool IsClosed();
     void Serve();
     void StopServing();
 
     const ORM_FD_CONTROL control_;
-    const Signal signal_;
+    const EventDescriptor ready_;  // raised by the first pending delivery
     std::thread server_;
 
-    std::recursive_mutex dispatching_;  // held while callbacks run
+    std::recursive_timed_mutex dispatching_;  // held while callbacks run
     bool isDispatching_ = false;
 
     std::condition_variable drained_;
-    std::mutex mutex_;  // for the rest; who appends the first delivery signals then
+    std::mutex mutex_;  // of the variables below
     std::vector<Subscription> subscriptions_;
     Deliveries pending_;
     bool closed_ = false;
 };
-
-// Ends the subscriptions of the session that this handle stands for.
-uint32_t CloseSubscriptionSession(uint64_t handle);
 
 }  // namespace standin

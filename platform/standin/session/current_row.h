@@ -1,4 +1,4 @@
-// The record that a session stands on, and the reading of its fields, lists and items.
+// The current row of a session or message, and the reading of its fields.
 #pragma once
 
 #include <atomic>
@@ -9,30 +9,25 @@ namespace standin {
 
 class CurrentRow {
 public:
-    // The row stays while the position is on it: pinned by a session, or held by a message.
-    void MoveTo(const TableStore& store, const StoredRow& row);
-    void Leave();
+    void Set(const TableStore& store, RowReference row);
+    void Clear();
 
-    bool IsOn(const Table& table) const;
-    const StoredRow* Row() const { return row_; }
-    const TableStore* Store() const { return store_; }
+    bool IsSet() const { return static_cast<bool>(row_); }
+    // Only where it is set.
+    const StoredRow& Row() const { return *row_; }
+    const Table& Description() const { return store_->Description(); }
 
-    uint32_t CopyField(std::string_view field, void* destination, uint32_t size) const;
-    uint32_t CopyField(uint32_t field, void* destination, uint32_t size) const;
-
-    // Changes with every move, so that what was handed out before can be told apart.
+    // Changes with every other row, which makes the handles of the former row's lists stale.
     uint64_t Stamp() const;
 
 private:
-    uint32_t Copy(const Field* field, void* destination, uint32_t size) const;
-
     const TableStore* store_ = nullptr;
-    const StoredRow* row_ = nullptr;
-    std::atomic<uint32_t> stamp_ = 0;  // looked at through stale handles, on any thread
+    RowReference row_;
+    std::atomic<uint32_t> stamp_ = 0;  // compared with stale handles, on any thread
 };
 
 // Copies one field out of a record or an item; null is an unknown field.
-uint32_t CopyFieldOf(const Field* field, const uint8_t* bytes, void* destination, uint32_t size);
+uint32_t CopyField(const Field* field, const uint8_t* bytes, void* destination, uint32_t size);
 
 const Field* FieldOfNumber(std::span<const Field> fields, uint32_t number);
 

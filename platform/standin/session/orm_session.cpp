@@ -1,14 +1,14 @@
 #include "session/orm_session.h"
 
 #include "contract/refusal.h"
-#include "store/gate.h"
+#include "store/reader_writer_lock.h"
 #include "tarnd_platform/orm.h"
 
 namespace standin {
 
 uint32_t Session::Prepare(std::string_view table, uint32_t operation)
 {
-    if (step_ == Step::Scanning) {
+    if (state_ == State::Scanning) {
         return Refusal::WrongOrder;
     }
     if (operation != QRB_ORM_OP_READ && operation != QRB_ORM_OP_SCAN) {
@@ -18,9 +18,9 @@ uint32_t Session::Prepare(std::string_view table, uint32_t operation)
     if (store == nullptr) {
         return Refusal::UnknownTable;
     }
-    LeaveRow();
+    current.Clear();
     store_ = store;
-    step_ = operation == QRB_ORM_OP_READ ? Step::Read : Step::Scan;
+    state_ = operation == QRB_ORM_OP_READ ? State::Read : State::Scan;
     read_.Prepare(*store);
     condition_.Clear();
     return ORM_OK;
@@ -28,24 +28,22 @@ uint32_t Session::Prepare(std::string_view table, uint32_t operation)
 
 uint32_t Session::Execute()
 {
-    if (step_ != Step::Read || !read_.IsComplete()) {
+    if (state_ != State::Read || !read_.IsComplete()) {
         return Refusal::WrongOrder;
     }
-    LeaveRow();
-    const Inside inside;
+    current.Clear();
+    const ReadGuard guard;
     const StoredRow* row = read_.Find();
     if (row == nullptr) {
         return ORM_NO_RECORD;
     }
-    pins.Set(0, *row);
-    pins.SetCount(1);
-    position.MoveTo(*store_, *row);
+    current.Set(*store_, RowReference(*row));
     return ORM_OK;
 }
 
 uint32_t Session::SetCondition(std::string_view text)
 {
-    if (step_ != Step::Scan) {
+    if (state_ != State::Scan) {
         return Refusal::WrongOrder;
     }
     auto condition = ScanCondition::Parse(store_->Description(), text);
@@ -58,56 +56,50 @@ uint32_t Session::SetCondition(std::string_view text)
 
 uint32_t Session::StartScan(uint64_t* scanHandle)
 {
-    if (step_ != Step::Scan) {
+    if (state_ != State::Scan) {
         return Refusal::WrongOrder;
     }
     scan_.Start(*store_, condition_);
-    step_ = Step::Scanning;
-    scanHandle_ = MakeHandle(HandleKind::Scan, place, ++uses);
+    state_ = State::Scanning;
+    scanHandle_ = MakeHandle(HandleKind::Scan, number, ++uses);
     *scanHandle = scanHandle_;
     return ORM_OK;
 }
 
 uint32_t Session::MoveToNext(uint64_t scanHandle, uint8_t* end)
 {
-    if (step_ != Step::Scanning || scanHandle != scanHandle_) {
+    if (state_ != State::Scanning || scanHandle != scanHandle_) {
         return Refusal::UnknownHandle;
     }
-    const StoredRow* row = scan_.Next();
-    if (row == nullptr) {
-        position.Leave();
-        *end = 1;
+    RowReference row = scan_.Next();
+    if (row) {
+        current.Set(*store_, std::move(row));
     } else {
-        position.MoveTo(*store_, *row);
+        current.Clear();
+        *end = 1;
     }
     return ORM_OK;
 }
 
 uint32_t Session::EndScan(uint64_t scanHandle)
 {
-    if (step_ != Step::Scanning || scanHandle != scanHandle_) {
+    if (state_ != State::Scanning || scanHandle != scanHandle_) {
         return Refusal::UnknownHandle;
     }
     scan_.Stop();
-    LeaveRow();
-    step_ = Step::Scan;
+    current.Clear();
+    state_ = State::Scan;
     return ORM_OK;
 }
 
 void Session::Reset()
 {
     scan_.Stop();
-    LeaveRow();
+    current.Clear();
     condition_.Clear();
-    step_ = Step::Open;
+    state_ = State::Open;
     delivery = nullptr;
     fetched = 0;
-}
-
-void Session::LeaveRow()
-{
-    position.Leave();
-    pins.SetCount(0);
 }
 
 }  // namespace standin

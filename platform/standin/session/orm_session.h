@@ -1,4 +1,4 @@
-// One session: what was prepared on it, where it stands, and what its handle is good for.
+// One session: what was prepared on it, its current row, and its handle.
 #pragma once
 
 #include <memory>
@@ -8,7 +8,6 @@
 #include "session/read_key.h"
 #include "session/scan_condition.h"
 #include "session/table_scan.h"
-#include "store/pins.h"
 
 namespace standin {
 
@@ -17,7 +16,7 @@ class Delivery;
 
 class Session {
 public:
-    explicit Session(uint32_t placeInPool) : place(placeInPool) {}
+    explicit Session(uint32_t numberInPool) : number(numberInPool) {}
 
     uint32_t Prepare(std::string_view table, uint32_t operation);
     uint32_t Execute();
@@ -27,31 +26,28 @@ public:
     uint32_t EndScan(uint64_t scanHandle);
 
     // Null unless the session was prepared for a keyed read.
-    ReadKey* Key() { return step_ == Step::Read ? &read_ : nullptr; }
+    ReadKey* Key() { return state_ == State::Read ? &read_ : nullptr; }
 
-    const uint32_t place;
-    std::atomic<uint64_t> handle = 0;  // the one that is good now; 0: closed
-    uint64_t uses = 0;                 // handles given out for this place
-    Pins pins;
-    CurrentRow position;
+    const uint32_t number;
+    std::atomic<uint64_t> handle = 0;  // the valid one; 0: closed
+    uint64_t uses = 0;                 // handles made with this number
+    CurrentRow current;
 
-    // Only a subscription session has these, or a message.
+    // Only a subscription session has a subscriber, only a message has a delivery.
     std::shared_ptr<Subscriber> subscriber;
     const Delivery* delivery = nullptr;
     size_t fetched = 0;  // rows of the delivery moved to so far
 
-    // Gives up whatever was prepared or read.
+    // Releases whatever was prepared or read.
     void Reset();
 
 private:
-    enum class Step : uint8_t { Open, Read, Scan, Scanning };
+    enum class State : uint8_t { Open, Read, Scan, Scanning };
 
-    void LeaveRow();
-
-    Step step_ = Step::Open;
+    State state_ = State::Open;
     ReadKey read_;
     ScanCondition condition_;
-    TableScan scan_{pins};
+    TableScan scan_;
     uint64_t scanHandle_ = 0;
     const TableStore* store_ = nullptr;
 };

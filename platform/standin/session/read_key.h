@@ -25,7 +25,7 @@ private:
     const TableStore* store_ = nullptr;
     std::optional<size_t> key_;  // its place in Table::keys
     uint32_t missing_ = 0;       // a bit for each member that is to be set
-    std::array<uint8_t, longestKey> bytes_;
+    std::array<uint8_t, LONGEST_KEY> bytes_;
 };
 
 }  // namespace standin

@@ -1,71 +1,59 @@
 #include "session/session_pool.h"
 
 #include <mutex>
-#include <utility>
+#include <new>
 #include <vector>
-
-#include "store/limbo.h"
-#include "store/thread_slot.h"
 
 namespace standin {
 
-constinit SessionPool sessionPool;
+constinit std::array<std::atomic<Session*>, size_t{1} << SESSION_BITS> sessions = {};
 
 namespace {
 
-std::mutex mutex;
+std::mutex mutex;  // of the variables below
+uint32_t sessionCount = 0;
 
-// Closed sessions that are no thread's spare.
-std::vector<Session*>& Idle()
+// Closed sessions. Never destroyed: other threads may still run when the process ends.
+std::vector<Session*>& Closed()
 {
-    static auto& idle = *new std::vector<Session*>;
-    return idle;
+    static auto& closed = *new std::vector<Session*>;
+    return closed;
 }
 
 Session* AddSession()
 {
-    const uint32_t place = sessionPool.placesUsed;
-    if (place == sessionPool.sessions.size()) {
+    if (sessionCount == sessions.size()) {
         return nullptr;
     }
-    auto* session = new Session(place);
-    sessionPool.sessions[place].store(session, std::memory_order_release);
-    sessionPool.placesUsed.store(place + 1, std::memory_order_release);
+    Closed().reserve(sessionCount + 1);  // so that closing never fails
+    auto* session = new Session(sessionCount);
+    sessions[sessionCount++].store(session, std::memory_order_release);
     return session;
 }
 
 Session* TakeSession()
 {
     const std::lock_guard lock(mutex);
-    if (Idle().empty()) {
+    if (Closed().empty()) {
         return AddSession();
     }
-    Session* session = Idle().back();
-    Idle().pop_back();
+    Session* session = Closed().back();
+    Closed().pop_back();
     return session;
-}
-
-void KeepSession(Session& session)
-{
-    ThreadSlot& thread = OwnSlot();
-    if (thread.spare == nullptr) {
-        thread.spare = &session;
-        return;
-    }
-    const std::lock_guard lock(mutex);
-    Idle().push_back(&session);
 }
 
 }  // namespace
 
 Session* OpenSession(HandleKind kind, uint64_t* handle)
 {
-    Session* session = std::exchange(OwnSlot().spare, nullptr);
-    if (session == nullptr) {
+    Session* session = nullptr;
+    try {
         session = TakeSession();
+    } catch (const std::bad_alloc&) {
+        return nullptr;
     }
     if (session != nullptr) {
-        *handle = MakeHandle(kind, session->place, ++session->uses);
+        *handle = MakeHandle(kind, session->number, ++session->uses);
         session->handle.store(*handle, std::memory_order_relaxed);
     }
     return session;
@@ -75,8 +63,8 @@ void CloseSession(Session& session)
 {
     session.handle.store(0, std::memory_order_relaxed);
     session.Reset();
-    KeepSession(session);
-    SweepLimbo();
+    const std::lock_guard lock(mutex);
+    Closed().push_back(&session);
 }
 
 }  // namespace standin

@@ -1,5 +1,5 @@
-// Every session there is. Sessions are used again and never freed, so a stale handle can be looked
-// up safely on any thread.
+// All sessions. They are used again and never freed, so a stale handle can be looked up on any
+// thread.
 #pragma once
 
 #include <array>
@@ -9,38 +9,25 @@
 
 namespace standin {
 
-// Opens a session and gives its handle to *handle; null where there are too many.
+// Opens a session and stores its handle; null where there are too many, or no memory.
 Session* OpenSession(HandleKind kind, uint64_t* handle);
 void CloseSession(Session& session);
 
-struct SessionPool {
-    std::array<std::atomic<Session*>, size_t{1} << placeBits> sessions = {};
-    std::atomic<uint32_t> placesUsed = 0;
-};
-extern constinit SessionPool sessionPool;
+extern std::array<std::atomic<Session*>, size_t{1} << SESSION_BITS> sessions;
 
-// The session at the place that a handle names, open or not; null where there was none yet.
+// The session with the number that a handle contains, open or not; null where there is none yet.
 inline Session* SessionAt(uint64_t handle)
 {
-    return sessionPool.sessions[PlaceOf(handle)].load(std::memory_order_acquire);
+    return sessions[SessionNumberOf(handle)].load(std::memory_order_acquire);
 }
 
-// The open session that a handle of this kind stands for, or null.
+// The open session with a handle of this kind, or null.
 inline Session* FindSession(HandleKind kind, uint64_t handle)
 {
     Session* session = KindOf(handle) == kind ? SessionAt(handle) : nullptr;
     return session != nullptr && session->handle.load(std::memory_order_relaxed) == handle
                ? session
                : nullptr;
-}
-
-template <typename OnSession>
-void ForEachSession(OnSession onSession)
-{
-    const uint32_t places = sessionPool.placesUsed.load(std::memory_order_acquire);
-    for (uint32_t place = 0; place < places; place++) {
-        onSession(*sessionPool.sessions[place].load(std::memory_order_acquire));
-    }
 }
 
 }  // namespace standin

@@ -1,44 +1,39 @@
-// A walk over the rows that a table has when it starts, in the order of their insertion.
+// A scan of the rows that a table has when it starts, in the order of the table.
 //
-// Between two batches of rows it holds nothing of the table, only where it is: the sequence number
-// to go on from. So writers don't wait for it, and what they write meanwhile doesn't confuse it.
+// It takes references to a short run of rows at a time. Between two runs it keeps nothing of the
+// table but the place to go on from, so writers don't wait for it, and what they write meanwhile
+// changes no other row's turn.
 #pragma once
 
 #include "session/scan_condition.h"
-#include "store/pins.h"
 #include "store/table_store.h"
 
 namespace standin {
 
 class TableScan {
 public:
-    explicit TableScan(Pins& pins) : pins_(pins) {}
-
-    // Without a condition, condition is empty. It must outlive the scan.
+    // condition selects rows, and must outlive the scan; an empty one selects all.
     void Start(const TableStore& store, const ScanCondition& condition);
     void Stop();
 
-    // The next matching row, pinned until the next call, or null at the end.
-    const StoredRow* Next()
+    // The next matching row, or none at the end.
+    RowReference Next()
     {
-        if (delivered_ == fetched_) {
+        if (returned_ == rows_.size()) {
             Fetch();
         }
-        return delivered_ == fetched_ ? nullptr : pins_.At(delivered_++);
+        return returned_ == rows_.size() ? RowReference() : std::move(rows_[returned_++]);
     }
 
 private:
     void Fetch();
-    void FetchBatch();
 
-    Pins& pins_;
     const TableStore* store_ = nullptr;
     const ScanCondition* condition_ = nullptr;
-    uint32_t delivered_ = 0;  // of the batch
-    uint32_t fetched_ = 0;
-    uint64_t next_ = 0;  // sequence to go on from
-    uint64_t end_ = 0;   // sequence of the first row that came too late
-    size_t place_ = 0;   // where next_ was found last
+    std::vector<RowReference> rows_;
+    size_t returned_ = 0;        // of these rows
+    std::optional<Place> next_;  // place to go on from; nothing at the end
+    uint64_t end_ = 0;           // sequence of the first row that came after the start
 };
 
 }  // namespace standin

@@ -1,60 +1,99 @@
 #include "store/row_order.h"
 
 #include <algorithm>
-
-#include "store/stored_row.h"
+#include <iterator>
 
 namespace standin {
 
-void RowOrder::Append(const StoredRow& row)
+namespace {
+
+Place PlaceOf(const RowReference& row)
 {
-    slots_.push_back({nextSequence_, &row});
-    row.sequence = nextSequence_++;
-    rows_++;
+    return row->TablePlace();
 }
 
-void RowOrder::Put(const StoredRow& row)
+}  // namespace
+
+RowOrder::RowOrder()
 {
-    Slot& slot = SlotOf(row);
-    rows_ += slot.row == nullptr ? 1 : 0;
-    slot.row = &row;
+    blocks_.emplace(Place(), EmptyBlock());
 }
 
-void RowOrder::Take(const StoredRow& row)
+RowOrder::Block RowOrder::EmptyBlock()
 {
-    SlotOf(row).row = nullptr;
-    rows_--;
+    Block block;
+    block.reserve(BLOCK_ROWS + 1);
+    return block;
 }
 
-size_t RowOrder::PlaceOf(uint64_t sequence, size_t guess) const
+RowOrder::Block::iterator RowOrder::Find(Block& block, Place place)
 {
-    if (guess < slots_.size() && slots_[guess].sequence == sequence) {
-        return guess;
+    return std::ranges::lower_bound(block, place, {}, PlaceOf);
+}
+
+RowOrder::Blocks::iterator RowOrder::BlockOf(Place place)
+{
+    return std::prev(blocks_.upper_bound(place));
+}
+
+void RowOrder::Insert(RowReference row)
+{
+    const Place place = PlaceOf(row);
+    Block* block = &BlockOf(place)->second;
+    if (block->size() >= BLOCK_ROWS) {
+        block = &SplitBefore(place, *block);
     }
-    const auto found = std::ranges::lower_bound(slots_, sequence, {}, &Slot::sequence);
-    return static_cast<size_t>(found - slots_.begin());
+    block->insert(Find(*block, place), std::move(row));
+    rowCount_++;
 }
 
-// Where nothing was compacted away, a row's distance from the first is its place.
-RowOrder::Slot& RowOrder::SlotOf(const StoredRow& row)
+// The new block begins with the place that is about to be filled, so rows that come in ascending
+// order leave full blocks behind.
+RowOrder::Block& RowOrder::SplitBefore(Place place, Block& block)
 {
-    return slots_[PlaceOf(row.sequence, row.sequence - slots_.front().sequence)];
+    Block& added = blocks_.emplace(place, EmptyBlock()).first->second;
+    const auto first = Find(block, place);
+    std::move(first, block.end(), std::back_inserter(added));
+    block.erase(first, block.end());
+    return added;
 }
 
-bool RowOrder::IsSparse() const
+void RowOrder::Replace(const RowReference& row)
 {
-    constexpr size_t tolerated = 64;
-    return slots_.size() > 2 * rows_ + tolerated;
+    *Find(BlockOf(PlaceOf(row))->second, PlaceOf(row)) = row;
 }
 
-RowOrder RowOrder::Compacted() const
+void RowOrder::Erase(Place place)
 {
-    RowOrder compacted;
-    std::ranges::copy_if(slots_, std::back_inserter(compacted.slots_),
-                         [](const Slot& slot) { return slot.row != nullptr; });
-    compacted.rows_ = rows_;
-    compacted.nextSequence_ = nextSequence_;
-    return compacted;
+    const auto block = BlockOf(place);
+    block->second.erase(Find(block->second, place));
+    rowCount_--;
+    MergeWithNext(block);
+    if (block != blocks_.begin()) {
+        MergeWithNext(std::prev(block));
+    }
+}
+
+// Where both have few rows, so that memory follows the number of rows.
+void RowOrder::MergeWithNext(Blocks::iterator block)
+{
+    const auto next = std::next(block);
+    if (next != blocks_.end() && block->second.size() + next->second.size() <= BLOCK_ROWS / 2) {
+        std::ranges::move(next->second, std::back_inserter(block->second));
+        blocks_.erase(next);
+    }
+}
+
+RowOrder::Run RowOrder::RunFrom(Place place) const
+{
+    const auto next = blocks_.upper_bound(place);
+    const auto& [start, block] = *std::prev(next);
+    auto first = block.begin();
+    if (place != start) {
+        first = std::ranges::lower_bound(block, place, {}, PlaceOf);
+    }
+    return {{first, block.end()},
+            next == blocks_.end() ? std::nullopt : std::optional(next->first)};
 }
 
 }  // namespace standin

@@ -1,42 +1,51 @@
-// The rows of a table in the order of their insertion, for scans.
+// The rows of a table in the order of their places, and the table's references to them.
+//
+// A sorted list in blocks: a map from places to short sorted arrays. Inserting, replacing and
+// erasing take logarithmic time.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-#include <deque>
+#include <map>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "store/stored_row.h"
 
 namespace standin {
 
-class StoredRow;
-
 class RowOrder {
 public:
-    struct Slot {
-        uint64_t sequence;     // ascending
-        const StoredRow* row;  // null where the row was deleted
+    RowOrder();
+
+    void Insert(RowReference row);          // no row has its place
+    void Replace(const RowReference& row);  // the one at the same place
+    void Erase(Place place);
+    size_t RowCount() const { return rowCount_; }
+
+    // The rows at a place and behind it, as far as they lie side by side, and where the others
+    // begin.
+    struct Run {
+        std::span<const RowReference> rows;
+        std::optional<Place> next;
     };
-
-    void Append(const StoredRow& row);
-    void Put(const StoredRow& row);  // in the slot of the row's sequence
-    void Take(const StoredRow& row);
-
-    // The first slot of at least this sequence; guess is looked at first.
-    size_t PlaceOf(uint64_t sequence, size_t guess) const;
-
-    const std::deque<Slot>& Slots() const { return slots_; }
-    size_t RowCount() const { return rows_; }
-    uint64_t NextSequence() const { return nextSequence_; }
-
-    // Whether most slots are of deleted rows; then the same without them.
-    bool IsSparse() const;
-    RowOrder Compacted() const;
+    Run RunFrom(Place place) const;
 
 private:
-    Slot& SlotOf(const StoredRow& row);
+    using Block = std::vector<RowReference>;
+    using Blocks = std::map<Place, Block>;
 
-    std::deque<Slot> slots_;  // grows without moving what it holds
-    size_t rows_ = 0;
-    uint64_t nextSequence_ = 0;
+    static constexpr size_t BLOCK_ROWS = 64;
+
+    static Block EmptyBlock();
+    static Block::iterator Find(Block& block, Place place);
+    Blocks::iterator BlockOf(Place place);
+    Block& SplitBefore(Place place, Block& block);
+    void MergeWithNext(Blocks::iterator block);
+
+    // A block holds the places from its key up to the next block's. There is always one, at the
+    // first place.
+    Blocks blocks_;
+    size_t rowCount_ = 0;
 };
 
 }  // namespace standin

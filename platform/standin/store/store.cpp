@@ -1,10 +1,12 @@
-// The writing side's functions, and the plain ways to look at what was written.
+// Transactions, and the plain ways to read what was written.
 #include "standin/store.h"
 
-#include "session/session_pool.h"
-#include "store/commit.h"
-#include "store/gate.h"
-#include "store/limbo.h"
+#include <mutex>
+
+#include "notify/announcement.h"
+#include "session/table_scan.h"
+#include "store/reader_writer_lock.h"
+#include "store/table_store.h"
 #include "tarnd_platform/orm_subscription.h"
 
 namespace standin {
@@ -29,55 +31,156 @@ void Transaction::Delete(const Row& key)
     writes_.push_back({Operation::Delete, key});
 }
 
+namespace {
+
+// One transaction at a time; also orders the messages about them.
+std::mutex writer;
+
+const uint8_t* PrimaryKeyOf(const Row& row)
+{
+    return row.Record().data() + row.Description().keys.front().offset;
+}
+
+// For a person: "if_index 5" or "destAddr 10.0.0.0".
+std::string Described(const Row& row, const Field& field)
+{
+    std::string text(field.name);
+    if (field.kind == Kind::Text) {
+        return text + " \"" + std::string(row.Text(field.name)) + '"';
+    }
+    const uint64_t number = row.Number(field.name);
+    if (field.kind == Kind::Number) {
+        return text + " " + std::to_string(number);
+    }
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        text += (shift == 24 ? " " : ".") + std::to_string(number >> shift & 0xFF);
+    }
+    return text;
+}
+
+[[noreturn]] void Refuse(const Row& row, const Key& key, std::string_view reason)
+{
+    std::string text(row.Description().name);
+    for (const Field* member : key.members) {
+        text += (member == key.members.front() ? ": " : ", ") + Described(row, *member);
+    }
+    throw Error(text + ": " + std::string(reason));
+}
+
+// What a write changes. Throws Error where it is refused. made: nothing for a deletion.
+Change Examine(uint32_t event, const Row& row, const RowReference& made)
+{
+    TableStore& store = StoreOf(row.Description());
+    const Key& primary = row.Description().keys.front();
+    const StoredRow* present = store.Find(0, PrimaryKeyOf(row));
+    if (event == ORM_EVENT_INSERT && present != nullptr) {
+        Refuse(row, primary, "there is such a row already");
+    }
+    if ((event == ORM_EVENT_UPDATE || event == ORM_EVENT_DELETE) && present == nullptr) {
+        Refuse(row, primary, "there is no such row");
+    }
+    if (made) {
+        if (const Key* taken = store.TakenKey(*made, present)) {
+            Refuse(row, *taken, "another row has this " + std::string(taken->name));
+        }
+    }
+    return {&store, event, present != nullptr ? RowReference(*present) : RowReference(), made};
+}
+
+void Apply(const Change& change)
+{
+    if (!change.before) {
+        change.store->Insert(change.after);
+    } else if (!change.after) {
+        change.store->Remove(*change.before);
+    } else {
+        change.store->Replace(*change.before, change.after);
+    }
+}
+
+// Ends the process where memory runs out, rather than leave half a transaction.
+void Undo(const Change& change) noexcept
+{
+    if (!change.before) {
+        change.store->Remove(*change.after);
+    } else if (!change.after) {
+        change.store->Restore(change.before);
+    } else {
+        change.store->Replace(*change.after, change.before);
+    }
+}
+
+}  // namespace
+
 void Transaction::Commit()
 {
-    std::vector<PreparedWrite> prepared;
-    prepared.reserve(writes_.size());
+    // Whatever needs no lock comes before it; rows that are replaced are freed after it.
+    std::vector<RowReference> made;
+    made.reserve(writes_.size());
     for (const Write& write : writes_) {
-        prepared.push_back({&StoreOf(write.row.Description()),
-                            static_cast<uint32_t>(write.operation),
-                            NewRow(StoredRow::Make(write.row))});
+        const bool deletes = write.operation == Operation::Delete;
+        made.push_back(deletes ? RowReference() : StoredRow::Make(write.row));
     }
-    standin::Commit(std::move(prepared));
+    std::vector<Change> changes;
+    changes.reserve(writes_.size());
+
+    const std::lock_guard lock(writer);
+    Announcement announcement;
+    {
+        const WriteGuard guard;
+        try {
+            for (size_t i = 0; i < writes_.size(); i++) {
+                const auto event = static_cast<uint32_t>(writes_[i].operation);
+                Change change = Examine(event, writes_[i].row, made[i]);
+                Apply(change);
+                changes.push_back(std::move(change));
+            }
+            announcement = Announcement(changes);
+        } catch (...) {
+            for (; !changes.empty(); changes.pop_back()) {
+                Undo(changes.back());
+            }
+            throw;
+        }
+    }
+    announcement.Post();
     writes_.clear();
 }
 
 std::optional<Row> Find(const Row& key)
 {
     const Table& table = key.Description();
-    const Key& primary = table.keys.front();
-    const Inside inside;
-    const auto* row = StoreOf(table).Find(0, key.Record().data() + primary.offset);
+    const ReadGuard guard;
+    const StoredRow* row = StoreOf(table).Find(0, PrimaryKeyOf(key));
     return row != nullptr ? std::optional(Detached(table, *row)) : std::nullopt;
 }
 
 void ForEachRow(const Table& table, const std::function<void(const Row&)>& onRow)
 {
-    // A session's pins keep a row alive while onRow looks at it, whatever it writes.
-    uint64_t handle = 0;
-    auto closing = [](Session* session) { CloseSession(*session); };
-    const std::unique_ptr<Session, decltype(closing)> session(
-        OpenSession(HandleKind::Session, &handle), closing);
-    if (session == nullptr) {
-        throw Error("too many sessions");
-    }
     const ScanCondition everything;
-    TableScan scan(session->pins);
+    TableScan scan;
     scan.Start(StoreOf(table), everything);
-    while (const StoredRow* row = scan.Next()) {
+    while (const RowReference row = scan.Next()) {
         onRow(Detached(table, *row));
     }
 }
 
 size_t CountRows(const Table& table)
 {
-    const Inside inside;
+    const ReadGuard guard;
     return StoreOf(table).Order().RowCount();
 }
 
 void Reset()
 {
-    EmptyTables();
+    const std::lock_guard lock(writer);
+    std::vector<RowOrder> removed;  // freed after readers are let in
+    const WriteGuard guard;
+    for (const Table& table : Tables()) {
+        if (StoreOf(table).Order().RowCount() > 0) {
+            removed.push_back(StoreOf(table).TakeAll());
+        }
+    }
 }
 
 }  // namespace standin

@@ -151,6 +151,12 @@ Row& Row::AddItem(std::string_view list, std::span<const uint64_t> values)
     return *this;
 }
 
+Row& Row::SetRank(uint32_t rank)
+{
+    rank_ = rank;
+    return *this;
+}
+
 uint64_t Row::Number(std::string_view field) const
 {
     const Field& found = NumberField(*table_, field);

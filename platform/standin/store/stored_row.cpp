@@ -9,7 +9,7 @@ namespace {
 
 using ListBytes = std::optional<std::span<const uint8_t>>;
 
-constexpr uint32_t absent = UINT32_MAX;  // in the place of a list's size in bytes
+constexpr uint32_t ABSENT = UINT32_MAX;  // in the place of a list's size in bytes
 
 size_t StoredSize(const ListBytes& items)
 {
@@ -26,7 +26,7 @@ uint8_t* Append(uint8_t* to, const void* bytes, size_t size)
 
 uint8_t* AppendList(uint8_t* to, const ListBytes& items)
 {
-    const uint32_t size = items ? static_cast<uint32_t>(items->size()) : absent;
+    const uint32_t size = items ? static_cast<uint32_t>(items->size()) : ABSENT;
     to = Append(to, &size, sizeof(size));
     return items ? Append(to, items->data(), size) : to;
 }
@@ -35,24 +35,24 @@ ListBytes ListAt(const uint8_t* at)
 {
     uint32_t size = 0;
     std::memcpy(&size, at, sizeof(size));
-    return size == absent ? ListBytes() : ListBytes({at + sizeof(size), size});
+    return size == ABSENT ? ListBytes() : ListBytes({at + sizeof(size), size});
 }
 
 }  // namespace
 
-StoredRow* StoredRow::Make(const Row& row)
+RowReference StoredRow::Make(const Row& row)
 {
     const Table& table = row.Description();
     size_t size = sizeof(StoredRow) + table.recordSize;
     for (size_t list = 0; list < table.lists.size(); list++) {
         size += StoredSize(row.Items(list));
     }
-    auto* stored = new (::operator new(size)) StoredRow;
+    auto* stored = new (::operator new(size)) StoredRow(row.Rank());
     uint8_t* end = Append(stored->Bytes(), row.Record().data(), table.recordSize);
     for (size_t list = 0; list < table.lists.size(); list++) {
         end = AppendList(end, row.Items(list));
     }
-    return stored;
+    return RowReference(*stored);
 }
 
 std::optional<std::span<const uint8_t>> StoredRow::Items(const Table& table, size_t list) const
@@ -67,6 +67,7 @@ std::optional<std::span<const uint8_t>> StoredRow::Items(const Table& table, siz
 Row Detached(const Table& table, const StoredRow& row)
 {
     Row detached(table);
+    detached.SetRank(row.TablePlace().rank);
     std::memcpy(detached.record_.data(), row.Record(), table.recordSize);
     for (size_t list = 0; list < table.lists.size(); list++) {
         if (const auto items = row.Items(table, list)) {
@@ -76,7 +77,7 @@ Row Detached(const Table& table, const StoredRow& row)
     return detached;
 }
 
-void DeleteRow(const StoredRow* row)
+void StoredRow::Free(const StoredRow* row)
 {
     row->~StoredRow();
     ::operator delete(const_cast<StoredRow*>(row));

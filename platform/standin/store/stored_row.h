@@ -2,21 +2,55 @@
 #pragma once
 
 #include <atomic>
+#include <compare>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <span>
+#include <utility>
 
 #include "standin/store.h"
 
 namespace standin {
 
+// Where a row is in the order of its table. The rank is chosen by the writer; the sequence counts
+// insertions.
+struct Place {
+    uint32_t rank = 0;
+    uint64_t sequence = 0;
+
+    friend auto operator<=>(const Place&, const Place&) = default;
+};
+
+class StoredRow;
+
+// A counted reference: the last one that goes frees the row.
+class RowReference {
+public:
+    RowReference() = default;
+    explicit RowReference(const StoredRow& row);
+    RowReference(const RowReference& other);
+    RowReference(RowReference&& other) noexcept : row_(std::exchange(other.row_, nullptr)) {}
+    RowReference& operator=(RowReference other) noexcept
+    {
+        std::swap(row_, other.row_);
+        return *this;
+    }
+    ~RowReference();
+
+    const StoredRow* Get() const { return row_; }
+    const StoredRow& operator*() const { return *row_; }
+    const StoredRow* operator->() const { return row_; }
+    explicit operator bool() const { return row_ != nullptr; }
+
+private:
+    const StoredRow* row_ = nullptr;
+};
+
 // The header; the record follows, and behind it each list as a count and its items. One block of
 // memory for each row.
 class StoredRow {
 public:
-    // Free with DeleteRow.
-    static StoredRow* Make(const Row& row);
+    static RowReference Make(const Row& row);
 
     const uint8_t* Record() const { return reinterpret_cast<const uint8_t*>(this + 1); }
 
@@ -24,24 +58,46 @@ public:
     // Table::lists.
     std::optional<std::span<const uint8_t>> Items(const Table& table, size_t list) const;
 
-    // Where it stands, which is not contents: in the order of insertion. A row takes over the place
-    // of the one that it replaces.
-    mutable uint64_t sequence = 0;
-    // The table's, while the row stands in it, and one for each undelivered message about it.
-    mutable std::atomic<uint32_t> references = 1;
+    // Set by the table that the row enters.
+    Place TablePlace() const { return {rank_, sequence_}; }
+    uint64_t Sequence() const { return sequence_; }
+    void SetPlace(Place place) const
+    {
+        rank_ = place.rank;
+        sequence_ = place.sequence;
+    }
 
 private:
-    StoredRow() = default;
+    friend class RowReference;
+
+    explicit StoredRow(uint32_t rank) : rank_(rank) {}
+    static void Free(const StoredRow* row);
 
     uint8_t* Bytes() { return reinterpret_cast<uint8_t*>(this + 1); }
+
+    mutable uint64_t sequence_ = 0;
+    mutable uint32_t rank_;
+    mutable std::atomic<uint32_t> references_ = 0;
 };
 
-void DeleteRow(const StoredRow* row);
+inline RowReference::RowReference(const StoredRow& row) : row_(&row)
+{
+    row.references_.fetch_add(1, std::memory_order_relaxed);
+}
 
-struct RowDeleter {
-    void operator()(const StoredRow* row) const { DeleteRow(row); }
-};
-using NewRow = std::unique_ptr<StoredRow, RowDeleter>;
+inline RowReference::RowReference(const RowReference& other) : row_(other.row_)
+{
+    if (row_ != nullptr) {
+        row_->references_.fetch_add(1, std::memory_order_relaxed);
+    }
+}
+
+inline RowReference::~RowReference()
+{
+    if (row_ != nullptr && row_->references_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        StoredRow::Free(row_);
+    }
+}
 
 // The contents again, detached from the database.
 Row Detached(const Table& table, const StoredRow& row);

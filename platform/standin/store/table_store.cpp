@@ -20,74 +20,48 @@ const Key* TableStore::TakenKey(const StoredRow& row, const StoredRow* except) c
     return nullptr;
 }
 
-void TableStore::Insert(const StoredRow& row)
+void TableStore::Insert(const RowReference& row)
 {
-    order_.Append(row);
+    row->SetPlace({row->TablePlace().rank, nextSequence_});
+    Restore(row);
+    nextSequence_++;
+}
+
+void TableStore::Restore(const RowReference& row)
+{
     for (KeyIndex& index : indexes_) {
-        index.Insert(row);
+        index.Reserve();
+    }
+    order_.Insert(row);
+    for (KeyIndex& index : indexes_) {
+        index.Insert(*row);
     }
 }
 
-void TableStore::Replace(const StoredRow& present, const StoredRow& row)
+void TableStore::Replace(const StoredRow& present, const RowReference& row)
 {
-    row.sequence = present.sequence;
-    order_.Put(row);
+    row->SetPlace(present.TablePlace());
     for (KeyIndex& index : indexes_) {
-        if (index.SameKeyIn(present, row)) {
-            index.Exchange(present, row);
-        } else {
-            index.Remove(present);
-            index.Insert(row);
-        }
+        index.Erase(present);
+        index.Insert(*row);
     }
+    order_.Replace(row);
 }
 
 void TableStore::Remove(const StoredRow& row)
 {
-    order_.Take(row);
     for (KeyIndex& index : indexes_) {
-        index.Remove(row);
+        index.Erase(row);
     }
-}
-
-void TableStore::Restore(const StoredRow& row)
-{
-    order_.Put(row);
-    for (KeyIndex& index : indexes_) {
-        index.Insert(row);
-    }
-}
-
-TableStore::Room TableStore::MakeRoom(size_t inserts) const
-{
-    Room room;
-    for (size_t key = 0; key < indexes_.size(); key++) {
-        if (!indexes_[key].Fits(inserts)) {
-            room.indexes.emplace_back(key, indexes_[key].Resized(inserts));
-        }
-    }
-    if (order_.IsSparse()) {
-        room.order = order_.Compacted();
-    }
-    return room;
-}
-
-void TableStore::Exchange(Room& room)
-{
-    for (auto& [key, index] : room.indexes) {
-        std::swap(indexes_[key], index);
-    }
-    if (room.order) {
-        std::swap(order_, *room.order);
-    }
+    order_.Erase(row.TablePlace());
 }
 
 RowOrder TableStore::TakeAll()
 {
-    TableStore none(*table_);
-    std::swap(indexes_, none.indexes_);
-    std::swap(order_, none.order_);
-    return std::move(none.order_);
+    TableStore empty(*table_);
+    std::swap(indexes_, empty.indexes_);
+    std::swap(order_, empty.order_);
+    return std::move(empty.order_);
 }
 
 namespace {

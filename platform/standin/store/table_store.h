@@ -1,7 +1,7 @@
-// One table's rows, found by each key and in the order of their insertion.
+// One table's rows, found by each key and in the order of the table.
 #pragma once
 
-#include <optional>
+#include <cstdint>
 #include <vector>
 
 #include "store/key_index.h"
@@ -15,36 +15,39 @@ public:
 
     const Table& Description() const { return *table_; }
 
-    // For readers inside the gate, and for the writer. key: its place in Table::keys.
-    const StoredRow* Find(size_t key, const void* bytes) const { return indexes_[key].Find(bytes); }
-    const StoredRow* FindLike(const StoredRow& row) const { return indexes_[0].FindLike(row); }
+    // Under a ReadGuard, or by the writer. key: its place in Table::keys.
+    const StoredRow* Find(size_t key, const uint8_t* bytes) const
+    {
+        return indexes_[key].Find(bytes);
+    }
     const RowOrder& Order() const { return order_; }
+    uint64_t NextSequence() const { return nextSequence_; }
 
     // The key of row that a row other than the excepted one has, or null.
     const Key* TakenKey(const StoredRow& row, const StoredRow* except) const;
 
-    // The writer, alone inside the gate. Keys are free, and room was made.
-    void Insert(const StoredRow& row);
-    void Replace(const StoredRow& present, const StoredRow& row);
+    // Under a WriteGuard. Keys are free. What fails for want of memory changes nothing.
+    void Insert(const RowReference& row);   // behind all rows of its rank
+    void Restore(const RowReference& row);  // where it was when it was removed
+    void Replace(const StoredRow& present, const RowReference& row);
     void Remove(const StoredRow& row);
-    void Restore(const StoredRow& row);  // right after Remove: as if nothing had been
 
-    // What has to grow or shrink is built beside the tables while readers go on, and put in place
-    // by Exchange, after which it holds what is to be thrown away.
-    struct Room {
-        std::vector<std::pair<size_t, KeyIndex>> indexes;
-        std::optional<RowOrder> order;
-    };
-    Room MakeRoom(size_t inserts) const;
-    void Exchange(Room& room);
-
-    // Everything, out of the table.
+    // Removes every row, and returns them.
     RowOrder TakeAll();
 
 private:
     const Table* table_;
     std::vector<KeyIndex> indexes_;
     RowOrder order_;
+    uint64_t nextSequence_ = 0;
+};
+
+// What a write did to one row.
+struct Change {
+    TableStore* store;
+    uint32_t event;       // ORM_EVENT_*
+    RowReference before;  // none where there was no row
+    RowReference after;   // none where there is no row any more
 };
 
 // The store of a table; key and table descriptions are those of Tables().

@@ -21,8 +21,8 @@ consteval Key KeyOver(std::string_view name, std::span<const Field* const> membe
         end += member->width;
     }
     const uint32_t width = end - members.front()->offset;
-    if (width > longestKey) {
-        throw "longestKey is too short";
+    if (width > LONGEST_KEY) {
+        throw "LONGEST_KEY is too short";
     }
     return {name, members, members.front()->offset, width};
 }

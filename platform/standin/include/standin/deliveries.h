@@ -1,4 +1,4 @@
-// Changes on their way from a commit to the callbacks of those who subscribed.
+// Messages on their way from a commit to the subscribers' callbacks.
 #pragma once
 
 #include <chrono>
@@ -6,11 +6,12 @@
 
 namespace standin {
 
-// On a thread that runs such a callback: when the transaction that it tells of was committed.
+// On a thread that runs such a callback: when the transaction of the message was committed.
 // Elsewhere the clock's epoch.
 std::chrono::steady_clock::time_point CommitTime();
 
-// Does the action while no callback runs; messages wait meanwhile. Not for several threads at once.
+// Runs the action while no callback runs; messages stay pending meanwhile. Not for several threads
+// at once.
 void BetweenDeliveries(const std::function<void()>& action);
 
 // Waits until the callbacks for everything that is committed have returned; false where that takes

@@ -2,6 +2,8 @@
 //
 // There is one database in the process. Any thread may call; transactions are carried out one after
 // another, and each becomes visible at one moment: a read that starts afterwards sees all of it.
+//
+// A table is ordered by rank, and rows of one rank by their insertion. Scans follow this order.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +21,7 @@ namespace standin {
 
 class StoredRow;
 
-// What is refused, in words for a person: table, key or field, and reason.
+// Text for a person: table, key or field, and the reason of the refusal.
 class Error : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -43,6 +45,11 @@ public:
     // Adds an item at the end (and makes the list): its field values in the description's order.
     Row& AddItem(std::string_view list, std::span<const uint64_t> values);
 
+    // Where the row enters its table: in front of all rows of higher rank. A row that is updated or
+    // replaced keeps its place. 0 unless set; not part of the contents.
+    Row& SetRank(uint32_t rank);
+    uint32_t Rank() const { return rank_; }
+
     uint64_t Number(std::string_view field) const;  // Number, Ipv4
     std::string_view Text(std::string_view field) const;
     std::span<const uint8_t> Bytes(const Field& field) const;
@@ -53,12 +60,17 @@ public:
     const Table& Description() const { return *table_; }
     std::span<const uint8_t> Record() const { return record_; }
 
-    friend bool operator==(const Row&, const Row&) = default;
+    friend bool operator==(const Row& one, const Row& other)
+    {
+        return one.table_ == other.table_ && one.record_ == other.record_ &&
+               one.lists_ == other.lists_;
+    }
 
 private:
     friend Row Detached(const Table& table, const StoredRow& row);
 
     const Table* table_;
+    uint32_t rank_ = 0;
     std::vector<uint8_t> record_;
     std::vector<std::optional<std::vector<uint8_t>>> lists_;
 };
@@ -78,7 +90,7 @@ public:
     bool Empty() const { return writes_.empty(); }
 
 private:
-    enum class Operation : uint8_t { Insert, Delete, Update, Replace };
+    enum class Operation : uint8_t { Insert, Delete, Update, Replace };  // as ORM_EVENT_*
     struct Write {
         Operation operation;
         Row row;
@@ -89,12 +101,11 @@ private:
 // The row with the primary key of key, if there is one.
 std::optional<Row> Find(const Row& key);
 
-// Every row of a table in insertion order, by a scan.
+// Every row of a table in the table's order, by a scan.
 void ForEachRow(const Table& table, const std::function<void(const Row&)>& onRow);
 size_t CountRows(const Table& table);
 
-// Empties every table without telling anybody. For tests and benchmarks that start over; no session
-// may be open.
+// Empties every table without messages to subscribers. For tests and benchmarks that start over.
 void Reset();
 
 }  // namespace standin

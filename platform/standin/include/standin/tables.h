@@ -39,7 +39,7 @@ struct Key {
     uint32_t width;
 };
 
-inline constexpr uint32_t longestKey = 68;
+inline constexpr uint32_t LONGEST_KEY = 68;
 
 struct List {
     std::string_view name;
