@@ -1,24 +1,21 @@
-# libtarnd_qrb: plain functions with C linkage. It needs the C library and a platform at load time, and
-# nothing else: linked as C, so that no C++ runtime is asked for.
+# libtarnd_qrb: plain functions with C linkage. At load time it needs the C library and a platform only;
+# it is linked as C so that it doesn't depend on the C++ runtime.
 add_library(tarnd_qrb SHARED)
-foreach(room db ifm l2 fib acl qos event bal)
-  add_subdirectory(${room})
+foreach(component db ifm l2 fib acl qos event bal)
+  add_subdirectory(${component})
 endforeach()
 
 target_include_directories(tarnd_qrb PRIVATE ${PROJECT_SOURCE_DIR}
   PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 target_compile_options(tarnd_qrb PRIVATE -fno-exceptions -fno-rtti -fno-threadsafe-statics
   -fno-asynchronous-unwind-tables -ffunction-sections
-  -Wnull-dereference)  # only here: optimising, GCC 12 finds null pointers in standard containers
-# The public headers declare what is exported; the version script says so to the linker.
+  -Wnull-dereference)  # only here: with optimisation, GCC 12 warns about standard containers
+# The public headers declare the exports; the version script lists them.
 set(exports ${PROJECT_SOURCE_DIR}/cmake/tarnd_qrb.map)
 target_compile_options(tarnd_qrb PRIVATE -fvisibility=default)
-# CMake offers the C++ runtime for C++ sources; nothing asks for it, so it isn't needed.
+# CMake adds the C++ runtime for C++ sources; --as-needed drops it.
 target_link_options(tarnd_qrb PRIVATE -Wl,--as-needed -Wl,--version-script=${exports}
   -Wl,--no-undefined-version -Wl,--gc-sections)
-if(NOT TARND_SANITIZE)
-  target_link_options(tarnd_qrb PRIVATE -Wl,-z,defs)
-endif()
 set_target_properties(tarnd_qrb PROPERTIES
   LINKER_LANGUAGE C
   LINK_DEPENDS ${exports}
@@ -26,8 +23,15 @@ set_target_properties(tarnd_qrb PROPERTIES
   SOVERSION ${PROJECT_VERSION_MAJOR})
 
 target_link_libraries(tarnd_qrb PRIVATE tarnd_warnings PUBLIC tarnd_contract)
-if(TARND_PLATFORM_LIBRARY)
-  target_link_libraries(tarnd_qrb PUBLIC ${TARND_PLATFORM_LIBRARY})
+set(platform ${TARND_PLATFORM_LIBRARY})
+if(NOT platform AND TARND_HAS_STANDIN)
+  set(platform tarnd_platform)
+endif()
+if(platform)
+  target_link_libraries(tarnd_qrb PUBLIC ${platform})
+  if(NOT TARND_SANITIZE)
+    target_link_options(tarnd_qrb PRIVATE -Wl,-z,defs)
+  endif()
 else()
-  target_link_libraries(tarnd_qrb PUBLIC tarnd_platform)
+  message(STATUS "libtarnd_qrb is linked without a platform: the program that loads it provides one")
 endif()

@@ -4,7 +4,13 @@ set(CPACK_PACKAGE_CONTACT "libtarnd_qrb developers <maintainers@tarnd-qrb.invali
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL library standin development shell)
+set(CPACK_COMPONENTS_ALL library development)
+if(TARND_HAS_STANDIN)
+  list(APPEND CPACK_COMPONENTS_ALL standin)
+endif()
+if(TARND_HAS_SHELL)
+  list(APPEND CPACK_COMPONENTS_ALL shell)
+endif()
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
