@@ -1,29 +1,28 @@
-# The reference, made of what the public headers say: manual pages and, with TARND_HTML, pages for a
-# browser. An exported name that no header tells about fails the build.
-option(TARND_HTML "Make the HTML reference (needs Doxygen)" OFF)
-
-add_executable(reference tools/reference/main.cpp tools/reference/header.cpp
-  tools/reference/doxygen.cpp tools/reference/manual.cpp)
-target_include_directories(reference PRIVATE ${PROJECT_SOURCE_DIR})
-target_link_libraries(reference PRIVATE tarnd_warnings)
+# The reference, made of the comments of the public headers: HTML by Doxygen, and manual pages from
+# Doxygen's XML. An exported name, parameter or result that is not documented fails the build. Without
+# Doxygen and Python the reference is left out.
+find_package(Doxygen)
+find_package(Python3 3.10 COMPONENTS Interpreter)
+set(TARND_REFERENCE OFF)
+if(DOXYGEN_FOUND AND Python3_Interpreter_FOUND)
+  set(TARND_REFERENCE ON)
+endif()
+if(NOT TARND_REFERENCE)
+  message(STATUS "No manual pages and no HTML reference: Doxygen or Python 3.10 is missing")
+  return()
+endif()
 
 file(GLOB public_headers CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/include/tarnd_qrb/*.h ${PROJECT_SOURCE_DIR}/platform/include/tarnd_platform/*.h)
-set(manual_dir ${PROJECT_BINARY_DIR}/manual)
-add_custom_command(OUTPUT ${manual_dir}/made
-  COMMAND rm -rf ${manual_dir}
-  COMMAND reference manual ${manual_dir} ${PROJECT_VERSION} ${exports} ${public_headers}
-  COMMAND touch ${manual_dir}/made
-  DEPENDS reference ${exports} ${public_headers}
-  COMMENT "Writing the manual pages" VERBATIM)
-add_custom_target(manual ALL DEPENDS ${manual_dir}/made)
-
-if(TARND_HTML)
-  find_package(Doxygen REQUIRED)
-  configure_file(cmake/Doxyfile.in Doxyfile @ONLY)
-  add_custom_command(OUTPUT html/index.html
-    COMMAND Doxygen::doxygen Doxyfile
-    DEPENDS reference Doxyfile ${public_headers} ${PROJECT_SOURCE_DIR}/docs/questions.md
-    COMMENT "Writing the HTML reference" VERBATIM)
-  add_custom_target(html ALL DEPENDS html/index.html)
-endif()
+set(reference_dir ${PROJECT_BINARY_DIR}/reference)
+configure_file(cmake/Doxyfile.in Doxyfile @ONLY)
+add_custom_command(OUTPUT ${reference_dir}/made
+  COMMAND ${CMAKE_COMMAND} -E rm -rf ${reference_dir}
+  COMMAND ${CMAKE_COMMAND} -E make_directory ${reference_dir}/man
+  COMMAND Doxygen::doxygen Doxyfile
+  COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/tools/manpages
+    ${reference_dir}/xml ${reference_dir}/man ${PROJECT_VERSION} ${exports}
+  COMMAND ${CMAKE_COMMAND} -E touch ${reference_dir}/made
+  DEPENDS Doxyfile tools/manpages ${exports} ${public_headers} docs/questions.md
+  COMMENT "Writing the reference" VERBATIM)
+add_custom_target(reference ALL DEPENDS ${reference_dir}/made)

@@ -1,14 +1,26 @@
-/*
- * Access control lists: existence, group ids and names, numbers, rule counts.
+/**
+ * @file
+ * @brief Access control lists: existence, group id, name, number and rule count.
  *
- * An ACL stands in "acl_group" under its virtual system (vsid, vsysid), its number or name and its
- * family. Only ACL_IsACLNodeExistByNumber tells whether one exists; its three kin tell whether it
- * could be looked for. Numbers and names go into scan conditions of limited length; one that does
- * not fit is a failure, and silent. With two single-digit virtual-system numbers, names up to 9
- * characters fit. Other failures are logged, unless a comment calls them silent.
+ * An ACL belongs to a virtual system (vsid, vsysid) and a family (IPv4 or IPv6), and has a number,
+ * a name or both. Tables: "acl_group" has a record for each ACL with its group id, "acl_group_id"
+ * the name and number of each group, "acl_adv" the IPv4 rules and "acl_rule_id" the IPv6 rules.
  *
- * Every function runs on any thread and keeps nothing between calls. Null is checked where a
- * comment says so.
+ * Of the four existence checks, only ACL_IsACLNodeExistByNumber() reports whether the ACL exists.
+ * The other three report only that the scan ran; whether it found the ACL shows in the group id.
+ *
+ * @par Scan conditions
+ * Numbers and names are formatted into a scan condition of at most 63 characters. If it does not
+ * fit, the function fails without a log line. A look-up by name has room for 11 characters: the
+ * digits of vsid and vsysid, and the name. A look-up by number has room for 9: the digits of vsid,
+ * vsysid and the ACL number. ACLIPv6_IsACLNodeExistByNumber() has a longer condition, which fits
+ * any number.
+ * @par Null pointers
+ * Pointers must not be null: they are not checked, except where a parameter's description says so.
+ * @par Threads
+ * Any thread may call any function. No state is kept between calls.
+ * @par Log
+ * Priority 3, unless a function's description names another priority.
  */
 #pragma once
 
@@ -20,50 +32,225 @@
 extern "C" {
 #endif
 
-#define ACL_GROUP_NAME_SIZE 65u /* a group's name and its NUL */
+#define ACL_GROUP_NAME_SIZE 65u /**< Size of a group name buffer in bytes, NUL included. */
 
-/* Whether an IPv4 ACL with a number exists, and its group id (field 0). 1 yes; 0 no, which is
-   logged too, or a failure. *groupId is written when the ACL is met, even where a later step fails.
+/**
+ * Checks whether an IPv4 ACL with a number exists, and reads its group id.
+ *
+ * @param[in]  vsid       first number of the virtual system
+ * @param[in]  vsysid     second number of the virtual system
+ * @param[in]  aclNumber  ACL number
+ * @param[out] groupId    group id
+ *
+ * @retval 1  the ACL exists
+ * @retval 0  no such ACL, a step failed, or the numbers do not fit the scan condition
+ *
+ * @par After a failure
+ * groupId is unchanged. If only ending the scan or closing the session failed, it is written.
+ * @par Log
+ * No such ACL; each failing database step. Numbers that do not fit are not logged.
+ * @par Source
+ * "acl_group", field 0, of the first record with this vsid, vsysid and acl_number and isipv6 0.
  */
 uint32_t ACL_IsACLNodeExistByNumber(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber,
                                     uint32_t* groupId);
 
-/* Whether an IPv6 ACL could be looked for: 1 when the scan ran, whether or not it met the ACL; 0
-   for a failure or a null groupId. *groupId is written only when the ACL is met. */
+/**
+ * Looks up the group id of an IPv6 ACL by number. Does not report whether the ACL exists.
+ *
+ * @param[in]  vsid       first number of the virtual system
+ * @param[in]  vsysid     second number of the virtual system
+ * @param[in]  aclNumber  ACL number
+ * @param[out] groupId    group id; written only if the ACL is found; null is refused, without a log
+ *                        line
+ *
+ * @retval 1  the scan ran, whether or not it found the ACL
+ * @retval 0  groupId is null, or a step failed
+ *
+ * @par After a failure
+ * groupId is unchanged. If only ending the scan or closing the session failed, it is written if the
+ * ACL was found.
+ * @par Log
+ * Each failing database step. An ACL that is not found is not logged.
+ * @par Source
+ * "acl_group", field 0, of the first record with this vsid, vsysid and acl_number and isipv6 1.
+ */
 uint32_t ACLIPv6_IsACLNodeExistByNumber(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber,
                                         uint32_t* groupId);
 
-/* Whether an IPv4 or an IPv6 ACL could be looked for, by name, or by number where name is null. As
-   ACLIPv6_IsACLNodeExistByNumber: 1 when the scan ran, whether or not it met the ACL, 0 for a
-   failure, *groupId written only when the ACL is met. groupId is not checked for null. */
+/**
+ * Looks up the group id of an IPv4 ACL by name or number. Does not report whether the ACL exists.
+ *
+ * @param[in]  vsid       first number of the virtual system
+ * @param[in]  vsysid     second number of the virtual system
+ * @param[in]  aclNumber  ACL number; used only if name is null
+ * @param[in]  name       ACL name; null selects the look-up by number
+ * @param[out] groupId    group id; written only if the ACL is found
+ *
+ * @retval 1  the scan ran, whether or not it found the ACL
+ * @retval 0  a step failed, or the name or number does not fit the scan condition
+ *
+ * @par After a failure
+ * groupId is unchanged. If only ending the scan or closing the session failed, it is written if the
+ * ACL was found.
+ * @par Log
+ * Each failing database step. An ACL that is not found and a condition that does not fit
+ * are not logged.
+ * @par Source
+ * "acl_group", field 0, of the first record with this vsid, vsysid and acl_name (or acl_number) and
+ * isipv6 0.
+ */
 uint32_t ACL_IsExist(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, const char* name,
                      uint32_t* groupId);
+
+/**
+ * Looks up the group id of an IPv6 ACL by name or number. Does not report whether the ACL exists.
+ *
+ * @param[in]  vsid       first number of the virtual system
+ * @param[in]  vsysid     second number of the virtual system
+ * @param[in]  aclNumber  ACL number; used only if name is null
+ * @param[in]  name       ACL name; null selects the look-up by number
+ * @param[out] groupId    group id; written only if the ACL is found
+ *
+ * @retval 1  the scan ran, whether or not it found the ACL
+ * @retval 0  a step failed, or the name or number does not fit the scan condition
+ *
+ * @par After a failure
+ * groupId is unchanged. If only ending the scan or closing the session failed, it is written if the
+ * ACL was found.
+ * @par Log
+ * Each failing database step. An ACL that is not found and a condition that does not fit
+ * are not logged.
+ * @par Source
+ * "acl_group", field 0, of the first record with this vsid, vsysid and acl_name (or acl_number) and
+ * isipv6 1.
+ */
 uint32_t ACLIPv6_IsExist(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, const char* name,
                          uint32_t* groupId);
 
-/* The row step of the scans for an ACL, a QRB_ENTRY_FUNC: reads the group id (field 0) of the
-   session's current record into groupId, an address of uint32_t. The database's code. */
+/**
+ * Reads the group id of the session's current "acl_group" record. A QRB_ENTRY_FUNC for
+ * QRB_DB_Scan().
+ *
+ * @param[in]  session  session positioned on a record of "acl_group"
+ * @param[out] groupId  address of a uint32_t
+ * @param[in]  index    number of the record; not used
+ *
+ * @retval 0      the group id was written
+ * @retval other  code of the database
+ *
+ * @par After a failure
+ * groupId is unchanged.
+ * @par Log
+ * Nothing is logged.
+ * @par Source
+ * "acl_group", field 0.
+ */
 uint32_t ACL_DB_ScanAclGroupId(ORM_SESSION session, void* groupId, uint32_t index);
 
-/*
- * Adds the number of an ACL's rules ("acl_adv" for IPv4, "acl_rule_id" for IPv6) to *count, which
- * the caller sets to 0 first.
+/**
+ * Counts the rules of an IPv4 ACL. The number of rules is added to count.
  *
- * 0, also where the scan of the rules stopped on an error (silent), with those counted so far; 1
- * when the check of existence by number above answers 0 or the scan can't start. So an IPv6 ACL
- * that does not exist counts the rules of group 0.
+ * @param[in]     vsid       first number of the virtual system
+ * @param[in]     vsysid     second number of the virtual system
+ * @param[in]     aclNumber  ACL number
+ * @param[in,out] count      counter; the caller sets it to 0
+ *
+ * @retval 0  the rules were counted, or the scan of the rules stopped on an error
+ * @retval 1  ACL_IsACLNodeExistByNumber() returned 0, or the scan of the rules cannot be started
+ *
+ * @par After a failure
+ * count is unchanged after 1. If the scan of the rules stopped on an error, it includes the rules
+ * counted so far.
+ * @par Log
+ * What ACL_IsACLNodeExistByNumber() logs; each failing step up to the start of the scan of the
+ * rules. An error during or after that scan is not logged.
+ * @par Source
+ * Records of "acl_adv" with acl_group_id equal to the ACL's group id.
  */
 uint32_t ACL_GetRuleCount(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, uint32_t* count);
+
+/**
+ * Counts the rules of an IPv6 ACL. The number of rules is added to count.
+ *
+ * An ACL that does not exist is not detected: the rules of group 0 are counted instead.
+ *
+ * @param[in]     vsid       first number of the virtual system
+ * @param[in]     vsysid     second number of the virtual system
+ * @param[in]     aclNumber  ACL number
+ * @param[in,out] count      counter; the caller sets it to 0
+ *
+ * @retval 0  the rules were counted, or the scan of the rules stopped on an error
+ * @retval 1  ACLIPv6_IsACLNodeExistByNumber() returned 0, or the scan of the rules cannot be
+ * started
+ *
+ * @par After a failure
+ * count is unchanged after 1. If the scan of the rules stopped on an error, it includes the rules
+ * counted so far.
+ * @par Log
+ * What ACLIPv6_IsACLNodeExistByNumber() logs; each failing step up to the start of the scan of the
+ * rules. An error during or after that scan is not logged.
+ * @par Source
+ * Records of "acl_rule_id" with groupId equal to the ACL's group id.
+ */
 uint32_t ACLIPv6_GetRuleCount(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, uint32_t* count);
 
-/* The name of a group, from "acl_group_id". name holds ACL_GROUP_NAME_SIZE bytes. 0; 1 when there
-   is no such group or for a failure (logged). name is written where only a later step fails. */
+/**
+ * Reads the name of an ACL group.
+ *
+ * @param[in]  groupId  group id
+ * @param[out] name     ACL_GROUP_NAME_SIZE (65) bytes
+ *
+ * @retval 0  the name was written
+ * @retval 1  no such group, or a step failed
+ *
+ * @par After a failure
+ * name is unchanged. If only ending the scan or closing the session failed, it is written.
+ * @par Log
+ * No such group; each failing database step.
+ * @par Source
+ * "acl_group_id", name, of the first record with this id.
+ */
 uint32_t ACL_GetNameByGroupId(uint32_t groupId, char* name);
+
+/**
+ * Reads the name of an ACL group. Same as ACL_GetNameByGroupId().
+ *
+ * @param[in]  groupId  group id
+ * @param[out] name     ACL_GROUP_NAME_SIZE (65) bytes
+ *
+ * @retval 0  the name was written
+ * @retval 1  no such group, or a step failed
+ *
+ * @par After a failure
+ * name is unchanged. If only ending the scan or closing the session failed, it is written.
+ * @par Log
+ * No such group; each failing database step; both under the name ACL_GetNameByGroupId.
+ * @par Source
+ * "acl_group_id", name, of the first record with this id.
+ */
 uint32_t ACLIPv6_GetNameByGroupId(uint32_t groupId, char* name);
 
-/* The ACL number (field 5) of the record of "acl_group_id" with a name and a kind, the two members
-   of its key. 0, or 1: logged, with *aclNumber untouched; silently, with *aclNumber written,
-   where only the close failed. The two arguments in the middle are not looked at. */
+/**
+ * Reads the ACL number of a name.
+ *
+ * @param[in]  name       name, first member of the key
+ * @param[in]  kind       second member of the key, 8 bits
+ * @param[in]  unused1    not used
+ * @param[in]  unused2    not used
+ * @param[out] aclNumber  ACL number
+ *
+ * @retval 0  the number was written
+ * @retval 1  no record has the key, or a step failed
+ *
+ * @par After a failure
+ * aclNumber is unchanged. If only closing the session failed, it is written.
+ * @par Log
+ * Each failing step, no record included, under the names of QRB_DB_Get() and the functions it
+ * calls. A failing close is not logged.
+ * @par Source
+ * "acl_group_id", field 5, by primary key (name, kind).
+ */
 uint32_t BDS_AclGetAclNumberByName(const char* name, uint8_t kind, uint32_t unused1,
                                    uint32_t unused2, uint32_t* aclNumber);
 

@@ -1,40 +1,57 @@
-/*
- * Events: which ones the library raises, what they pass, and how to raise one.
+/**
+ * @file
+ * @brief Events: what the library publishes, what the events pass, and how to publish one.
  *
- * The library raises its own on its listener thread, as changes arrive, one after another; several
- * for one change in the order in which they stand here. Modules may raise any event, on their own
- * threads; who registers, and what a callback may do, is told in tarnd_qrb/event_registry.h.
- * Callbacks' results are ignored.
+ * The library publishes its events on its listener thread while it handles a change
+ * (tarnd_qrb/change_detection.h). Several events of one change are published in the order of these
+ * tables, from top to bottom and each table after the other. Modules may publish any event, on
+their own
+ * threads. tarnd_qrb/event_registry.h has the rules of callbacks.
  *
- * Layer-2 events, from table "port"; the value is 0. Records and what is pointed to are for
- * reading.
+ * Layer-2 events, from table "port". The value is 0. Callbacks do not change what is passed.
  *
- *     event                     when                    data               argument
- *     L2IF_EVT_SWITCH_PORT_ON   switch_port 0 to 1      uint32_t if_index  uint8_t: the new
- *                                                                          switch_port
- *     L2IF_EVT_SWITCH_PORT_OFF  switch_port 1 to 0      the same           the same
- *     L2IF_EVT_VLAN_ADD_PORT    a VLAN bitmap grew      new QRB_PORT_S     QRB_VLAN_CHANGE_S
- *     L2IF_EVT_VLAN_DEL_PORT    a VLAN bitmap shrank    old QRB_PORT_S     QRB_VLAN_CHANGE_S
- *     L2IF_EVT_PORT_ADD         a row was inserted      new QRB_PORT_S     its vlan_bitmap_2
- *     L2IF_EVT_PORT_DEL         a row was deleted       old QRB_PORT_S     its vlan_bitmap_2
+ * @verbatim
+event                     when                  data            argument
+L2IF_EVT_SWITCH_PORT_ON   switch_port 0 to 1    uint32_t:       uint8_t:
+L2IF_EVT_SWITCH_PORT_OFF  switch_port 1 to 0    if_index        new switch_port
+L2IF_EVT_VLAN_ADD_PORT    a VLAN bitmap grew    new QRB_PORT_S  QRB_VLAN_CHANGE_S
+L2IF_EVT_VLAN_DEL_PORT    a VLAN bitmap shrank  old QRB_PORT_S  QRB_VLAN_CHANGE_S
+L2IF_EVT_PORT_ADD         row inserted          new QRB_PORT_S  its vlan_bitmap_2
+L2IF_EVT_PORT_DEL         row deleted           old QRB_PORT_S  its vlan_bitmap_2
+@endverbatim
  *
- * Interface events, all sub-events of IF_EVT_STATE, from tables "if_phy" and "if_route".
+ * Interface events, from tables "if_phy" and "if_route": sub-events of IF_EVT_STATE.
  *
- *     sub-event                 when                    flag               first, second
- *     IF_SUB_EVT_PHY_STATE      phy_state 0 to 1        IF_EVT_FLAG_UP     null, null
- *                               phy_state 1 to 0        IF_EVT_FLAG_DOWN   null, null
- *     IF_SUB_EVT_PHY_UP         phy_state 0 to 1, or    IF_EVT_FLAG_UP     null, null
- *                               inserted with 1
- *     IF_SUB_EVT_ROUTE_STATE    route_state 0 to 1      IF_EVT_FLAG_UP     uint32_t 1; uint32_t 0,
- *                               route_state 1 to 0      IF_EVT_FLAG_DOWN   not read afterwards
+ * @verbatim
+sub-event               when                flag              first, second
+IF_SUB_EVT_PHY_STATE    phy_state 0 to 1    IF_EVT_FLAG_UP    null, null
+                        phy_state 1 to 0    IF_EVT_FLAG_DOWN  null, null
+IF_SUB_EVT_PHY_UP       phy_state 0 to 1,   IF_EVT_FLAG_UP    null, null
+                        or inserted as 1
+IF_SUB_EVT_ROUTE_STATE  route_state 0 to 1  IF_EVT_FLAG_UP    uint32_t 1 and 0
+                        route_state 1 to 0  IF_EVT_FLAG_DOWN  uint32_t 1 and 0
+@endverbatim
  *
- * Interface notifications, from tables "if_base" and "if_phy"; both values are 0.
+ * The uint32_t behind second is writable; the library does not read it afterwards.
  *
- *     command                   when
- *     IF_NOTIFY_CREATED         an if_base row was inserted
- *     IF_NOTIFY_DELETED         an if_base row was deleted
- *     IF_NOTIFY_UP              phy_state 0 to 1, or inserted with 1
- *     IF_NOTIFY_DOWN            phy_state 1 to 0, or inserted with 0
+ * Interface notifications, from tables "if_base" and "if_phy". The last two arguments are 0.
+ *
+ * @verbatim
+command            when
+IF_NOTIFY_CREATED  "if_base" row inserted
+IF_NOTIFY_DELETED  "if_base" row deleted
+IF_NOTIFY_UP       phy_state 0 to 1, or inserted as 1
+IF_NOTIFY_DOWN     phy_state 1 to 0, or inserted as 0
+@endverbatim
+ *
+ * @par Null pointers
+ * Pointers must not be null: they are not checked, except where a parameter's description says so.
+ * @par Threads
+ * As for the registries: see tarnd_qrb/event_registry.h. Callbacks run on the calling thread,
+before the
+ * function returns.
+ * @par Log
+ * Priority 3. No function uses the database.
  */
 #pragma once
 
@@ -49,38 +66,34 @@
 extern "C" {
 #endif
 
-/* Layer-2 event ids. */
-#define L2IF_EVT_VLAN_ADD_PORT 11u
-#define L2IF_EVT_VLAN_DEL_PORT 12u
-#define L2IF_EVT_SWITCH_PORT_ON 13u
-#define L2IF_EVT_SWITCH_PORT_OFF 14u
-#define L2IF_EVT_PORT_ADD 36u
-#define L2IF_EVT_PORT_DEL 37u
+#define L2IF_EVT_VLAN_ADD_PORT 11u   /**< Layer-2 event: a port joined a VLAN. */
+#define L2IF_EVT_VLAN_DEL_PORT 12u   /**< Layer-2 event: a port left a VLAN. */
+#define L2IF_EVT_SWITCH_PORT_ON 13u  /**< Layer-2 event: a port became a switch port. */
+#define L2IF_EVT_SWITCH_PORT_OFF 14u /**< Layer-2 event: a port is no longer a switch port. */
+#define L2IF_EVT_PORT_ADD 36u        /**< Layer-2 event: a port was created. */
+#define L2IF_EVT_PORT_DEL 37u        /**< Layer-2 event: a port was deleted. */
 
-/* The interface event id, its sub-event ids and flags. */
-#define IF_EVT_STATE 9u
-#define IF_SUB_EVT_PHY_STATE 2u
-#define IF_SUB_EVT_ROUTE_STATE 3u
-#define IF_SUB_EVT_PHY_UP 8u
-#define IF_EVT_FLAG_UP 0u
-#define IF_EVT_FLAG_DOWN 1u
+#define IF_EVT_STATE 9u           /**< Interface event: a state changed. */
+#define IF_SUB_EVT_PHY_STATE 2u   /**< Sub-event of IF_EVT_STATE: the physical state changed. */
+#define IF_SUB_EVT_ROUTE_STATE 3u /**< Sub-event of IF_EVT_STATE: the layer-3 state changed. */
+#define IF_SUB_EVT_PHY_UP 8u      /**< Sub-event of IF_EVT_STATE: the physical state is up. */
+#define IF_EVT_FLAG_UP 0u         /**< Flag of an interface event: up. */
+#define IF_EVT_FLAG_DOWN 1u       /**< Flag of an interface event: down. */
 
-/* Notification commands. 2 is not raised by the library. */
-#define IF_NOTIFY_CREATED 0u
-#define IF_NOTIFY_DELETED 1u
-#define IF_NOTIFY_UP 3u
-#define IF_NOTIFY_DOWN 4u
+#define IF_NOTIFY_CREATED 0u /**< Notification: an interface was created. */
+#define IF_NOTIFY_DELETED 1u /**< Notification: an interface was deleted. */
+#define IF_NOTIFY_UP 3u      /**< Notification: an interface went up. */
+#define IF_NOTIFY_DOWN 4u    /**< Notification: an interface went down. */
 
-/* Which of a port's VLAN bitmaps changed. */
-#define QRB_VLAN_BITMAP_2 0u
-#define QRB_VLAN_BITMAP_1 1u
+#define QRB_VLAN_BITMAP_2 0u /**< QRB_VLAN_CHANGE_S: vlan_bitmap_2 changed. */
+#define QRB_VLAN_BITMAP_1 1u /**< QRB_VLAN_CHANGE_S: vlan_bitmap_1 changed. */
 
-/* What changed in a port's VLANs. */
+/** Which VLAN bitmap of a port changed. */
 typedef struct {
-    uint32_t bitmap;    /* QRB_VLAN_BITMAP_1 or QRB_VLAN_BITMAP_2 */
-    uint32_t portCount; /* always 1 */
-    uint32_t ifIndex;   /* the port's, from the old row */
-    uint8_t reserved_12[508];
+    uint32_t bitmap;          /**< QRB_VLAN_BITMAP_1 or QRB_VLAN_BITMAP_2 */
+    uint32_t portCount;       /**< always 1 */
+    uint32_t ifIndex;         /**< interface index of the port, from the old row */
+    uint8_t reserved_12[508]; /**< zero */
 } QRB_VLAN_CHANGE_S;
 QRB_RECORD_SIZE(QRB_VLAN_CHANGE_S, 520);
 QRB_FIELD_AT(QRB_VLAN_CHANGE_S, bitmap, 0, 4);
@@ -88,34 +101,62 @@ QRB_FIELD_AT(QRB_VLAN_CHANGE_S, portCount, 4, 4);
 QRB_FIELD_AT(QRB_VLAN_CHANGE_S, ifIndex, 8, 4);
 QRB_FIELD_AT(QRB_VLAN_CHANGE_S, reserved_12, 12, 508);
 
-/*
- * Calls the callbacks of a layer-2 event, with data, value and argument handed through.
+/**
+ * Publishes a layer-2 event: calls its callbacks.
  *
- * 0, also when nobody is registered; 1 (logged) for an event id of L2IF_EVT_COUNT or more, for a
- * table that is not built, and when it comes to an entry without a callback: those before it have
- * been called, those after it are not.
+ * @param[in]     eventId   event id, less than L2IF_EVT_COUNT (74)
+ * @param[in]     data      passed to the callbacks; may be null
+ * @param[in]     value     passed to the callbacks
+ * @param[in,out] argument  passed to the callbacks; may be null
+ *
+ * @retval 0  all callbacks were called; also if there are none
+ * @retval 1  the event does not exist, the table is not built, or an entry has no callback
+ *
+ * @par After a failure
+ * The callbacks before an entry without a callback were called, the ones behind it were not.
+ * @par Log
+ * Each failure.
  */
 uint32_t L2IF_SH_EvtPublishEvent(uint32_t eventId, const void* data, uint32_t value,
                                  void* argument);
 
-/*
- * The callbacks of an interface event or sub-event, for the publisher to call.
+/**
+ * Finds the callbacks of an interface event or sub-event. The publisher calls them.
  *
- * subId  a sub-event id, or IF_EVT_WHOLE.
- * first  the first node, null where nobody is registered; the elements are IF_EVT_CB_S.
- * count  their number.
+ * The library cannot see such a publication: its callbacks must not change the entries of the
+ * event.
  *
- * 0; 1 (logged), outputs untouched, for an event or sub-event that doesn't exist, and for a tree
- * that is not built. Null is not checked.
+ * @param[in]  eventId  event id, less than IF_EVT_COUNT (76)
+ * @param[in]  subId    sub-event id; IF_EVT_WHOLE for the event as a whole
+ * @param[out] first    first node of the list, whose elements are IF_EVT_CB_S; null if it is empty
+ * @param[out] count    number of nodes
  *
- * The library can't know where such a publisher is: its callbacks must leave the event's entries
- * alone while it walks, unlike those that the library calls.
+ * @retval 0  the outputs were written
+ * @retval 1  the event or sub-event does not exist, or the tree is not built
+ *
+ * @par After a failure
+ * The outputs are unchanged.
+ * @par Log
+ * Each failure.
  */
 uint32_t IF_SH_EvtPublishEventGetEventNode(uint32_t eventId, uint32_t subId,
                                            UTIL_LIST_NODE_S** first, uint64_t* count);
 
-/* Calls every notification callback, with these arguments. 0; 1 (logged) where the list is not
-   built, that is, until IF_NotifyFuncRegTbl_Init or the first IF_RegNotifyFunc. */
+/**
+ * Publishes an interface notification: calls every notification callback.
+ *
+ * @param[in] ulIfIndex  interface index
+ * @param[in] ulCmd      command
+ * @param[in] a          passed to the callbacks
+ * @param[in] b          passed to the callbacks
+ *
+ * @retval 0  all callbacks were called; also if there are none
+ * @retval 1  the notification list is not built: IF_RegNotifyFunc() and IF_NotifyFuncRegTbl_Init()
+ * were never called
+ *
+ * @par Log
+ * A list that is not built.
+ */
 uint32_t IF_NotifyAll(uint32_t ulIfIndex, uint32_t ulCmd, uint32_t a, uint32_t b);
 
 #ifdef __cplusplus

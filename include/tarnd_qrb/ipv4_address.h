@@ -1,15 +1,23 @@
-/*
- * IPv4 addresses of interfaces, from the record that each interface has in "am_ipv4_address" and
- * the list "ipv4_address_list" in it.
+/**
+ * @file
+ * @brief IPv4 addresses of interfaces.
  *
- * An address is the number whose most significant byte is the first octet. A mask is made of a
- * prefix length's leading one bits: 0 gives 0, and lengths above 32 count as 32. Prefix lengths
- * themselves are handed out as stored.
+ * Source: table "am_ipv4_address", which has a record for each interface, and the list
+ * "ipv4_address_list" in that record.
  *
- * Every function runs on any thread and keeps nothing between calls; what takes two reads (said
- * where it does) may see two states of the list. Failures are logged, an interface without a record
- * too, and leave outputs untouched, unless a comment says otherwise. Null is checked where a
- * comment says so.
+ * An address is a 32-bit number whose most significant byte is the first octet: 10.0.0.1 is
+ * 0x0A000001. A prefix length is returned as stored. Where a mask is needed, a prefix length of 0
+ * gives mask 0, and one above 32 gives mask 0xFFFFFFFF.
+ *
+ * @par Null pointers
+ * Pointers must not be null: they are not checked, except where a parameter's description says so.
+ * A refused null pointer is a failure and is logged as "Null value provided".
+ * @par Threads
+ * Any thread may call any function. No state is kept between calls. A function that reads the list
+ * twice says so: the list may change between the two reads.
+ * @par Log
+ * Priority 3, with the database's code, unless a function's description says otherwise. An
+ * interface without a record is logged like any other failure.
  */
 #pragma once
 
@@ -22,119 +30,347 @@
 extern "C" {
 #endif
 
-/* One item of the list. */
+/** One item of an interface's address list. */
 typedef struct {
-    uint32_t address; /* field 0 */
-    uint8_t masklen;  /* field 1; prefix length */
-    uint8_t type;     /* field 2; 1 marks the main address, 6 one that is never it */
+    uint32_t address; /**< address; field 0 */
+    uint8_t masklen;  /**< prefix length; field 1 */
+    uint8_t type;     /**< 1: main address; 6: never the main address; field 2 */
 } BDS_IPV4_ADDR_ITEM_S;
 QRB_RECORD_SIZE(BDS_IPV4_ADDR_ITEM_S, 8);
 QRB_FIELD_AT(BDS_IPV4_ADDR_ITEM_S, address, 0, 4);
 QRB_FIELD_AT(BDS_IPV4_ADDR_ITEM_S, masklen, 4, 1);
 QRB_FIELD_AT(BDS_IPV4_ADDR_ITEM_S, type, 5, 1);
 
-/* One element of the array that SYSAPI_GetIp4AllAddrByIf fills. */
+/** One element of the array that SYSAPI_GetIp4AllAddrByIf() fills. */
 typedef struct {
-    uint32_t address;
-    uint32_t masklen; /* prefix length */
+    uint32_t address; /**< address */
+    uint32_t masklen; /**< prefix length */
 } SYSAPI_IP4_ADDR_S;
 QRB_RECORD_SIZE(SYSAPI_IP4_ADDR_S, 8);
 QRB_FIELD_AT(SYSAPI_IP4_ADDR_S, address, 0, 4);
 QRB_FIELD_AT(SYSAPI_IP4_ADDR_S, masklen, 4, 4);
 
-/*
- * Opens a session on the record of interface *key.
+/**
+ * Opens a session positioned on the address record of an interface.
  *
- * session  0 beforehand. On success it is open, with the record current, and the caller's to close
- *          with OrmCloseSession; after a failure it has been closed.
+ * @param[in,out] session  set to 0 by the caller; on success the open session, which the caller
+ * closes with OrmCloseSession()
+ * @param[in]     key      interface index
  *
- * 0, or 0xFFFFFFFF.
+ * @retval 0           the session is open and the record is its current record
+ * @retval 0xFFFFFFFF  the interface has no record, or a step failed
+ *
+ * @par After a failure
+ * The session is closed; session may hold its former handle and must not be used.
+ * @par Log
+ * The failing step.
+ * @par Source
+ * "am_ipv4_address", by interface index.
  */
 uint32_t BDS_IPGetIpv4AddrTblByIfIndex(ORM_SESSION* session, const uint32_t* key);
 
-/* Reads one item of the list. 0; or 0xFFFFFFFF, the members before the one that failed written. */
+/**
+ * Reads one item of an address list.
+ *
+ * @param[in]  item  item of the list, from OrmNodeGetItemByIdx()
+ * @param[out] out   address, prefix length and type
+ *
+ * @retval 0           the item was read
+ * @retval 0xFFFFFFFF  a field cannot be read
+ *
+ * @par After a failure
+ * The members before the failing one (address, masklen, type, in this order) are written.
+ * @par Log
+ * The failing step.
+ * @par Source
+ * Fields 0, 1 and 2 of the item.
+ */
 uint32_t BDS_IPGetIpv4AddrTblItem(ORM_NODE item, BDS_IPV4_ADDR_ITEM_S* out);
 
-/* The main address: the first item, in list order, that can be read and is not of type 6. Items
-   that can't be read are logged and passed over. 0, or 0xFFFFFFFF. */
+/**
+ * Reads the main address of an interface: the first address that can be read and whose type is
+ * not 6.
+ *
+ * IP_GetMainIpAddr() selects the main address by another rule.
+ *
+ * @param[in]  ifIndex  interface index
+ * @param[out] address  address
+ * @param[out] masklen  prefix length
+ *
+ * @retval 0           the outputs were written
+ * @retval 0xFFFFFFFF  the interface has no record or no such address, or a step failed
+ *
+ * @par After a failure
+ * The outputs are unchanged.
+ * @par Log
+ * Each failing step; an empty list or a list whose size cannot be read; no address found. An item
+ * that cannot be read is logged and skipped. A failing close is not logged and does not change the
+ * result.
+ * @par Source
+ * "am_ipv4_address", "ipv4_address_list", by interface index.
+ */
 uint32_t BDS_IPGetMainIpByIfIndex(uint32_t ifIndex, uint32_t* address, uint32_t* masklen);
 
-/* The main address by another rule: the first item of type 1. 0; or 1: silently when no item has
-   it. Null is refused with 1. */
+/**
+ * Reads the main address of an interface: the first address of type 1.
+ *
+ * BDS_IPGetMainIpByIfIndex() selects the main address by another rule.
+ *
+ * @param[in]  ifIndex  interface index
+ * @param[out] address  address; null is refused
+ * @param[out] masklen  prefix length; null is refused
+ *
+ * @retval 0  the outputs were written
+ * @retval 1  a pointer is null, the interface has no record or no such address, or a step failed
+ *
+ * @par After a failure
+ * The outputs are unchanged.
+ * @par Log
+ * A null pointer; each failing step. A list without an address of type 1 is not logged.
+ * @par Source
+ * "am_ipv4_address", "ipv4_address_list", by interface index.
+ */
 uint32_t IP_GetMainIpAddr(uint32_t ifIndex, uint32_t* address, uint32_t* masklen);
 
-/* How many addresses the interface has, also where only the close fails; 0 for other failures, and
-   silently where it has no record. */
+/**
+ * Counts the addresses of an interface.
+ *
+ * @param[in] ifIndex  interface index
+ *
+ * @return the number of items in the list
+ * @retval 0  no addresses, no record, or a step before the size of the list failed
+ *
+ * @par After a failure
+ * The result is the count as it stands: 0 before the size of the list is read, and the size
+ * afterwards, even if closing the session fails.
+ * @par Log
+ * Each failing step. An interface without a record is not logged.
+ * @par Source
+ * "am_ipv4_address", size of "ipv4_address_list", by interface index.
+ */
 uint32_t SYSAPI_GetIp4AddrNumByIf(uint32_t ifIndex);
 
-/*
- * The interface's addresses in list order, of every type.
+/**
+ * Reads the addresses of an interface in list order, of every type.
  *
- * addresses  receives the first min(SYSAPI_GetIp4AddrNumByIf, capacity); how many, is not told.
- * capacity   elements in addresses.
+ * @param[in]  ifIndex    interface index
+ * @param[out] addresses  array of capacity elements; null is refused
+ * @param[in]  capacity   maximum number of elements; 0 is refused
  *
- * 0; or 1, the elements read before the failure written. A null array and a capacity of 0 are
- * refused with 1.
+ * @retval 0  the first elements of the list were written, as many as exist and fit; the number is
+ * not returned: it is the smaller of capacity and the result of SYSAPI_GetIp4AddrNumByIf()
+ * @retval 1  an argument is refused, the interface has no record, or a step failed
+ *
+ * @par After a failure
+ * The elements read before the failure are written.
+ * @par Log
+ * A refused argument, as "Null value provided"; each failing step.
+ * @par Source
+ * "am_ipv4_address", "ipv4_address_list", by interface index.
  */
 uint32_t SYSAPI_GetIp4AllAddrByIf(uint32_t ifIndex, SYSAPI_IP4_ADDR_S* addresses,
                                   uint32_t capacity);
 
-/* In two reads. The addresses are counted and then read. A count that fails is logged and taken for
-   none. A read that fails is logged and does not change the result: addresses that were not read
-   count as 0. */
-
-/* Whether the address is one of the interface's: 1 yes; 0 no, or a failure. An interface without
-   addresses is logged. */
+/**
+ * Checks whether an address is one of an interface's addresses.
+ *
+ * Reads the list twice: SYSAPI_GetIp4AddrNumByIf(), then SYSAPI_GetIp4AllAddrByIf(). If the second
+ * read fails, the addresses that were not read count as 0.
+ *
+ * @param[in] ifIndex  interface index
+ * @param[in] address  address
+ *
+ * @retval 1  it is
+ * @retval 0  it is not, the interface has no addresses or no record, or a step failed
+ *
+ * @par Log
+ * What the two functions log; an interface without addresses or record; a failed second read; a
+ * failed allocation.
+ * @par Source
+ * "am_ipv4_address", "ipv4_address_list", by interface index.
+ */
 uint32_t BDS_IPIFIsThisIfIpAddr(uint32_t ifIndex, uint32_t address);
 
-/* The first capacity addresses of the interface, without prefix lengths; count receives how many
-   were written, 0 (silently) where the interface has none. 0; or 1: no memory. Null is refused with
-   1. */
+/**
+ * Reads the addresses of an interface in list order, without prefix lengths.
+ *
+ * Reads the list twice: SYSAPI_GetIp4AddrNumByIf(), then SYSAPI_GetIp4AllAddrByIf(). If the second
+ * read fails, the addresses that were not read count as 0 and the result is still 0.
+ *
+ * @param[in]  ifIndex    interface index
+ * @param[out] addresses  array of capacity elements; null is refused
+ * @param[in]  capacity   maximum number of elements
+ * @param[out] count      number of elements written; 0 if the interface has no addresses or no
+ * record, or if the first read failed; null is refused
+ *
+ * @retval 0  the outputs were written
+ * @retval 1  a pointer is null, or no memory
+ *
+ * @par After a failure
+ * The outputs are unchanged after 1.
+ * @par Log
+ * A null pointer; what the two functions log; a failed second read; a failed allocation. An
+ * interface without addresses is not logged.
+ * @par Source
+ * "am_ipv4_address", "ipv4_address_list", by interface index.
+ */
 uint32_t BDS_IPIFGetThisIfIpAddr(uint32_t ifIndex, uint32_t* addresses, uint32_t capacity,
                                  uint32_t* count);
 
-/* The first address of the list. 0; or 1: silently where the interface has none. Null is refused
-   with 1. */
+/**
+ * Reads the first address in the list of an interface.
+ *
+ * Reads the list twice: SYSAPI_GetIp4AddrNumByIf(), then SYSAPI_GetIp4AllAddrByIf(). If the second
+ * read fails before the first address, the address is 0 and the result is still 0.
+ *
+ * @param[in]  ifIndex  interface index
+ * @param[out] address  address; null is refused
+ *
+ * @retval 0  the address was written
+ * @retval 1  address is null, the interface has no addresses or no record, the first read failed,
+ * or no memory
+ *
+ * @par After a failure
+ * address is unchanged after 1.
+ * @par Log
+ * A null address; what the two functions log; a failed second read; a failed allocation. An
+ * interface without addresses is not logged.
+ * @par Source
+ * "am_ipv4_address", "ipv4_address_list", by interface index.
+ */
 uint32_t BDS_IPGetFirstIpByIfIndex(uint32_t ifIndex, uint32_t* address);
 
-/* In one read. */
-
-/*
- * The interface's address that fits a peer: the last one, after the first, that is not 0 and whose
- * subnet holds the peer; else the first, whether it fits or not. Prefix lengths are not compared.
- * One of prefix length 0 fits every peer.
+/**
+ * Selects the address of an interface that fits a peer.
  *
- * network  receives the address under its mask.
+ * The result is the last address after the first that is not 0 and whose subnet contains the peer;
+ * if there is none, the first address, whether it fits or not. Prefix lengths are not compared. An
+ * address of prefix length 0 fits every peer.
  *
- * 0; or 1: a failure, with the outputs of the best so far written, or no address. Null is refused
- * with 1.
+ * @param[in]  ifIndex  interface index
+ * @param[in]  peer     address of the peer
+ * @param[out] masklen  prefix length of the selected address; null is refused
+ * @param[out] network  the selected address under its mask; null is refused
+ * @param[out] address  the selected address; null is refused
+ *
+ * @retval 0  the outputs were written
+ * @retval 1  a pointer is null, the interface has no record or an empty list, or a step failed
+ *
+ * @par After a failure
+ * The outputs hold the address selected among those read before the failure, or are unchanged if
+ * none was read.
+ * @par Log
+ * A null pointer; each failing step; an empty list.
+ * @par Source
+ * "am_ipv4_address", "ipv4_address_list", by interface index.
  */
 uint32_t BDS_IPGetIFBestMatchIpAddr(uint32_t ifIndex, uint32_t peer, uint32_t* masklen,
                                     uint32_t* network, uint32_t* address);
 
-/* The mask (of the prefix length: 0 gives 0, above 32 gives 0xFFFFFFFF) of one of the interface's
-   addresses. 0; or 1: silently when the address is not the interface's. mask stays written where
-   only the closing of the session fails. Null is refused with 1. */
+/**
+ * Reads the mask of one of an interface's addresses.
+ *
+ * @param[in]  ifIndex  interface index
+ * @param[in]  address  address
+ * @param[out] mask     mask of the first item with this address; null is refused
+ *
+ * @retval 0  the mask was written
+ * @retval 1  mask is null, the interface has no record or not this address, or a step failed
+ *
+ * @par After a failure
+ * mask is unchanged. If only closing the session failed, it is written.
+ * @par Log
+ * A null mask; each failing step. An address that is not found is not logged.
+ * @par Source
+ * "am_ipv4_address", "ipv4_address_list", by interface index.
+ */
 uint32_t IP_GetMask(uint32_t ifIndex, uint32_t address, uint32_t* mask);
 
-/*
- * The interface that owns an address: the first, in a scan of the whole table, whose record has
- * this instanceId and whose list holds the address.
+/**
+ * Looks up the interface that owns an address, by a scan of the table.
  *
- * ifIndex  receives its index, or 0xFFFFFFFF when no record holds the address.
+ * @param[in]  address     address
+ * @param[in]  instanceId  instance; only records with this instanceId are considered
+ * @param[out] ifIndex     interface index of the first record, in scan order, whose list contains
+ * the address; 0xFFFFFFFF if there is none; null is refused
  *
- * 0; or 1: a failure, or (silently) no owner. Null is refused with 1.
+ * @retval 0  the address has an owner
+ * @retval 1  ifIndex is null, the address has no owner, or a step failed
+ *
+ * @par After a failure
+ * ifIndex is unchanged.
+ * @par Log
+ * A null ifIndex; each failing step. An address without an owner is not logged.
+ * @par Source
+ * "am_ipv4_address", fields 0 and 1 and "ipv4_address_list".
  */
 uint32_t IP_GetIfindexbyIpAddr(uint32_t address, uint32_t instanceId, uint32_t* ifIndex);
+
+/**
+ * Looks up the interface that owns an address. Same as IP_GetIfindexbyIpAddr().
+ *
+ * @param[in]  address     address
+ * @param[in]  instanceId  instance; only records with this instanceId are considered
+ * @param[out] ifIndex     interface index of the first record, in scan order, whose list contains
+ * the address; 0xFFFFFFFF if there is none; null is refused
+ *
+ * @retval 0  the address has an owner
+ * @retval 1  ifIndex is null, the address has no owner, or a step failed
+ *
+ * @par After a failure
+ * ifIndex is unchanged.
+ * @par Log
+ * What IP_GetIfindexbyIpAddr() logs, under that name.
+ * @par Source
+ * "am_ipv4_address", fields 0 and 1 and "ipv4_address_list".
+ */
 uint32_t BDS_IPGetIfindexbyIpAddr(uint32_t address, uint32_t instanceId, uint32_t* ifIndex);
 
-/* Whether an address has an owner: 1 yes; 0 no, or a failure. */
+/**
+ * Checks whether an interface of this device owns an address.
+ *
+ * @param[in] address     address
+ * @param[in] instanceId  instance; only records with this instanceId are considered
+ *
+ * @retval 1  an interface owns it
+ * @retval 0  no interface owns it, or a step failed
+ *
+ * @par Log
+ * What IP_GetIfindexbyIpAddr() logs, under that name.
+ * @par Source
+ * "am_ipv4_address", fields 0 and 1 and "ipv4_address_list".
+ */
 uint32_t BDS_IPIsLocalIfAddr(uint32_t address, uint32_t instanceId);
 
-/* IPv6: fixed answers. They read no argument, write nothing and touch no database; address would be
-   16 bytes. */
-uint32_t BDS_IPv6GetValidGlobalAddrByIfIndex(uint32_t ifIndex, uint8_t* address); /* 1: failure */
-uint32_t IP6_Addr_GetValidGlobalAddrOnIf(uint32_t ifIndex, uint8_t* address);     /* 0 */
+/**
+ * Fails for every interface: IPv6 is not supported. Kept for existing callers.
+ *
+ * @param[in]  ifIndex  not used
+ * @param[out] address  never written; may be null
+ *
+ * @retval 1  always
+ *
+ * @par Log
+ * Nothing is logged.
+ * @par Source
+ * No database.
+ */
+uint32_t BDS_IPv6GetValidGlobalAddrByIfIndex(uint32_t ifIndex, uint8_t* address);
+
+/**
+ * Returns 0 and no address for every interface: IPv6 is not supported. Kept for existing callers.
+ *
+ * @param[in]  ifIndex  not used
+ * @param[out] address  never written; may be null
+ *
+ * @retval 0  always
+ *
+ * @par Log
+ * Nothing is logged.
+ * @par Source
+ * No database.
+ */
+uint32_t IP6_Addr_GetValidGlobalAddrOnIf(uint32_t ifIndex, uint8_t* address);
 
 #ifdef __cplusplus
 }

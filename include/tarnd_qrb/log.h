@@ -1,8 +1,11 @@
-/*
- * Log lines under the identity "TARND_QRB".
+/**
+ * @file
+ * @brief Log lines under the identity "TARND_QRB".
  *
- * Result codes, in every header of this library: 0 is success, except in predicates and where a
- * comment says otherwise. Codes are unsigned 32-bit; what a failure gives is told at each function.
+ * The library reports its failures through this function. Modules may use it too.
+ *
+ * @par Threads
+ * Any thread may call. No state is kept between calls.
  */
 #pragma once
 
@@ -12,19 +15,19 @@
 extern "C" {
 #endif
 
-/*
+/**
  * Writes one line to the system log: "[TARND_QRB][function:line] text".
  *
- * priority  the system log's levels, 0 emergency to 7 debug. 4 and above are dropped at the price
- *           of one comparison, so informational calls may stay in hot paths.
- * function  the reporting function's name; null gives the short form "[TARND_QRB] text".
- * line      any number that identifies the call site.
- * format    as for printf; not null.
+ * A priority of 4 or more costs one comparison: the function returns before it formats the text.
  *
- * A text of more than 511 characters is lost, and so is one for which there is no memory; nothing
- * else happens.
+ * @param[in] priority  level as for syslog(), 0 (emergency) to 7 (debug); 4 and above are discarded
+ * @param[in] function  name of the reporting function; null: the line is "[TARND_QRB] text"
+ * @param[in] line      any number that identifies the call site
+ * @param[in] format    format as for printf(), with its arguments; must not be null
  *
- * Any thread. No state is kept.
+ * @par After a failure
+ * The line is lost, without notice, if the text has more than 511 characters, the format fails or
+ * there is no memory for 512 bytes.
  */
 void Tarn_QRB_Log_Printf(uint32_t priority, const char* function, uint32_t line, const char* format,
                          ...) __attribute__((format(printf, 4, 5)));

@@ -1,9 +1,20 @@
-/*
- * The daemon's modules and their memory-accounting handles, and what each module has in use.
+/**
+ * @file
+ * @brief The daemon's modules, their memory-accounting handles and their memory use.
  *
- * MEM_EX_Init runs once at start-up, before other threads use the map and before anything is put
- * into a list (tarnd_qrb/util_list.h); until then every handle is 0, "nobody". Afterwards the map
- * is only read, from any thread. Nothing is logged. Null is checked where a comment says so.
+ * The memory map has an entry for each module of the daemon. The position of an entry is the module
+ * id.
+ *
+ * The daemon calls MEM_EX_Init() once at start-up, before other threads use the map and before any
+ * list (tarnd_qrb/util_list.h) gets an element. Before that, every handle is 0.
+ *
+ * @par Null pointers
+ * Pointers must not be null: they are not checked, except where a parameter's description says so.
+ * @par Threads
+ * MEM_EX_Init() writes the map without a lock. Otherwise the map is only read: any thread may call
+ * any other function.
+ * @par Log
+ * Nothing is logged. No function uses the database.
  */
 #pragma once
 
@@ -15,61 +26,97 @@
 extern "C" {
 #endif
 
-#define MEM_EX_MODULE_COUNT 32
-#define MEM_EX_MODULE_FRAMEWORK 5 /* the control-plane framework; pays for lists */
-#define MEM_EX_MODULE_QRB 30      /* this library */
-#define MEM_EX_NAME_SIZE 64
+#define MEM_EX_MODULE_COUNT 32    /**< Number of modules. */
+#define MEM_EX_MODULE_FRAMEWORK 5 /**< Module id of the framework, to which lists are charged. */
+#define MEM_EX_MODULE_QRB 30      /**< Module id of this library. */
+#define MEM_EX_NAME_SIZE 64       /**< Size of a module name in a report in bytes, NUL included. */
 
-/* A module. Its place in the map is its module id. */
+/** A module. Its position in the map is its module id. */
 typedef struct {
-    const char* name; /* as the accounting service knows it; distinct */
-    uint16_t handle;  /* the service's handle for that name */
+    const char* name; /**< name in the memory-accounting service; unique */
+    uint16_t handle;  /**< handle of that name; 0 before MEM_EX_Init() */
 } MEM_EX_MODULE_S;
 static_assert(sizeof(MEM_EX_MODULE_S) == 16 && offsetof(MEM_EX_MODULE_S, handle) == 8,
               "MEM_EX_MODULE_S has another layout");
 
-/* A module's line of the usage report. */
+/** An entry of the usage report. */
 typedef struct {
-    char name[MEM_EX_NAME_SIZE];
-    uint64_t bytes;  /* in use: the first figure of meminfo_get */
-    uint64_t blocks; /* in use: the second */
+    char name[MEM_EX_NAME_SIZE]; /**< module name */
+    uint64_t bytes;              /**< bytes in use: the first figure of meminfo_get() */
+    uint64_t blocks;             /**< blocks in use: the second figure */
 } MEM_EX_DETAILED_INFO_S;
 static_assert(sizeof(MEM_EX_DETAILED_INFO_S) == 80 &&
                   offsetof(MEM_EX_DETAILED_INFO_S, bytes) == 64 &&
                   offsetof(MEM_EX_DETAILED_INFO_S, blocks) == 72,
               "MEM_EX_DETAILED_INFO_S has another layout");
 
-/* By module id. Read only, but for MEM_EX_Init. */
+/** The memory map, by module id. For reading; only MEM_EX_Init() writes it. */
 extern MEM_EX_MODULE_S g_memExModuleMap[MEM_EX_MODULE_COUNT];
 
-/* Asks the accounting service for every handle; again, if called again. */
+/** Reads the handle of every module from the memory-accounting service into the map. */
 void MEM_EX_Init(void);
 
-/* The handle of a module id; 0 for an id that no module has. */
+/**
+ * Returns the handle of a module.
+ *
+ * @param[in] module  module id
+ *
+ * @return the handle; 0 before MEM_EX_Init()
+ * @retval 0  no module has the id
+ */
 uint16_t MEM_EX_GetHandle(uint32_t module);
 
-/* The module id of a name, matched exactly; MEM_EX_MODULE_COUNT where no module has it. */
+/**
+ * Looks up a module by name.
+ *
+ * @param[in] name  module name, compared byte by byte
+ *
+ * @return the module id
+ * @retval 32  (MEM_EX_MODULE_COUNT) no module has the name
+ */
 uint32_t MEM_EX_GetModule(const char* name);
 
-/* How many entries a report has. 0, or 1 for a null pointer. */
+/**
+ * Returns the number of entries of a usage report.
+ *
+ * @param[out] count  number of entries: 32; null is refused
+ *
+ * @retval 0  the number was written
+ * @retval 1  count is null
+ */
 uint32_t MEM_EX_GetDetailedInfoSize(uint64_t* count);
 
-/*
- * The usage report of all modules.
+/**
+ * Writes the usage report of all modules.
  *
- * entries  the caller's array.
- * count    its capacity in entries; becomes 32 where that is enough, and else stays.
+ * @param[out]    entries  array of count entries; null is refused
+ * @param[in,out] count    in: capacity of the array; out: 32, if the capacity is enough; null is
+ *                         refused
  *
- * 0; 1 where either pointer is null; 2 for a capacity below 32, nothing written; or the code of
- * MEM_EX_CopyDetailedInfo.
+ * @retval 0  the report was written
+ * @retval 1  a pointer is null
+ * @retval 2  the capacity is less than 32
+ * @retval 3  a name does not fit its entry
+ * @retval 4  the accounting service refused the figures of a module
+ *
+ * @par After a failure
+ * Nothing is written after 1 and 2. After 3 and 4, count is 32 and the entries before the failing
+ * one are written.
  */
 uint32_t MEM_EX_GetDetailedInfo(MEM_EX_DETAILED_INFO_S* entries, uint64_t* count);
 
-/*
- * The usage of the first count modules, at most 32.
+/**
+ * Writes the usage report of the first modules.
  *
- * 0; 3 when a name could not be copied, or there is no such module; 4 when the accounting service
- * refused a figure. Entries before the failing one are filled, later ones untouched.
+ * @param[out] entries  array of count entries
+ * @param[in]  count    number of modules, at most 32
+ *
+ * @retval 0  the report was written
+ * @retval 3  a name does not fit its entry, or count is more than 32
+ * @retval 4  the accounting service refused the figures of a module
+ *
+ * @par After a failure
+ * The entries before the failing one are written, the ones behind it unchanged.
  */
 uint32_t MEM_EX_CopyDetailedInfo(MEM_EX_DETAILED_INFO_S* entries, uint32_t count);
 

@@ -1,10 +1,11 @@
-/*
- * Records of the interface, port and VLAN tables, byte for byte as the database's accessors fill
- * them.
+/**
+ * @file
+ * @brief Records of the interface, port and VLAN tables, as the database's accessors fill them.
  *
- * A wire format: offsets, widths and sizes are exact. Integers are little-endian and lie at odd
- * offsets, so copy a member out, never point to it (byte arrays may be pointed to). Texts end with
- * NUL within their width. Reserved members carry their offset; the library reads none of them.
+ * The layouts are a wire format shared with the database: sizes, offsets and widths are exact.
+ * Integers are little-endian and not aligned: copy a member out, do not take its address. Arrays of
+ * bytes may be pointed to. Texts end with NUL within their width. Reserved members carry their
+ * offset in their names; the library does not read them.
  */
 #pragma once
 
@@ -12,20 +13,21 @@
 
 #include <tarnd_qrb/layout.h>
 
-#define QRB_IF_NAME_SIZE 64 /* an interface name and its NUL; every name buffer has this size */
-#define QRB_MAC_SIZE 6
-#define QRB_VLAN_SET_SIZE 512  /* one bit for each VLAN id 0 to 4095 */
-#define QRB_MEMBER_SET_SIZE 32 /* one bit for each port position 0 to 255 */
-#define QRB_VLAN_DESCRIPTION_SIZE 81
+#define QRB_IF_NAME_SIZE 64   /**< Size of an interface name buffer in bytes, NUL included. */
+#define QRB_MAC_SIZE 6        /**< Size of a MAC address in bytes. */
+#define QRB_VLAN_SET_SIZE 512 /**< Size in bytes of a set of VLAN ids 0 to 4095, one bit each. */
+/** Size in bytes of a set of port positions 0 to 255, one bit each. */
+#define QRB_MEMBER_SET_SIZE 32
+#define QRB_VLAN_DESCRIPTION_SIZE 81 /**< Size of a VLAN description in bytes, NUL included. */
 
-/* Row of "if_base"; key if_index, or the local key: name_scope and the full name, 68 bytes. */
+/** Record of "if_base". Primary key: if_index. Local key: QRB_IF_BASE_LOCAL_KEY_S. */
 typedef struct QRB_PACKED {
-    uint32_t if_index; /* field 0 */
-    uint8_t reserved_4[4];
-    char if_name[QRB_IF_NAME_SIZE];     /* field 2; full name */
-    char simple_name[QRB_IF_NAME_SIZE]; /* short name */
-    uint16_t if_type; /* index of the interface type table; 8 is a VLAN interface */
-    uint8_t reserved_138[249];
+    uint32_t if_index;                  /**< interface index; field 0 */
+    uint8_t reserved_4[4];              /**< reserved */
+    char if_name[QRB_IF_NAME_SIZE];     /**< full name; field 2 */
+    char simple_name[QRB_IF_NAME_SIZE]; /**< short name */
+    uint16_t if_type;                   /**< type code; 8: VLAN interface; field "if_type" */
+    uint8_t reserved_138[249];          /**< reserved */
 } QRB_IF_BASE_S;
 QRB_RECORD_SIZE(QRB_IF_BASE_S, 387);
 QRB_FIELD_AT(QRB_IF_BASE_S, if_index, 0, 4);
@@ -33,26 +35,26 @@ QRB_FIELD_AT(QRB_IF_BASE_S, if_name, 8, 64);
 QRB_FIELD_AT(QRB_IF_BASE_S, simple_name, 72, 64);
 QRB_FIELD_AT(QRB_IF_BASE_S, if_type, 136, 2);
 
-/* The local key of "if_base". */
+/** Local key of "if_base". */
 typedef struct QRB_PACKED {
-    uint32_t name_scope; /* always 0 */
-    char name[QRB_IF_NAME_SIZE];
+    uint32_t name_scope;         /**< always 0 */
+    char name[QRB_IF_NAME_SIZE]; /**< full name, padded with zero bytes */
 } QRB_IF_BASE_LOCAL_KEY_S;
 QRB_RECORD_SIZE(QRB_IF_BASE_LOCAL_KEY_S, 68);
 QRB_FIELD_AT(QRB_IF_BASE_LOCAL_KEY_S, name, 4, 64);
 
-/* Row of "if_phy"; key if_index. */
+/** Record of "if_phy". Primary key: if_index. */
 typedef struct QRB_PACKED {
-    uint32_t if_index;
-    uint8_t reserved_4[9];
-    uint8_t phy_state; /* 1 up, 0 down */
-    uint8_t reserved_14[9];
-    uint8_t mac_addr[QRB_MAC_SIZE]; /* first byte first */
-    uint8_t reserved_29[20];
-    uint32_t slot_id;
-    uint8_t reserved_53[8];
-    uint32_t port_id; /* position below the slot */
-    uint8_t reserved_65[14];
+    uint32_t if_index;              /**< interface index */
+    uint8_t reserved_4[9];          /**< reserved */
+    uint8_t phy_state;              /**< physical state: 1 up, 0 down; field "phy_state" */
+    uint8_t reserved_14[9];         /**< reserved */
+    uint8_t mac_addr[QRB_MAC_SIZE]; /**< MAC address, first byte first */
+    uint8_t reserved_29[20];        /**< reserved */
+    uint32_t slot_id;               /**< slot that holds the interface */
+    uint8_t reserved_53[8];         /**< reserved */
+    uint32_t port_id;               /**< position below the slot */
+    uint8_t reserved_65[14];        /**< reserved */
 } QRB_IF_PHY_S;
 QRB_RECORD_SIZE(QRB_IF_PHY_S, 79);
 QRB_FIELD_AT(QRB_IF_PHY_S, if_index, 0, 4);
@@ -61,41 +63,41 @@ QRB_FIELD_AT(QRB_IF_PHY_S, mac_addr, 23, 6);
 QRB_FIELD_AT(QRB_IF_PHY_S, slot_id, 49, 4);
 QRB_FIELD_AT(QRB_IF_PHY_S, port_id, 61, 4);
 
-/* Row of "if_link"; key if_index. */
+/** Record of "if_link". Primary key: if_index. */
 typedef struct QRB_PACKED {
-    uint32_t if_index;
-    uint8_t reserved_4[4];
-    uint8_t link_state; /* 1 up, any other value down */
-    uint8_t reserved_9[1];
+    uint32_t if_index;     /**< interface index */
+    uint8_t reserved_4[4]; /**< reserved */
+    uint8_t link_state;    /**< link state: 1 up, any other value down */
+    uint8_t reserved_9[1]; /**< reserved */
 } QRB_IF_LINK_S;
 QRB_RECORD_SIZE(QRB_IF_LINK_S, 10);
 QRB_FIELD_AT(QRB_IF_LINK_S, if_index, 0, 4);
 QRB_FIELD_AT(QRB_IF_LINK_S, link_state, 8, 1);
 
-/* Row of "if_route"; key if_index. */
+/** Record of "if_route". Primary key: if_index. */
 typedef struct QRB_PACKED {
-    uint32_t if_index;
-    uint8_t reserved_4[4];
-    uint8_t route_state; /* layer 3: 1 up, 0 down */
-    uint8_t reserved_9[13];
+    uint32_t if_index;      /**< interface index */
+    uint8_t reserved_4[4];  /**< reserved */
+    uint8_t route_state;    /**< layer-3 state: 1 up, 0 down */
+    uint8_t reserved_9[13]; /**< reserved */
 } QRB_IF_ROUTE_S;
 QRB_RECORD_SIZE(QRB_IF_ROUTE_S, 22);
 QRB_FIELD_AT(QRB_IF_ROUTE_S, if_index, 0, 4);
 QRB_FIELD_AT(QRB_IF_ROUTE_S, route_state, 8, 1);
 
-/* Row of "port"; key if_index. */
+/** Record of "port". Primary key: if_index. */
 typedef struct QRB_PACKED {
-    uint32_t if_index;
-    uint32_t port_index;  /* bits 8 to 15: the port's position in a VLAN's member sets */
-    uint32_t vlan_scope0; /* the first two members of the key of this port's VLAN records */
-    uint32_t vlan_scope1;
-    uint8_t reserved_16[4];
-    uint8_t switch_port; /* 1 used as a layer-2 port, 0 not */
-    uint8_t reserved_21[1];
-    uint16_t pvid; /* default VLAN id */
-    uint8_t vlan_bitmap_1[QRB_VLAN_SET_SIZE];
-    uint8_t vlan_bitmap_2[QRB_VLAN_SET_SIZE];
-    uint8_t reserved_1048[596];
+    uint32_t if_index;      /**< interface index */
+    uint32_t port_index;    /**< bits 8 to 15: position in the member sets of a VLAN */
+    uint32_t vlan_scope0;   /**< first member of the key of the port's VLAN records */
+    uint32_t vlan_scope1;   /**< second member of that key */
+    uint8_t reserved_16[4]; /**< reserved */
+    uint8_t switch_port;    /**< 1 if the port is used as a layer-2 port, else 0 */
+    uint8_t reserved_21[1]; /**< reserved */
+    uint16_t pvid;          /**< default VLAN id */
+    uint8_t vlan_bitmap_1[QRB_VLAN_SET_SIZE]; /**< set of the port's VLANs */
+    uint8_t vlan_bitmap_2[QRB_VLAN_SET_SIZE]; /**< second set of the port's VLANs */
+    uint8_t reserved_1048[596];               /**< reserved */
 } QRB_PORT_S;
 QRB_RECORD_SIZE(QRB_PORT_S, 1644);
 QRB_FIELD_AT(QRB_PORT_S, if_index, 0, 4);
@@ -107,27 +109,32 @@ QRB_FIELD_AT(QRB_PORT_S, pvid, 22, 2);
 QRB_FIELD_AT(QRB_PORT_S, vlan_bitmap_1, 24, 512);
 QRB_FIELD_AT(QRB_PORT_S, vlan_bitmap_2, 536, 512);
 
-/* The primary key of "vlan". A lookup that knows only the VLAN id puts 0 in both scopes. */
+/** Primary key of "vlan". A look-up by VLAN id alone has 0 in both scope members. */
 typedef struct QRB_PACKED {
-    uint32_t vlan_scope0;
-    uint32_t vlan_scope1;
-    uint16_t vlan_id;
+    uint32_t vlan_scope0; /**< first scope member */
+    uint32_t vlan_scope1; /**< second scope member */
+    uint16_t vlan_id;     /**< VLAN id */
 } QRB_VLAN_KEY_S;
 QRB_RECORD_SIZE(QRB_VLAN_KEY_S, 10);
 QRB_FIELD_AT(QRB_VLAN_KEY_S, vlan_id, 8, 2);
 
-/* Row of "vlan". In the member sets, position i is byte i / 8, mask 0x80 >> i % 8. Besides, field 9
-   is the activity state, one byte, 1 active. */
+/**
+ * Record of "vlan". Primary key: QRB_VLAN_KEY_S.
+ *
+ * In the member sets, the bit of position i is in byte i / 8, with mask `0x80 >> (i % 8)`. Field 9,
+ * one byte, is the activity state, 1 for active; field "name", 32 bytes, is the name. Neither is
+ * read from this record.
+ */
 typedef struct QRB_PACKED {
-    uint32_t vlan_scope0; /* field 0 */
-    uint32_t vlan_scope1; /* field 1 */
-    uint16_t vlan_id;     /* field 2 */
-    uint8_t reserved_10[33];
-    char description[QRB_VLAN_DESCRIPTION_SIZE];
-    uint8_t reserved_124[4];
-    uint8_t member_bitmap_1[QRB_MEMBER_SET_SIZE];
-    uint8_t member_bitmap_2[QRB_MEMBER_SET_SIZE];
-    uint8_t reserved_192[46];
+    uint32_t vlan_scope0;                         /**< first scope member; field 0 */
+    uint32_t vlan_scope1;                         /**< second scope member; field 1 */
+    uint16_t vlan_id;                             /**< VLAN id; field 2 */
+    uint8_t reserved_10[33];                      /**< reserved */
+    char description[QRB_VLAN_DESCRIPTION_SIZE];  /**< description */
+    uint8_t reserved_124[4];                      /**< reserved */
+    uint8_t member_bitmap_1[QRB_MEMBER_SET_SIZE]; /**< set of member ports */
+    uint8_t member_bitmap_2[QRB_MEMBER_SET_SIZE]; /**< second set of member ports */
+    uint8_t reserved_192[46];                     /**< reserved */
 } QRB_VLAN_S;
 QRB_RECORD_SIZE(QRB_VLAN_S, 238);
 QRB_FIELD_AT(QRB_VLAN_S, vlan_scope0, 0, 4);

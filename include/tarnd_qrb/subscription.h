@@ -1,14 +1,25 @@
-/*
- * Start-up, and the library's subscriptions to the tables whose changes it turns into events.
+/**
+ * @file
+ * @brief Start of change notification; subscriptions to the tables whose changes become events.
  *
- *     table       operations                        callback (tarnd_qrb/change_detection.h)
- *     "port"      insert, delete, update, replace   QRB_EVENT_PortTableCallback
- *     "if_route"  update, replace                   QRB_EVENT_IfRouteTableCallback
- *     "if_phy"    insert, delete, update, replace   QRB_EVENT_IfPhyTableCallback
- *     "if_base"   insert, delete                    QRB_EVENT_IfBaseTableCallback
+ * @verbatim
+table       operations                       callback (tarnd_qrb/change_detection.h)
+"port"      insert, delete, update, replace  QRB_EVENT_PortTableCallback
+"if_route"  update, replace                  QRB_EVENT_IfRouteTableCallback
+"if_phy"    insert, delete, update, replace  QRB_EVENT_IfPhyTableCallback
+"if_base"   insert, delete                   QRB_EVENT_IfBaseTableCallback
+@endverbatim
  *
- * Results: 0, or 1 for every failure, which is logged. What a failed subscription leaves behind is
- * told in tarnd_qrb/listener.h, under QrbDbListenerRegisterEvent.
+ * @par Results
+ * 0 for success, 1 for every failure.
+ * @par Threads
+ * Any thread except the listener thread.
+ * @par Log
+ * Priority 3. A failing step is logged by the function that runs it.
+ * @par After fork
+ * A child process gets no changes and must not call these functions, unless the parent had not used
+the
+ * library. See tarnd_qrb/database.h.
  */
 #pragma once
 
@@ -18,21 +29,88 @@
 extern "C" {
 #endif
 
-/*
- * Brings change notification up: builds the registries of layer-2 and interface events, initialises
- * the database's access layer and subscribes, in the order above. The first failure ends it: what
- * was built stays, but a subscription that fails ends those made before it.
+/**
+ * Starts change notification: builds the layer-2 table and the interface event tree, initialises
+ * the database access layer and subscribes to the four tables, in the order of the table above.
  *
- * Called once, by the daemon, after MEM_EX_Init, on any thread but the listener. Callbacks may run
- * before it returns.
+ * The daemon calls it once, after MEM_EX_Init(). Callbacks may run before it returns.
+ *
+ * @retval 0  change notification is running
+ * @retval 1  the access layer cannot be initialised, or a subscription failed
+ *
+ * @par After a failure
+ * The first failure ends the start. The registries stay built. A subscription that the database
+ * refuses ends those made before it; see QrbDbListenerRegisterEvent(). The listener thread, if
+ * started, goes on.
+ * @par Log
+ * What QRB_DB_InitOrm() and the subscribing functions log.
+ * @par Source
+ * "port", "if_route", "if_phy" and "if_base".
  */
 uint32_t BDS_InitStart(void);
 
-/* Subscribes to the table that its name says; on any thread but the listener. Every call subscribes
-   anew: the callbacks then run once more for each change. */
+/**
+ * Subscribes to table "port". Each call adds a subscription: the callback then runs once more for
+ * each change.
+ *
+ * @retval 0  subscribed
+ * @retval 1  the subscription failed
+ *
+ * @par After a failure
+ * As for QrbDbListenerRegisterEvent().
+ * @par Log
+ * The failure; what QrbDbListenerRegisterEvent() logs.
+ * @par Source
+ * "port".
+ */
 uint32_t QRB_EVENT_SubToPortTable(void);
+
+/**
+ * Subscribes to table "if_route". Each call adds a subscription: the callback then runs once more
+ * for each change.
+ *
+ * @retval 0  subscribed
+ * @retval 1  the subscription failed
+ *
+ * @par After a failure
+ * As for QrbDbListenerRegisterEvent().
+ * @par Log
+ * The failure; what QrbDbListenerRegisterEvent() logs.
+ * @par Source
+ * "if_route".
+ */
 uint32_t QRB_EVENT_SubToIfRouteTable(void);
+
+/**
+ * Subscribes to table "if_phy". Each call adds a subscription: the callback then runs once more for
+ * each change.
+ *
+ * @retval 0  subscribed
+ * @retval 1  the subscription failed
+ *
+ * @par After a failure
+ * As for QrbDbListenerRegisterEvent().
+ * @par Log
+ * The failure; what QrbDbListenerRegisterEvent() logs.
+ * @par Source
+ * "if_phy".
+ */
 uint32_t QRB_EVENT_SubToIfPhyTable(void);
+
+/**
+ * Subscribes to table "if_base". Each call adds a subscription: the callback then runs once more
+ * for each change.
+ *
+ * @retval 0  subscribed
+ * @retval 1  the subscription failed
+ *
+ * @par After a failure
+ * As for QrbDbListenerRegisterEvent().
+ * @par Log
+ * The failure; what QrbDbListenerRegisterEvent() logs.
+ * @par Source
+ * "if_base".
+ */
 uint32_t QRB_EVENT_SubToIfBaseTable(void);
 
 #ifdef __cplusplus

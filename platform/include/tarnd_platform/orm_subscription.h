@@ -1,9 +1,26 @@
-/*
- * The platform contract, part 2: messages about changes.
+/**
+ * @file
+ * @brief The platform contract, part 2: subscriptions and messages about changes.
  *
- * A subscription session owns one or more descriptors. They become readable when a row that a
- * subscription covers has changed, and stay so until every message is read. Whoever waits on a
- * descriptor calls DbcHandleEvent, which runs the callbacks on its own thread.
+ * A subscription session owns one or more descriptors. A descriptor becomes readable when a row
+ * that a subscription covers has changed, and stays readable until every message is read. The
+ * library's listener thread waits for the descriptors and calls DbcHandleEvent(), which runs the
+ * callbacks.
+ *
+ * A delivery is what a callback receives: one or more row messages of one event type, of one table,
+ * in the order of the commits. Each message has the row before the change (old object), the row
+ * after it (new object), or both. The callback reads them with OrmSubFetchNext(),
+ * OrmSubExtractData() and the field functions of part 1, which take the delivery as their session.
+ *
+ * @par Results
+ * 0 (ORM_OK) for success, otherwise a database code, as in tarnd_platform/orm.h.
+ * @par Null pointers
+ * The library does not pass null, except where a parameter's description says so.
+ * @par Threads
+ * Any thread may call. DbcHandleEvent() is called by the listener thread only.
+ * @par Ownership
+ * Texts stay the caller's and are not used after a call has returned. argument of OrmSubscribe() is
+ * kept.
  */
 #pragma once
 
@@ -13,53 +30,152 @@
 extern "C" {
 #endif
 
+/** Parameters of a session that is to be opened. */
 typedef uintptr_t ORM_SESSION_PARAM;
-typedef ORM_SESSION ORM_MESSAGE; /* one delivery; valid during the callback that got it */
+/** A delivery. Valid during the callback that received it. */
+typedef ORM_SESSION ORM_MESSAGE;
 
-/* Event types handed to a callback. */
-#define ORM_EVENT_INSERT 0u
-#define ORM_EVENT_DELETE 1u
-#define ORM_EVENT_UPDATE 2u
-#define ORM_EVENT_REPLACE 3u /* without an old object where the row did not exist */
+#define ORM_EVENT_INSERT 0u /**< Event type: rows were inserted. */
+#define ORM_EVENT_DELETE 1u /**< Event type: rows were deleted. */
+#define ORM_EVENT_UPDATE 2u /**< Event type: rows were updated. */
+/** Event type: rows were replaced. A row that did not exist before has no old object. */
+#define ORM_EVENT_REPLACE 3u
 
-/* OrmSubExtractData: which object of a row message. */
-#define ORM_OBJECT_OLD 0u
-#define ORM_OBJECT_NEW 1u
+#define ORM_OBJECT_OLD 0u /**< OrmSubExtractData(): the row before the change. */
+#define ORM_OBJECT_NEW 1u /**< OrmSubExtractData(): the row after the change. */
 
-/* Told of every descriptor to watch for reading (operation 0) or no longer to watch (any other).
-   0 on success, else -1. */
+/**
+ * Function of the library by which the platform adds and removes descriptors.
+ *
+ * @param[in] descriptor  descriptor to watch for reading
+ * @param[in] operation   0: add; other: remove
+ * @retval 0   done
+ * @retval -1  failed
+ */
 typedef int32_t (*ORM_FD_CONTROL)(uint32_t descriptor, uint32_t operation);
 
-/* Runs on the thread that calls DbcHandleEvent. */
+/**
+ * Function of the library that handles a delivery. Runs on the thread that calls DbcHandleEvent().
+ *
+ * @param[in] message    the delivery
+ * @param[in] eventType  ORM_EVENT_INSERT, ORM_EVENT_DELETE, ORM_EVENT_UPDATE or ORM_EVENT_REPLACE
+ */
 typedef void (*ORM_SUB_CALLBACK)(ORM_MESSAGE message, uint32_t eventType);
 
-/* Creates a session parameter object; the library passes "channel:" and "osc". */
+/**
+ * Creates the parameters of a subscription session.
+ *
+ * @param[in]     channel  "channel:"
+ * @param[in]     kind     "osc"
+ * @param[in,out] param    0 when the library calls; on success the parameters
+ *
+ * @retval 0      the parameters were created
+ * @retval other  database code
+ *
+ * @par After a failure
+ * param is 0, or a value that OrmDestroySessionParam() accepts.
+ */
 uint32_t OrmCreateSessionParam(const char* channel, const char* kind, ORM_SESSION_PARAM* param);
 
+/**
+ * Sets the connection name of session parameters.
+ *
+ * @param[in] param  parameters
+ * @param[in] name   connection name
+ *
+ * @retval 0      the name is set
+ * @retval other  database code
+ */
 uint32_t OrmSessionParamSetConnName(ORM_SESSION_PARAM param, const char* name);
 
-/* Releases a parameter object; 0 is accepted and does nothing. */
+/**
+ * Releases session parameters.
+ *
+ * @param[in] param  parameters; 0 does nothing
+ */
 void OrmDestroySessionParam(ORM_SESSION_PARAM param);
 
-/* Opens a subscription session. control may be null; the platform says how it serves such a
- * session. */
+/**
+ * Opens a subscription session.
+ *
+ * The platform calls control with operation 0 for each descriptor of the session, at the latest
+ * when a subscription is added, and with another operation before the descriptor is closed.
+ *
+ * @param[in]     param    parameters; not used after the call
+ * @param[in]     control  function that watches descriptors; null if the listener thread cannot be
+ *                         created: whether and how the session delivers is then the platform's
+ * choice
+ * @param[in,out] session  on success the handle
+ *
+ * @retval 0      the session is open
+ * @retval other  database code, also if control failed
+ *
+ * @par After a failure
+ * Nothing is open.
+ */
 uint32_t OrmOpenSubSession(ORM_SESSION_PARAM param, ORM_FD_CONTROL control, ORM_SESSION* session);
 
-/* Adds a subscription, defined by a JSON text: the table in "label_name", the operations in
-   "events", each with its "type" ("insert", "delete", "update", "replace"). argument is kept beside
-   the subscription; callbacks take none. */
+/**
+ * Adds a subscription to a session. Changes that are committed after it returns are delivered.
+ *
+ * The definition is a JSON text. The platform uses "label_name", the table, and "events", a list of
+ * objects whose "type" is "insert", "delete", "update" or "replace".
+ *
+ * @param[in] session     subscription session
+ * @param[in] name        name of the subscription
+ * @param[in] definition  definition
+ * @param[in] callback    handles the deliveries
+ * @param[in] argument    kept with the subscription, not passed to callback; may be null
+ * @param[in] owner       name of the owner
+ *
+ * @retval 0      the subscription was added
+ * @retval other  database code
+ *
+ * @par After a failure
+ * The library closes the session.
+ */
 uint32_t OrmSubscribe(ORM_SESSION session, const char* name, const char* definition,
                       ORM_SUB_CALLBACK callback, void* argument, const char* owner);
 
-/* Moves to the next row of the delivery; *end becomes 1 when there is none, else it is left alone.
+/**
+ * Moves to the next message of a delivery. The first call moves to the first message.
+ *
+ * @param[in]     message  delivery
+ * @param[in,out] end      0 when the library calls; set to 1 if there is no further message,
+ * otherwise unchanged
+ *
+ * @retval 0      the delivery moved, or is at its end
+ * @retval other  database code
+ *
+ * @par After a failure
+ * end is unchanged. The library ends its work on the delivery.
  */
 uint32_t OrmSubFetchNext(ORM_MESSAGE message, uint8_t* end);
 
-/* Selects the object (ORM_OBJECT_OLD or ORM_OBJECT_NEW) that the following reads address; flags is
-   0. ORM_NO_RECORD where the row has no such object. */
+/**
+ * Selects the row of the current message that the field functions read.
+ *
+ * @param[in] message  delivery with a current message
+ * @param[in] object   ORM_OBJECT_OLD or ORM_OBJECT_NEW
+ * @param[in] flags    0
+ *
+ * @retval 0              the row is the current record
+ * @retval ORM_NO_RECORD  (1001000) the message has no such row
+ * @retval other          database code
+ *
+ * @par After a failure
+ * There is no current record.
+ */
 uint32_t OrmSubExtractData(ORM_MESSAGE message, uint32_t object, uint32_t flags);
 
-/* Reads what is pending on a ready descriptor and runs the callbacks before it returns. */
+/**
+ * Reads the pending messages of a descriptor and runs the callbacks before it returns.
+ *
+ * @param[in] descriptor  a descriptor that is ready for reading
+ *
+ * @retval 0      done
+ * @retval other  database code; the library ignores it
+ */
 uint32_t DbcHandleEvent(int32_t descriptor);
 
 #ifdef __cplusplus
