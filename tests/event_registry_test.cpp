@@ -8,8 +8,8 @@
 #include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/event_publish.h>
 
-#include "calls/calls.h"
-#include "support/events.h"
+#include "support/example_calls.h"
+#include "support/recorded_events.h"
 
 namespace {
 

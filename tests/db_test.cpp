@@ -3,7 +3,7 @@
 #include <tarnd_qrb/log.h>
 #include <tarnd_qrb/vlan.h>
 
-#include "calls/calls.h"
+#include "support/example_calls.h"
 
 namespace calls {
 

@@ -7,8 +7,8 @@
 #include <nlohmann/json.hpp>
 
 #include "fuzz.h"
-#include "tests/support/subscription.h"
-#include "tests/support/writes.h"
+#include "tests/support/test_subscription.h"
+#include "tests/support/test_writes.h"
 
 using namespace standin;
 using namespace support::writes;

@@ -10,7 +10,7 @@
 #include <tarnd_qrb/interface_type.h>
 #include <tarnd_qrb/records.h>
 
-#include "calls/calls.h"
+#include "support/example_calls.h"
 
 namespace calls {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "support/platform.h"
+#include "support/fault_injection.h"
 
 namespace support {
 

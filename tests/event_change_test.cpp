@@ -8,9 +8,9 @@
 #include <tarnd_qrb/subscription.h>
 
 #include "sources/host/host_source.h"
-#include "support/events.h"
-#include "support/system.h"
-#include "support/writes.h"
+#include "support/recorded_events.h"
+#include "support/test_system.h"
+#include "support/test_writes.h"
 
 namespace {
 
@@ -75,7 +75,7 @@ TEST_F(Change, IsSubscribedToByTheseTexts)
     for (const std::string& text : support::PlatformTexts()) {
         texts += text + "\n";
     }
-    EXPECT_EQ(texts, support::TextOf(TARND_PROJECT_ROOT "/tests/subscription_texts.txt"));
+    EXPECT_EQ(texts, support::TextOf(TARND_PROJECT_ROOT "/tests/data/subscription_texts.txt"));
 }
 
 TEST_F(Change, RowsOfOneDeliveryAnswerForThemselves)

@@ -5,7 +5,7 @@
 #include <tarnd_qrb/vlan.h>
 #include <tarnd_qrb/vlan_interface.h>
 
-#include "calls/calls.h"
+#include "support/example_calls.h"
 
 namespace calls {
 

@@ -1,4 +1,4 @@
-#include "support/events.h"
+#include "support/recorded_events.h"
 
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
@@ -12,8 +12,8 @@
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/listener.h>
 
-#include "support/system.h"
-#include "support/writes.h"
+#include "support/test_system.h"
+#include "support/test_writes.h"
 
 namespace support {
 

@@ -3,7 +3,7 @@
 #include <tarnd_qrb/acl.h>
 #include <tarnd_qrb/qos.h>
 
-#include "calls/calls.h"
+#include "support/example_calls.h"
 
 namespace calls {
 

@@ -15,7 +15,7 @@
 #include <standin/store.h>
 #include <tarnd_platform/orm.h>
 
-#include "support/events.h"
+#include "support/recorded_events.h"
 
 namespace calls {
 

@@ -13,9 +13,9 @@
 #include "sources/host/host_mirror.h"
 #include "sources/host/host_source.h"
 #include "sources/json/json_row.h"
-#include "support/platform.h"
-#include "support/rows.h"
-#include "support/system.h"
+#include "support/fault_injection.h"
+#include "support/test_rows.h"
+#include "support/test_system.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 
 #include <standin/store.h>
 
-#include "support/subscription.h"
+#include "support/test_subscription.h"
 
 namespace support {
 

@@ -10,7 +10,7 @@
 
 #include <climits>
 
-#include "calls/calls.h"
+#include "support/example_calls.h"
 
 namespace calls {
 

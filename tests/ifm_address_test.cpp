@@ -1,7 +1,7 @@
 // IPv4 addresses.
 #include <tarnd_qrb/ipv4_address.h>
 
-#include "calls/calls.h"
+#include "support/example_calls.h"
 
 namespace calls {
 

@@ -8,7 +8,7 @@
 #include <tarnd_platform/memory.h>
 #include <tarnd_qrb/memory_map.h>
 
-#include "support/platform.h"
+#include "support/fault_injection.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <regex>
 #include <utility>
 
-#include "support/platform.h"
+#include "support/fault_injection.h"
 
 namespace support {
 

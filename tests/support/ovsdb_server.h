@@ -16,8 +16,8 @@
 
 #include "sources/ovsdb/ovsdb_connection.h"
 #include "sources/ovsdb/ovsdb_write.h"
-#include "support/platform.h"
-#include "support/system.h"
+#include "support/fault_injection.h"
+#include "support/test_system.h"
 
 namespace support {
 

@@ -4,12 +4,12 @@
 #include <thread>
 
 #include "sources/ovsdb/ovsdb_source.h"
-#include "support/changes.h"
-#include "support/ovsdb.h"
-#include "support/platform.h"
-#include "support/rows.h"
-#include "support/system.h"
-#include "support/writes.h"
+#include "support/fault_injection.h"
+#include "support/ovsdb_server.h"
+#include "support/recorded_changes.h"
+#include "support/test_rows.h"
+#include "support/test_system.h"
+#include "support/test_writes.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // Route inquiry.
 #include <tarnd_qrb/route.h>
 
-#include "calls/calls.h"
-#include "support/writes.h"
+#include "support/example_calls.h"
+#include "support/test_writes.h"
 
 namespace calls {
 

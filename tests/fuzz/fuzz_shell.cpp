@@ -1,7 +1,5 @@
 // The shell's input lines: its verbs, with likely words and any others. Whatever is typed is
 // carried out or refused, in each style of output; for programs every line of output is JSON.
-#include "shell/shell.h"
-
 #include <algorithm>
 #include <iostream>
 #include <iterator>

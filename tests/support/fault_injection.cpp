@@ -1,5 +1,5 @@
 // Every operation of the platform, defined in the test program ahead of the platform library's own.
-#include "support/platform.h"
+#include "support/fault_injection.h"
 
 #include <dlfcn.h>
 #include <pthread.h>

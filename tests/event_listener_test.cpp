@@ -12,9 +12,9 @@
 
 #include <tarnd_qrb/listener.h>
 
-#include "support/events.h"
-#include "support/system.h"
-#include "support/writes.h"
+#include "support/recorded_events.h"
+#include "support/test_system.h"
+#include "support/test_writes.h"
 
 namespace {
 

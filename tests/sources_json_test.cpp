@@ -5,10 +5,10 @@
 #include <regex>
 
 #include "sources/json/json_file.h"
-#include "support/platform.h"
-#include "support/rows.h"
-#include "support/system.h"
-#include "support/writes.h"
+#include "support/fault_injection.h"
+#include "support/test_rows.h"
+#include "support/test_system.h"
+#include "support/test_writes.h"
 
 namespace {
 
@@ -67,7 +67,7 @@ TEST_F(JsonTest, ARefusalTellsThePlaceAndChangesNothing)
         EXPECT_TRUE(refusal.starts_with(deviceFile + ": " + message)) << text << "\n" << refusal;
         EXPECT_EQ(sources::DumpJson(), before);
     };
-    std::ifstream refused(projectRoot + "/tests/json_refused.txt");
+    std::ifstream refused(projectRoot + "/tests/data/json_refused.txt");
     unsigned count = 0;
     for (std::string text, message; std::getline(refused, text); count++) {
         std::getline(refused >> std::ws, message);

@@ -8,10 +8,10 @@
 #include <tarnd_qrb/listener.h>
 #include <tarnd_qrb/subscription.h>
 
-#include "calls/calls.h"
-#include "support/events.h"
-#include "support/subscription.h"
-#include "support/writes.h"
+#include "support/example_calls.h"
+#include "support/recorded_events.h"
+#include "support/test_subscription.h"
+#include "support/test_writes.h"
 
 namespace calls {
 

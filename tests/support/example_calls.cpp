@@ -1,12 +1,12 @@
 // The device, and places in it.
-#include "calls/calls.h"
+#include "support/example_calls.h"
 
 #include <algorithm>
 #include <regex>
 #include <utility>
 
 #include "sources/json/json_row.h"
-#include "support/system.h"
+#include "support/test_system.h"
 
 namespace calls {
 
@@ -77,7 +77,7 @@ void Closed()
 void DeviceTest::SetUp()
 {
     EventTest::SetUp();
-    Load(support::TextOf(TARND_PROJECT_ROOT "/docs/failures/device.json"));
+    Load(support::TextOf(TARND_PROJECT_ROOT "/tests/data/device.json"));
 }
 
 Outcome Perform(const Call& call, const Fault* fault)
