@@ -3,7 +3,7 @@
 #include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/event_publish.h>
 
-#include "event/entries.h"
+#include "event/event_publish_interface.h"
 #include "event/row_change.h"
 
 using namespace qrb;
@@ -16,27 +16,6 @@ void Notify(const char* function, uint32_t ifIndex, uint32_t command)
         QRB_ERROR_AT(function, "Failed to notify event, ifindex=%u, notifyEventId=%u.\n", ifIndex,
                      command);
     }
-}
-
-// Calls the callbacks of a sub-event, each with these arguments. An entry without a callback ends
-// the walk; that, and a sub-event that can't be found, is logged and of no further consequence.
-void PublishInterfaceEvent(const char* function, uint32_t eventId, uint32_t subId, uint32_t flag,
-                           uint32_t ifIndex, void* first = nullptr, void* second = nullptr)
-{
-    UTIL_LIST_NODE_S* node = nullptr;
-    uint64_t count = 0;
-    if (IF_SH_EvtPublishEventGetEventNode(eventId, subId, &node, &count) != OK) {
-        return;
-    }
-    WalkEntries<IF_EVT_CB_S>(node, [&](const IF_EVT_CB_S& entry) {
-        if (entry.pfCallback == nullptr) {
-            QRB_ERROR_AT(function, "Failed to execute callback, subId=%u, priority=%u\n",
-                         entry.subId, entry.priority);
-            return false;
-        }
-        entry.pfCallback(subId, flag, ifIndex, first, second);
-        return true;
-    });
 }
 
 }  // namespace

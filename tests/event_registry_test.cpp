@@ -96,6 +96,23 @@ TEST_F(EventRegistry, TheTreeHoldsEverySubEventAndNoOther)
     EXPECT_EQ(support::LibraryBlocks(), 0);
 }
 
+// As after a node's children could not be allocated.
+TEST_F(EventRegistry, ReportsASubEventWithoutANode)
+{
+    IF_EvtInit();
+    IF_EVT_NODE_S& event = g_qrbIFEventCallbacks.children[IF_EVT_STATE];
+    IF_EVT_NODE_S* const children = std::exchange(event.children, nullptr);
+    const uint32_t count = event.childCount;
+    EXPECT_EQ(IF_INTF_RegEvtCb(IF_EVT_STATE, count - 1, nullptr, 0, 1), 1U);
+    EXPECT_EQ(IF_INTF_UnRegEvtCb(IF_EVT_STATE, count - 1, nullptr, 0), 1U);
+    EXPECT_EQ(IF_INTF_RegEvtCb(IF_EVT_STATE, count, nullptr, 0, 1), 1U);
+    EXPECT_EQ(support::TakeMessages(),
+              (std::vector<std::string>{"IF_EvtRegCbf: Failed to find event node.\n",
+                                        "IF_EvtUnRegCbf: Failed to find event node.\n",
+                                        "IF_EvtRegCbf: Failed to reg event id=9, subId=14\n"}));
+    event.children = children;
+}
+
 // Callbacks that do, at random, what callbacks may: register, unregister, tear down, publish. Held
 // against a vector.
 class Turmoil : public EventRegistry {
