@@ -321,4 +321,25 @@ TEST_P(EventThreads, CallbacksThatRemoveEachOtherDoNotDeadlock)
 INSTANTIATE_TEST_SUITE_P(Of, EventThreads, testing::Values(LAYER2, INTERFACE, NOTIFICATION),
                          [](const auto& of) { return of.param.name; });
 
+using StartUp = support::EventTest;
+
+// Several daemons' threads bring the library up: every change is delivered once, also after another
+// start and after the session was lost.
+TEST_F(StartUp, SubscribesOnceFromSeveralThreads)
+{
+    using namespace support::writes;
+    support::WatchPlatform(false);
+    const auto start = [] { EXPECT_EQ(BDS_InitStart(), 0U); };
+    support::RecordEvents();
+    RunTogether({start, start, start, start});
+    start();
+    Write(Insert, {Base(7)});
+    EXPECT_EQ(support::AwaitEvents(), support::Events{"notify 0 if 7"});
+
+    support::StopListener();
+    start();
+    Write(Delete, {Base(7)});
+    EXPECT_EQ(support::AwaitEvents(), support::Events{"notify 1 if 7"});
+}
+
 }  // namespace

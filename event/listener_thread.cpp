@@ -1,4 +1,6 @@
 // The listener thread: waits for the database's descriptors and has their callbacks run.
+#include "event/listener_thread.h"
+
 #include <sys/epoll.h>
 #include <unistd.h>
 
@@ -17,10 +19,6 @@ uint8_t g_epollDbListenerThreadExit = 0;
 pthread_cond_t g_epollDbListenerCond = PTHREAD_COND_INITIALIZER;
 pthread_mutex_t g_epollDbListenerCondLock = PTHREAD_MUTEX_INITIALIZER;
 ORM_FD_CONTROL g_regDbListenerInfo = nullptr;
-
-pthread_mutex_t g_dbListenerRegLock = PTHREAD_MUTEX_INITIALIZER;
-uint8_t g_isDbListenerSubOpened = 0;
-ORM_SESSION g_dbListenerSubSession = 0;
 
 namespace {
 
@@ -102,9 +100,9 @@ void AwaitEpoll()
     pthread_mutex_unlock(&g_epollDbListenerCondLock);
 }
 
-// Starts the thread and waits until it has made its epoll instance, or failed to. Where no thread
-// can be created that is logged, and g_epollDbListenerThreadId stays 0.
-void DbListenerCreateEpollThread()
+}  // namespace
+
+void qrb::DbListenerCreateEpollThread()
 {
     ExpectEpoll();
     pthread_t thread = 0;  // written to even where none is created
@@ -118,44 +116,10 @@ void DbListenerCreateEpollThread()
     g_regDbListenerInfo = DbListenerEpollCtrl;
 }
 
-uint32_t OpenBy(const char* function, ORM_SESSION_PARAM param, const char* connectionName)
+int32_t qrb::ListenerEpollFd()
 {
-    uint32_t ret = OrmSessionParamSetConnName(param, connectionName);
-    if (ret != OK) {
-        QRB_INFO_AT(function, "[DEBUG]: OrmSessionParamSetConnName fail, ret=%d\n", ret);
-        return ret;
-    }
-    if (g_epollDbListenerThreadId == 0) {
-        DbListenerCreateEpollThread();
-    }
-    ret = OrmOpenSubSession(param, g_regDbListenerInfo, &g_dbListenerSubSession);
-    if (ret != OK) {
-        QRB_INFO_AT(function, "[DEBUG]: OrmOpenSubSession fail, ret=%d\n", ret);
-    }
-    return ret;
+    return Look(&g_epollDbListenerFd);
 }
-
-uint32_t Open(const char* function, const char* connectionName)
-{
-    ORM_SESSION_PARAM param = 0;
-    const uint32_t created = OrmCreateSessionParam("channel:", "osc", &param);
-    const uint32_t ret = created == OK ? OpenBy(function, param, connectionName) : created;
-    OrmDestroySessionParam(param);
-    if (created != OK) {
-        QRB_ERROR_AT(function, "[DEBUG]: OrmCreateSessionParam fail, ret=%d\n", created);
-    }
-    g_isDbListenerSubOpened = ret == OK ? 1 : 0;
-    return ret;
-}
-
-void Close()
-{
-    OrmCloseSession(g_dbListenerSubSession);
-    g_dbListenerSubSession = 0;
-    g_isDbListenerSubOpened = 0;
-}
-
-}  // namespace
 
 void* DbListenerEpollThreadFunc(void* epollFd)
 {
@@ -193,24 +157,4 @@ int32_t DbListenerEpollCtrl(uint32_t descriptor, uint32_t operation)
                   epoll, watched.data.fd, operation, error, strerror(error));
     }
     return result;
-}
-
-uint32_t QrbDbListenerRegisterEvent(const char* subscriptionName, const char* connectionName,
-                                    const char* definition, ORM_SUB_CALLBACK callback,
-                                    void* argument, const char* ownerName)
-{
-    pthread_mutex_lock(&g_dbListenerRegLock);
-    QRB_INFO("[DEBUG]: event listener start thread=%u fd=%d\n",
-             static_cast<uint32_t>(g_epollDbListenerThreadId), Look(&g_epollDbListenerFd));
-    uint32_t ret = g_isDbListenerSubOpened != 0 ? OK : Open(__func__, connectionName);
-    if (ret == OK) {
-        ret = OrmSubscribe(g_dbListenerSubSession, subscriptionName, definition, callback, argument,
-                           ownerName);
-        if (ret != OK) {
-            Close();
-            QRB_ERROR("[DEBUG]: OrmSubscribe fail, ret=%d\n", ret);
-        }
-    }
-    pthread_mutex_unlock(&g_dbListenerRegLock);
-    return ret;
 }
