@@ -2,7 +2,7 @@
 // them.
 #include <valgrind/callgrind.h>
 
-#include "support/example_calls.h"
+#include "calls/calls.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Callbacks for interface notifications: one list.
 #include <tarnd_qrb/event_registry.h>
 
-#include "event/registry_walk.h"
+#include "event/entries.h"
 
 using namespace qrb;
 
@@ -11,20 +11,16 @@ constinit const UTIL_LIST_TRAITS_S g_pstIfNotifyFuncHandlerTraits = EntryTraits<
 
 void IF_NotifyFuncRegTbl_Init()
 {
-    LockRegistries();
-    if (g_isIFNotifyInited == 0) {
-        g_isIFNotifyInited = 1;
-        UTIL_LIST_Construct(&g_pstIfNotifyFunc, &g_pstIfNotifyFuncHandlerTraits);
+    if (g_isIFNotifyInited != 0) {
+        return;
     }
-    UnlockRegistries();
+    g_isIFNotifyInited = 1;
+    UTIL_LIST_Construct(&g_pstIfNotifyFunc, &g_pstIfNotifyFuncHandlerTraits);
 }
 
 void IF_NotifyFuncRegTbl_Deinit()
 {
-    UTIL_LIST_S removed = {};
-    LockRegistries();
-    RemoveEntries(&g_pstIfNotifyFunc, &removed);
-    UnlockAndFree(&removed);
+    RemoveEntries(&g_pstIfNotifyFunc);
 }
 
 uint32_t IF_RegNotifyFunc(uint32_t ulKey, IF_NOTIFY_FUNC* callback)
@@ -36,10 +32,7 @@ uint32_t IF_RegNotifyFunc(uint32_t ulKey, IF_NOTIFY_FUNC* callback)
     IF_NOTIFY_FUNC_S entry = {};
     entry.ulKey = ulKey;
     entry.pfCallback = callback;
-    LockRegistries();
-    const uint32_t ret = UTIL_LIST_PushBack(&g_pstIfNotifyFunc, &entry);
-    UnlockRegistries();
-    if (ret != OK) {
+    if (UTIL_LIST_PushBack(&g_pstIfNotifyFunc, &entry) != OK) {
         QRB_ERROR("Failed to add callback to list.\n");
         return FAIL;
     }
@@ -48,9 +41,7 @@ uint32_t IF_RegNotifyFunc(uint32_t ulKey, IF_NOTIFY_FUNC* callback)
 
 uint32_t IF_UnRegNotifyFunc(uint32_t ulKey, IF_NOTIFY_FUNC* callback)
 {
-    LockRegistries();
-    return RemoveFirstAndUnlock<IF_NOTIFY_FUNC_S>(
-        &g_pstIfNotifyFunc, [&](const IF_NOTIFY_FUNC_S& entry) {
-            return entry.ulKey == ulKey && entry.pfCallback == callback;
-        });
+    return RemoveFirst<IF_NOTIFY_FUNC_S>(&g_pstIfNotifyFunc, [&](const IF_NOTIFY_FUNC_S& entry) {
+        return entry.ulKey == ulKey && entry.pfCallback == callback;
+    });
 }

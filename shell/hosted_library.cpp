@@ -3,6 +3,7 @@
 #include <chrono>
 #include <stdexcept>
 
+#include <tarnd_qrb/event_registry.h>
 #include <tarnd_qrb/listener.h>
 #include <tarnd_qrb/memory_map.h>
 #include <tarnd_qrb/subscription.h>
@@ -13,13 +14,13 @@
 namespace shell {
 namespace {
 
-// The line with which the listener's thread reports that it runs.
+// The line that the listener thread logs when it starts.
 bool IsListenerStart(const Json& event)
 {
     return event.value("line", "").find("DbListener thread start") != std::string::npos;
 }
 
-// Takes the lines of the start off the queue.
+// Removes the log lines of the start from the queue.
 std::string TakeStartLog()
 {
     std::string lines;
@@ -40,6 +41,8 @@ std::string TakeStartLog()
 HostedLibrary::HostedLibrary()
 {
     MEM_EX_Init();
+    // Without the list of notifications the library logs an error for each change of an interface.
+    IF_NotifyFuncRegTbl_Init();
     const bool isStarted = BDS_InitStart() == 0;
     const std::string log = TakeStartLog();
     if (!isStarted) {

@@ -1,14 +1,14 @@
-// The library, hosted as the device's daemon does.
+// Hosts the library as a device's daemon does.
 #pragma once
 
 namespace shell {
 
 class HostedLibrary {
 public:
-    // Starts it as a daemon does, and waits until its listener is there. Throws
-    // std::runtime_error, with what was logged, where it does not start.
+    // Starts the library and waits until its listener thread runs. Throws std::runtime_error, with
+    // the log lines, if it does not start.
     HostedLibrary();
-    // Afterwards no callback runs.
+    // No callback runs afterwards.
     ~HostedLibrary();
     HostedLibrary(const HostedLibrary&) = delete;
     HostedLibrary& operator=(const HostedLibrary&) = delete;

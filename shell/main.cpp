@@ -1,4 +1,4 @@
-// tarnd-qrb: hosts the library and calls its functions by their names.
+// tarnd-qrb: hosts the library and calls its functions by name.
 #include <unistd.h>
 
 #include <clocale>
@@ -14,6 +14,7 @@
 #include "shell/events/event_queue.h"
 #include "shell/hosted_library.h"
 #include "shell/output/log_capture.h"
+#include "shell/terminal/line_reader.h"
 #include "shell/terminal/progress.h"
 #include "shell/terminal/prompt.h"
 #include "sources/source.h"
@@ -32,31 +33,35 @@ struct Options {
 constexpr auto EXAMPLES = R"(
 Examples:
   tarnd-qrb host                                       a prompt; this host's interfaces
-  tarnd-qrb device.json IF_INTF_GetIfNameByIfIndex 2   one call, and its answer
-  tarnd-qrb device.json < calls.txt                    calls from a file, one a line
-  tarnd-qrb device.json help                           what there is to call
-  tarnd-qrb ovsdb:unix:/run/a.sock,tcp:10.0.0.2:6641   a prompt; what these servers hold
+  tarnd-qrb device.json IF_INTF_GetIfNameByIfIndex 2   one call and its result
+  tarnd-qrb device.json < calls.txt                    calls from a file, one per line
+  tarnd-qrb device.json help                           all commands
+  tarnd-qrb ovsdb:unix:/run/a.sock,tcp:10.0.0.2:6641   a prompt; the database of these servers
 
-Exit status: 0 every call did what it should; 1 one of them failed, or the source can't be had;
-2 a line could not be understood.
+Exit status: 0 success; 1 a result "no" or "failure", or a refused write; 2 a line that can't be
+parsed; 3 a source, a file or the output that can't be read or written.
 )";
+
+// The JSON form changes only together with its number.
+constexpr auto VERSION_TEXT = "tarnd-qrb " TARND_VERSION ", JSON form 1";
 
 void Describe(CLI::App& app, Options& options)
 {
     app.footer(EXAMPLES);
-    app.add_flag("-j,--json", options.json, "Answers as JSON, one object a line");
+    app.add_flag("-j,--json", options.json, "Prints JSON, one object per line");
     app.add_flag("-e,--echo", options.echo,
-                 "Repeats each line of standard input before its answer");
+                 "Repeats each line of standard input before its result");
     app.add_option(
            "SOURCE", options.source,
            "Where the data comes from: a JSON file, \"host\" for this host, or \"ovsdb:\" and "
            "servers")
         ->required();
+    app.set_version_flag("-V,--version", VERSION_TEXT);
     app.add_option("COMMAND", options.command,
                    "A function or command and its arguments; without one, lines are read");
 }
 
-// The words up to the second that is no option: from there on all are the command's.
+// The number of words before the command: the command begins at the second word that is no option.
 int CountOwn(int count, char** words)
 {
     int own = 1;
@@ -78,13 +83,20 @@ shell::Printer::Style StyleFor(const Options& options)
 
 Status RunInput(shell::Shell& shell, bool echo)
 {
-    Status worst = Status::Good;
-    for (std::string line; !shell.Ended() && std::getline(std::cin, line);) {
-        if (echo) {
-            std::cout << (line.starts_with('#') ? "" : "> ") << line << '\n';
+    shell::LineReader lines(STDIN_FILENO);
+    const auto printEvents = [&] { shell.PrintEvents(); };
+    Status worst = Status::Success;
+    for (size_t number = 1; !shell.Ended(); ++number) {
+        const auto line = lines.Next(shell::Events().Descriptor(), printEvents);
+        if (!line) {
+            break;
         }
-        worst = std::max(worst, shell.Execute(line));
-        std::cout.flush();
+        if (echo) {
+            shell.Out().PrintRaw((line->starts_with('#') ? "" : "> ") + *line + "\n");
+            shell.Out().Flush();
+        }
+        shell.Out().SetInputLine(number);
+        worst = std::max(worst, shell.Execute(*line));
     }
     return worst;
 }
@@ -97,8 +109,7 @@ Status RunLines(shell::Shell& shell, const Options& options)
     return isatty(STDIN_FILENO) != 0 ? RunPrompt(shell) : RunInput(shell, options.echo);
 }
 
-// An interrupt is for the thread that waits for it: threads that start while it is blocked never
-// get it.
+// SIGINT is for the main thread: threads that start while it is blocked never receive it.
 void BlockInterrupts(int how)
 {
     sigset_t signals;
@@ -115,7 +126,8 @@ std::unique_ptr<sources::Source> OpenSource(const std::string& name)
 
 Status Run(const Options& options)
 {
-    shell::SetLogSink([](const std::string& line) { shell::Events().Push(shell::LogEvent(line)); });
+    shell::EventQueue& events = shell::Events();  // made before any thread can log
+    shell::SetLogSink([&](const std::string& line) { events.PushNow(shell::LogEvent(line)); });
     BlockInterrupts(SIG_BLOCK);
     const auto source = OpenSource(options.source);
     const shell::HostedLibrary library;
@@ -123,6 +135,7 @@ Status Run(const Options& options)
     BlockInterrupts(SIG_UNBLOCK);
     shell::Printer printer(std::cout, StyleFor(options));
     shell::Shell shell(*source, printer);
+    shell.PrintEvents();
     const Status worst = RunLines(shell, options);
     return std::max(worst, shell.Finish());
 }
@@ -130,8 +143,9 @@ Status Run(const Options& options)
 int RunProgram(int count, char** words)
 {
     std::setlocale(LC_CTYPE, "");
+    std::signal(SIGPIPE, SIG_IGN);  // a closed output is an error of the write
     Options options;
-    CLI::App app("Calls the query functions of libtarnd_qrb by their names.", "tarnd-qrb");
+    CLI::App app("Calls the functions of libtarnd_qrb by name.", "tarnd-qrb");
     Describe(app, options);
     try {
         const int own = CountOwn(count, words);
@@ -151,6 +165,6 @@ int main(int count, char** words)
         return RunProgram(count, words);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "tarnd-qrb: %s\n", error.what());
-        return static_cast<int>(Status::Failed);
+        return static_cast<int>(Status::Unavailable);
     }
 }

@@ -11,7 +11,7 @@ char Lower(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-// How many characters must be added, dropped or changed to make b of a, whatever their case.
+// The Levenshtein distance, regardless of case.
 size_t Distance(std::string_view a, std::string_view b)
 {
     std::vector<size_t> row(b.size() + 1);
@@ -29,10 +29,10 @@ size_t Distance(std::string_view a, std::string_view b)
 
 }  // namespace
 
-std::string NoSuch(std::string_view kind, std::string_view name,
-                   const std::vector<std::string>& names)
+std::string UnknownName(std::string_view kind, std::string_view name,
+                        const std::vector<std::string>& names)
 {
-    std::string message = "there is no " + std::string(kind) + " " + std::string(name);
+    std::string message = "unknown " + std::string(kind) + " " + std::string(name);
     const size_t most = std::max<size_t>(name.size() / 3, name.size() > 3 ? 2 : 1);
     const auto distance = [&](const std::string& other) {
         const size_t longer = std::max(name.size(), other.size());
@@ -40,7 +40,7 @@ std::string NoSuch(std::string_view kind, std::string_view name,
     };
     const auto nearest = std::ranges::min_element(names, {}, distance);
     if (nearest != names.end() && distance(*nearest) <= most) {
-        message += "; do you mean " + *nearest + "?";
+        message += "; did you mean " + *nearest + "?";
     }
     return message;
 }

@@ -1,15 +1,14 @@
-// "There is no X; do you mean Y?"
+// Error messages for unknown names.
 #pragma once
 
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace shell {
 
-// A message that names the nearest of the names there are, if one is near.
-std::string NoSuch(std::string_view kind, std::string_view name,
-                   const std::vector<std::string>& names);
+// "unknown table vlans; did you mean vlan?". Only a similar name is suggested.
+std::string UnknownName(std::string_view kind, std::string_view name,
+                        const std::vector<std::string>& names);
 
 }  // namespace shell

@@ -1,6 +1,7 @@
 #include "shell/shell.h"
 
 #include <chrono>
+#include <new>
 
 #include <standin/deliveries.h>
 
@@ -11,9 +12,12 @@
 namespace shell {
 namespace {
 
-constexpr std::chrono::seconds LONGEST_WAIT(3);
+using namespace std::chrono_literals;
 
-// What is wrong with the words is told together with those that would be right.
+constexpr auto LONGEST_WAIT = 3s;  // for the callbacks of a write
+constexpr auto PRINT_INTERVAL = 10ms;
+
+// Adds the usage of the function to errors in its words.
 CallResult CallWith(const Function& function, Words& words)
 {
     try {
@@ -24,39 +28,62 @@ CallResult CallWith(const Function& function, Words& words)
     }
 }
 
-// Carries out the action; what it throws is told.
+// The status of the action; what it throws is printed.
 template <typename Action>
-Status Told(Printer& printer, const Action& action)
+Status RunReported(Printer& printer, const Action& action)
 {
     try {
         return action();
+    } catch (const OutputError&) {
+        throw;
     } catch (const UsageError& error) {
         printer.PrintError(error.what());
         return Status::Usage;
+    } catch (const FileError& error) {
+        printer.PrintError(error.what());
+        return Status::Unavailable;
+    } catch (const std::bad_alloc&) {
+        printer.PrintError("out of memory");
+        return Status::Unavailable;
     } catch (const std::exception& error) {
         printer.PrintError(error.what());
         return Status::Failed;
     }
 }
 
+Status StatusOf(Verdict verdict)
+{
+    return verdict == Verdict::Success ? Status::Success : Status::Failed;
+}
+
 }  // namespace
 
 Status Shell::Execute(std::string_view line)
 {
-    return Told(printer_, [&] { return Execute(SplitLine(line)); });
+    std::vector<std::string> words;
+    const Status status = RunReported(printer_, [&] {
+        words = SplitLine(line);
+        return Status::Success;
+    });
+    return status == Status::Success ? Execute(words) : status;
 }
 
 Status Shell::Execute(const std::vector<std::string>& words)
 {
     if (words.empty()) {
-        return Status::Good;
+        return Status::Success;
     }
-    const Status status = Told(printer_, [&] {
+    const Status status = RunReported(printer_, [&] {
         Words arguments(std::span<const std::string>(words).subspan(1));
-        return Carry(words[0], arguments);
+        return Dispatch(words[0], arguments);
     });
-    // What a write brought about stands behind it.
-    standin::AwaitDeliveries(LONGEST_WAIT);
+    printer_.Flush();
+    // The events of a write are printed before the next line is carried out.
+    const auto deadline = std::chrono::steady_clock::now() + LONGEST_WAIT;
+    while (!standin::AwaitDeliveries(PRINT_INTERVAL) &&
+           std::chrono::steady_clock::now() < deadline) {
+        PrintEvents();
+    }
     PrintEvents();
     return status;
 }
@@ -64,8 +91,9 @@ Status Shell::Execute(const std::vector<std::string>& words)
 Status Shell::Finish()
 {
     if (!writes_.IsOpen()) {
-        return Status::Good;
+        return Status::Success;
     }
+    printer_.SetInputLine(0);
     printer_.PrintError("a transaction was not committed: " + std::to_string(writes_.Waiting()) +
                         " rows are not written");
     return Status::Failed;
@@ -76,23 +104,23 @@ void Shell::PrintEvents()
     while (const auto event = Events().Pop()) {
         printer_.PrintEvent(*event);
     }
+    printer_.Flush();
 }
 
-Status Shell::Carry(const std::string& name, Words& words)
+Status Shell::Dispatch(const std::string& name, Words& words)
 {
     if (const Command* command = FindCommand(name)) {
         return command->run(*this, words);
     }
     const Function* function = FindFunction(name);
     if (function == nullptr) {
-        throw UsageError(NoSuch("function or command", name, CallableNames()));
+        throw UsageError(UnknownName("function or command", name, CallableNames()));
     }
-    // Registries are changed only while nothing is published.
-    CallResult answer;
-    standin::BetweenDeliveries([&] { answer = CallWith(*function, words); });
-    printer_.Print(*function, answer);
-    const bool good = !answer.code || function->result.Of(*answer.code).good;
-    return good ? Status::Good : Status::Failed;
+    // A registry must not change while events are published.
+    CallResult result;
+    standin::BetweenDeliveries([&] { result = CallWith(*function, words); });
+    printer_.Print(*function, result);
+    return StatusOf(function->VerdictOf(result));
 }
 
 }  // namespace shell

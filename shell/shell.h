@@ -1,4 +1,4 @@
-// The shell: carries out lines, one after another.
+// Carries out command lines, one after another.
 #pragma once
 
 #include <string>
@@ -10,20 +10,32 @@
 
 namespace shell {
 
-// As exit codes have it; of several lines, the highest counts.
-enum class Status : uint8_t { Good = 0, Failed = 1, Usage = 2 };
+// Exit statuses. Of several lines, the highest counts.
+enum class Status : uint8_t {
+    Success = 0,
+    Failed = 1,       // a result "no" or "failure", or a refused write
+    Usage = 2,        // a line that can't be parsed
+    Unavailable = 3,  // a source, a file or the output can't be read or written
+};
+
+// A file that can't be read or written.
+class FileError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
 
 class Shell {
 public:
     Shell(sources::Source& source, Printer& printer) : writes_(source), printer_(printer) {}
 
+    // Errors are printed, except for OutputError, which is thrown.
     Status Execute(std::string_view line);
     Status Execute(const std::vector<std::string>& words);
 
-    // When no line comes any more: Failed where writes still wait for commit, which is told.
+    // To call after the last line. Failed, with a message, if a transaction is still open.
     Status Finish();
 
-    // Those that wait in the queue.
+    // Prints the events that are in the queue.
     void PrintEvents();
 
     bool Ended() const { return ended_; }
@@ -32,7 +44,7 @@ public:
     PendingWrites& Writes() { return writes_; }
 
 private:
-    Status Carry(const std::string& name, Words& words);
+    Status Dispatch(const std::string& name, Words& words);
 
     PendingWrites writes_;
     Printer& printer_;

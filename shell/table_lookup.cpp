@@ -10,12 +10,12 @@
 namespace shell {
 namespace {
 
-template <typename Named>
-std::vector<std::string> NamesOf(std::span<const Named> all)
+template <typename Item>
+std::vector<std::string> NamesOf(std::span<const Item> items)
 {
     std::vector<std::string> names;
-    for (const Named& one : all) {
-        names.emplace_back(one.name);
+    for (const Item& item : items) {
+        names.emplace_back(item.name);
     }
     return names;
 }
@@ -26,7 +26,7 @@ const standin::Table& KnownTable(std::string_view name)
 {
     const standin::Table* table = standin::FindTable(name);
     if (table == nullptr) {
-        throw UsageError(NoSuch("table", name, TableNames()));
+        throw UsageError(UnknownName("table", name, TableNames()));
     }
     return *table;
 }
@@ -36,7 +36,7 @@ const standin::Field* FieldOrList(const standin::Table& table, std::string_view 
     const standin::Field* field = standin::FindField(table.fields, name);
     if (field == nullptr &&
         std::ranges::find(table.lists, name, &standin::List::name) == table.lists.end()) {
-        throw UsageError(NoSuch("field", name, FieldNames(table)));
+        throw UsageError(UnknownName("field", name, FieldNames(table)));
     }
     return field;
 }
@@ -75,16 +75,16 @@ std::vector<std::string> ValuesOf(const standin::Table& table, std::string_view 
     return values;
 }
 
-std::string WithInterfaceName(uint32_t ifIndex)
+std::string InterfaceName(uint32_t ifIndex)
 {
     const auto row = standin::Find(standin::Row("if_base").Set("if_index", ifIndex));
-    return std::to_string(ifIndex) + (row ? " (" + std::string(row->Text("if_name")) + ")" : "");
+    return row ? std::string(row->Text("if_name")) : "";
 }
 
-std::string Bare(const Json& value)
+std::string WithInterfaceName(uint32_t ifIndex)
 {
-    return value.is_string() ? value.get<std::string>()
-                             : value.dump(-1, ' ', false, Json::error_handler_t::replace);
+    const std::string name = InterfaceName(ifIndex);
+    return std::to_string(ifIndex) + (name.empty() ? "" : " (" + name + ")");
 }
 
 }  // namespace shell

@@ -1,4 +1,4 @@
-// The stand-in's tables, by the names that stand on a line.
+// The stand-in's tables, fields and values, looked up by the words of a command.
 #pragma once
 
 #include <string>
@@ -6,26 +6,26 @@
 
 #include <standin/store.h>
 
-#include "shell/functions/argument.h"
+#include "shell/output/json_text.h"
 
 namespace shell {
 
-// Throws UsageError, with the nearest name, where there is none.
+// Throws UsageError, which suggests a similar name, if there is no such table.
 const standin::Table& KnownTable(std::string_view name);
-// Null for a list. Throws UsageError where there is neither of that name.
+
+// Null for a list. Throws UsageError if the table has neither a field nor a list of that name.
 const standin::Field* FieldOrList(const standin::Table& table, std::string_view name);
 
 std::vector<std::string> TableNames();
-// Fields, then lists.
+// Fields first, then lists.
 std::vector<std::string> FieldNames(const standin::Table& table);
 
-// The values that stand in a field of a table, or in a field of its lists, without repetition.
+// The distinct values of a field, or of a field of the table's lists.
 std::vector<std::string> ValuesOf(const standin::Table& table, std::string_view field);
 
-// "5 (Ethernet0/0/5)", or the index alone where no interface has it.
+// The full name of an interface; empty if there is no such interface.
+std::string InterfaceName(uint32_t ifIndex);
+// "5 (Ethernet0/0/5)", or only the index if there is no such interface.
 std::string WithInterfaceName(uint32_t ifIndex);
-
-// A value as text: a text bare, everything else as JSON has it.
-std::string Bare(const Json& value);
 
 }  // namespace shell

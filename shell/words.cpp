@@ -19,10 +19,10 @@ size_t JsonLength(std::string_view text)
             return i + 1;
         }
     }
-    throw UsageError(std::string("what ") + text.front() + " opens is not closed");
+    throw UsageError(std::string("missing closing bracket for ") + text.front());
 }
 
-// Takes what stands between quotes off the line.
+// Removes a quoted text from the line.
 std::string TakeQuoted(std::string_view& line)
 {
     const char quote = line.front();
@@ -37,7 +37,7 @@ std::string TakeQuoted(std::string_view& line)
         }
         text += line[i];
     }
-    throw UsageError(std::string("a closing ") + quote + " is missing");
+    throw UsageError(std::string("missing closing ") + quote);
 }
 
 std::string Take(std::string_view& line, size_t count)
@@ -78,7 +78,7 @@ std::vector<std::string> SplitLine(std::string_view line)
 std::string Words::Take(std::string_view what)
 {
     if (words_.empty()) {
-        throw UsageError(std::string(what) + " is missing");
+        throw UsageError("missing argument: " + std::string(what));
     }
     const std::string& word = words_.front();
     words_ = words_.subspan(1);
@@ -102,7 +102,7 @@ std::span<const std::string> Words::TakeAll()
 void Words::ExpectEnd() const
 {
     if (!words_.empty()) {
-        throw UsageError("\"" + words_.front() + "\" is one word too many");
+        throw UsageError("unexpected argument \"" + words_.front() + "\"");
     }
 }
 

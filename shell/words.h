@@ -9,19 +9,19 @@
 
 namespace shell {
 
-// A line that can't be carried out as it stands.
+// A line that can't be parsed.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-// Words stand between blanks. Quotes, "..." or '...', keep blanks together; within "..." a
-// backslash keeps the next character as it is. JSON stays as it stands: {"a": 1} is one word, and
-// so is list=[{"a": 1}]. "#" begins a comment where a word could begin. Throws UsageError where
-// something is not closed.
+// Words are separated by blanks. Blanks within quotes, "..." or '...', belong to the word; within
+// "..." a backslash escapes the next character. JSON is kept unchanged: {"a": 1} is one word, and
+// so is list=[{"a": 1}]. "#" at the start of a word begins a comment. Throws UsageError for an
+// unclosed quote or bracket.
 std::vector<std::string> SplitLine(std::string_view line);
 
-// The words of a call, taken one after another.
+// The arguments of a command, taken one after another.
 class Words {
 public:
     explicit Words(std::span<const std::string> words) : words_(words) {}
@@ -29,12 +29,12 @@ public:
     bool Empty() const { return words_.empty(); }
     const std::string& Front() const { return words_.front(); }
 
-    // Throws UsageError where there is no word any more; what: what is missing.
+    // Throws UsageError if no word is left; what names the missing argument.
     std::string Take(std::string_view what);
-    // All that are left, a blank between two.
+    // All remaining words, joined by blanks.
     std::string TakeRest();
     std::span<const std::string> TakeAll();
-    // Throws UsageError where a word is left.
+    // Throws UsageError if a word is left.
     void ExpectEnd() const;
 
 private:

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "support/test_system.h"
+#include "support/system.h"
 
 namespace {
 
@@ -62,24 +62,106 @@ TEST(Shell, CallsEveryFunction)
 // A session as people see it. "@" stands for what differs from run to run.
 TEST(Shell, ShowsWhatPeopleExpect)
 {
-    const std::string session = root + "/tests/data/shell_session.txt";
+    const std::string session = root + "/tests/shell_session.txt";
     const auto [status, output] = RunShell("--echo " + device, "sed -n 's/^> //p' " + session);
-    const std::regex changing(R"(\d\d:\d\d:\d\d\.\d{6}|[\d.]+(?= us)|:\d+(?=\] ))");
+    const std::regex changing(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{6}[+-]\d\d:\d\d|[\d.]+(?= us))"
+                              R"(|:\d+(?=\] )|line \d+(?=: ))");
     EXPECT_EQ(std::regex_replace(output, changing, "@"), TextOf(session));
-    EXPECT_EQ(status, 2);
+    EXPECT_EQ(status, 3);
 }
 
-TEST(Shell, TellsScriptsByItsStatusHowItWent)
+TEST(Shell, ExitStatusTellsKindOfFailure)
 {
-    const std::pair<std::string, int> runs[] = {{device + "BDS_L2IF_VLAN_IsActive 200", 0},
+    const std::pair<std::string, int> runs[] = {{device + "BDS_L2IF_VLAN_IsActive 10", 0},
+                                                {device + "BDS_L2IF_VLAN_IsActive 200", 1},
                                                 {device + "IP_GetMainIpAddr 3", 1},
+                                                {device + "update port if_index=99 pvid=1", 1},
                                                 {device + "IP_GetMainIpAddr", 2},
-                                                {"none.json", 1},
                                                 {"", 2},
-                                                {device + "diff " + device, 0}};
+                                                {"none.json", 3},
+                                                {device + "load none.json", 3},
+                                                {device + "dump /nowhere/file", 3},
+                                                {device + "diff " + device, 0},
+                                                {"--version", 0}};
     for (const auto& [arguments, status] : runs) {
         EXPECT_EQ(RunShell(arguments).status, status) << arguments;
     }
+}
+
+TEST(Shell, ErrorsNameTheLineOfTheInput)
+{
+    const std::string input = "printf 'tables\\n# comment\\nshow none\\nexit\\nshow none\\n'";
+    EXPECT_NE(RunShell(device, input).output.find("line 3: unknown table none"), std::string::npos);
+    const std::string json = RunShell("--json " + device, input).output;
+    EXPECT_NE(json.find(R"({"error":"unknown table none","line":3})"), std::string::npos) << json;
+    EXPECT_EQ(json.find("\"line\":5"), std::string::npos) << "exit ends the input";
+    EXPECT_EQ(RunShell(device + "show none").output, "unknown table none\n");
+}
+
+TEST(Shell, LogLinesGoToStandardErrorOrIntoTheResult)
+{
+    const std::string call = TARND_SHELL " " + device + "IP_GetMainIpAddr 3";
+    EXPECT_EQ(support::Run(call + " 2>/dev/null").output.find("log"), std::string::npos);
+    EXPECT_NE(support::Run(call + " 2>&1 >/dev/null").output.find("log  [TARND_QRB]"),
+              std::string::npos);
+    const Json result = Json::parse(RunShell("--json " + device + "IP_GetMainIpAddr 3").output);
+    EXPECT_EQ(result["log"].size(), 1);
+}
+
+TEST(Shell, OrdinaryWritesLogNothing)
+{
+    const std::string writes =
+        "printf 'update if_phy if_index=1 phy_state=0\\n"
+        "insert if_base if_index=70 if_name=Ethernet0/0/70\\n"
+        "delete if_base if_index=70\\n'";
+    EXPECT_EQ(RunShell(device, writes).output, "1 row updated\n1 row inserted\n1 row deleted\n");
+}
+
+// A co-process that reads each line as it comes, while the input stays open.
+TEST(Shell, ResultsAndEventsAreWrittenAtOnce)
+{
+    const std::string script = "coproc SHELL { " TARND_SHELL " " + device + R"(; }
+echo watch on >&${SHELL[1]}
+echo update if_phy if_index=1 phy_state=0 >&${SHELL[1]}
+while read -r -t 5 -u ${SHELL[0]} line; do
+    echo "$line"
+    case $line in *PHY_STATE*) break;; esac
+done
+kill $SHELL_PID
+)";
+    const auto [status, output] = support::Run("bash -c '" + script + "' 2>&1");
+    EXPECT_NE(output.find("PHY_STATE  ifIndex=1 (Ethernet0/0/1) flag=1 (down)"), std::string::npos)
+        << output;
+}
+
+TEST(Shell, NamesAreAcceptedAndPrintedWhereNumbersAre)
+{
+    const auto outputOf = [](const std::string& command) {
+        return RunShell("--json " + device + command).output;
+    };
+    const Json state = Json::parse(outputOf("BDS_IfnetGetIfPhyState 9"));
+    EXPECT_EQ(state["outputs"]["state"], 0);
+    EXPECT_EQ(state["words"], Json({{"ifIndex", "Ethernet0/0/9"}, {"state", "down"}}));
+    EXPECT_EQ(Json::parse(outputOf("IF_INTF_GetIfByFullName Vlanif10"))["words"]["result"],
+              "Vlanif10");
+    EXPECT_NE(RunShell(device + "L2IF_SH_EvtCbFuncReg stp NO_EVENT").output.find("VLAN_ADD_PORT"),
+              std::string::npos);
+
+    const std::string byName = "printf 'IF_RegNotifyFunc 7\\nIF_NotifyAll 7 DOWN\\n'";
+    const std::string lines = RunShell("--json " + device, byName).output;
+    const Json event = Json::parse(lines.substr(lines.find("{\"event\"")));
+    EXPECT_EQ(event["id"], 4);
+    EXPECT_EQ(event["name"], "DOWN");
+    EXPECT_EQ(event["ifName"], "Ethernet0/0/7");
+}
+
+// The count that was given before the call is the capacity of a buffer.
+TEST(Shell, FailedCallShowsNoCount)
+{
+    const Json result =
+        Json::parse(RunShell("--json " + device + "MEM_EX_GetDetailedInfo 2").output);
+    EXPECT_FALSE(result["good"]);
+    EXPECT_TRUE(result["outputs"]["count"].is_null());
 }
 
 }  // namespace

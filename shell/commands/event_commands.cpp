@@ -98,7 +98,7 @@ Status Watch(Shell& shell, Words& words)
         PrintEvents(shell, deadline);
         WatchNothing();
     }
-    return Status::Good;
+    return Status::Success;
 }
 
 struct InterfaceEventCall {
@@ -138,10 +138,10 @@ Status Publish(Shell& shell, Words& words)
 {
     const InterfaceEventCall call = TakeInterfaceEvent(words);
     uint32_t ret = 0;
-    LogCapture catcher;
+    LogCapture log;
     standin::BetweenDeliveries([&] { ret = PublishInterfaceEvent(call); });
-    shell.Out().PrintLog(catcher.Take());
-    return ret == 0 ? Status::Good : Status::Failed;
+    shell.Out().PrintLog(log.Take());
+    return ret == 0 ? Status::Success : Status::Failed;
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <functional>
 #include <map>
 
 #include "shell/commands/command.h"
@@ -17,20 +18,30 @@ namespace {
 
 using standin::Row;
 
+// Throws FileError for a file that can't be read or is not of the JSON format.
+void ReadRows(const std::string& file, const std::function<void(Row)>& onRow)
+{
+    try {
+        sources::ReadJson(file, onRow);
+    } catch (const standin::Error& error) {
+        throw FileError(error.what());
+    }
+}
+
 Status Load(Shell& shell, Words& words)
 {
     const std::string file = words.Take("file");
     words.ExpectEnd();
     std::vector<sources::RowWrite> writes;
     Progress progress("rows read");
-    sources::ReadJson(file, [&](Row row) {
+    ReadRows(file, [&](Row row) {
         writes.push_back({sources::WriteKind::Insert, std::move(row)});
         progress.Step();
     });
     const size_t count = writes.size();
     shell.Writes().Write(std::move(writes));
     shell.Out().PrintDone(shell.Writes().IsOpen() ? "waiting for commit" : "loaded", count);
-    return Status::Good;
+    return Status::Success;
 }
 
 Status Dump(Shell& shell, Words& words)
@@ -40,14 +51,14 @@ Status Dump(Shell& shell, Words& words)
     const std::string text = sources::DumpJson();
     if (file == "-") {
         shell.Out().PrintRaw(text);
-        return Status::Good;
+        return Status::Success;
     }
     std::ofstream output(file, std::ios::binary);
     output << text << std::flush;
     if (!output) {
-        throw standin::Error(file + ": " + std::strerror(errno));
+        throw FileError(file + ": " + std::strerror(errno));
     }
-    return Status::Good;
+    return Status::Success;
 }
 
 // The rows of a device, by table and key.
@@ -68,7 +79,7 @@ void AddTo(Contents& contents, const Row& row)
 Contents ContentsOf(const std::string& file)
 {
     Contents contents;
-    sources::ReadJson(file, [&](const Row& row) { AddTo(contents, row); });
+    ReadRows(file, [&](const Row& row) { AddTo(contents, row); });
     return contents;
 }
 
@@ -164,7 +175,7 @@ Status Diff(Shell& shell, Words& words)
     } else {
         shell.Out().PrintText(text);
     }
-    return differences.empty() ? Status::Good : Status::Failed;
+    return differences.empty() ? Status::Success : Status::Failed;
 }
 
 }  // namespace

@@ -43,7 +43,7 @@ std::string ArgumentLines(const Function& function)
 std::string FunctionHelp(const Function& function)
 {
     std::string text = std::string(function.name) + " " + function.Usage() + "\n  " +
-                       std::string(function.answers) + "\n";
+                       std::string(function.purpose) + "\n";
     text += ArgumentLines(function);
     text += "  result  " + function.result.Help() + "\n";
     if (!function.tables.empty()) {
@@ -82,7 +82,7 @@ Status Help(Shell& shell, Words& words)
 {
     if (words.Empty()) {
         shell.Out().PrintText(Overview());
-        return Status::Good;
+        return Status::Success;
     }
     const std::string topic = words.Take("topic");
     words.ExpectEnd();
@@ -91,9 +91,9 @@ Status Help(Shell& shell, Words& words)
     } else if (const Function* function = FindFunction(topic)) {
         shell.Out().PrintText(FunctionHelp(*function));
     } else {
-        throw UsageError(NoSuch("function or command", topic, CallableNames()));
+        throw UsageError(UnknownName("function or command", topic, CallableNames()));
     }
-    return Status::Good;
+    return Status::Success;
 }
 
 bool Mentions(std::string_view text, std::string_view word)
@@ -108,15 +108,15 @@ Status ShowFunctions(Shell& shell, Words& words)
     const std::string word = words.TakeRest();
     Json rows = Json::array();
     for (const Function& function : Functions()) {
-        if (Mentions(function.name, word) || Mentions(function.answers, word) ||
+        if (Mentions(function.name, word) || Mentions(function.purpose, word) ||
             Mentions(function.tables, word)) {
             rows.push_back({{"function", function.name},
                             {"arguments", function.Usage()},
-                            {"answers", function.answers}});
+                            {"answers", function.purpose}});
         }
     }
     shell.Out().PrintRows(rows);
-    return Status::Good;
+    return Status::Success;
 }
 
 Status ListCompletions(Shell& shell, Words& words)
@@ -126,13 +126,13 @@ Status ListCompletions(Shell& shell, Words& words)
         text += candidate + "\n";
     }
     shell.Out().PrintText(text);
-    return Status::Good;
+    return Status::Success;
 }
 
 Status Quit(Shell& shell, Words& /*words*/)
 {
     shell.End();
-    return Status::Good;
+    return Status::Success;
 }
 
 }  // namespace
@@ -145,6 +145,8 @@ std::vector<Command> HelpCommands()
         {"help", "[NAME]", "Tells about a command or a function.", Help},
         {"complete", "'LINE'", "Lists what could stand where a line breaks off; Tab does so at the prompt.", ListCompletions},
         {"quit", "", "Ends the shell.", Quit},
+        {"exit", "", "Ends the shell.", Quit},
+        {"?", "[NAME]", "The same as help.", Help},
     };
 }
 // clang-format on

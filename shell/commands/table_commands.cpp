@@ -23,7 +23,7 @@ Status ListTables(Shell& shell, Words& words)
             {{"table", table.name}, {"rows", standin::CountRows(table)}, {"fields", fields}});
     }
     shell.Out().PrintRows(rows);
-    return Status::Good;
+    return Status::Success;
 }
 
 // Every field; RowToJson leaves out what is zero or empty.
@@ -87,7 +87,7 @@ Status Show(Shell& shell, Words& words)
         shown.push_back(std::move(whole));
     }
     shell.Out().PrintRows(shown);
-    return Status::Good;
+    return Status::Success;
 }
 
 struct Walk {
@@ -117,7 +117,7 @@ Status WalkTable(Shell& shell, Words& words)
 {
     const Walk& walk = WalkOver(words.Take("table"));
     words.ExpectEnd();
-    LogCapture catcher;
+    LogCapture log;
     Json rows = Json::array();
     uint32_t found = 0;
     uint32_t ret = walk.first(&found);
@@ -127,8 +127,8 @@ Status WalkTable(Shell& shell, Words& words)
     }
     const uint32_t finished = opened ? walk.finish() : 0;
     shell.Out().PrintRows(rows);
-    shell.Out().PrintLog(catcher.Take());
-    return finished == 0 ? Status::Good : Status::Failed;
+    shell.Out().PrintLog(log.Take());
+    return finished == 0 ? Status::Success : Status::Failed;
 }
 
 }  // namespace

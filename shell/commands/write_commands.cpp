@@ -25,7 +25,7 @@ Status Do(Shell& shell, std::vector<sources::RowWrite> writes, const char* done)
     } else {
         shell.Out().PrintDone(done, count);
     }
-    return Status::Good;
+    return Status::Success;
 }
 
 Status WriteNew(Shell& shell, Words& words, Kind kind)
@@ -80,21 +80,21 @@ Status Begin(Shell& shell, Words& words)
 {
     words.ExpectEnd();
     shell.Writes().Begin();
-    return Status::Good;
+    return Status::Success;
 }
 
 Status Commit(Shell& shell, Words& words)
 {
     words.ExpectEnd();
     shell.Out().PrintDone("committed", shell.Writes().Commit());
-    return Status::Good;
+    return Status::Success;
 }
 
 Status Abort(Shell& shell, Words& words)
 {
     words.ExpectEnd();
     shell.Out().PrintDone("forgotten", shell.Writes().Abort());
-    return Status::Good;
+    return Status::Success;
 }
 
 }  // namespace

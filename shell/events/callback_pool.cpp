@@ -10,10 +10,21 @@
 namespace shell {
 namespace {
 
+// No exception may reach the library, which calls the callbacks.
+template <typename MakeEvent>
+void PushEvent(const MakeEvent& makeEvent) noexcept
+{
+    try {
+        Events().Push(makeEvent());
+    } catch (const std::exception&) {
+        Events().Drop();
+    }
+}
+
 template <size_t place>
 uint32_t OnLayer2(const void* data, uint32_t value, void* argument, uint64_t* /*word*/)
 {
-    Events().Push(Layer2Event(Layer2Callbacks().Of(place), data, value, argument));
+    PushEvent([&] { return Layer2Event(Layer2Callbacks().Of(place), data, value, argument); });
     return 0;
 }
 
@@ -21,14 +32,17 @@ template <size_t place>
 uint32_t OnInterface(uint32_t /*sub*/, uint32_t flag, uint32_t ifIndex, void* first,
                      void* /*second*/)
 {
-    Events().Push(InterfaceEvent(InterfaceCallbacks().Of(place), flag, ifIndex, first));
+    PushEvent([&] { return InterfaceEvent(InterfaceCallbacks().Of(place), flag, ifIndex, first); });
     return 0;
 }
 
 template <size_t place>
-uint32_t OnNotification(uint32_t ifIndex, uint32_t command, uint32_t a, uint32_t b)
+uint32_t OnNotification(uint32_t ifIndex, uint32_t command, uint32_t value1, uint32_t value2)
 {
-    Events().Push(NotificationEvent(NotificationCallbacks().Of(place), ifIndex, command, a, b));
+    PushEvent([&] {
+        return NotificationEvent(NotificationCallbacks().Of(place), ifIndex, command, value1,
+                                 value2);
+    });
     return 0;
 }
 

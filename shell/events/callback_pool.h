@@ -1,4 +1,4 @@
-// The callbacks that the shell registers for events: each puts what it is told into the queue.
+// The callbacks that the shell registers for events. Each puts its event into the queue.
 #pragma once
 
 #include <array>
@@ -15,15 +15,15 @@ struct Registration {
     uint32_t priority = 0;
     std::string module = {};
 
-    // Whether an unregistration that names all but the priority means this one.
+    // Whether an unregistration that names all but the priority refers to this registration.
     bool IsFor(const Registration& other) const
     {
         return event == other.event && sub == other.sub && module == other.module;
     }
 };
 
-// A callback is told neither its event nor on whose behalf it was registered, so each registration
-// has one of its own. Changed only while nothing is delivered; callbacks read it.
+// A callback receives neither its event id nor its registration, so each registration gets a
+// function of its own. The pool is changed only between deliveries, since the callbacks read it.
 template <typename Callback>
 class CallbackPool {
 public:
@@ -31,9 +31,9 @@ public:
 
     explicit CallbackPool(const std::array<Callback*, SIZE>& callbacks) : callbacks_(callbacks) {}
 
-    // One for this registration. Throws UsageError where there is none left.
+    // A free callback, for this registration. Throws UsageError if none is left.
     Callback* Take(const Registration& registration);
-    // The one that was taken last for this registration, whatever its priority; or one that is not
+    // The callback taken last for this registration, regardless of priority; else one that is not
     // registered.
     Callback* Find(const Registration& registration) const;
     void GiveBack(const Callback* callback);
@@ -44,7 +44,7 @@ public:
 private:
     struct PoolEntry {
         Registration registration;
-        uint64_t taken = 0;  // when, in calls of Take; 0: not in use
+        uint64_t taken = 0;  // number of the call of Take; 0: free
     };
 
     std::array<Callback*, SIZE> callbacks_;

@@ -10,6 +10,7 @@
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/records.h>
 
+#include "shell/named_numbers.h"
 #include "shell/output/json_text.h"
 #include "shell/table_lookup.h"
 #include "sources/json/json_set.h"
@@ -17,47 +18,40 @@
 namespace shell {
 namespace {
 
-struct Name {
-    uint32_t id;
-    const char* name;
-};
-
-constexpr Name LAYER2_NAMES[] = {{L2IF_EVT_VLAN_ADD_PORT, "VLAN_ADD_PORT"},
-                                 {L2IF_EVT_VLAN_DEL_PORT, "VLAN_DEL_PORT"},
-                                 {L2IF_EVT_SWITCH_PORT_ON, "SWITCH_PORT_ON"},
-                                 {L2IF_EVT_SWITCH_PORT_OFF, "SWITCH_PORT_OFF"},
-                                 {L2IF_EVT_PORT_ADD, "PORT_ADD"},
-                                 {L2IF_EVT_PORT_DEL, "PORT_DEL"}};
-constexpr Name STATE_NAMES[] = {{IF_SUB_EVT_PHY_STATE, "PHY_STATE"},
-                                {IF_SUB_EVT_ROUTE_STATE, "ROUTE_STATE"},
-                                {IF_SUB_EVT_PHY_UP, "PHY_UP"}};
-constexpr Name NOTIFICATION_NAMES[] = {{IF_NOTIFY_CREATED, "CREATED"},
-                                       {IF_NOTIFY_DELETED, "DELETED"},
-                                       {IF_NOTIFY_UP, "UP"},
-                                       {IF_NOTIFY_DOWN, "DOWN"}};
-
-std::string NameOf(std::span<const Name> names, uint32_t id)
+// Local time with the offset from UTC, as RFC 3339 writes it.
+std::string TimeText(std::chrono::system_clock::time_point time)
 {
-    const auto found = std::ranges::find(names, id, &Name::id);
-    return found != names.end() ? found->name : "";
+    using namespace std::chrono;
+    const std::time_t seconds = system_clock::to_time_t(time);
+    std::tm local{};
+    localtime_r(&seconds, &local);
+    std::ostringstream text;
+    text << std::put_time(&local, "%FT%T.") << std::setfill('0') << std::setw(6)
+         << duration_cast<microseconds>(time.time_since_epoch()).count() % 1'000'000;
+    const long minutes = local.tm_gmtoff / 60;
+    text << (minutes < 0 ? '-' : '+') << std::setw(2) << std::abs(minutes) / 60 << ':'
+         << std::setw(2) << std::abs(minutes) % 60;
+    return text.str();
 }
 
-// The time of day, and how long ago the change was committed.
+// The present time, and how long ago the change was committed.
 void AddTime(Json& event)
 {
     using namespace std::chrono;
-    const auto now = system_clock::now();
-    const std::time_t day = system_clock::to_time_t(now);
-    std::tm local{};
-    std::ostringstream time;
-    time << std::put_time(localtime_r(&day, &local), "%T.") << std::setfill('0') << std::setw(6)
-         << duration_cast<microseconds>(now.time_since_epoch()).count() % 1'000'000;
-    event["time"] = time.str();
+    event["time"] = TimeText(system_clock::now());
     const auto committed = standin::CommitTime();
     if (committed != steady_clock::time_point()) {
         event["microseconds"] =
             std::round(duration<double, std::micro>(steady_clock::now() - committed).count() * 10) /
             10;
+    }
+}
+
+void AddInterface(Json& event, uint32_t ifIndex)
+{
+    event["ifIndex"] = ifIndex;
+    if (const std::string name = InterfaceName(ifIndex); !name.empty()) {
+        event["ifName"] = name;
     }
 }
 
@@ -67,7 +61,7 @@ Json SetOf(const uint8_t (&bits)[size])
     return sources::SetToJson(bits);
 }
 
-// Null for what is not of the library's own events: only their publishers know what it is.
+// Only the library's own events have data of known types.
 void AddLayer2Data(Json& event, uint32_t id, const void* data, const void* argument)
 {
     const auto* port = static_cast<const QRB_PORT_S*>(data);
@@ -75,7 +69,7 @@ void AddLayer2Data(Json& event, uint32_t id, const void* data, const void* argum
     switch (id) {
         case L2IF_EVT_VLAN_ADD_PORT:
         case L2IF_EVT_VLAN_DEL_PORT:
-            event["ifIndex"] = change->ifIndex;
+            AddInterface(event, change->ifIndex);
             if (change->bitmap == QRB_VLAN_BITMAP_1) {
                 event["vlan_bitmap_1"] = SetOf(port->vlan_bitmap_1);
             } else {
@@ -84,12 +78,12 @@ void AddLayer2Data(Json& event, uint32_t id, const void* data, const void* argum
             break;
         case L2IF_EVT_SWITCH_PORT_ON:
         case L2IF_EVT_SWITCH_PORT_OFF:
-            event["ifIndex"] = *static_cast<const uint32_t*>(data);
+            AddInterface(event, *static_cast<const uint32_t*>(data));
             event["switch_port"] = *static_cast<const uint8_t*>(argument);
             break;
         case L2IF_EVT_PORT_ADD:
         case L2IF_EVT_PORT_DEL:
-            event["ifIndex"] = uint32_t{port->if_index};
+            AddInterface(event, port->if_index);
             event["vlan_bitmap_1"] = SetOf(port->vlan_bitmap_1);
             event["vlan_bitmap_2"] = SetOf(port->vlan_bitmap_2);
             break;
@@ -105,7 +99,7 @@ Json Layer2Event(const Registration& registration, const void* data, uint32_t va
 {
     Json event = {{"event", "layer-2"},
                   {"id", registration.event},
-                  {"name", NameOf(LAYER2_NAMES, registration.event)}};
+                  {"name", NameOf(LAYER2_EVENTS, registration.event)}};
     if (data != nullptr) {
         AddLayer2Data(event, registration.event, data, argument);
     }
@@ -120,12 +114,17 @@ Json InterfaceEvent(const Registration& registration, uint32_t flag, uint32_t if
                     const void* first)
 {
     const bool isState = registration.event == IF_EVT_STATE;
-    Json event = {
-        {"event", "interface"},    {"id", registration.event},
-        {"sub", registration.sub}, {"name", isState ? NameOf(STATE_NAMES, registration.sub) : ""},
-        {"ifIndex", ifIndex},      {"flag", flag}};
+    Json event = {{"event", "interface"},
+                  {"id", registration.event},
+                  {"sub", registration.sub},
+                  {"name", isState ? NameOf(STATE_SUB_EVENTS, registration.sub) : ""}};
+    AddInterface(event, ifIndex);
+    event["flag"] = flag;
+    if (const auto state = NameOf(EVENT_FLAGS, flag); isState && !state.empty()) {
+        event["state"] = state;
+    }
     if (first != nullptr) {
-        event["first"] = *static_cast<const uint32_t*>(first);
+        event["data"] = *static_cast<const uint32_t*>(first);
     }
     event["module"] = registration.module;
     event["priority"] = registration.priority;
@@ -134,16 +133,15 @@ Json InterfaceEvent(const Registration& registration, uint32_t flag, uint32_t if
 }
 
 Json NotificationEvent(const Registration& registration, uint32_t ifIndex, uint32_t command,
-                       uint32_t a, uint32_t b)
+                       uint32_t value1, uint32_t value2)
 {
-    Json event = {{"event", "notification"},
-                  {"id", command},
-                  {"name", NameOf(NOTIFICATION_NAMES, command)},
-                  {"ifIndex", ifIndex},
-                  {"a", a},
-                  {"b", b},
-                  {"module", registration.module},
-                  {"key", registration.event}};
+    Json event = {
+        {"event", "notification"}, {"id", command}, {"name", NameOf(NOTIFICATIONS, command)}};
+    AddInterface(event, ifIndex);
+    event["value1"] = value1;
+    event["value2"] = value2;
+    event["module"] = registration.module;
+    event["key"] = registration.event;
     AddTime(event);
     return event;
 }
@@ -160,40 +158,42 @@ Json LogEvent(const std::string& line)
     return {{"event", "log"}, {"line", line}};
 }
 
-// "12:00:00.000123  interface 9/2 PHY_STATE  ifIndex=5 flag=1  31.5 us  watch 0".
+// "TIME  interface 9/2 PHY_STATE  ifIndex=5 (Ethernet0/0/5) flag=1 (down)  31.5 us  watch 0".
 std::string EventText(const Json& event)
 {
-    if (event["event"] == "log") {
-        return "log  " + event["line"].get<std::string>();
-    }
     Json left = event;
-    const auto take = [&](const char* name, const char* before) {
+    const auto take = [&](const char* name, const char* before, const char* after = "") {
         const auto found = left.find(name);
         if (found == left.end()) {
             return std::string();
         }
         const std::string text = OneLine(*found);
         left.erase(found);
-        return text.empty() ? "" : before + text;
+        return text.empty() ? "" : before + text + after;
     };
-    std::string text = take("time", "") + take("event", "  ") + take("id", " ");
+    std::string time = take("time", "");
+    std::ranges::replace(time, 'T', ' ');
+    std::string text = time + take("event", "  ") + take("id", " ");
     if (left.value("sub", IF_EVT_WHOLE) == IF_EVT_WHOLE) {
         left.erase("sub");
     }
-    for (const char* usuallyZero : {"value", "a", "b"}) {
+    for (const char* usuallyZero : {"value", "value1", "value2"}) {
         if (left.value(usuallyZero, 0) == 0) {
             left.erase(usuallyZero);
         }
     }
     text += take("sub", "/") + take("name", " ");
-    const std::string after = take("microseconds", "  ");
-    const std::string name = take("module", "  ");
-    const std::string by = name + take("priority", name.empty() ? "  priority " : " ") +
-                           take("key", name.empty() ? "  key " : " ");
-    if (left.contains("ifIndex")) {
-        left["ifIndex"] = WithInterfaceName(left["ifIndex"]);
+    const std::string after = take("microseconds", "  ", " us");
+    const std::string module = take("module", "  ");
+    const std::string by = module + take("priority", module.empty() ? "  priority " : " ") +
+                           take("key", module.empty() ? "  key " : " ");
+    for (const auto& [number, word] :
+         {std::pair("ifIndex", "ifName"), std::pair("flag", "state")}) {
+        if (left.contains(word)) {
+            left[number] = OneLine(left[number]) + take(word, " (", ")");
+        }
     }
-    return text + "  " + OneLine(left) + after + (after.empty() ? "" : " us") + by;
+    return text + "  " + OneLine(left) + after + by;
 }
 
 }  // namespace shell

@@ -1,13 +1,15 @@
-// What a callback was told, as JSON.
+// Events as JSON, as the callbacks receive them, and as text.
 //
-//     {"event": "layer-2", "id": 13, "name": "SWITCH_PORT_ON", "module": "watch", "priority": 0,
-//      "ifIndex": 5, "switch_port": 1, "value": 0, "time": "12:00:00.000123", "microseconds": 31.5}
+//     {"event": "layer-2", "id": 13, "name": "SWITCH_PORT_ON", "ifIndex": 5,
+//      "ifName": "Ethernet0/0/5", "switch_port": 1, "value": 0, "module": "watch", "priority": 0,
+//      "time": "2024-02-29T12:00:00.000123+01:00", "microseconds": 31.5}
 //
-// microseconds: from the commit of the change to the callback; none for an event raised by hand.
+// microseconds: from the commit of the change to the callback; absent in an event raised by hand.
+// docs/shell.md describes every member.
 #pragma once
 
 #include "shell/events/callback_pool.h"
-#include "shell/functions/argument.h"
+#include "shell/output/json_text.h"
 
 namespace shell {
 
@@ -16,12 +18,12 @@ Json Layer2Event(const Registration& registration, const void* data, uint32_t va
 Json InterfaceEvent(const Registration& registration, uint32_t flag, uint32_t ifIndex,
                     const void* first);
 Json NotificationEvent(const Registration& registration, uint32_t ifIndex, uint32_t command,
-                       uint32_t a, uint32_t b);
+                       uint32_t value1, uint32_t value2);
 
-// A delivery to a subscription made by hand.
+// A delivery to a subscription of QrbDbListenerRegisterEvent.
 Json DeliveryEvent(uint32_t eventType, uint32_t rows);
 
-// A line that a thread of the library's own wrote to the system log.
+// A line that another thread wrote to the system log.
 Json LogEvent(const std::string& line);
 
 std::string EventText(const Json& event);

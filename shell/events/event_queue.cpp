@@ -1,54 +1,90 @@
 #include "shell/events/event_queue.h"
 
 #include <poll.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
 
-#include <cerrno>
-#include <system_error>
+#include <utility>
 
 namespace shell {
+namespace {
 
-EventQueue::EventQueue() : descriptor_(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC))
+Json DroppedEvent(size_t count)
 {
-    if (descriptor_ < 0) {
-        throw std::system_error(errno, std::generic_category(), "cannot open an event descriptor");
+    return {{"event", "dropped"}, {"count", count}};
+}
+
+}  // namespace
+
+void EventQueue::Push(Json event) noexcept
+{
+    std::unique_lock lock(mutex_);
+    if (dropped_ == 0) {
+        roomMade_.wait_for(lock, std::chrono::seconds(1),
+                           [this] { return events_.size() < LIMIT; });
     }
+    PushLocked(std::move(event));
 }
 
-EventQueue::~EventQueue()
-{
-    close(descriptor_);
-}
-
-void EventQueue::Push(Json event)
+void EventQueue::PushNow(Json event) noexcept
 {
     const std::lock_guard lock(mutex_);
-    if (events_.empty()) {
-        eventfd_write(descriptor_, 1);
+    PushLocked(std::move(event));
+}
+
+void EventQueue::PushLocked(Json event) noexcept
+{
+    if (events_.size() >= LIMIT) {
+        ++dropped_;
+        return;
     }
-    events_.push_back(std::move(event));
+    try {
+        if (dropped_ > 0) {
+            events_.push_back(DroppedEvent(dropped_));
+            dropped_ = 0;
+        }
+        events_.push_back(std::move(event));
+    } catch (const std::bad_alloc&) {
+        ++dropped_;
+    }
+    filled_.Raise();
+}
+
+void EventQueue::Drop() noexcept
+{
+    const std::lock_guard lock(mutex_);
+    ++dropped_;
+    filled_.Raise();
 }
 
 std::optional<Json> EventQueue::Pop()
 {
     const std::lock_guard lock(mutex_);
-    if (events_.empty()) {
+    if (events_.empty() && dropped_ == 0) {
         return std::nullopt;
     }
-    Json event = std::move(events_.front());
-    events_.pop_front();
-    eventfd_t count = 0;
-    if (events_.empty()) {
-        eventfd_read(descriptor_, &count);
+    Json event;
+    if (!events_.empty()) {
+        event = std::move(events_.front());
+        events_.pop_front();
+        roomMade_.notify_one();
+    } else {
+        event = DroppedEvent(std::exchange(dropped_, 0));
+    }
+    if (events_.empty() && dropped_ == 0) {
+        filled_.Lower();
     }
     return event;
 }
 
 void EventQueue::Wait(std::chrono::milliseconds longest) const
 {
-    pollfd filled = {descriptor_, POLLIN, 0};
+    pollfd filled = {Descriptor(), POLLIN, 0};
     poll(&filled, 1, static_cast<int>(longest.count()));
+}
+
+size_t EventQueue::Size() const
+{
+    const std::lock_guard lock(mutex_);
+    return events_.size();
 }
 
 EventQueue& Events()

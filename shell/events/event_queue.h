@@ -1,39 +1,55 @@
-// What happens on other threads, on its way to the one that prints.
+// Events on their way from the threads that raise them to the thread that prints.
 #pragma once
 
 #include <chrono>
+#include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <optional>
 
-#include "shell/functions/argument.h"
+#include <standin/event_descriptor.h>
+
+#include "shell/output/json_text.h"
 
 namespace shell {
 
-// Objects as Printer::PrintEvent takes them. Any thread.
+// Holds at most LIMIT events. Any thread may push; one thread pops.
 class EventQueue {
 public:
-    EventQueue();
-    ~EventQueue();
-    EventQueue(const EventQueue&) = delete;
-    EventQueue& operator=(const EventQueue&) = delete;
+    static constexpr size_t LIMIT = 10'000;
 
-    void Push(Json event);
+    // If the queue is full, waits up to a second for room. Once that was in vain, events are
+    // dropped without waiting until there is room again. Throws nothing: without memory the event
+    // is dropped.
+    void Push(Json event) noexcept;
+    // Drops the event if the queue is full. For threads that must not wait.
+    void PushNow(Json event) noexcept;
+    // Counts an event as dropped that could not be made.
+    void Drop() noexcept;
+
+    // After events were dropped, {"event": "dropped", "count": N} takes their place.
     std::optional<Json> Pop();
 
-    // Waits until something is in the queue, but no longer than that.
+    // Waits until an event is in the queue, at most that long.
     void Wait(std::chrono::milliseconds longest) const;
 
-    // Readable while something is in the queue.
-    int Descriptor() const { return descriptor_; }
+    // Readable while an event is in the queue.
+    int Descriptor() const { return filled_.Descriptor(); }
+
+    size_t Size() const;
 
 private:
-    std::mutex mutex_;
+    void PushLocked(Json event) noexcept;
+
+    mutable std::mutex mutex_;
+    std::condition_variable roomMade_;
     std::deque<Json> events_;
-    int descriptor_;
+    size_t dropped_ = 0;  // since the last event that was queued
+    standin::EventDescriptor filled_;
 };
 
-// The one that the callbacks fill: they are plain functions.
+// The queue that the callbacks fill. The first call, which throws std::system_error without a
+// descriptor, must come before any callback or log line.
 EventQueue& Events();
 
 }  // namespace shell

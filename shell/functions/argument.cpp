@@ -6,8 +6,11 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
+#include <cstring>
 
+#include "shell/table_lookup.h"
 #include "shell/words.h"
+#include "sources/json/json_value.h"
 
 namespace shell {
 namespace {
@@ -15,6 +18,15 @@ namespace {
 [[noreturn]] void Refuse(const Argument& argument, const std::string& reason)
 {
     throw UsageError(std::string(argument.name) + ": " + reason);
+}
+
+std::string NamesIn(NamedNumbers names)
+{
+    std::string text;
+    for (const NamedNumber& named : names) {
+        text += ", " + std::string(named.name);
+    }
+    return text;
 }
 
 uint32_t Ipv4FromWord(const Argument& argument, const std::string& word)
@@ -34,18 +46,33 @@ uint64_t NumberFromWord(const Argument& argument, const std::string& word, uint6
     if (argument.form == Form::Ipv4 && word.find('.') != std::string::npos) {
         return Ipv4FromWord(argument, word);
     }
+    if (const auto named = NumberOf(argument.names, word)) {
+        return *named;
+    }
     const bool hexadecimal = word.starts_with("0x");
     const char* const begin = word.data() + (hexadecimal ? 2 : 0);
     const char* const end = word.data() + word.size();
     uint64_t number = 0;
     const auto [stopped, overflow] = std::from_chars(begin, end, number, hexadecimal ? 16 : 10);
     if (stopped != end || begin == end) {
-        Refuse(argument, "\"" + word + "\" is not a number");
+        Refuse(
+            argument,
+            "\"" + word + "\" is not a number" +
+                (argument.names.empty() ? "" : " and none of" + NamesIn(argument.names).substr(1)));
     }
     if (overflow != std::errc() || number > highest) {
         Refuse(argument, word + " is out of range 0 to " + std::to_string(highest));
     }
     return number;
+}
+
+std::string WordBeside(const Argument& argument, const Json& value)
+{
+    if (!value.is_number_unsigned()) {
+        return "";
+    }
+    const bool isIfIndex = argument.field == "if_index";
+    return isIfIndex ? InterfaceName(value) : std::string(NameOf(argument.names, value));
 }
 
 Json NumberToJson(Form form, uint64_t number)
@@ -63,18 +90,14 @@ Json NumberToJson(Form form, uint64_t number)
 
 std::string Ipv4ToText(uint32_t address)
 {
-    const in_addr network{htonl(address)};
-    std::array<char, INET_ADDRSTRLEN> text{};
-    inet_ntop(AF_INET, &network, text.data(), text.size());
-    return text.data();
+    std::array<uint8_t, sizeof(address)> bytes{};
+    std::memcpy(bytes.data(), &address, sizeof(address));
+    return sources::ValueToJson(standin::Kind::Ipv4, bytes);
 }
 
 std::string MacToText(const uint8_t* mac)
 {
-    std::array<char, 18> text{};
-    std::snprintf(text.data(), text.size(), "%02x:%02x:%02x:%02x:%02x:%02x", mac[0], mac[1], mac[2],
-                  mac[3], mac[4], mac[5]);
-    return text.data();
+    return sources::ValueToJson(standin::Kind::Mac, std::span(mac, 6));
 }
 
 }  // namespace shell

@@ -1,47 +1,52 @@
-// What a function takes and gives: how it is called, written and found.
+// Arguments of functions: how they are named, written and completed.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 
-#include "sources/json/json_error.h"
+#include "shell/named_numbers.h"
+#include "shell/output/json_text.h"
 
 namespace shell {
 
-using sources::Json;
-
 enum class Form : uint8_t { Number, Hex, Ipv4, Mac };
 
-// Whether it goes in or comes out, the function's own type tells.
+// The direction follows from the type of the function's parameter.
 struct Argument {
     std::string_view name;
     Form form = Form::Number;
-    // Where such values stand in the database.
+    // The database field that holds such values, for completion.
     std::string_view table = {};
     std::string_view field = {};
-    // The largest number, the longest text.
+    // Names of numbers, accepted in their place and printed beside them.
+    NamedNumbers names = {};
+    // Upper limit of a number, or of the length of a text.
     uint64_t highest = UINT64_MAX;
-    // What stands in where no word is given. An output with one is set before the call.
+    // Used if no word is given. An output that has one is set to it before the call.
     std::string_view fallback = {};
-    // The callee does not look at it: no word is for it.
+    // The function does not read it: it takes no word.
     bool ignored = false;
-    // Outputs: elements of the buffer.
+    // Outputs: number of elements of the buffer.
     uint32_t size = 1;
-    // Outputs: the callee leaves what it has nothing for, so zero it.
+    // Outputs: zeroed before the call, because the function leaves parts of it unset.
     bool zeroed = false;
-    // A text that takes all the words that are left.
+    // A text that takes all remaining words.
     bool rest = false;
-    // A text that the callee doesn't check for null.
+    // A text that must not be a null pointer, which the function does not check.
     bool neverNull = false;
 };
 
-// The word that stands for a null pointer.
+// The word for a null pointer.
 inline constexpr std::string_view NULL_WORD = "-";
 
-// Throws UsageError for what is not of the form, or above highest. Numbers are decimal, or
-// hexadecimal behind "0x".
+// The number that a word denotes: one of the argument's names, an IPv4 address, decimal digits, or
+// hexadecimal digits after "0x". Throws UsageError for any other word, and above the limit.
 uint64_t NumberFromWord(const Argument& argument, const std::string& word, uint64_t highest);
+
+// The word beside a number: its name, or the name of the interface with that index. Empty if it has
+// none.
+std::string WordBeside(const Argument& argument, const Json& value);
 
 Json NumberToJson(Form form, uint64_t number);
 std::string Ipv4ToText(uint32_t address);

@@ -5,7 +5,7 @@
 
 #include <tarnd_platform/orm_subscription.h>
 
-#include "shell/functions/argument.h"
+#include "shell/output/json_text.h"
 
 namespace shell {
 

@@ -1,4 +1,4 @@
-// The arguments that functions share, under the names of their declarations.
+// Arguments that several functions take, named as in their declarations.
 #pragma once
 
 #include "shell/functions/argument.h"
@@ -14,11 +14,12 @@ inline constexpr Argument ADDRESS{
     .name = "address", .form = Form::Ipv4, .table = "am_ipv4_address", .field = "address"};
 inline constexpr Argument MASKLEN{.name = "masklen"};
 inline constexpr Argument MAC{.name = "mac", .form = Form::Mac, .size = 6};
-inline constexpr Argument STATE{.name = "state"};
+inline constexpr Argument LINE_STATE{.name = "state", .names = LINE_STATES};
+inline constexpr Argument PHY_STATE{.name = "state", .names = STORED_STATES};
 inline constexpr Argument COUNT{.name = "count"};
 inline constexpr Argument CONDITION{.name = "condition", .fallback = NULL_WORD, .rest = true};
 
-// Another name for the same.
+// The same argument under another name.
 constexpr Argument Named(std::string_view name, Argument argument)
 {
     argument.name = name;

@@ -215,8 +215,10 @@ uint32_t Flag()
 }
 
 constexpr Argument MODULE{.name = "module"};
-constexpr Argument EVENT{.name = "event"};
-constexpr Argument SUB{.name = "sub", .fallback = "0xFFFFFFFF"};
+constexpr Argument LAYER2_EVENT{.name = "event", .names = LAYER2_EVENTS};
+constexpr Argument EVENT{.name = "event", .names = INTERFACE_EVENTS};
+constexpr Argument SUB{.name = "sub", .names = STATE_SUB_EVENTS, .fallback = "0xFFFFFFFF"};
+constexpr Argument COMMAND{.name = "command", .names = NOTIFICATIONS};
 constexpr Argument PRIORITY{.name = "priority", .highest = UINT16_MAX, .fallback = "0"};
 constexpr Argument ID_COUNT{.name = "idCount"};
 constexpr Argument KEY{.name = "key", .fallback = "0"};
@@ -231,8 +233,8 @@ std::vector<Function> EventFunctions()
 {
     using namespace arguments;
     return {
-        Define("L2IF_SH_EvtCbFuncReg", RegisterLayer2, OK_OR1, "", "Registers a printing callback for a layer-2 event (0 to 73).", MODULE, EVENT, PRIORITY),
-        Define("L2IF_SH_EvtCbFuncUnReg", UnregisterLayer2, OK_OR1, "", "Unregisters the newest printing callback with this name, event and priority.", MODULE, EVENT, PRIORITY),
+        Define("L2IF_SH_EvtCbFuncReg", RegisterLayer2, OK_OR1, "", "Registers a printing callback for a layer-2 event (0 to 73).", MODULE, LAYER2_EVENT, PRIORITY),
+        Define("L2IF_SH_EvtCbFuncUnReg", UnregisterLayer2, OK_OR1, "", "Unregisters the newest printing callback with this name, event and priority.", MODULE, LAYER2_EVENT, PRIORITY),
         FUNCTION(L2IF_SH_EvtCbRegTbl_Init, VALUE, "", "Builds the table of layer-2 callbacks. Done at start-up."),
         Define("L2IF_SH_EvtCbRegTbl_Deinit", EmptyLayer2, VALUE, "", "Unregisters every layer-2 callback."),
         Define("L2IF_SH_EventPriorityComparator", ComparePriorities<L2IF_SH_EVT_CB_S, L2IF_SH_EventPriorityComparator>, ONE_IS_YES, "", "Whether an existing priority comes before an added one.", EXISTING, ADDED),
@@ -252,9 +254,9 @@ std::vector<Function> EventFunctions()
         FUNCTION(IF_NotifyFuncRegTbl_Init, VALUE, "", "Builds the list of notification callbacks."),
         Define("IF_NotifyFuncRegTbl_Deinit", EmptyNotifications, VALUE, "", "Unregisters every notification callback."),
 
-        Define("L2IF_SH_EvtPublishEvent", PublishLayer2, OK_OR1, "port", "Publishes a layer-2 event about a port, with the data that the library's own have.", EVENT, IF_INDEX, Optional("value", "0")),
+        Define("L2IF_SH_EvtPublishEvent", PublishLayer2, OK_OR1, "port", "Publishes a layer-2 event about a port, with the same data as the library.", LAYER2_EVENT, IF_INDEX, Optional("value", "0")),
         Define("IF_SH_EvtPublishEventGetEventNode", GetEventNode, OK_OR1, "", "How many callbacks an interface event has; publish calls them.", EVENT, SUB, COUNT),
-        FUNCTION(IF_NotifyAll, OK_OR1, "", "Publishes an interface notification: command 0 created, 1 deleted, 3 up, 4 down.", IF_INDEX, Number("command"), Optional("a", "0"), Optional("b", "0")),
+        FUNCTION(IF_NotifyAll, OK_OR1, "", "Publishes an interface notification: command 0 created, 1 deleted, 3 up, 4 down.", IF_INDEX, COMMAND, Optional("value1", "0"), Optional("value2", "0")),
 
         Define("g_qrbL2IFEventCallbacks", Layer2Entries, VALUE, "", "The layer-2 callbacks, in the order of calls.", ENTRIES),
         Define("g_qrbIFEventCallbacks", InterfaceEntries, VALUE, "", "The interface callbacks, in the order of calls.", ENTRIES),

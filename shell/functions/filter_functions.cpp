@@ -105,7 +105,7 @@ std::vector<Function> FilterFunctions()
         Define("QOS_GetDscp", DscpOf, OK_OR_QOS, QOS, "The DSCP remarks of a profile.", INDEX, INFO),
         Define("QOS_Get8021", PriorityOf, OK_OR_QOS, QOS, "The 802.1p remarks of a profile.", INDEX, INFO),
         FUNCTION(QOS_GetCarInfo, OK_OR1, QOS, "The committed access rates of a profile.", UNUSED, INDEX, INFO),
-        FUNCTION(QOS_AssignCars, VALUE, "", "Stores one CAR entry in an empty record.", INFO, Number("item"), Number("field1"), Number("field2"), Number("field3"), Number("field4")),
+        FUNCTION(QOS_AssignCars, VALUE, "", "Stores one CAR entry in an empty record.", INFO, Number("item"), Number("cir"), Number("cbs"), Number("pir"), Number("pbs")),
     };
 }
 // clang-format on

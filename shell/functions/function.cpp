@@ -33,6 +33,11 @@ std::string Function::Usage() const
     return usage;
 }
 
+Verdict Function::VerdictOf(const CallResult& callResult) const
+{
+    return callResult.code ? result.Of(*callResult.code).verdict : Verdict::Success;
+}
+
 const std::vector<Function>& Functions()
 {
     static const std::vector<Function> functions = Assemble();

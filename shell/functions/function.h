@@ -1,4 +1,4 @@
-// A function of the library, as the shell knows it.
+// The functions of the library, each with its arguments, result codes and call.
 #pragma once
 
 #include <functional>
@@ -13,12 +13,11 @@
 
 namespace shell {
 
-// What came of a call.
 struct CallResult {
     Json arguments = Json::object();
-    std::optional<uint32_t> code;   // none: the function gives no result
-    Json outputs = Json::object();  // null: untouched by the call
-    std::vector<std::string> log;   // lines that the call wrote
+    std::optional<uint32_t> code;   // none for a function that returns nothing
+    Json outputs = Json::object();  // null: not written by the call
+    std::vector<std::string> log;   // lines that the call logged
 };
 
 enum class Direction : uint8_t { In, Out };
@@ -27,7 +26,7 @@ struct Parameter {
     Argument argument;
     Direction direction;
 
-    // Whether a word of the line is for it.
+    // Whether the call takes a word for it.
     bool TakesWord() const
     {
         return !argument.ignored && (direction == Direction::In || !argument.fallback.empty());
@@ -38,20 +37,21 @@ struct Function {
     std::string_view name;
     ResultCodes result;
     std::string_view tables;  // that it reads
-    std::string_view answers;
+    std::string_view purpose;
     std::vector<Parameter> parameters;
-    std::function<CallResult(Words&)> call;  // throws UsageError for words that do not fit
+    std::function<CallResult(Words&)> call;  // throws UsageError for invalid words
 
     // The words that a call takes: "ifIndex [count]".
     std::string Usage() const;
+    Verdict VerdictOf(const CallResult& call) const;
 };
 
-// Every function, by family.
+// All functions, by family.
 const std::vector<Function>& Functions();
-// Null where there is none of that name.
+// Null if there is no such function.
 const Function* FindFunction(std::string_view name);
 
-// The families: one line a function, in functions/.
+// The families, each in a source of its own.
 std::vector<Function> DatabaseFunctions();
 std::vector<Function> InterfaceFunctions();
 std::vector<Function> AddressFunctions();

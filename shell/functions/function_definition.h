@@ -1,4 +1,4 @@
-// From a function's own type to its entry in the table.
+// Derives a function's entry in the table from its type.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@
 
 namespace shell {
 
-// Puts down what a slot holds if it is of the direction asked for.
+// Adds the slot's value to the object if the parameter has that direction.
 template <typename ParameterSlot>
 void Show(const ParameterSlot& slot, const Argument& argument, Direction direction, Json& shown)
 {
@@ -22,37 +22,40 @@ void Show(const ParameterSlot& slot, const Argument& argument, Direction directi
 }
 
 template <typename Code, typename... Parameters, size_t... i>
-CallResult Call(Code (*function)(Parameters...),
+CallResult Call(Code (*function)(Parameters...), const ResultCodes& codes,
                 const std::array<Argument, sizeof...(Parameters)>& arguments, Words& words,
                 std::index_sequence<i...> /*all*/)
 {
     std::tuple<ParameterSlot<Parameters>...> slots;
     (std::get<i>(slots).Read(arguments[i], words), ...);
     words.ExpectEnd();
-    CallResult answer;
-    (Show(std::get<i>(slots), arguments[i], Direction::In, answer.arguments), ...);
-    LogCapture catcher;
+    CallResult result;
+    (Show(std::get<i>(slots), arguments[i], Direction::In, result.arguments), ...);
+    LogCapture log;
     if constexpr (std::is_void_v<Code>) {
         function(std::get<i>(slots).Pass()...);
     } else {
-        answer.code = function(std::get<i>(slots).Pass()...);
+        result.code = function(std::get<i>(slots).Pass()...);
+        if (codes.Of(*result.code).verdict == Verdict::Failure) {
+            (std::get<i>(slots).DropUnchanged(), ...);
+        }
     }
-    answer.log = catcher.Take();
-    (Show(std::get<i>(slots), arguments[i], Direction::Out, answer.outputs), ...);
-    return answer;
+    result.log = log.Take();
+    (Show(std::get<i>(slots), arguments[i], Direction::Out, result.outputs), ...);
+    return result;
 }
 
-// The entry of a function whose arguments are described in their order.
+// A function whose arguments are described in the order of its parameters.
 template <typename Code, typename... Parameters, typename... Arguments>
 Function Define(std::string_view name, Code (*function)(Parameters...), const ResultCodes& result,
-                std::string_view tables, std::string_view answers, const Arguments&... arguments)
+                std::string_view tables, std::string_view purpose, const Arguments&... arguments)
 {
     static_assert(sizeof...(Parameters) == sizeof...(Arguments));
     const std::array<Argument, sizeof...(Parameters)> described{arguments...};
-    const auto call = [function, described](Words& words) {
-        return Call(function, described, words, std::index_sequence_for<Parameters...>{});
+    const auto call = [function, result, described](Words& words) {
+        return Call(function, result, described, words, std::index_sequence_for<Parameters...>{});
     };
-    return {name, result, tables, answers, {{arguments, ParameterSlot<Parameters>::DIRECTION}...},
+    return {name, result, tables, purpose, {{arguments, ParameterSlot<Parameters>::DIRECTION}...},
             call};
 }
 

@@ -1,11 +1,12 @@
-// A parameter for the length of a call: how it is read from the line, passed and shown, as its type
-// says.
+// The value of one parameter during a call: read from the line, passed to the function and shown.
+// One specialisation for each kind of parameter type.
 #pragma once
 
 #include <algorithm>
 #include <concepts>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <span>
 #include <string>
 #include <type_traits>
@@ -24,9 +25,16 @@ inline std::string TakeWord(const Argument& argument, Words& words)
     return words.Take(argument.name);
 }
 
+// What most slots have in common.
+struct PlainSlot {
+    // After a failed call: an output that still holds the value given before the call, such as a
+    // capacity, was not written.
+    void DropUnchanged() {}
+};
+
 // A number, passed by value.
 template <typename T>
-struct ParameterSlot {
+struct ParameterSlot : PlainSlot {
     static_assert(std::integral<T>);
     static constexpr auto DIRECTION = Direction::In;
     static constexpr auto HIGHEST = static_cast<uint64_t>(std::numeric_limits<T>::max());
@@ -56,7 +64,7 @@ struct ParameterSlot {
 
 // A text, or a null pointer.
 template <>
-struct ParameterSlot<const char*> {
+struct ParameterSlot<const char*> : PlainSlot {
     static constexpr auto DIRECTION = Direction::In;
 
     void Read(const Argument& argument, Words& words)
@@ -78,9 +86,9 @@ struct ParameterSlot<const char*> {
     bool isNull = false;
 };
 
-// A record that the callee only reads.
+// A record that the function only reads.
 template <typename T>
-struct ParameterSlot<const T*> {
+struct ParameterSlot<const T*> : PlainSlot {
     static constexpr auto DIRECTION = Direction::In;
 
     void Read(const Argument& argument, Words& words)
@@ -95,9 +103,9 @@ struct ParameterSlot<const T*> {
     T record{};
 };
 
-// All the words that are left.
+// All remaining words.
 template <>
-struct ParameterSlot<std::span<const std::string>> {
+struct ParameterSlot<std::span<const std::string>> : PlainSlot {
     static constexpr auto DIRECTION = Direction::In;
 
     void Read(const Argument& /*argument*/, Words& words) { rest = words.TakeAll(); }
@@ -107,8 +115,8 @@ struct ParameterSlot<std::span<const std::string>> {
     std::span<const std::string> rest;
 };
 
-// A buffer that the callee fills. A pattern stands in it beforehand: what still holds the pattern
-// afterwards was not written.
+// A buffer for the function to fill. It is filled with a pattern before the call; elements that
+// still hold the pattern afterwards were not written.
 template <typename T>
 struct ParameterSlot<T*> {
     static_assert(std::is_trivially_copyable_v<T>);
@@ -121,11 +129,20 @@ struct ParameterSlot<T*> {
         std::memset(buffer.data(), argument.zeroed ? 0 : PATTERN, buffer.size() * sizeof(T));
         if constexpr (std::integral<T>) {
             if (!argument.fallback.empty()) {
-                buffer[0] = Given(argument, words);
+                given = TakeGiven(argument, words);
+                buffer[0] = *given;
             }
         }
     }
     T* Pass() { return buffer.data(); }
+    void DropUnchanged()
+    {
+        if constexpr (std::integral<T>) {
+            if (given && *given == buffer[0]) {
+                std::memset(buffer.data(), PATTERN, sizeof(T));
+            }
+        }
+    }
     Json Show(const Argument& argument) const
     {
         Json written = Json::array();
@@ -146,13 +163,14 @@ struct ParameterSlot<T*> {
     }
 
     std::vector<T> buffer;
+    std::optional<T> given;  // before the call
 
 private:
-    static T Given(const Argument& argument, Words& words)
+    static T TakeGiven(const Argument& argument, Words& words)
     {
-        ParameterSlot<T> given;
-        given.Read(argument, words);
-        return given.number;
+        ParameterSlot<T> slot;
+        slot.Read(argument, words);
+        return slot.number;
     }
 
     static bool IsWritten(const T& element)
@@ -171,7 +189,7 @@ private:
     }
 };
 
-// A text that the callee writes.
+// A text that the function writes.
 template <>
 struct ParameterSlot<char*> : ParameterSlot<uint8_t*> {
     char* Pass() { return reinterpret_cast<char*>(buffer.data()); }
@@ -182,10 +200,10 @@ struct ParameterSlot<char*> : ParameterSlot<uint8_t*> {
     }
 };
 
-// A value of the shell's own making: null where it was not set.
+// A value made by one of the shell's own wrappers: null if it was not set.
 template <>
 // NOLINTNEXTLINE(bugprone-exception-escape): moving or destroying JSON throws nothing
-struct ParameterSlot<Json*> {
+struct ParameterSlot<Json*> : PlainSlot {
     static constexpr auto DIRECTION = Direction::Out;
 
     void Read(const Argument& /*argument*/, Words& /*words*/) {}

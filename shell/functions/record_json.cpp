@@ -5,13 +5,14 @@
 namespace shell {
 namespace {
 
+// Named as in "car_list": committed rate and burst, peak rate and burst.
 Json CarToJson(const QOS_CAR_S& car)
 {
     return {{"present", car.present},
-            {"field1", car.field1},
-            {"field2", car.field2},
-            {"field3", car.field3},
-            {"field4", car.field4}};
+            {"cir", car.field1},
+            {"cbs", car.field2},
+            {"pir", car.field3},
+            {"pbs", car.field4}};
 }
 
 uint32_t AddressFromWord(const Argument& argument, const std::string& word)
@@ -32,7 +33,7 @@ Json RecordToJson(const BDS_IF_TYPE_INFO_S& record)
 
 Json RecordToJson(const FIB_NHP_S& record)
 {
-    return {{"firstValue", Ipv4ToText(record.firstValue)}, {"secondValue", record.secondValue}};
+    return {{"nextHop", Ipv4ToText(record.firstValue)}, {"ifIndex", record.secondValue}};
 }
 
 Json RecordToJson(const SYSAPI_IP4_ADDR_S& record)

@@ -37,7 +37,7 @@ constexpr Argument GROUP_ID{
 constexpr Argument NHP_INDEX{
     .name = "nhpIndex", .table = "Fib.ConfigNhpStandard", .field = "nhpIndex"};
 constexpr Argument NHP_INDEXES{.name = "nhpIndexes", .size = FIB_GROUP_MEMBERS_MAX};
-constexpr Argument FIRST_VALUE{.name = "firstValue", .form = Form::Ipv4};
+constexpr Argument NEXT_HOP_ADDRESS{.name = "nextHop", .form = Form::Ipv4};
 
 }  // namespace
 
@@ -54,7 +54,7 @@ std::vector<Function> RouteFunctions()
         FUNCTION(FIB_ScanIp4Forward, OK_NONE_OR1, "Fib.ConfigIpv4Fwd", "The next-hop group of a destination.", DESTINATION, GROUP_ID),
         Define("FIB_ScanNhpGroupNodeValidate", StartGroupScan, OK_OR1, "Fib.ConfigNhpGroupNode", "Starts a scan of group members; here, ends it too."),
         FUNCTION(FIB_ScanNhpGroupNode, OK_NONE_OR1, "Fib.ConfigNhpGroupNode", "The next-hop indexes of a group: the first, or with multiple 1 all.", GROUP_ID, NHP_INDEXES, Optional("multiple", "1"), Optional("count", "0")),
-        FUNCTION(FIB_ScanNhpStd, OK_NONE_OR1, "Fib.ConfigNhpStandard", "The two values of a next hop: its address and its interface.", NHP_INDEX, FIRST_VALUE, Named("secondValue", IF_INDEX)),
+        FUNCTION(FIB_ScanNhpStd, OK_NONE_OR1, "Fib.ConfigNhpStandard", "The address and the interface of a next hop.", NHP_INDEX, NEXT_HOP_ADDRESS, IF_INDEX),
     };
 }
 // clang-format on

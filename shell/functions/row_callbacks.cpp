@@ -5,6 +5,7 @@
 
 #include <tarnd_platform/orm_accessors.h>
 
+#include "shell/functions/argument.h"
 #include "shell/table_lookup.h"
 #include "shell/words.h"
 #include "sources/json/json_value.h"

@@ -9,7 +9,7 @@
 #include <standin/tables.h>
 #include <tarnd_platform/orm.h>
 
-#include "shell/functions/argument.h"
+#include "shell/output/json_text.h"
 
 namespace shell {
 

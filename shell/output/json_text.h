@@ -1,17 +1,50 @@
-// Rows as aligned columns, for people.
+// JSON values as text for people: on one line, and as tables.
 #pragma once
 
 #include <string>
+#include <vector>
 
-#include "shell/functions/argument.h"
+#include "sources/json/json_error.h"
 
 namespace shell {
 
-// An array of objects: a column for each member that one of them has, numbers to the right. Nested
-// values are written on one line.
-std::string TextTable(const Json& rows);
+using sources::Json;
 
-// A value on one line: a text bare, a list's elements joined by commas.
+// Control characters, and bytes that are not UTF-8, as escape sequences ("\x1b"), so that no text
+// from outside can steer a terminal. Printable text is returned as it is.
+std::string EscapeControls(const std::string& text);
+
+// A string without quotes, any other value as JSON.
+std::string Bare(const Json& value);
+
+// A value on one line, escaped: strings without quotes, elements of an array joined by commas,
+// members of an object as NAME=VALUE.
 std::string OneLine(const Json& value);
+
+// Rows as aligned columns. Widths and alignment follow from the first rows; a longer value in a
+// later row moves the rest of its line. Columns of numbers are right-aligned. Interface indexes are
+// followed by the interface's name unless the row has an "if_name".
+class TextTable {
+public:
+    TextTable(const std::vector<std::string>& names, const Json& firstRows);
+
+    std::string Header() const;
+    std::string Row(const Json& row) const;
+
+private:
+    struct TextColumn {
+        std::string name;
+        bool rightAligned;
+        size_t width;
+    };
+
+    template <typename CellText>
+    std::string Line(const CellText& cellText) const;
+
+    std::vector<TextColumn> columns_;
+};
+
+// An array of objects as a table: a column for each member that occurs.
+std::string TableText(const Json& rows);
 
 }  // namespace shell

@@ -1,4 +1,4 @@
-// The log functions of the C library are defined here, so the library's calls resolve to them.
+// Defines the log functions of the C library, so that the library's calls resolve to them.
 #include "shell/output/log_capture.h"
 
 #include <syslog.h>
@@ -20,8 +20,9 @@ std::function<void(const std::string&)> sink = [](const std::string& line) {
     std::cerr << line << '\n';
 };
 
-void Catch(const char* format, va_list arguments)
-{
+// Called by C code, which no exception may reach: without memory the line is lost.
+void Capture(const char* format, va_list arguments) noexcept
+try {
     std::array<char, 1024> text{};
     std::vsnprintf(text.data(), text.size(), format, arguments);
     std::string line = text.data();
@@ -32,6 +33,7 @@ void Catch(const char* format, va_list arguments)
         const std::lock_guard lock(sinkMutex);
         sink(line);
     }
+} catch (const std::exception&) {
 }
 
 }  // namespace
@@ -63,22 +65,22 @@ void SetLogSink(std::function<void(const std::string& line)> newSink)
 
 EXPORTED void vsyslog(int /*priority*/, const char* format, va_list arguments)
 {
-    shell::Catch(format, arguments);
+    shell::Capture(format, arguments);
 }
 
 EXPORTED void syslog(int /*priority*/, const char* format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    shell::Catch(format, arguments);
+    shell::Capture(format, arguments);
     va_end(arguments);
 }
 
-// What a fortified build makes of syslog.
+// Called in place of syslog in a build with _FORTIFY_SOURCE.
 EXPORTED void __syslog_chk(int /*priority*/, int /*flag*/, const char* format, ...)  // NOLINT
 {
     va_list arguments;
     va_start(arguments, format);
-    shell::Catch(format, arguments);
+    shell::Capture(format, arguments);
     va_end(arguments);
 }

@@ -1,4 +1,4 @@
-// The system log of this process: its lines come here.
+// Captures what this process writes to the system log.
 #pragma once
 
 #include <functional>
@@ -7,7 +7,7 @@
 
 namespace shell {
 
-// Keeps the lines that this thread writes while it lives. One at a time on a thread.
+// Captures the lines of the thread that made it, until it is destroyed. One at a time per thread.
 class LogCapture {
 public:
     LogCapture();
@@ -21,7 +21,8 @@ private:
     std::vector<std::string> lines_;
 };
 
-// Where the lines of threads that no catcher listens to go; any thread. At first: to stderr.
+// Receives the lines of threads without a LogCapture; called on those threads. Initially they go to
+// standard error.
 void SetLogSink(std::function<void(const std::string& line)> sink);
 
 }  // namespace shell

@@ -1,10 +1,11 @@
 #include "shell/output/printer.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <iostream>
 
 #include "shell/events/event_json.h"
-#include "shell/output/json_text.h"
 #include "shell/table_lookup.h"
 
 namespace shell {
@@ -20,57 +21,128 @@ bool IsTable(const Json& value)
     return value.is_array() && !value.empty() && value[0].is_object();
 }
 
-bool IsGood(const Function& function, const CallResult& answer)
+const Argument* OutputNamed(const Function& function, const std::string& name)
 {
-    return !answer.code || function.result.Of(*answer.code).good;
+    for (const Parameter& parameter : function.parameters) {
+        if (parameter.direction == Direction::Out && parameter.argument.name == name) {
+            return &parameter.argument;
+        }
+    }
+    return nullptr;
 }
 
-bool IsIfIndex(const Function& function, const std::string& name)
+std::string WordBesideOutput(const Function& function, const std::string& name, const Json& value)
 {
-    return std::ranges::any_of(function.parameters, [&](const Parameter& parameter) {
-        return parameter.argument.name == name && parameter.argument.field == "if_index";
-    });
+    const Argument* const argument = OutputNamed(function, name);
+    return argument != nullptr ? WordBeside(*argument, value) : "";
+}
+
+// What the result code means, or the name of the interface that it is the index of.
+std::string MeaningOf(const Function& function, uint32_t code)
+{
+    const std::string meaning = function.result.Of(code).text;
+    return meaning.empty() && function.result.isIfIndex ? InterfaceName(code) : meaning;
+}
+
+// The words beside the numbers among arguments, result and outputs.
+Json WordsOf(const Function& function, const CallResult& result)
+{
+    Json words = Json::object();
+    for (const auto& [parameter, direction] : function.parameters) {
+        const Json& values = direction == Direction::In ? result.arguments : result.outputs;
+        const std::string name(parameter.name);
+        const auto value = values.find(name);
+        if (value != values.end()) {
+            if (const std::string word = WordBeside(parameter, *value); !word.empty()) {
+                words[name] = word;
+            }
+        }
+    }
+    if (result.code && function.result.isIfIndex) {
+        if (const std::string name = InterfaceName(*result.code); !name.empty()) {
+            words["result"] = name;
+        }
+    }
+    return words;
+}
+
+std::string InParentheses(const std::string& word)
+{
+    return word.empty() ? "" : " (" + EscapeControls(word) + ")";
+}
+
+// JSON leaves DEL and the C1 controls (U+0080 to U+009F) as they are. In JSON text they occur only
+// inside strings, where an escape sequence may replace them.
+std::string EscapeInJson(const std::string& text)
+{
+    std::string escaped;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
+        if (byte == 0x7F) {
+            escaped += "\\u007f";
+        } else if (byte == 0xC2 && next < 0xA0) {
+            escaped += next < 0x90 ? "\\u008" : "\\u009";
+            escaped += "0123456789abcdef"[next & 0x0F];
+            ++i;
+        } else {
+            escaped += text[i];
+        }
+    }
+    return escaped;
+}
+
+// Each line of a text of several lines.
+std::string EscapeLines(const std::string& text)
+{
+    std::string escaped;
+    for (size_t begin = 0; begin <= text.size();) {
+        const size_t end = std::min(text.find('\n', begin), text.size());
+        escaped += (begin > 0 ? "\n" : "") + EscapeControls(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return escaped;
 }
 
 }  // namespace
 
-void Printer::Print(const Function& function, const CallResult& answer)
+void Printer::Print(const Function& function, const CallResult& result)
 {
     if (!IsJson()) {
-        PrintReadable(function, answer);
+        PrintReadable(function, result);
         return;
     }
-    PrintLine({{"function", function.name},
-               {"arguments", answer.arguments},
-               {"result", answer.code ? Json(*answer.code) : Json()},
-               {"meaning", answer.code ? Json(function.result.Of(*answer.code).text) : Json()},
-               {"good", IsGood(function, answer)},
-               {"outputs", answer.outputs},
-               {"log", answer.log}});
+    Json line = {{"function", function.name},
+                 {"arguments", result.arguments},
+                 {"result", result.code ? Json(*result.code) : Json()},
+                 {"meaning", result.code ? Json(function.result.Of(*result.code).text) : Json()},
+                 {"good", function.VerdictOf(result) != Verdict::Failure},
+                 {"outputs", result.outputs},
+                 {"log", result.log}};
+    if (Json words = WordsOf(function, result); !words.empty()) {
+        line["words"] = std::move(words);
+    }
+    PrintLine(line);
 }
 
-void Printer::PrintReadable(const Function& function, const CallResult& answer)
+void Printer::PrintReadable(const Function& function, const CallResult& result)
 {
     size_t width = std::string_view("result").size();
-    for (const auto& output : answer.outputs.items()) {
+    for (const auto& output : result.outputs.items()) {
         width = std::max(width, output.key().size());
     }
-    if (answer.code) {
-        const char* colour = IsGood(function, answer) ? GREEN : RED;
-        const std::string meaning = function.result.Of(*answer.code).text;
-        const std::string shown = meaning.empty() ? "" : " (" + meaning + ")";
-        PrintPair("result", Coloured(colour, CodeText(*answer.code) + shown), width);
+    if (result.code) {
+        const char* colour = function.VerdictOf(result) != Verdict::Failure ? GREEN : RED;
+        PrintPair("result",
+                  Coloured(colour, CodeText(*result.code) +
+                                       InParentheses(MeaningOf(function, *result.code))),
+                  width);
     }
-    for (const auto& output : answer.outputs.items()) {
-        if (IsIfIndex(function, output.key()) && output.value().is_number()) {
-            PrintOutput(output.key(), WithInterfaceName(output.value()), width);
-        } else {
-            PrintOutput(output.key(), output.value(), width);
-        }
+    for (const auto& output : result.outputs.items()) {
+        PrintOutput(output.key(), output.value(),
+                    WordBesideOutput(function, output.key(), output.value()), width);
     }
-    for (const std::string& line : answer.log) {
-        PrintPair("log", Coloured(FAINT, line), width);
-    }
+    PrintLog(result.log);
 }
 
 void Printer::PrintDone(const char* done, size_t rows)
@@ -84,16 +156,21 @@ void Printer::PrintDone(const char* done, size_t rows)
 
 void Printer::PrintLog(const std::vector<std::string>& lines)
 {
-    if (IsJson() && !lines.empty()) {
+    if (!IsJson()) {
+        std::ranges::for_each(lines, [this](const std::string& line) { PrintLogLine(line); });
+    } else if (!lines.empty()) {
         PrintLine({{"log", lines}});
-    } else {
-        for (const std::string& line : lines) {
-            PrintPair("log", Coloured(FAINT, line), std::string_view("log").size());
-        }
     }
 }
 
-void Printer::PrintOutput(const std::string& name, const Json& output, size_t width)
+void Printer::PrintLogLine(const std::string& line)
+{
+    Flush();
+    std::cerr << Coloured(FAINT, "log  " + EscapeControls(line)) << '\n';
+}
+
+void Printer::PrintOutput(const std::string& name, const Json& output, const std::string& word,
+                          size_t width)
 {
     if (IsTable(output)) {
         PrintPair(name, std::to_string(output.size()), width);
@@ -101,7 +178,7 @@ void Printer::PrintOutput(const std::string& name, const Json& output, size_t wi
     } else if (output.is_null()) {
         PrintPair(name, Coloured(FAINT, "(untouched)"), width);
     } else {
-        PrintPair(name, OneLine(output), width);
+        PrintPair(name, OneLine(output) + InParentheses(word), width);
     }
 }
 
@@ -115,7 +192,7 @@ void Printer::PrintRows(const Json& rows)
     if (IsJson()) {
         PrintLine(rows);
     } else {
-        output_ << TextTable(rows);
+        output_ << TableText(rows);
     }
 }
 
@@ -123,6 +200,8 @@ void Printer::PrintEvent(const Json& event)
 {
     if (IsJson()) {
         PrintLine(event);
+    } else if (event["event"] == "log") {
+        PrintLogLine(event["line"]);
     } else {
         output_ << Coloured(YELLOW, EventText(event)) << '\n';
     }
@@ -144,17 +223,31 @@ void Printer::PrintRaw(const std::string& text)
 
 void Printer::PrintError(const std::string& message)
 {
-    output_.flush();
     if (IsJson()) {
-        PrintLine({{"error", message}});
-    } else {
-        std::cerr << Coloured(RED, message) << '\n';
+        Json line = {{"error", message}};
+        if (inputLine_ > 0) {
+            line["line"] = inputLine_;
+        }
+        PrintLine(line);
+        return;
     }
+    Flush();
+    const std::string place = inputLine_ > 0 ? "line " + std::to_string(inputLine_) + ": " : "";
+    std::cerr << Coloured(RED, place + EscapeLines(message)) << '\n';
 }
 
 void Printer::PrintLine(const Json& value)
 {
-    output_ << value.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+    output_ << EscapeInJson(value.dump(-1, ' ', false, Json::error_handler_t::replace)) << '\n';
+}
+
+void Printer::Flush()
+{
+    errno = 0;
+    if (!output_.flush()) {
+        throw OutputError(std::string("standard output: ") +
+                          (errno != 0 ? std::strerror(errno) : "write error"));
+    }
 }
 
 std::string Printer::Coloured(const char* colour, const std::string& text) const

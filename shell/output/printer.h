@@ -1,12 +1,22 @@
-// What people and programs get to see of a call or a command.
+// Prints results, rows, events and errors, for people or as JSON.
+//
+// For people, results and events go to the output, errors and log lines to standard error. As JSON,
+// everything is an object or an array on a line of the output; docs/shell.md describes each.
 #pragma once
 
 #include <iosfwd>
+#include <stdexcept>
 #include <string>
 
 #include "shell/functions/function.h"
 
 namespace shell {
+
+// The output can't be written: no space, or its reader is gone.
+class OutputError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
 
 class Printer {
 public:
@@ -15,33 +25,40 @@ public:
     Printer(std::ostream& output, Style style) : output_(output), style_(style) {}
 
     bool IsJson() const { return style_ == Style::JsonLines; }
-    void SetStyle(Style style) { style_ = style; }
 
-    // As JSON: one object on one line.
-    void Print(const Function& function, const CallResult& answer);
-    // As JSON: the array on one line; else a table.
+    // The number of the input line that errors refer to; 0: not from a file.
+    void SetInputLine(size_t number) { inputLine_ = number; }
+
+    void Print(const Function& function, const CallResult& result);
+    // A table; as JSON the array.
     void PrintRows(const Json& rows);
-    // "2 rows deleted"; as JSON: {"done": "deleted", "rows": 2}.
+    // "2 rows deleted"; as JSON {"done": "deleted", "rows": 2}.
     void PrintDone(const char* done, size_t rows);
-    // As JSON: {"log": [...]}. Nothing for no lines.
+    // As JSON {"log": [...]}; nothing if there are no lines.
     void PrintLog(const std::vector<std::string>& lines);
-    // As events/event.h has it; else as a text.
     void PrintEvent(const Json& event);
-    // As JSON: {"text": ...}.
+    // As JSON {"text": ...}.
     void PrintText(const std::string& text);
-    // As it stands, in every style.
+    // Unchanged in every style.
     void PrintRaw(const std::string& text);
+    // As JSON {"error": ...}, with "line" for a line of a file.
     void PrintError(const std::string& message);
 
+    // Writes out what is buffered. Throws OutputError.
+    void Flush();
+
 private:
-    void PrintReadable(const Function& function, const CallResult& answer);
-    void PrintOutput(const std::string& name, const Json& output, size_t width);
+    void PrintReadable(const Function& function, const CallResult& result);
+    void PrintOutput(const std::string& name, const Json& output, const std::string& word,
+                     size_t width);
     void PrintPair(const std::string& name, const std::string& text, size_t width);
     void PrintLine(const Json& value);
+    void PrintLogLine(const std::string& line);
     std::string Coloured(const char* colour, const std::string& text) const;
 
     std::ostream& output_;
     Style style_;
+    size_t inputLine_ = 0;
 };
 
 }  // namespace shell

@@ -193,7 +193,7 @@ Status RunPrompt(Shell& shell)
     History history;
     Prompt prompt(shell);
     const Editor editor = MakeEditor(history, prompt);
-    Status worst = Status::Good;
+    Status worst = Status::Success;
     std::cout << "help tells what there is, Tab completes, Ctrl-D ends.\n";
     while (!shell.Ended()) {
         int length = 0;
