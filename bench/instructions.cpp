@@ -2,7 +2,7 @@
 // them.
 #include <valgrind/callgrind.h>
 
-#include "calls/calls.h"
+#include "support/example_calls.h"
 
 namespace {
 

@@ -16,6 +16,8 @@ target_compile_options(tarnd_qrb PRIVATE -fvisibility=default)
 # CMake adds the C++ runtime for C++ sources; --as-needed drops it.
 target_link_options(tarnd_qrb PRIVATE -Wl,--as-needed -Wl,--version-script=${exports}
   -Wl,--no-undefined-version -Wl,--gc-sections)
+# dlclose must not unmap the code that the listener thread runs.
+target_link_options(tarnd_qrb PRIVATE -Wl,-z,nodelete)
 set_target_properties(tarnd_qrb PROPERTIES
   LINKER_LANGUAGE C
   LINK_DEPENDS ${exports}

@@ -1,9 +1,9 @@
-// Interfaces: what a change of "if_base", "if_phy" or "if_route" means for the modules.
+// Change detection of the interface tables: if_base, if_phy and if_route.
 #include <tarnd_platform/orm_accessors.h>
 #include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/event_publish.h>
 
-#include "event/entries.h"
+#include "event/event_publish_interface.h"
 #include "event/row_change.h"
 
 using namespace qrb;
@@ -18,45 +18,27 @@ void Notify(const char* function, uint32_t ifIndex, uint32_t command)
     }
 }
 
-// Calls the callbacks of a sub-event, each with these arguments. An entry without a callback ends
-// the walk; that, and a sub-event that can't be found, is logged and of no further consequence.
-void PublishInterfaceEvent(const char* function, uint32_t eventId, uint32_t subId, uint32_t flag,
-                           uint32_t ifIndex, void* first = nullptr, void* second = nullptr)
-{
-    UTIL_LIST_NODE_S* node = nullptr;
-    uint64_t count = 0;
-    if (IF_SH_EvtPublishEventGetEventNode(eventId, subId, &node, &count) != OK) {
-        return;
-    }
-    WalkEntries<IF_EVT_CB_S>(node, [&](const IF_EVT_CB_S& entry) {
-        if (entry.pfCallback == nullptr) {
-            QRB_ERROR_AT(function, "Failed to execute callback, subId=%u, priority=%u\n",
-                         entry.subId, entry.priority);
-            return false;
-        }
-        entry.pfCallback(subId, flag, ifIndex, first, second);
-        return true;
-    });
-}
-
 }  // namespace
 
-// if_base: an interface comes or goes.
+// if_base: creation and deletion of an interface.
 
 void QRB_EVENT_IfBaseTableCallback(ORM_MESSAGE message, uint32_t eventType)
 {
-    const char* const here = __func__;
-    const bool created = eventType == ORM_EVENT_INSERT;
-    const uint32_t object = created ? ORM_OBJECT_NEW : ORM_OBJECT_OLD;
+    if (eventType != ORM_EVENT_INSERT && eventType != ORM_EVENT_DELETE) {
+        QRB_ERROR("Incorrect type of event type, type=%u\n", eventType);
+        return;
+    }
+    const bool isCreated = eventType == ORM_EVENT_INSERT;
+    const uint32_t object = isCreated ? ORM_OBJECT_NEW : ORM_OBJECT_OLD;
+    const uint32_t command = isCreated ? IF_NOTIFY_CREATED : IF_NOTIFY_DELETED;
     QRB_IF_BASE_S row = {};
-    ForEachMessage(here, message, eventType, {ORM_EVENT_INSERT, ORM_EVENT_DELETE}, [&] {
+    while (FetchNext(__func__, message)) {
         if (QRB_EVENT_GetIfBaseFromSession(message, object, &row) != OK) {
-            QRB_ERROR_AT(here, "get if base data from db sub session fail.\n");
-            return END_DELIVERY;
+            QRB_ERROR("get if base data from db sub session fail.\n");
+            return;
         }
-        Notify(here, row.if_index, created ? IF_NOTIFY_CREATED : IF_NOTIFY_DELETED);
-        return NEXT_MESSAGE;
-    });
+        Notify(__func__, row.if_index, command);
+    }
 }
 
 uint32_t QRB_EVENT_GetIfBaseFromSession(ORM_MESSAGE message, uint32_t object, QRB_IF_BASE_S* row)
@@ -84,27 +66,33 @@ uint32_t QRB_EVENT_GetIfBaseFromSession(ORM_MESSAGE message, uint32_t object, QR
     return OK;
 }
 
-// if_phy: an interface goes up or down.
+// if_phy: physical state of an interface.
 
 void QRB_EVENT_IfPhyTableCallback(ORM_MESSAGE message, uint32_t eventType)
 {
-    const char* const here = __func__;
+    if (eventType != ORM_EVENT_INSERT && eventType != ORM_EVENT_UPDATE &&
+        eventType != ORM_EVENT_REPLACE) {
+        QRB_ERROR("Incorrect type of event type, type=%u\n", eventType);
+        return;
+    }
     QRB_IF_PHY_S oldRow = {};
     QRB_IF_PHY_S newRow = {};
     QRB_IF_PHY_NOTICE_S notice = {};
-    const auto handled = {ORM_EVENT_INSERT, ORM_EVENT_UPDATE, ORM_EVENT_REPLACE};
-    ForEachMessage(here, message, eventType, handled, [&] {
+    while (FetchNext(__func__, message)) {
         if (IsInsertion(message, eventType)) {
             QRB_EVENT_IfPhyInsert(message, &newRow, &notice);
-            return NEXT_MESSAGE;
+            continue;
         }
-        if (!ExtractBoth(here, message, "phy", QRB_EVENT_IfPhyOrmGetOldData, &oldRow,
-                         QRB_EVENT_IfPhyOrmGetNewData, &newRow)) {
-            return END_DELIVERY;
+        if (QRB_EVENT_IfPhyOrmGetOldData(message, &oldRow) != OK) {
+            QRB_ERROR("Failed to get old orm phy data.\n");
+            return;
+        }
+        if (QRB_EVENT_IfPhyOrmGetNewData(message, &newRow) != OK) {
+            QRB_ERROR("Failed to get new orm phy data.\n");
+            return;
         }
         QRB_EVENT_IfPhyUpdate(&oldRow, &newRow, &notice);
-        return NEXT_MESSAGE;
-    });
+    }
 }
 
 uint32_t QRB_EVENT_IfPhyOrmGetOldData(ORM_MESSAGE message, QRB_IF_PHY_S* row)
@@ -137,7 +125,7 @@ void QRB_EVENT_IfPhyUpdate(const QRB_IF_PHY_S* oldRow, const QRB_IF_PHY_S* newRo
                            QRB_IF_PHY_NOTICE_S* notice)
 {
     const TRANSITION transition = TransitionOf(oldRow->phy_state, newRow->phy_state);
-    if (transition == STAYED) {
+    if (transition == UNCHANGED) {
         return;
     }
     *notice = {newRow->if_index, newRow->phy_state};
@@ -154,21 +142,27 @@ void QRB_EVENT_IfPhyUpdate(const QRB_IF_PHY_S* oldRow, const QRB_IF_PHY_S* newRo
     }
 }
 
-// if_route: an interface's layer 3 goes up or down.
+// if_route: layer-3 state of an interface.
 
 void QRB_EVENT_IfRouteTableCallback(ORM_MESSAGE message, uint32_t eventType)
 {
-    const char* const here = __func__;
+    if (eventType != ORM_EVENT_UPDATE && eventType != ORM_EVENT_REPLACE) {
+        QRB_ERROR("Incorrect type of event type, type=%u\n", eventType);
+        return;
+    }
     QRB_IF_ROUTE_S oldRow = {};
     QRB_IF_ROUTE_S newRow = {};
-    ForEachMessage(here, message, eventType, {ORM_EVENT_UPDATE, ORM_EVENT_REPLACE}, [&] {
-        if (!ExtractBoth(here, message, "if_route", QRB_EVENT_IfRouteOrmGetOldData, &oldRow,
-                         QRB_EVENT_IfRouteOrmGetNewData, &newRow)) {
-            return END_DELIVERY;
+    while (FetchNext(__func__, message)) {
+        if (QRB_EVENT_IfRouteOrmGetOldData(message, &oldRow) != OK) {
+            QRB_ERROR("Failed to get old orm if_route data.\n");
+            return;
+        }
+        if (QRB_EVENT_IfRouteOrmGetNewData(message, &newRow) != OK) {
+            QRB_ERROR("Failed to get new orm if_route data.\n");
+            return;
         }
         QRB_EVENT_IfRouteUpdate(&oldRow, &newRow);
-        return NEXT_MESSAGE;
-    });
+    }
 }
 
 uint32_t QRB_EVENT_IfRouteOrmGetOldData(ORM_MESSAGE message, QRB_IF_ROUTE_S* row)
@@ -184,7 +178,7 @@ uint32_t QRB_EVENT_IfRouteOrmGetNewData(ORM_MESSAGE message, QRB_IF_ROUTE_S* row
 void QRB_EVENT_IfRouteUpdate(const QRB_IF_ROUTE_S* oldRow, const QRB_IF_ROUTE_S* newRow)
 {
     const TRANSITION transition = TransitionOf(oldRow->route_state, newRow->route_state);
-    if (transition == STAYED) {
+    if (transition == UNCHANGED) {
         return;
     }
     uint32_t first = 1;
@@ -194,7 +188,7 @@ void QRB_EVENT_IfRouteUpdate(const QRB_IF_ROUTE_S* oldRow, const QRB_IF_ROUTE_S*
                           &first, &second);
 }
 
-// Hooks that once printed a row. Nothing calls them, and modules may.
+// Print hooks. The library does not call them.
 
 void QRB_EVENT_PrintIfLink(const QRB_IF_LINK_S* /*row*/) {}
 void QRB_EVENT_PrintIfPhy(const QRB_IF_PHY_S* /*row*/) {}

@@ -1,4 +1,4 @@
-// Ports: what a change of "port" means for the modules.
+// Change detection of table port.
 #include <algorithm>
 #include <cstring>
 
@@ -22,41 +22,42 @@ void PublishPort(const char* function, uint32_t eventId, QRB_PORT_S* row)
     }
 }
 
-// At most one event: the second bitmap decides, and the first only where that one is the same.
-void PublishVlanChange(const QRB_PORT_S* oldRow, const QRB_PORT_S* newRow)
-{
-    constexpr int32_t length = QRB_VLAN_SET_SIZE;
-    if (QRB_EVENT_PortCheckIsVlanBitMapChange(newRow, oldRow, length, QRB_VLAN_BITMAP_2) ==
-        BITMAP_UNCHANGED) {
-        QRB_EVENT_PortCheckIsVlanBitMapChange(newRow, oldRow, length, QRB_VLAN_BITMAP_1);
-    }
-}
-
 }  // namespace
 
 void QRB_EVENT_PortTableCallback(ORM_MESSAGE message, uint32_t eventType)
 {
-    const char* const here = __func__;
+    if (eventType != ORM_EVENT_INSERT && eventType != ORM_EVENT_DELETE &&
+        eventType != ORM_EVENT_UPDATE && eventType != ORM_EVENT_REPLACE) {
+        QRB_ERROR("Incorrect type of event type, type=%u\n", eventType);
+        return;
+    }
     QRB_PORT_S oldRow = {};
     QRB_PORT_S newRow = {};
-    const auto handled = {ORM_EVENT_INSERT, ORM_EVENT_DELETE, ORM_EVENT_UPDATE, ORM_EVENT_REPLACE};
-    ForEachMessage(here, message, eventType, handled, [&] {
+    while (FetchNext(__func__, message)) {
         if (IsInsertion(message, eventType)) {
             QRB_EVENT_PortInsert(message, &newRow);
-            return NEXT_MESSAGE;
+            continue;
         }
         if (eventType == ORM_EVENT_DELETE) {
             QRB_EVENT_PortDelete(message, &oldRow);
-            return NEXT_MESSAGE;
+            continue;
         }
-        if (!ExtractBoth(here, message, "port", QRB_EVENT_PortOrmGetOldData, &oldRow,
-                         QRB_EVENT_PortOrmGetNewData, &newRow)) {
-            return END_DELIVERY;
+        if (QRB_EVENT_PortOrmGetOldData(message, &oldRow) != OK) {
+            QRB_ERROR("Failed to get old orm port data.\n");
+            return;
+        }
+        if (QRB_EVENT_PortOrmGetNewData(message, &newRow) != OK) {
+            QRB_ERROR("Failed to get new orm port data.\n");
+            return;
         }
         QRB_EVENT_PortUpdateSwitchPortUse(&oldRow, &newRow);
-        PublishVlanChange(&oldRow, &newRow);
-        return NEXT_MESSAGE;
-    });
+        // At most one VLAN event: the first bitmap counts only if the second is unchanged.
+        if (QRB_EVENT_PortCheckIsVlanBitMapChange(&newRow, &oldRow, QRB_VLAN_SET_SIZE,
+                                                  QRB_VLAN_BITMAP_2) == BITMAP_UNCHANGED) {
+            QRB_EVENT_PortCheckIsVlanBitMapChange(&newRow, &oldRow, QRB_VLAN_SET_SIZE,
+                                                  QRB_VLAN_BITMAP_1);
+        }
+    }
 }
 
 uint32_t QRB_EVENT_PortOrmGetOldData(ORM_MESSAGE message, QRB_PORT_S* row)
@@ -90,7 +91,7 @@ void QRB_EVENT_PortDelete(ORM_MESSAGE message, QRB_PORT_S* row)
 void QRB_EVENT_PortUpdateSwitchPortUse(const QRB_PORT_S* oldRow, const QRB_PORT_S* newRow)
 {
     const TRANSITION transition = TransitionOf(oldRow->switch_port, newRow->switch_port);
-    if (transition == STAYED) {
+    if (transition == UNCHANGED) {
         return;
     }
     const uint32_t ifIndex = oldRow->if_index;
@@ -109,11 +110,15 @@ uint32_t QRB_EVENT_PortCheckIsVlanBitMapChange(const QRB_PORT_S* newRow, const Q
         QRB_ERROR("Input parameter is NULL.\n");
         return BITMAP_UNCHANGED;
     }
-    const auto bitmap =
-        which == QRB_VLAN_BITMAP_1 ? &QRB_PORT_S::vlan_bitmap_1 : &QRB_PORT_S::vlan_bitmap_2;
-    // Its sign is that of the first difference, which is what decides.
-    const int order = std::memcmp(newRow->*bitmap, oldRow->*bitmap,
-                                  static_cast<size_t>(std::clamp(length, 0, QRB_VLAN_SET_SIZE)));
+    const uint8_t* newBitmap = newRow->vlan_bitmap_2;
+    const uint8_t* oldBitmap = oldRow->vlan_bitmap_2;
+    if (which == QRB_VLAN_BITMAP_1) {
+        newBitmap = newRow->vlan_bitmap_1;
+        oldBitmap = oldRow->vlan_bitmap_1;
+    }
+    // The sign of memcmp is that of the first differing byte, which decides.
+    const int order =
+        memcmp(newBitmap, oldBitmap, static_cast<size_t>(std::clamp(length, 0, QRB_VLAN_SET_SIZE)));
     if (order == 0) {
         return BITMAP_UNCHANGED;
     }
@@ -132,5 +137,5 @@ uint32_t QRB_EVENT_PortCheckIsVlanBitMapChange(const QRB_PORT_S* newRow, const Q
     return BITMAP_CHANGED;
 }
 
-// A hook that once printed a row. Nothing calls it, and modules may.
+// A print hook. The library does not call it.
 void QRB_EVENT_PrintPort(const QRB_PORT_S* /*row*/) {}

@@ -1,76 +1,63 @@
-// From an event to the callbacks that are registered for it.
+// Publication of layer-2 events and interface notifications. Interface events have a source of
+// their own, event_publish_interface.cpp.
 #include <tarnd_qrb/event_publish.h>
 
-#include "event/entries.h"
-#include "event/interface_tree.h"
+#include "event/registry_walk.h"
 
 using namespace qrb;
 
-namespace {
-
-// False, and logged, before a registry is built.
-bool IsBuilt(const char* function, uint8_t flag)
-{
-    if (flag == 0) {
-        QRB_ERROR_AT(function, "Failed to execute callback, it is not inited\n");
-    }
-    return flag != 0;
-}
-
-}  // namespace
-
 uint32_t L2IF_SH_EvtPublishEvent(uint32_t eventId, const void* data, uint32_t value, void* argument)
 {
-    const char* const here = __func__;
     if (eventId >= L2IF_EVT_COUNT) {
-        QRB_ERROR_AT(here, "Failed to publis event id=%u\n", eventId);
+        QRB_ERROR("Failed to publis event id=%u\n", eventId);
         return FAIL;
     }
-    if (!IsBuilt(here, g_isL2IFEvtInited)) {
+    LockRegistries();
+    if (g_isL2IFEvtInited == 0) {
+        UnlockRegistries();
+        QRB_ERROR("Failed to execute callback, it is not inited\n");
         return FAIL;
     }
+    uint32_t ret = OK;
     uint64_t word = 0;
-    const bool all = WalkEntries<L2IF_SH_EVT_CB_S>(
-        g_qrbL2IFEventCallbacks[eventId].head, [&](const L2IF_SH_EVT_CB_S& entry) {
-            if (entry.pfCallback == nullptr) {
-                QRB_ERROR_AT(here, "Failed to execute callback, moduleName=%s, priority=%u\n",
-                             entry.moduleName, entry.priority);
-                return false;
-            }
+    WALK_S walk;
+    L2IF_SH_EVT_CB_S entry;
+    BeginWalk(&walk, &g_qrbL2IFEventCallbacks[eventId]);
+    while (ret == OK && NextEntry(&walk, &entry)) {
+        UnlockRegistries();
+        if (entry.pfCallback != nullptr) {
             entry.pfCallback(data, value, argument, &word);
-            return true;
-        });
-    return all ? OK : FAIL;
-}
-
-uint32_t IF_SH_EvtPublishEventGetEventNode(uint32_t eventId, uint32_t subId,
-                                           UTIL_LIST_NODE_S** first, uint64_t* count)
-{
-    // An id that no event has is refused as such, with or without a tree.
-    if (eventId < IF_EVT_COUNT && !IsBuilt(__func__, g_isIFEvtInited)) {
-        return FAIL;
+        } else {
+            QRB_ERROR("Failed to execute callback, moduleName=%s, priority=%u\n", entry.moduleName,
+                      entry.priority);
+            ret = FAIL;
+        }
+        LockRegistries();
     }
-    const IF_EVT_NODE_S* node = FindEvent(eventId, subId);
-    if (node == nullptr) {
-        QRB_ERROR("Failed to publish event id=%u, subId=%u\n", eventId, subId);
-        return FAIL;
-    }
-    *first = node->list.head;
-    *count = node->list.count;
-    return OK;
+    EndWalk(&walk);
+    UnlockRegistries();
+    return ret;
 }
 
 uint32_t IF_NotifyAll(uint32_t ulIfIndex, uint32_t ulCmd, uint32_t a, uint32_t b)
 {
-    if (!IsBuilt(__func__, g_isIFNotifyInited)) {
+    LockRegistries();
+    if (g_isIFNotifyInited == 0) {
+        UnlockRegistries();
+        QRB_ERROR("Failed to execute callback, it is not inited\n");
         return FAIL;
     }
-    // A callback that registers itself anew would be met again and again: no more calls than there
-    // were entries.
-    uint64_t left = g_pstIfNotifyFunc.count;
-    WalkEntries<IF_NOTIFY_FUNC_S>(g_pstIfNotifyFunc.head, [&](const IF_NOTIFY_FUNC_S& entry) {
+    WALK_S walk;
+    IF_NOTIFY_FUNC_S entry;
+    BeginWalk(&walk, &g_pstIfNotifyFunc);
+    // No more calls than there are entries now: a callback that removes and registers itself would
+    // otherwise be reached again at the list's end, without limit.
+    for (uint64_t left = g_pstIfNotifyFunc.count; left != 0 && NextEntry(&walk, &entry); --left) {
+        UnlockRegistries();
         entry.pfCallback(ulIfIndex, ulCmd, a, b);
-        return --left != 0;
-    });
+        LockRegistries();
+    }
+    EndWalk(&walk);
+    UnlockRegistries();
     return OK;
 }

@@ -6,8 +6,8 @@
 #include <tarnd_platform/bounded.h>
 #include <tarnd_qrb/event_registry.h>
 
-#include "event/entries.h"
-#include "event/interface_tree.h"
+#include "event/interface_event_tree.h"
+#include "event/registry_walk.h"
 
 using namespace qrb;
 
@@ -26,25 +26,45 @@ constexpr struct {
     {12, 5}, {52, 2}, {46, 9}, {58, 4}, {66, 2}, {67, 12}, {71, 1}, {74, 1},
 };
 
-// The list of a sub-event or whole event; null, and logged, where there is none.
-UTIL_LIST_S* FindList(const char* function, uint32_t eventId, uint32_t subId)
+// Logs a lookup that failed.
+bool IsFound(const char* function, TREE_LOOKUP lookup, uint32_t eventId, uint32_t subId)
 {
-    // An id that no event has is refused as such, with or without a tree.
-    if (eventId < IF_EVT_COUNT && g_qrbIFEventCallbacks.children == nullptr) {
+    if (lookup == NO_CHILD_ARRAY) {
         QRB_ERROR_AT(function, "Failed to find event node.\n");
-        return nullptr;
-    }
-    IF_EVT_NODE_S* node = FindEvent(eventId, subId);
-    if (node == nullptr) {
+    } else if (lookup == NO_SUCH_EVENT) {
         QRB_ERROR_AT(function, "Failed to reg event id=%u, subId=%u\n", eventId, subId);
-        return nullptr;
     }
-    return &node->list;
+    return lookup == LIST_FOUND;
 }
 
-}  // namespace
+// The functions below are called with the registries locked.
 
-void IF_EvtInit()
+void CreateChildren(IF_EVT_NODE_S* node, uint32_t count)
+{
+    node->children = static_cast<IF_EVT_NODE_S*>(calloc(count, sizeof(IF_EVT_NODE_S)));
+    if (node->children == nullptr) {
+        return;
+    }
+    node->childCount = count;
+    for (uint32_t i = 0; i < count; ++i) {
+        UTIL_LIST_Construct(&node->children[i].list, &g_qrbBilevelEventHandlerTraits);
+        node->children[i].parent = node;
+    }
+}
+
+void FreeChildren(IF_EVT_NODE_S* node, uint32_t count, UTIL_LIST_S* removed)
+{
+    const uint32_t emptied = node->children != nullptr ? std::min(count, node->childCount) : 0;
+    for (uint32_t i = 0; i < emptied; ++i) {
+        node->children[i].parent = nullptr;
+        RemoveEntries(&node->children[i].list, removed);
+    }
+    free(node->children);
+    node->children = nullptr;
+    node->childCount = 0;
+}
+
+void BuildTree()
 {
     if (g_isIFEvtInited != 0) {
         return;
@@ -53,27 +73,44 @@ void IF_EvtInit()
     memset_s(&g_qrbIFEventCallbacks, sizeof(g_qrbIFEventCallbacks), 0,
              sizeof(g_qrbIFEventCallbacks));
     UTIL_LIST_Construct(&g_qrbIFEventCallbacks.list, &g_qrbBilevelEventHandlerTraits);
-    IF_CBF_Create_Child(&g_qrbIFEventCallbacks, IF_EVT_COUNT);
+    CreateChildren(&g_qrbIFEventCallbacks, IF_EVT_COUNT);
     if (g_qrbIFEventCallbacks.children == nullptr) {
         g_isIFEvtInited = 0;
         return;
     }
     for (const auto& [eventId, subEvents] : SHAPE) {
-        IF_CBF_Create_Child(&g_qrbIFEventCallbacks.children[eventId], subEvents);
+        CreateChildren(&g_qrbIFEventCallbacks.children[eventId], subEvents);
     }
 }
 
-void IF_EvtDeInit()
+void FreeTree(UTIL_LIST_S* removed)
 {
     if (g_isIFEvtInited == 0) {
         return;
     }
     g_isIFEvtInited = 0;
     for (const auto& [eventId, subEvents] : SHAPE) {
-        IF_CBF_Free_Child(&g_qrbIFEventCallbacks.children[eventId], subEvents);
+        FreeChildren(&g_qrbIFEventCallbacks.children[eventId], subEvents, removed);
     }
-    IF_CBF_Free_Child(&g_qrbIFEventCallbacks, IF_EVT_COUNT);
-    RemoveEntries(&g_qrbIFEventCallbacks.list);
+    FreeChildren(&g_qrbIFEventCallbacks, IF_EVT_COUNT, removed);
+    RemoveEntries(&g_qrbIFEventCallbacks.list, removed);
+}
+
+}  // namespace
+
+void IF_EvtInit()
+{
+    LockRegistries();
+    BuildTree();
+    UnlockRegistries();
+}
+
+void IF_EvtDeInit()
+{
+    UTIL_LIST_S removed = {};
+    LockRegistries();
+    FreeTree(&removed);
+    UnlockAndFree(&removed);
 }
 
 void IF_CBF_Create_Child(IF_EVT_NODE_S* node, uint32_t ulCnt)
@@ -82,27 +119,17 @@ void IF_CBF_Create_Child(IF_EVT_NODE_S* node, uint32_t ulCnt)
         QRB_ERROR("ulCnt is equal 0 \n");
         return;
     }
-    node->children = static_cast<IF_EVT_NODE_S*>(calloc(ulCnt, sizeof(IF_EVT_NODE_S)));
-    if (node->children == nullptr) {
-        return;
-    }
-    node->childCount = ulCnt;
-    for (uint32_t i = 0; i < ulCnt; ++i) {
-        UTIL_LIST_Construct(&node->children[i].list, &g_qrbBilevelEventHandlerTraits);
-        node->children[i].parent = node;
-    }
+    LockRegistries();
+    CreateChildren(node, ulCnt);
+    UnlockRegistries();
 }
 
 void IF_CBF_Free_Child(IF_EVT_NODE_S* node, uint32_t count)
 {
-    const uint32_t emptied = node->children != nullptr ? std::min(count, node->childCount) : 0;
-    for (uint32_t i = 0; i < emptied; ++i) {
-        node->children[i].parent = nullptr;
-        RemoveEntries(&node->children[i].list);
-    }
-    free(node->children);
-    node->children = nullptr;
-    node->childCount = 0;
+    UTIL_LIST_S removed = {};
+    LockRegistries();
+    FreeChildren(node, count, &removed);
+    UnlockAndFree(&removed);
 }
 
 uint32_t IF_EvtRegCbf(IF_EVT_CB_FUNC* callback, uint32_t /*unused*/, uint32_t priority,
@@ -113,20 +140,23 @@ uint32_t IF_EvtRegCbf(IF_EVT_CB_FUNC* callback, uint32_t /*unused*/, uint32_t pr
     const uint32_t subId = idCount == IF_EVT_WITH_SUB_EVENT ? va_arg(ids, uint32_t) : IF_EVT_WHOLE;
     va_end(ids);
 
-    IF_EvtInit();
-    UTIL_LIST_S* list = FindList(__func__, eventId, subId);
-    if (list == nullptr) {
-        return FAIL;
-    }
     IF_EVT_CB_S entry = {};
     entry.subId = subId;
     entry.pfCallback = callback;
     entry.priority = priority;
-    if (UTIL_LIST_SortedInsert(list, &entry, IF_EventPriorityComparator, 0) != OK) {
-        QRB_ERROR("Failed to add callback to list.\n");
-        return FAIL;
+    UTIL_LIST_S* list = nullptr;
+    uint32_t ret = FAIL;
+    LockRegistries();
+    BuildTree();
+    const TREE_LOOKUP lookup = FindEventList(eventId, subId, &list);
+    if (lookup == LIST_FOUND) {
+        ret = UTIL_LIST_SortedInsert(list, &entry, IF_EventPriorityComparator, 0);
     }
-    return OK;
+    UnlockRegistries();
+    if (IsFound(__func__, lookup, eventId, subId) && ret != OK) {
+        QRB_ERROR("Failed to add callback to list.\n");
+    }
+    return ret;
 }
 
 uint32_t IF_EvtUnRegCbf(IF_EVT_CB_FUNC* callback, uint32_t /*unused*/, uint32_t idCount,
@@ -137,11 +167,15 @@ uint32_t IF_EvtUnRegCbf(IF_EVT_CB_FUNC* callback, uint32_t /*unused*/, uint32_t 
     const uint32_t subId = idCount == IF_EVT_WITH_SUB_EVENT ? va_arg(ids, uint32_t) : IF_EVT_WHOLE;
     va_end(ids);
 
-    UTIL_LIST_S* list = FindList(__func__, eventId, subId);
-    if (list == nullptr) {
+    UTIL_LIST_S* list = nullptr;
+    LockRegistries();
+    const TREE_LOOKUP lookup = FindEventList(eventId, subId, &list);
+    if (lookup != LIST_FOUND) {
+        UnlockRegistries();
+        IsFound(__func__, lookup, eventId, subId);
         return FAIL;
     }
-    return RemoveFirst<IF_EVT_CB_S>(list, [&](const IF_EVT_CB_S& entry) {
+    return RemoveFirstAndUnlock<IF_EVT_CB_S>(list, [&](const IF_EVT_CB_S& entry) {
         return entry.pfCallback == callback && entry.subId == subId;
     });
 }

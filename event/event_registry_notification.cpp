@@ -1,7 +1,7 @@
 // Callbacks for interface notifications: one list.
 #include <tarnd_qrb/event_registry.h>
 
-#include "event/entries.h"
+#include "event/registry_walk.h"
 
 using namespace qrb;
 
@@ -11,16 +11,20 @@ constinit const UTIL_LIST_TRAITS_S g_pstIfNotifyFuncHandlerTraits = EntryTraits<
 
 void IF_NotifyFuncRegTbl_Init()
 {
-    if (g_isIFNotifyInited != 0) {
-        return;
+    LockRegistries();
+    if (g_isIFNotifyInited == 0) {
+        g_isIFNotifyInited = 1;
+        UTIL_LIST_Construct(&g_pstIfNotifyFunc, &g_pstIfNotifyFuncHandlerTraits);
     }
-    g_isIFNotifyInited = 1;
-    UTIL_LIST_Construct(&g_pstIfNotifyFunc, &g_pstIfNotifyFuncHandlerTraits);
+    UnlockRegistries();
 }
 
 void IF_NotifyFuncRegTbl_Deinit()
 {
-    RemoveEntries(&g_pstIfNotifyFunc);
+    UTIL_LIST_S removed = {};
+    LockRegistries();
+    RemoveEntries(&g_pstIfNotifyFunc, &removed);
+    UnlockAndFree(&removed);
 }
 
 uint32_t IF_RegNotifyFunc(uint32_t ulKey, IF_NOTIFY_FUNC* callback)
@@ -32,7 +36,10 @@ uint32_t IF_RegNotifyFunc(uint32_t ulKey, IF_NOTIFY_FUNC* callback)
     IF_NOTIFY_FUNC_S entry = {};
     entry.ulKey = ulKey;
     entry.pfCallback = callback;
-    if (UTIL_LIST_PushBack(&g_pstIfNotifyFunc, &entry) != OK) {
+    LockRegistries();
+    const uint32_t ret = UTIL_LIST_PushBack(&g_pstIfNotifyFunc, &entry);
+    UnlockRegistries();
+    if (ret != OK) {
         QRB_ERROR("Failed to add callback to list.\n");
         return FAIL;
     }
@@ -41,7 +48,9 @@ uint32_t IF_RegNotifyFunc(uint32_t ulKey, IF_NOTIFY_FUNC* callback)
 
 uint32_t IF_UnRegNotifyFunc(uint32_t ulKey, IF_NOTIFY_FUNC* callback)
 {
-    return RemoveFirst<IF_NOTIFY_FUNC_S>(&g_pstIfNotifyFunc, [&](const IF_NOTIFY_FUNC_S& entry) {
-        return entry.ulKey == ulKey && entry.pfCallback == callback;
-    });
+    LockRegistries();
+    return RemoveFirstAndUnlock<IF_NOTIFY_FUNC_S>(
+        &g_pstIfNotifyFunc, [&](const IF_NOTIFY_FUNC_S& entry) {
+            return entry.ulKey == ulKey && entry.pfCallback == callback;
+        });
 }

@@ -1,9 +1,6 @@
-// What the detection of changes in every table is made of: the loop over a delivery's messages, the
-// extraction of their rows, and the one kind of change that counts in a state.
+// Steps shared by the change detection of all tables: fetching a delivery's messages, classifying
+// them, and extracting their rows.
 #pragma once
-
-#include <algorithm>
-#include <initializer_list>
 
 #include <tarnd_platform/orm_subscription.h>
 
@@ -11,7 +8,7 @@
 
 namespace qrb {
 
-// Moves to the next message. False at the end of the delivery and, logged, where it ends early.
+// Moves to the next message. Returns false at the end of the delivery and, logged, after a failure.
 inline bool FetchNext(const char* function, ORM_MESSAGE message)
 {
     uint8_t end = 0;
@@ -22,31 +19,15 @@ inline bool FetchNext(const char* function, ORM_MESSAGE message)
     return ret == OK && end == 0;
 }
 
-// Whether the delivery goes on after a message.
-enum NEXT { NEXT_MESSAGE, END_DELIVERY };
-
-// Hands each message of a delivery to onMessage. The table handles these event types and no other.
-template <typename OnMessage>
-void ForEachMessage(const char* function, ORM_MESSAGE message, uint32_t eventType,
-                    std::initializer_list<uint32_t> handled, OnMessage&& onMessage)
-{
-    if (std::find(handled.begin(), handled.end(), eventType) == handled.end()) {
-        QRB_ERROR_AT(function, "Incorrect type of event type, type=%u\n", eventType);
-        return;
-    }
-    while (FetchNext(function, message) && onMessage() == NEXT_MESSAGE) {
-    }
-}
-
-// Whether the current message brings a row where there was none. Each message of a delivery of
-// replacements answers for itself.
+// Whether the current message inserts a row. Each message of a delivery of replacements is
+// classified on its own: without an old row it is an insertion.
 inline bool IsInsertion(ORM_MESSAGE message, uint32_t eventType)
 {
     return eventType == ORM_EVENT_INSERT ||
            (eventType == ORM_EVENT_REPLACE && OrmSubExtractData(message, ORM_OBJECT_OLD, 0) != OK);
 }
 
-// One object of the current message, whole.
+// Reads one object of the current message, with the table's accessor for all fields.
 template <typename Accessor, typename Row>
 uint32_t ExtractRow(const char* function, ORM_MESSAGE message, uint32_t object,
                     Accessor* getAllFields, Row* row)
@@ -62,32 +43,18 @@ uint32_t ExtractRow(const char* function, ORM_MESSAGE message, uint32_t object,
     return OK;
 }
 
-// The rows of an update. False, and logged, where one can't be had; name is the table's there.
-template <typename Row>
-bool ExtractBoth(const char* function, ORM_MESSAGE message, const char* name,
-                 uint32_t (*getOld)(ORM_MESSAGE, Row*), Row* oldRow,
-                 uint32_t (*getNew)(ORM_MESSAGE, Row*), Row* newRow)
-{
-    if (getOld(message, oldRow) != OK) {
-        QRB_ERROR_AT(function, "Failed to get old orm %s data.\n", name);
-        return false;
-    }
-    if (getNew(message, newRow) != OK) {
-        QRB_ERROR_AT(function, "Failed to get new orm %s data.\n", name);
-        return false;
-    }
-    return true;
-}
-
-// A change of a state that is 0 or 1. Other values are no state: they neither rise nor fall.
-enum TRANSITION { STAYED, ROSE, FELL };
+// Change of a state that is 0 or 1. A change from or to any other value is ignored.
+enum TRANSITION { UNCHANGED, ROSE, FELL };
 
 inline TRANSITION TransitionOf(uint8_t oldState, uint8_t newState)
 {
     if (oldState == 0 && newState == 1) {
         return ROSE;
     }
-    return oldState == 1 && newState == 0 ? FELL : STAYED;
+    if (oldState == 1 && newState == 0) {
+        return FELL;
+    }
+    return UNCHANGED;
 }
 
 }  // namespace qrb

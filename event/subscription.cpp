@@ -6,6 +6,7 @@
 #include <tarnd_qrb/subscription.h>
 
 #include "db/access.h"
+#include "event/listener_session.h"
 
 using namespace qrb;
 
@@ -82,6 +83,38 @@ uint32_t SubscribeTo(const char* function, const SUBSCRIPTION_S& subscription)
     return OK;
 }
 
+// Serialises starts, so that threads that start the library together subscribe once.
+pthread_mutex_t startLock = PTHREAD_MUTEX_INITIALIZER;
+
+// The session on which a start subscribed to every table; 0 if none did. Guarded by startLock.
+uint64_t startedSession = 0;
+
+uint32_t SubscribeToTables()
+{
+    constexpr char HERE[] = "BDS_InitStart";
+    if (QRB_DB_InitOrm() != OK) {
+        QRB_INFO_AT(HERE, "Init orm - fail.\n");
+        return FAIL;
+    }
+    if (QRB_EVENT_SubToPortTable() != OK) {
+        QRB_INFO_AT(HERE, "subscribe to \"port\" database - fail.\n");
+        return FAIL;
+    }
+    if (QRB_EVENT_SubToIfRouteTable() != OK) {
+        QRB_INFO_AT(HERE, "subscribe to \"if_route\" database - fail.\n");
+        return FAIL;
+    }
+    if (QRB_EVENT_SubToIfPhyTable() != OK) {
+        QRB_INFO_AT(HERE, "subscribe to \"if_phy\" database - fail.\n");
+        return FAIL;
+    }
+    if (QRB_EVENT_SubToIfBaseTable() != OK) {
+        QRB_INFO_AT(HERE, "subscribe to \"if_base\" database - fail.\n");
+        return FAIL;
+    }
+    return OK;
+}
+
 }  // namespace
 
 uint32_t QRB_EVENT_SubToPortTable()
@@ -108,23 +141,12 @@ uint32_t BDS_InitStart()
 {
     L2IF_SH_EvtCbRegTbl_Init();
     IF_EvtInit();
-    if (QRB_DB_InitOrm() != OK) {
-        QRB_INFO("Init orm - fail.\n");
-        return FAIL;
+    pthread_mutex_lock(&startLock);
+    uint32_t ret = OK;
+    if (startedSession == 0 || startedSession != OpenSessionNumber()) {
+        ret = SubscribeToTables();
+        startedSession = ret == OK ? OpenSessionNumber() : 0;
     }
-    struct STEP_S {
-        const char* table;
-        uint32_t (*subscribe)();
-    };
-    constexpr STEP_S steps[] = {{"port", QRB_EVENT_SubToPortTable},
-                                {"if_route", QRB_EVENT_SubToIfRouteTable},
-                                {"if_phy", QRB_EVENT_SubToIfPhyTable},
-                                {"if_base", QRB_EVENT_SubToIfBaseTable}};
-    for (const STEP_S& step : steps) {
-        if (step.subscribe() != OK) {
-            QRB_INFO("subscribe to \"%s\" database - fail.\n", step.table);
-            return FAIL;
-        }
-    }
-    return OK;
+    pthread_mutex_unlock(&startLock);
+    return ret;
 }

@@ -8,8 +8,8 @@
 #include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/event_publish.h>
 
-#include "calls/calls.h"
-#include "support/events.h"
+#include "support/example_calls.h"
+#include "support/recorded_events.h"
 
 namespace {
 
@@ -94,6 +94,23 @@ TEST_F(EventRegistry, TheTreeHoldsEverySubEventAndNoOther)
               "1:10 2:13 3:7 5:46 7:55 8:32 9:14 11:3 12:5 46:9 52:2 58:4 66:2 67:12 71:1 74:1 ");
     IF_EvtDeInit();
     EXPECT_EQ(support::LibraryBlocks(), 0);
+}
+
+// As after a node's children could not be allocated.
+TEST_F(EventRegistry, ReportsASubEventWithoutANode)
+{
+    IF_EvtInit();
+    IF_EVT_NODE_S& event = g_qrbIFEventCallbacks.children[IF_EVT_STATE];
+    IF_EVT_NODE_S* const children = std::exchange(event.children, nullptr);
+    const uint32_t count = event.childCount;
+    EXPECT_EQ(IF_INTF_RegEvtCb(IF_EVT_STATE, count - 1, nullptr, 0, 1), 1U);
+    EXPECT_EQ(IF_INTF_UnRegEvtCb(IF_EVT_STATE, count - 1, nullptr, 0), 1U);
+    EXPECT_EQ(IF_INTF_RegEvtCb(IF_EVT_STATE, count, nullptr, 0, 1), 1U);
+    EXPECT_EQ(support::TakeMessages(),
+              (std::vector<std::string>{"IF_EvtRegCbf: Failed to find event node.\n",
+                                        "IF_EvtUnRegCbf: Failed to find event node.\n",
+                                        "IF_EvtRegCbf: Failed to reg event id=9, subId=14\n"}));
+    event.children = children;
 }
 
 // Callbacks that do, at random, what callbacks may: register, unregister, tear down, publish. Held

@@ -11,7 +11,7 @@
 #include <tarnd_qrb/event_registry.h>
 #include <tarnd_qrb/memory_map.h>
 
-#include "calls/calls.h"
+#include "support/example_calls.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "support/system.h"
+#include "support/test_system.h"
 
 namespace {
 
@@ -62,7 +62,7 @@ TEST(Shell, CallsEveryFunction)
 // A session as people see it. "@" stands for what differs from run to run.
 TEST(Shell, ShowsWhatPeopleExpect)
 {
-    const std::string session = root + "/tests/shell_session.txt";
+    const std::string session = root + "/tests/data/shell_session.txt";
     const auto [status, output] = RunShell("--echo " + device, "sed -n 's/^> //p' " + session);
     const std::regex changing(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{6}[+-]\d\d:\d\d|[\d.]+(?= us))"
                               R"(|:\d+(?=\] )|line \d+(?=: ))");

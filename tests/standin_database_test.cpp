@@ -9,8 +9,8 @@
 
 #include <tarnd_platform/orm_accessors.h>
 
-#include "support/system.h"
-#include "support/writes.h"
+#include "support/test_system.h"
+#include "support/test_writes.h"
 
 namespace {
 

@@ -16,10 +16,10 @@
 #include <standin/deliveries.h>
 #include <tarnd_platform/orm_subscription.h>
 
-#include "support/changes.h"
-#include "support/subscription.h"
-#include "support/system.h"
-#include "support/writes.h"
+#include "support/recorded_changes.h"
+#include "support/test_subscription.h"
+#include "support/test_system.h"
+#include "support/test_writes.h"
 
 namespace {
 

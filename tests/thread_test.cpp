@@ -6,9 +6,9 @@
 #include <tarnd_qrb/subscription.h>
 #include <tarnd_qrb/table_walk.h>
 
-#include "calls/calls.h"
-#include "support/system.h"
-#include "support/writes.h"
+#include "support/example_calls.h"
+#include "support/test_system.h"
+#include "support/test_writes.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-// How a node is made, linked, unlinked and given back: what every operation of the list is made of.
+// Nodes of a list: allocation, construction, linking, unlinking and release.
 #pragma once
 
 #include <tarnd_platform/bounded.h>
@@ -13,61 +13,108 @@ inline uint16_t ListHandle()
     return g_memExModuleMap[MEM_EX_MODULE_FRAMEWORK].handle;
 }
 
-// A node with room for its element, in no list. Null where there is no memory.
-inline UTIL_LIST_NODE_S* NewNode(const UTIL_LIST_TRAITS_S* traits)
+// Memory for a node or a list head. Both have this one allocation site.
+inline void* AllocateForList(uint64_t size)
+{
+    return malloc_ex(ListHandle(), __FILE_NAME__, __LINE__, size);
+}
+
+// An unlinked node whose element is not constructed yet. Returns null if out of memory.
+inline UTIL_LIST_NODE_S* AllocateNode(const UTIL_LIST_TRAITS_S* traits)
 {
     uint64_t size = 0;
     if (__builtin_add_overflow(traits->elemSize, sizeof(UTIL_LIST_NODE_S), &size)) {
         return nullptr;
     }
-    auto* node =
-        static_cast<UTIL_LIST_NODE_S*>(malloc_ex(ListHandle(), __FILE_NAME__, __LINE__, size));
+    auto* node = static_cast<UTIL_LIST_NODE_S*>(AllocateForList(size));
     if (node != nullptr) {
         *node = {};
     }
     return node;
 }
 
-// Construct is null, or one of the two callbacks that make an element. Inlined, as a push is so
-// short that one call more is felt.
-template <typename Construct, typename Value>
-[[gnu::always_inline]] inline UTIL_LIST_NODE_S* BuildNode(Value* value,
-                                                          const UTIL_LIST_TRAITS_S* traits,
-                                                          Construct UTIL_LIST_TRAITS_S::*construct)
+// Fills a new node's element with the value's bytes. Frees the node and returns null if the
+// platform refuses to copy them.
+inline UTIL_LIST_NODE_S* CopyBytes(UTIL_LIST_NODE_S* node, const void* value, uint64_t size)
 {
-    UTIL_LIST_NODE_S* node = value != nullptr && traits != nullptr ? NewNode(traits) : nullptr;
-    if (node == nullptr) {
-        return nullptr;
-    }
-    if (traits->*construct != nullptr) {
-        (traits->*construct)(UTIL_LIST_Data(node), value);
-    } else if (memcpy_s(UTIL_LIST_Data(node), traits->elemSize, value, traits->elemSize) != 0) {
+    if (memcpy_s(UTIL_LIST_Data(node), size, value, size) != 0) {
         free_ex(ListHandle(), node);
         return nullptr;
     }
     return node;
 }
 
-inline UTIL_LIST_NODE_S* CopyNode(const void* value, const UTIL_LIST_TRAITS_S* traits)
+// CopyNode and MoveNode are forced inline: an insertion is short enough for one more call to be
+// measurable.
+
+[[gnu::always_inline]] inline UTIL_LIST_NODE_S* CopyNode(const void* value,
+                                                         const UTIL_LIST_TRAITS_S* traits)
 {
-    return BuildNode(value, traits, &UTIL_LIST_TRAITS_S::constructCopy);
+    if (value == nullptr || traits == nullptr) {
+        return nullptr;
+    }
+    UTIL_LIST_NODE_S* node = AllocateNode(traits);
+    if (node == nullptr) {
+        return nullptr;
+    }
+    if (traits->constructCopy == nullptr) {
+        return CopyBytes(node, value, traits->elemSize);
+    }
+    traits->constructCopy(UTIL_LIST_Data(node), value);
+    return node;
 }
 
-inline UTIL_LIST_NODE_S* MoveNode(void* value, const UTIL_LIST_TRAITS_S* traits)
+[[gnu::always_inline]] inline UTIL_LIST_NODE_S* MoveNode(void* value,
+                                                         const UTIL_LIST_TRAITS_S* traits)
 {
-    return BuildNode(value, traits, &UTIL_LIST_TRAITS_S::constructMove);
+    if (value == nullptr || traits == nullptr) {
+        return nullptr;
+    }
+    UTIL_LIST_NODE_S* node = AllocateNode(traits);
+    if (node == nullptr) {
+        return nullptr;
+    }
+    if (traits->constructMove == nullptr) {
+        return CopyBytes(node, value, traits->elemSize);
+    }
+    traits->constructMove(UTIL_LIST_Data(node), value);
+    return node;
 }
 
-// Puts a node before position, where null is the end.
+// Inserts a node before position; null is the end of the list.
 inline void Link(UTIL_LIST_S* list, UTIL_LIST_NODE_S* position, UTIL_LIST_NODE_S* node)
 {
     UTIL_LIST_NODE_S* previous = position != nullptr ? position->prev : list->tail;
-
     node->next = position;
     node->prev = previous;
-    (previous != nullptr ? previous->next : list->head) = node;
-    (position != nullptr ? position->prev : list->tail) = node;
+    if (previous != nullptr) {
+        previous->next = node;
+    } else {
+        list->head = node;
+    }
+    if (position != nullptr) {
+        position->prev = node;
+    } else {
+        list->tail = node;
+    }
     ++list->count;
+}
+
+// Detaches a node from its neighbours. The caller adjusts the list's count.
+inline void Unlink(UTIL_LIST_S* list, UTIL_LIST_NODE_S* node)
+{
+    UTIL_LIST_NODE_S* next = node->next;
+    UTIL_LIST_NODE_S* previous = node->prev;
+    if (previous != nullptr) {
+        previous->next = next;
+    } else {
+        list->head = next;
+    }
+    if (next != nullptr) {
+        next->prev = previous;
+    } else {
+        list->tail = previous;
+    }
 }
 
 inline void DestroyNode(const UTIL_LIST_TRAITS_S* traits, UTIL_LIST_NODE_S* node)
@@ -78,14 +125,11 @@ inline void DestroyNode(const UTIL_LIST_TRAITS_S* traits, UTIL_LIST_NODE_S* node
     free_ex(ListHandle(), node);
 }
 
-// The node that followed.
+// Returns the node that followed the removed one.
 inline UTIL_LIST_NODE_S* RemoveNode(UTIL_LIST_S* list, UTIL_LIST_NODE_S* node)
 {
     UTIL_LIST_NODE_S* next = node->next;
-    UTIL_LIST_NODE_S* previous = node->prev;
-
-    (previous != nullptr ? previous->next : list->head) = next;
-    (next != nullptr ? next->prev : list->tail) = previous;
+    Unlink(list, node);
     DestroyNode(list->traits, node);
     --list->count;
     return next;

@@ -90,7 +90,7 @@ uint32_t UTIL_LIST_ConstructPtrCopyCallback(void* element, const void* value)
     const UTIL_LIST_S* source = PointedTo(value);
     UTIL_LIST_S* copy = nullptr;
     if (source != nullptr) {
-        copy = ListIn(malloc_ex(ListHandle(), __FILE_NAME__, __LINE__, sizeof(*copy)));
+        copy = ListIn(AllocateForList(sizeof(*copy)));
         if (copy != nullptr) {
             UTIL_LIST_ConstructCopy(copy, source);
         }

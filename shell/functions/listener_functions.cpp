@@ -209,7 +209,7 @@ std::vector<Function> ListenerFunctions()
 {
     using namespace arguments;
     return {
-        FUNCTION(BDS_InitStart, OK_OR1, "", "Brings change notification up. Done at start-up: every further subscription delivers each change once more."),
+        FUNCTION(BDS_InitStart, OK_OR1, "", "Brings change notification up. Done at start-up; a further call does nothing while the subscriptions last."),
         FUNCTION(QRB_EVENT_SubToPortTable, OK_OR1, PORT, "Subscribes to a table once more."),
         FUNCTION(QRB_EVENT_SubToIfRouteTable, OK_OR1, IF_ROUTE, "Subscribes to a table once more."),
         FUNCTION(QRB_EVENT_SubToIfPhyTable, OK_OR1, IF_PHY, "Subscribes to a table once more."),

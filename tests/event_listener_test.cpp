@@ -1,0 +1,159 @@
+// The listener: its start and its stop, what it does when a step fails, and what it leaves behind.
+#include <fcntl.h>
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <filesystem>
+
+#include <tarnd_qrb/listener.h>
+
+#include "support/recorded_events.h"
+#include "support/test_system.h"
+#include "support/test_writes.h"
+
+namespace {
+
+using support::FailCall;
+
+using Messages = std::vector<std::string>;
+
+std::atomic<int> delivered = 0;
+std::atomic<pthread_t> deliverer = 0;
+
+void Count(ORM_MESSAGE, uint32_t)
+{
+    deliverer = pthread_self();
+    delivered++;
+}
+
+uint32_t Register()
+{
+    return QrbDbListenerRegisterEvent("name", "connection",
+                                      R"({"label_name":"if_base","events":[{"type":"insert"}]})",
+                                      Count, nullptr, "owner");
+}
+
+bool IsDelivered(uint64_t interface, int times)
+{
+    delivered = 0;
+    support::writes::Write(support::writes::Insert, {support::writes::Base(interface)});
+    return support::Eventually([=] { return delivered == times; });
+}
+
+auto OpenDescriptors()
+{
+    const std::filesystem::directory_iterator entries("/proc/self/fd");
+    return std::distance(begin(entries), end(entries));
+}
+
+using Listener = support::EventTest;
+
+TEST_F(Listener, StartsOnceAndGoesOnAfterAFailure)
+{
+    for (int i = 0; i < 4; i++) {
+        EXPECT_EQ(Register(), 0U);
+    }
+    EXPECT_TRUE(IsDelivered(1, 4));
+    const pthread_t thread = g_epollDbListenerThreadId;
+    EXPECT_NE(pthread_equal(deliverer, thread), 0);
+
+    // A wait that is interrupted, and more descriptors than one takes, none of them the database's.
+    FailCall("epoll_wait", 1, EINTR);
+    std::array<int, 25> others;
+    for (int& other : others) {
+        other = eventfd(1, EFD_CLOEXEC);
+        EXPECT_EQ(DbListenerEpollCtrl(static_cast<uint32_t>(other), 0), 0);
+    }
+    EXPECT_TRUE(IsDelivered(2, 4));
+    std::ranges::for_each(others, close);
+
+    // A subscription that fails takes the session along, but not the thread.
+    FailCall("OrmSubscribe", 1, 77);
+    EXPECT_EQ(Register(), 77U);
+    EXPECT_EQ(Register(), 0U);
+    EXPECT_TRUE(IsDelivered(3, 1));
+    EXPECT_EQ(g_epollDbListenerThreadId, thread);
+
+    // Nobody minds what can't be closed.
+    FailCall("close", 1, EIO);
+    const std::string epollFd = std::to_string(g_epollDbListenerFd);
+    support::StopListener();
+    EXPECT_EQ(g_epollDbListenerFd, -1);
+    EXPECT_EQ(
+        support::TakeMessages(),
+        (Messages{"DbListenerEpollThreadFunc: [DEBUG]: epoll DbListener thread start, epollFd=" +
+                      epollFd + ", exit=0\n",
+                  "QrbDbListenerRegisterEvent: [DEBUG]: OrmSubscribe fail, ret=77\n",
+                  "DbListenerEpollThreadFunc: [DEBUG]: epoll thread exit. epoll_fd=" + epollFd +
+                      ",exit=1\n"}));
+}
+
+// Neither the session's control function nor a second thread comes of one that can't be had.
+TEST_F(Listener, GoesOnWithoutAThread)
+{
+    FailCall("pthread_create", 1, EAGAIN);
+    EXPECT_EQ(Register(), 0U);
+    EXPECT_EQ(g_epollDbListenerThreadId, pthread_t{0});
+    EXPECT_EQ(g_regDbListenerInfo, nullptr);
+    EXPECT_TRUE(IsDelivered(1, 1));
+    support::StopListener();
+
+    FailCall("epoll_create", 1, EMFILE);
+    EXPECT_NE(Register(), 0U);
+    support::StopListener();
+    EXPECT_EQ(g_epollDbListenerFd, -1);
+    EXPECT_EQ(std::ranges::count(support::TakeMessages(),
+                                 "DbListenerEpollThreadFunc: [DEBUG]: failed to init "
+                                 "epoll, thread will exit.\n"),
+              1);
+}
+
+TEST_F(Listener, UsesTheEpollInstanceThatIsThereAndNoneThatIsAnothers)
+{
+    const int epollFd = epoll_create1(EPOLL_CLOEXEC);
+    g_epollDbListenerFd = epollFd;
+    EXPECT_EQ(Register(), 0U);
+    EXPECT_TRUE(IsDelivered(1, 1));
+    EXPECT_EQ(g_epollDbListenerFd, epollFd);
+
+    // The flag stops it once it wakes; what comes late touches nobody's descriptor.
+    const pthread_t thread = g_epollDbListenerThreadId;
+    std::atomic_ref(g_epollDbListenerThreadExit).store(1, std::memory_order_release);
+    EXPECT_TRUE(IsDelivered(2, 1));
+    pthread_join(thread, nullptr);
+    EXPECT_EQ(fcntl(epollFd, F_GETFD), -1);
+    EXPECT_EQ(g_epollDbListenerFd, -1);
+
+    const int others = epoll_create1(EPOLL_CLOEXEC);
+    ASSERT_EQ(others, epollFd);
+    support::TakeComplaints();
+    EXPECT_EQ(DbListenerEpollCtrl(static_cast<uint32_t>(eventfd(1, EFD_CLOEXEC)), 0), -1);
+    EXPECT_EQ(support::TakeComplaints().size(), 1U);
+    epoll_event ready;
+    EXPECT_EQ(epoll_wait(others, &ready, 1, 0), 0);
+    close(others);
+    EXPECT_EQ(Register(), 0U);  // subscribes, and starts no other thread
+    EXPECT_NE(pthread_equal(std::exchange(g_epollDbListenerThreadId, 0), thread), 0);
+    support::StopListener();
+
+    g_epollDbListenerFd = 0;  // which is none
+    EXPECT_EQ(Register(), 0U);
+    EXPECT_GT(g_epollDbListenerFd, 0);
+}
+
+TEST_F(Listener, ManyStartsAndStopsLeaveNothingBehind)
+{
+    const auto before = OpenDescriptors();
+    for (int round = 0; round < 300; round++) {
+        ASSERT_EQ(Register(), 0U);
+        support::StopListener();
+    }
+    EXPECT_EQ(OpenDescriptors(), before);
+}
+
+}  // namespace

@@ -1,0 +1,92 @@
+// IPv4 addresses.
+#include <tarnd_qrb/ipv4_address.h>
+
+#include "support/example_calls.h"
+
+namespace calls {
+
+namespace {
+
+constexpr uint32_t IF_INDEX = 1;
+
+using OutItem = Out<BDS_IPV4_ADDR_ITEM_S, 1, &BDS_IPV4_ADDR_ITEM_S::address,
+                    &BDS_IPV4_ADDR_ITEM_S::masklen, &BDS_IPV4_ADDR_ITEM_S::type>;
+using OutAddresses =
+    Out<SYSAPI_IP4_ADDR_S, 2, &SYSAPI_IP4_ADDR_S::address, &SYSAPI_IP4_ADDR_S::masklen>;
+
+void OnItem()
+{
+    ORM_NODE list = 0;
+    EXPECT_EQ(BDS_IPGetIpv4AddrTblByIfIndex(&session, &IF_INDEX), 0U);
+    EXPECT_EQ(OrmNodeGetChild(session, 0, "ipv4_address_list", &list), 0U);
+    EXPECT_EQ(OrmNodeGetItemByIdx(list, 0, &node), 0U);
+}
+
+}  // namespace
+
+// clang-format off
+Calls AddressCalls()
+{
+    return {
+        {"BDS_IPGetIpv4AddrTblByIfIndex", [] {
+             session            = 0;
+             const uint32_t ret = BDS_IPGetIpv4AddrTblByIfIndex(&session, &IF_INDEX);
+             session            = ret == 0 ? session : 0;
+             return Text(ret);
+         }, {}, Closed},
+        {CALL(BDS_IPGetIpv4AddrTblItem, node, OutItem()), OnItem, Closed},
+        {CALL(BDS_IPGetMainIpByIfIndex, 1U, Out32(), Out32())},
+
+        {CALL(IP_GetMainIpAddr, 1U, Out32(), Out32())},
+        {CALL(IP_GetMask, 1U, 0x0A000002U, Out32())},
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 1U, 0x0A000009U, Out32(), Out32(), Out32())},
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 4U, 0x0A000009U, Out32(), Out32(), Out32())},
+        {CALL(BDS_IPv6GetValidGlobalAddrByIfIndex, 1U, Out8())},
+        {CALL(IP6_Addr_GetValidGlobalAddrOnIf, 1U, Out8())},
+
+        {CALL(SYSAPI_GetIp4AddrNumByIf, 1U)},
+        {CALL(SYSAPI_GetIp4AllAddrByIf, 1U, OutAddresses(), 2U)},
+        {CALL(BDS_IPIFIsThisIfIpAddr, 1U, 0x0A000002U)},
+        {CALL(BDS_IPIFGetThisIfIpAddr, 1U, Out<uint32_t, 2>(), 2U, Out32())},
+        {CALL(BDS_IPGetFirstIpByIfIndex, 1U, Out32())},
+
+        {CALL(IP_GetIfindexbyIpAddr, 0x0A000002U, 0U, Out32())},
+        {CALL(BDS_IPGetIfindexbyIpAddr, 0x0A000002U, 0U, Out32())},
+        {CALL(BDS_IPIsLocalIfAddr, 0x0A000002U, 0U)},
+    };
+}
+// clang-format on
+
+namespace {
+
+using Ipv4Address = DeviceTest;
+
+TEST_F(Ipv4Address, WhereNoneFitsIsSaid)
+{
+    Load(R"({"am_ipv4_address": [
+        {"if_index": 3, "ipv4_address_list": [{"address": "10.0.0.1", "masklen": 24, "type": 6}]}]})");
+    Expect({
+        {CALL(BDS_IPGetMainIpByIfIndex, 3U, Out32(), Out32()),
+         R"(NONE - - | get main ipv4 fail, ret=0, ifIndex=3\n)"},
+        {CALL(BDS_IPGetMainIpByIfIndex, 4U, Out32(), Out32()),
+         R"(NONE - - | get main ipv4 get addr list len is zero ret=0, ifIndex=4\n)"},
+        {CALL(BDS_IPIFGetThisIfIpAddr, 1U, Out32(), 0U, Out32()), "0 - 0"},
+        {CALL(SYSAPI_GetIp4AllAddrByIf, 1U, OutAddresses(), 0U),
+         R"(1 - - - - | Null value provided\n)"},
+        {CALL(BDS_IPv6GetValidGlobalAddrByIfIndex, 1U, nullptr), "1"},
+        {CALL(IP6_Addr_GetValidGlobalAddrOnIf, 1U, nullptr), "0"},
+        {CALL(BDS_IPIFIsThisIfIpAddr, 4U, 0U), R"(0 | Interface 4 without addresses passed\n)"},
+    });
+}
+
+// A match ends the walk over the list, and the scan one row later.
+TEST_F(Ipv4Address, OwnerIsTheFirst)
+{
+    Load(R"({"am_ipv4_address": [{"if_index": 3, "ipv4_address_list": []}]})");
+    Expect({{CALL(IP_GetIfindexbyIpAddr, 0x0A000001U, 0U, Out32()), "0 1"}});
+    EXPECT_EQ(support::FaultPoints().size(), 16U);
+}
+
+}  // namespace
+
+}  // namespace calls

@@ -1,0 +1,306 @@
+// The tables from real servers, which the tests start, stop and kill.
+#include <algorithm>
+#include <csignal>
+#include <thread>
+
+#include "sources/ovsdb/ovsdb_source.h"
+#include "support/fault_injection.h"
+#include "support/ovsdb_server.h"
+#include "support/recorded_changes.h"
+#include "support/test_rows.h"
+#include "support/test_system.h"
+#include "support/test_writes.h"
+
+namespace {
+
+using namespace support;
+using sources::OvsdbSource;
+using sources::RowWrite;
+using sources::ovsdb::ColumnsOf;
+using sources::ovsdb::RowToWire;
+using standin::Row;
+using standin::Table;
+using Role = OvsdbServer::Role;
+using enum sources::WriteKind;
+
+using namespace std::chrono_literals;
+
+constexpr sources::OvsdbTiming brisk{10'000ms, 300ms, 20ms, 200ms};
+
+Wire NewRow(const std::string& table, const Wire& row)
+{
+    return {{"op", "insert"}, {"table", table}, {"row", row}};
+}
+
+class ServersTest : public PlatformTest {
+protected:
+    void SetUp() override
+    {
+        if (support::Run("command -v ovsdb-server ovsdb-tool").status != 0) {
+            GTEST_SKIP() << "ovsdb-server and ovsdb-tool are not installed";
+        }
+        PlatformTest::SetUp();
+    }
+
+    const Folder folder_;
+};
+
+// The server's rows and the database's, whatever their order.
+void ExpectSameAs(const OvsdbServer& server)
+{
+    std::vector<Row> there;
+    for (const Table& table : standin::Tables()) {
+        const Wire results = server.Transact(
+            {{{"op", "select"}, {"table", ColumnsOf(table).name}, {"where", Wire::array()}}});
+        for (const Wire& row : results.at(0).at("rows")) {
+            there.push_back(sources::ovsdb::RowFromWire(table, row));
+        }
+    }
+    EXPECT_TRUE(std::ranges::is_permutation(AllRows(), there));
+}
+
+// The action ends in an exception for this reason, which its text has somewhere.
+template <typename Action>
+void ExpectRefusal(const std::string& reason, const Action& action)
+{
+    const std::string refusal = RefusalOf(action);
+    EXPECT_NE(refusal.find(reason), std::string::npos) << refusal;
+}
+
+TEST_F(ServersTest, WritesComeBackAsChangesOrAreRefused)
+{
+    const OvsdbServer server(folder_);
+    writes::Write(writes::Insert, {Phy(99)});  // nobody's: it goes
+    const Events events;
+    OvsdbSource cluster(server.Remote(), brisk);
+    cluster.Follow();
+    cluster.Commit({{Insert, Phy(1, 10)}});
+    EXPECT_EQ(Speed(1), 10U);
+    cluster.Commit({{Update, Phy(1, 11)}});
+    cluster.Commit({{Replace, Phy(1, 12)}});
+    cluster.Commit({{Replace, Phy(2, 20)}});
+    cluster.Commit({{Delete, Phy(1)}, {Insert, Phy(3, 30)}, {Replace, Phy(3, 31)}});
+    EXPECT_TRUE(Eventually([] { return Events::Count("if_phy") >= 7; }));
+    const std::vector<Change> expected = {
+        {"if_phy", 99, 0, {}}, {"if_phy", 1, {}, 10}, {"if_phy", 1, 10, 11}, {"if_phy", 1, 11, 12},
+        {"if_phy", 2, {}, 20}, {"if_phy", 1, 12, {}}, {"if_phy", 3, {}, 31}};
+    EXPECT_EQ(Events::Take(), expected);
+
+    cluster.Commit({{Insert, Base(1, "one")}});
+    const std::pair<std::vector<RowWrite>, std::string> refused[] = {
+        {{{Insert, Phy(4)}, {Insert, Phy(2)}},
+         "identical values (2) for index on column \"if_index\""},
+        {{{Insert, Base(2, "one")}}, "for index on columns"},
+        {{{Update, Phy(5)}}, "if_phy: if_index 5: there is no such row"},
+        {{{Delete, Phy(5)}}, "if_phy: if_index 5: there is no such row"},
+        {{{Insert, Base(3, "\xff")}}, "UTF-8"},
+    };
+    for (const auto& [writes, reason] : refused) {
+        ExpectRefusal(reason, [&, &asked = writes] { cluster.Commit(asked); });
+    }
+    ExpectSameAs(server);
+}
+
+// By transactions that know nothing of rows but their JSON, and a server that goes and comes.
+TEST_F(ServersTest, TheReplicaEqualsTheServerAfterEachRound)
+{
+    OvsdbServer server(folder_);
+    OvsdbSource cluster(server.Remote(), brisk);
+    cluster.Follow();
+    RandomRows random(2);
+    for (uint64_t round = 0; round < 6; ++round) {
+        if (round == 2 || round == 4) {
+            server.Stop(round == 2 ? SIGTERM : SIGKILL);
+            EXPECT_TRUE(Eventually([&] { return cluster.Server().empty(); }));
+            server.Start();
+        }
+        std::vector<Wire> operations;
+        for (Row row : AllRows()) {
+            if (random.Below(4) > 0) {
+                continue;
+            }
+            const Table& table = row.Description();
+            Wire change = {{"op", "delete"},
+                           {"table", ColumnsOf(table).name},
+                           {"where", sources::ovsdb::KeyCondition(table, RowToWire(row))}};
+            random.Fill(row, table.fields[random.Below(table.fields.size())]);
+            if (random.Below(3) > 0) {
+                change.update({{"op", "update"}, {"row", RowToWire(row)}});
+            }
+            operations.push_back(change);
+        }
+        for (const Row& row : random.ForAllTables(2)) {
+            operations.push_back(NewRow(ColumnsOf(row.Description()).name, RowToWire(row)));
+        }
+        operations.push_back(NewRow("if_phy", {{"if_index", 1000 + round}}));
+        server.Transact(operations);
+        EXPECT_TRUE(Eventually([&] { return standin::Find(Phy(1000 + round)).has_value(); }));
+        ExpectSameAs(server);
+    }
+}
+
+TEST_F(ServersTest, ASilentServerIsGivenUpAndTheTablesStay)
+{
+    OvsdbServer first(folder_);
+    OvsdbServer second(folder_, "second");
+    first.Transact({NewRow("if_phy", {{"if_index", 1}, {"speed", 10}})});
+    OvsdbSource cluster(first.Remote() + "," + second.Remote(), {300ms, 40ms, 10ms, 20ms});
+    cluster.Follow();
+    std::this_thread::sleep_for(200ms);  // a server with nothing to tell answers
+    EXPECT_EQ(TakeLog().size(), 0U);
+
+    second.Stop(SIGTERM);
+    first.Signal(SIGSTOP);
+    ExpectRefusal("is not known", [&] { cluster.Commit({{Insert, Phy(2)}}); });
+    EXPECT_EQ(Speed(1), 10U);
+    EXPECT_EQ(cluster.Server(), "");
+    ExpectRefusal("no server can be followed", [&] { cluster.Commit({{Insert, Phy(2)}}); });
+    EXPECT_NE(TakeLogText().find(first.Remote() + ": the server has been silent for too long: the "
+                                                  "tables stay as they are"),
+              std::string::npos);
+
+    // The next one has other contents: the difference is written.
+    second.Start();
+    EXPECT_TRUE(Eventually([&] { return cluster.Server() == second.Remote(); }));
+    EXPECT_EQ(standin::CountRows(*standin::FindTable("if_phy")), 0U);
+    EXPECT_NE(TakeLogText().find(second.Remote() + " is followed"), std::string::npos);
+}
+
+TEST_F(ServersTest, OverTcpAndTls)
+{
+    for (const std::string name : {"board", "stranger"}) {
+        const std::string own = folder_ / name;
+        const std::string make = "openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=" + name;
+        EXPECT_EQ(
+            support::Run(make + " -keyout " + own + ".key -out " + own + ".pem 2>/dev/null").status,
+            0);
+    }
+    const std::string key = folder_ / "board.key";
+    const std::string pem = folder_ / "board.pem";
+    const OvsdbServer server(folder_, "first", Role::Alone,
+                             "--remote=ptcp:0:127.0.0.1 --remote=pssl:0:127.0.0.2 --private-key=" +
+                                 key + " --certificate=" + pem + " --ca-cert=" + pem);
+    const auto withPort = [&](const std::string& address) {
+        const auto port = support::Run("sed -n 's/.*:" + address + ": listening on port //p' " +
+                                       folder_ / "first.log" + " | tr -d '\\n'");
+        return address + ":" + port.output;
+    };
+    const std::string tls = "ssl:" + withPort("127.0.0.2");
+    const std::string own = ",private-key=" + key + ",certificate=" + pem + ",ca-certificate=";
+    uint64_t row = 0;
+    for (const auto& remote : {"tcp:" + withPort("127.0.0.1"), tls + own + pem}) {
+        OvsdbSource cluster(remote, brisk);
+        cluster.Follow();
+        cluster.Commit({{Insert, Base(++row, std::string(30, 'x') + remote.front())}});
+        ExpectSameAs(server);
+    }
+    const std::pair<const char*, const char*> refused[] = {
+        {"stranger.pem", "certificate verify failed"}, {"nobody.pem", "nobody.pem: "}};
+    for (const auto& [authority, reason] : refused) {
+        ExpectRefusal(reason, [&, vouching = folder_ / authority] {
+            OvsdbSource(tls + own + vouching, {50ms, 1000ms, 5ms, 5ms});
+        });
+    }
+}
+
+TEST_F(ServersTest, RowsOfAnyContentsGoThereAndComeBackInTheirOrder)
+{
+    const OvsdbServer server(folder_);
+    const auto rows = RandomRows(1).ForAllTables(10);
+    std::vector<RowWrite> writes;
+    for (const Row& row : rows) {
+        writes.push_back({Insert, row});
+    }
+    OvsdbSource writer(server.Remote(), brisk);
+    writer.Follow();
+    writer.Commit(writes);
+    EXPECT_EQ(AllRows(), rows);
+    standin::Reset();
+    const OvsdbSource newcomer(server.Remote(), brisk);
+    EXPECT_EQ(AllRows(), rows);
+}
+
+// ---- a cluster ----
+
+// Row 1's speed and a row of its own, in one transaction.
+std::vector<Wire> NumberedWrites(uint64_t number)
+{
+    return {{{"op", "update"},
+             {"table", "if_phy"},
+             {"where", Wire::array({Wire::array({"if_index", "==", 1})})},
+             {"row", {{"speed", number}}}},
+            NewRow("if_base",
+                   {{"if_index", number}, {"if_name", std::to_string(number)}, {"place", number}})};
+}
+
+// Row 1 went through speeds that only grow, each from the last; and each row came once, in order.
+void ExpectEveryChangeOnce(const std::vector<Change>& changes, uint64_t last)
+{
+    uint32_t speed = 0;
+    uint64_t rows = 0;
+    for (const Change& change : changes) {
+        if (change.table == "if_base") {
+            EXPECT_EQ(change.index, ++rows);
+            EXPECT_FALSE(change.before);
+        } else {
+            EXPECT_EQ(change.before, speed);
+            EXPECT_GT(change.after, speed);
+            speed = change.after.value_or(0);
+        }
+    }
+    EXPECT_EQ(rows, last);
+    EXPECT_EQ(speed, last);
+}
+
+// While somebody writes through all three servers, whichever is there.
+TEST_F(ServersTest, EveryCommittedChangeIsOneEventThoughLeadersDie)
+{
+    OvsdbServer first(folder_, "first", Role::First);
+    OvsdbServer second(folder_, "second", Role::Further);
+    OvsdbServer third(folder_, "third", Role::Further);
+    OvsdbServer* const servers[] = {&first, &second, &third};
+    // Tries again where it fails, or the answer is lost: it can't be carried out twice.
+    const auto write = [&](uint64_t number) {
+        for (uint64_t attempt = number;; ++attempt) {
+            const std::string refusal =
+                RefusalOf([&] { servers[attempt % 3]->Transact(NumberedWrites(number)); });
+            if (refusal.empty() || refusal.find("identical values") != std::string::npos) {
+                return;
+            }
+            std::this_thread::sleep_for(20ms);
+        }
+    };
+    first.Transact({NewRow("if_phy", {{"if_index", 1}})});
+    OvsdbSource cluster(first.Remote() + "," + second.Remote() + "," + third.Remote(), brisk);
+    const auto followed = [&]() -> OvsdbServer& {
+        const auto* found = std::end(servers);
+        EXPECT_TRUE(Eventually([&] {
+            found = std::ranges::find(servers, cluster.Server(), &OvsdbServer::Remote);
+            return found != std::end(servers);
+        }));
+        return **found;
+    };
+    const Events events;
+    cluster.Follow();
+    constexpr uint64_t rounds = 2, each = 150;
+    for (uint64_t round = 0; round < rounds; ++round) {
+        std::jthread writer([&] {
+            for (uint64_t i = 1; i <= each; ++i) {
+                write(round * each + i);
+            }
+        });
+        EXPECT_TRUE(Eventually([&] { return Speed(1) > round * each + each / 4; }));
+        OvsdbServer& leader = followed();
+        EXPECT_TRUE(leader.IsLeader());
+        leader.Stop(SIGKILL);
+        writer.join();
+        EXPECT_TRUE(Eventually([&] { return Speed(1) == (round + 1) * each; }));
+        EXPECT_NE(cluster.Server(), leader.Remote());
+        ExpectSameAs(followed());
+        leader.Start();
+    }
+    EXPECT_TRUE(Eventually([&] { return Events::Count("if_base") >= rounds * each; }));
+    ExpectEveryChangeOnce(Events::Take(), rounds * each);
+}
+
+}  // namespace

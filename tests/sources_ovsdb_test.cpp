@@ -1,0 +1,179 @@
+// The tables from servers, as far as it needs none, or one that talks nonsense.
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <thread>
+
+#include "sources/ovsdb/ovsdb_source.h"
+#include "support/fault_injection.h"
+#include "support/ovsdb_server.h"
+#include "support/recorded_changes.h"
+#include "support/test_system.h"
+#include "support/test_writes.h"
+
+namespace {
+
+using namespace support;
+using sources::OvsdbSource;
+using sources::ovsdb::Replica;
+
+using namespace std::chrono_literals;
+
+class ClusterTest : public PlatformTest {};
+
+TEST_F(ClusterTest, TheKeptSchemaIsUpToDate)
+{
+    EXPECT_EQ(TextOf(TARND_PROJECT_ROOT "/data/tarnd_qrb.ovsschema"),
+              sources::ovsdb::Schema().dump(2) + "\n")
+        << "to be made anew: ovsdb_schema > data/tarnd_qrb.ovsschema";
+}
+
+Wire Interface(uint64_t index, const std::string& name, const std::string& description = "")
+{
+    return {{"if_index", index}, {"if_name", name}, {"description", description}};
+}
+
+std::string Names()
+{
+    std::string names;
+    for (uint64_t index = 1; index <= 3; ++index) {
+        const auto row = standin::Find(Base(index, ""));
+        names += (row ? std::string(row->Text("if_name")) : "-") + " ";
+    }
+    return names;
+}
+
+// A row comes once it keeps the rules; one that stops keeping them stays as it was last.
+TEST_F(ClusterTest, ARowThatBreaksARuleIsReportedAndSkipped)
+{
+    Replica replica;
+    const std::string tooLong(160, 'x');  // the servers count characters, of two bytes perhaps
+    const struct {
+        Wire changes;  // of the servers' rows, each by a name of its own
+        std::string names;
+        std::string report;
+    } steps[] = {
+        {{{"a", {{"insert", Interface(1, "one", tooLong)}}},
+          {"b", {{"insert", Interface(2, "two")}}}},
+         "- two - ",
+         "if_base: if_index 1: /description: "},
+        {{{"a", {{"modify", {{"description", ""}}}}},
+          {"b", {{"modify", {{"description", tooLong}, {"if_name", "zwei"}}}}}},
+         "one two - ",
+         "if_base: if_index 2: /description: "},
+        {{{"b", {{"modify", {{"description", ""}, {"mtu", 9}}}}}}, "one zwei - ", ""},
+        // Keys change hands in one transaction.
+        {{{"a", {{"modify", {{"if_name", "zwei"}}}}}, {"b", {{"modify", {{"if_name", "one"}}}}}},
+         "zwei one - ",
+         ""},
+        // A row under one that has its key waits behind it.
+        {{{"c", {{"insert", Interface(3, "one")}}}},
+         "zwei one - ",
+         "if_base: if_index 3: another row has its key: not taken over\n"},
+        {{{"b", {{"modify", {{"if_name", "z"}}}}}}, "zwei z one ", ""},
+        {{{"a", {{"delete", nullptr}}}}, "- z one ", ""},
+    };
+    for (const auto& [changes, names, report] : steps) {
+        replica.TakeChanges({{"if_base", changes}});
+        EXPECT_EQ(Names(), names);
+        const std::string log = TakeLogText();
+        EXPECT_TRUE(log.starts_with(report) && log.empty() == report.empty()) << log;
+    }
+    replica.TakeContents({{"Fib_ConfigNhpStandard",
+                           {{"d", {{"initial", {{"nhpIndex", 7}, {"next_hop", "256"}}}}}}}});
+    EXPECT_EQ(Names(), "- - - ");
+    EXPECT_TRUE(
+        TakeLogText().starts_with("Fib.ConfigNhpStandard: nhpIndex 7: /next_hop: \"256\" is not"));
+}
+
+TEST_F(ClusterTest, ARowDeletedAndMadeAgainUnderItsKeyHasChanged)
+{
+    Replica replica;
+    const Events events;
+    replica.TakeContents({{"if_phy", {{"d", {{"initial", {{"if_index", 1}, {"speed", 5}}}}}}}});
+    replica.TakeChanges(
+        {{"if_phy",
+          {{"d", {{"delete", nullptr}}}, {"e", {{"insert", {{"if_index", 1}, {"speed", 6}}}}}}}});
+    EXPECT_TRUE(Eventually([] { return Events::Count("if_phy") >= 2; }));
+    EXPECT_EQ(Events::Take().back(), (Change{"if_phy", 1, 5, 6}));
+}
+
+TEST_F(ClusterTest, ServersAreNamedInManyWays)
+{
+    const auto servers = sources::ovsdb::ParseServers(
+        "unix:/a,tcp:h:1,ssl:[::1]:2,private-key=k,certificate=c,ca-certificate=a");
+    EXPECT_EQ(servers.all.size(), 3U);
+    EXPECT_EQ(servers.all[2].host, "::1");
+    for (const char* wrong : {"", "unix", "tcp:h", "tcp::1", "tcp:h:", "ssl:h:1", "unix:/a,x=y"}) {
+        EXPECT_THROW(sources::ovsdb::ParseServers(wrong), standin::Error) << wrong;
+    }
+    EXPECT_THROW(OvsdbSource("unix:/nowhere/socket", {200ms, 100ms, 10ms, 10ms}), standin::Error);
+}
+
+// Why a server is no good that says these words to everybody, whatever it is asked.
+std::string FaultOfServer(const std::string& words, std::chrono::milliseconds patience)
+{
+    const Folder folder;
+    const int listener = socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    (folder / "s").copy(address.sun_path, sizeof(address.sun_path) - 1);
+    EXPECT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
+    listen(listener, 8);
+    std::jthread server([&] {
+        for (int peer = 0; (peer = accept(listener, nullptr, nullptr)) >= 0; close(peer)) {
+            send(peer, words.data(), words.size(), MSG_NOSIGNAL);
+            char ignored[4096];
+            while (recv(peer, ignored, sizeof ignored, 0) > 0) {
+            }
+        }
+    });
+    const std::string fault = RefusalOf([&] {
+        OvsdbSource("unix:" + folder / "s", {patience, 20ms, 5ms, 5ms});
+    });
+    shutdown(listener, SHUT_RDWR);
+    server.join();
+    close(listener);
+    return fault;
+}
+
+TEST_F(ClusterTest, NonsenseIsReportedAndChangesNothing)
+{
+    const std::string here =
+        R"({"id":"server","error":null,"result":{"Database":{"u":{"initial":{"name":"tarnd_qrb","model":"standalone","connected":true,"leader":true}}}}})";
+    const auto contents = [&](const std::string& known, const std::string& tables) {
+        return here + R"({"id":"contents","error":null,"result":[)" + known +
+               R"(,"00000000-0000-0000-0000-000000000000",)" + tables + "]}";
+    };
+    const std::pair<std::string, std::string> nonsense[] = {
+        {"HTTP/1.0 400 Bad Request", "not JSON"},
+        {"[]", "not JSON"},
+        {"}{", "not JSON"},
+        {std::string(1000, '['), "not JSON"},
+        {R"({"id":,})", "parse error"},
+        {R"({"id":"server","result":null,"error":"unknown method"})", "unknown method"},
+        {R"({"id":"server","result":{},"error":null})", "no database"},
+        {R"({"id":7,"result":[],"error":null})", "not asked"},
+        {R"({"id":"contents","result":7,"error":null})", "cannot use"},
+        {R"({"method":"steal","params":[],"id":null})", "unasked"},
+        {here + R"({"id":"contents","error":null,"result":[]})", "out of range"},
+        {contents("false", R"({"no_table":{"a":{"initial":{}}}})"), "no_table"},
+        {contents("false", R"({"port":{"a":{"modify":{}}}})"), "initial"},
+        {contents("true", R"({"port":{"a":{"modify":{}}}})"), "never there"},
+        {contents("false", R"({"port":{"a":{"initial":{"vlan_bitmap_1":["set"]}}}})"),
+         "out of range"},
+        {here, "silent"},
+    };
+    writes::Write(writes::Insert, {Phy(1, 5)});
+    for (const auto& [words, reason] : nonsense) {
+        std::string fault = "none";
+        for (auto patience = 20ms; patience < 10s && fault.find(reason) == std::string::npos;
+             patience *= 2) {  // a busy machine takes longer
+            fault = FaultOfServer(words, patience);
+        }
+        EXPECT_NE(fault.find(reason), std::string::npos) << words << "\n" << fault;
+        EXPECT_EQ(Speed(1), 5U);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,154 @@
+// Real servers, started and stopped by a test.
+#pragma once
+
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "sources/ovsdb/ovsdb_connection.h"
+#include "sources/ovsdb/ovsdb_write.h"
+#include "support/fault_injection.h"
+#include "support/test_system.h"
+
+namespace support {
+
+using Wire = sources::ovsdb::Json;
+
+// What was written to the system log since the last call.
+inline std::string TakeLogText()
+{
+    std::string text;
+    for (const LogLine& line : TakeLog()) {
+        text += line.text;
+    }
+    return text;
+}
+
+// A new folder below /tmp, which goes with the object.
+class Folder {
+public:
+    Folder() { EXPECT_NE(mkdtemp(path_.data()), nullptr); }
+    ~Folder() { std::filesystem::remove_all(path_); }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    std::string operator/(const std::string& name) const { return path_ + "/" + name; }
+
+private:
+    std::string path_ = "/tmp/ovsdb-XXXXXX";
+};
+
+class OvsdbServer {
+public:
+    // A new database of its own, the first of a cluster, or one more of the first's; started.
+    // Options are those of the server's command line.
+    enum class Role { Alone, First, Further };
+    explicit OvsdbServer(const Folder& folder, const std::string& name = "first",
+                         Role role = Role::Alone, const std::string& options = "")
+        : base_(folder / name), options_(options)
+    {
+        const std::string schema = base_ + ".db " TARND_PROJECT_ROOT "/data/tarnd_qrb.ovsschema";
+        const std::string first = " unix:" + folder / "first.raft";
+        const std::string create =
+            role == Role::Alone   ? "create " + schema
+            : role == Role::First ? "--election-timer=200 create-cluster " + schema + first
+                                  : "join-cluster " + base_ + ".db " + sources::ovsdb::database +
+                                        " unix:" + base_ + ".raft" + first;
+        EXPECT_EQ(Run("ovsdb-tool " + create).status, 0) << create;
+        Start();
+    }
+    ~OvsdbServer()
+    {
+        if (process_ > 0) {
+            Stop(SIGKILL);
+        }
+    }
+    OvsdbServer(const OvsdbServer&) = delete;
+    OvsdbServer& operator=(const OvsdbServer&) = delete;
+
+    // Returns once it answers, and is connected to its cluster.
+    void Start()
+    {
+        const std::string command =
+            "exec ovsdb-server --no-chdir -vconsole:off -vsyslog:off --log-file=" + base_ +
+            ".log --unixctl=" + base_ + ".ctl --remote=p" + Remote() + " " + options_ + " " +
+            base_ + ".db 2>/dev/null";
+        process_ = fork();
+        if (process_ == 0) {
+            prctl(PR_SET_PDEATHSIG, SIGKILL);
+            execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+            _exit(127);
+        }
+        EXPECT_TRUE(Eventually([&] { return StateOf("connected"); })) << base_;
+    }
+    // And waits for its end.
+    void Stop(int signal)
+    {
+        Signal(signal);
+        Signal(SIGCONT);
+        waitpid(process_, nullptr, 0);
+        process_ = 0;
+    }
+    void Signal(int signal) const { kill(process_, signal); }
+
+    bool IsLeader() const { return StateOf("leader"); }
+    std::string Remote() const { return "unix:" + base_ + ".sock"; }
+
+    // The answers to the operations, each time over a connection of its own. The first refusal is
+    // an exception, and so is the loss of the connection.
+    Wire Transact(const std::vector<Wire>& operations,
+                  const char* name = sources::ovsdb::database) const
+    {
+        using namespace sources::ovsdb;
+        constexpr Milliseconds patience(10'000);
+        Connection connection(Stream(ParseServers(Remote()).all[0], TlsContext({}), -1, patience),
+                              patience);
+        std::vector<Wire> parameters{name};
+        parameters.insert(parameters.end(), operations.begin(), operations.end());
+        connection.Send(Wire{{"id", 1}, {"method", "transact"}, {"params", parameters}}.dump());
+        Wire answer;
+        while (answer.is_null()) {
+            connection.Attend(-1, -1, [&](const Wire& message) { answer = message; });
+        }
+        Wire results = answer.at("result");
+        for (const Wire& result : results) {
+            if (const std::string reason = ReasonIn(result); !reason.empty()) {
+                throw std::runtime_error(reason);
+            }
+        }
+        return results;
+    }
+
+private:
+    // Of the database; false where nobody answers.
+    bool StateOf(const char* column) const
+    {
+        try {
+            const Wire name = Wire::array({"name", "==", sources::ovsdb::database});
+            return Transact(
+                       {{{"op", "select"}, {"table", "Database"}, {"where", Wire::array({name})}}},
+                       "_Server")
+                .at(0)
+                .at("rows")
+                .at(0)
+                .at(column);
+        } catch (const std::exception&) {
+            return false;
+        }
+    }
+
+    const std::string base_;
+    const std::string options_;
+    pid_t process_ = 0;
+};
+
+}  // namespace support
