@@ -20,8 +20,7 @@ std::string_view PrimaryKey(const Row& row)
     return KeyBytes(row, row.Description().keys.front());
 }
 
-void MirrorTable(Transaction& transaction, const Table& table, const Rows& wanted,
-                 const MayStay& mayStay)
+void MirrorTable(Transaction& transaction, const Table& table, const Rows& wanted)
 {
     std::unordered_map<std::string_view, const Row*> missing;
     for (const Row& row : wanted) {
@@ -34,8 +33,7 @@ void MirrorTable(Transaction& transaction, const Table& table, const Rows& wante
         const auto keepsKey = [&](const Key& key) {
             return KeyBytes(row, key) == KeyBytes(*found->second, key);
         };
-        if (found == missing.end() || !std::ranges::all_of(table.keys, keepsKey) ||
-            !mayStay(row, *found->second)) {
+        if (found == missing.end() || !std::ranges::all_of(table.keys, keepsKey)) {
             transaction.Delete(row);
             return;
         }

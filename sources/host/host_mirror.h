@@ -7,6 +7,8 @@
 namespace sources {
 
 void MirrorLinks(standin::Transaction& transaction, const std::vector<Link>& links);
-void MirrorForwarding(standin::Transaction& transaction, const ForwardingRows& wanted);
+void MirrorRoutes(standin::Transaction& transaction, Forwarding& forwarding,
+                  std::vector<Route> routes);
+void MirrorNextHops(standin::Transaction& transaction, const Forwarding& forwarding);
 
 }  // namespace sources

@@ -38,11 +38,13 @@ Row RowOf(std::string_view table, uint32_t interface)
     return Row(table).Set("if_index", interface);
 }
 
-// Of the routes to one destination, only the one with the lowest metric; longest prefixes first.
+constexpr uint32_t LONGEST_PREFIX = 32;
+
+// Of the routes to one destination, keeps only the one with the lowest metric.
 void KeepBest(std::vector<Route>& routes)
 {
     const auto place = [](const Route& route) {
-        return std::tuple(-route.prefixLength, route.destination, route.metric);
+        return std::tuple(route.prefixLength, route.destination, route.metric);
     };
     const auto sameDestination = [](const Route& one, const Route& other) {
         return std::tie(one.prefixLength, one.destination) ==
@@ -91,42 +93,56 @@ Rows AddressRows(const std::vector<Address>& addresses)
     return all;
 }
 
-uint32_t Forwarding::NumberOf(const Group& group, ForwardingRows& rows)
+Rows Forwarding::ForwardRows(std::vector<Route> routes, Time now)
 {
-    const auto [groupNumber, firstOfGroup] = groups_.Of(group);
-    if (!firstOfGroup) {
-        return groupNumber;
-    }
-    for (const NextHop& hop : group) {
-        const auto [hopNumber, firstOfHop] = nextHops_.Of(hop);
-        rows.groupNodes.push_back(Row("Fib.ConfigNhpGroupNode")
-                                      .Set("nhpGroupId", groupNumber)
-                                      .Set("primaryNhpId", hopNumber));
-        if (firstOfHop) {
-            rows.nextHops.push_back(Row("Fib.ConfigNhpStandard")
-                                        .Set("nhpIndex", hopNumber)
-                                        .Set("next_hop", hop.gateway)
-                                        .Set("out_if_index", hop.interface));
-        }
-    }
-    return groupNumber;
-}
-
-ForwardingRows Forwarding::RowsOf(std::vector<Route> routes)
-{
-    constexpr uint32_t noGroup = 0;  // a group without members: an inquiry fails
-    ForwardingRows rows;
+    constexpr uint32_t NO_GROUP = 0;  // a group without members: an inquiry fails
+    Rows rows;
     KeepBest(routes);
     for (const Route& route : routes) {
-        const uint32_t group = route.nextHops.empty() ? noGroup : NumberOf(route.nextHops, rows);
-        rows.forwards.push_back(Row("Fib.ConfigIpv4Fwd")
-                                    .Set("destAddr", route.destination)
-                                    .Set("prefixLen", route.prefixLength)
-                                    .Set("nhpGroupId", group));
+        for (const NextHop& hop : route.nextHops) {
+            nextHops_.Of(hop);
+        }
+        const uint32_t group = route.nextHops.empty() ? NO_GROUP : groups_.Of(route.nextHops);
+        rows.push_back(Row("Fib.ConfigIpv4Fwd")
+                           .Set("destAddr", route.destination)
+                           .Set("prefixLen", route.prefixLength)
+                           .Set("nhpGroupId", group)
+                           .SetRank(LONGEST_PREFIX - route.prefixLength));
     }
-    groups_.NextRound();
-    nextHops_.NextRound();
+    groups_.EndRound(now);
+    nextHops_.EndRound(now);
     return rows;
+}
+
+Rows Forwarding::GroupNodeRows() const
+{
+    Rows rows;
+    groups_.ForEach([&](const Group& group, uint32_t number) {
+        for (const NextHop& hop : group) {
+            rows.push_back(Row("Fib.ConfigNhpGroupNode")
+                               .Set("nhpGroupId", number)
+                               .Set("primaryNhpId", nextHops_.NumberOf(hop)));
+        }
+    });
+    return rows;
+}
+
+Rows Forwarding::NextHopRows() const
+{
+    Rows rows;
+    nextHops_.ForEach([&](const NextHop& hop, uint32_t number) {
+        rows.push_back(Row("Fib.ConfigNhpStandard")
+                           .Set("nhpIndex", number)
+                           .Set("next_hop", hop.gateway)
+                           .Set("out_if_index", hop.interface));
+    });
+    return rows;
+}
+
+void Forwarding::Expire(Time now)
+{
+    groups_.Expire(now);
+    nextHops_.Expire(now);
 }
 
 }  // namespace sources

@@ -44,7 +44,8 @@ void HostSource::Run(const std::stop_token& stop)
     while (!stop.stop_requested()) {
         pollfd waitedFor[] = {{notifications_.Descriptor(), POLLIN, 0},
                               {stopEvent_.Descriptor(), POLLIN, 0}};
-        poll(waitedFor, std::size(waitedFor), mustReadEverything_ ? retryAfter : forever);
+        const bool hasWork = mustReadEverything_ || forwarding_.HasUnused();
+        poll(waitedFor, std::size(waitedFor), hasWork ? retryAfter : forever);
         try {
             TakeChanges();
         } catch (const std::exception& error) {
@@ -65,7 +66,17 @@ void HostSource::TakeChanges()
         standin::Transaction transaction;
         ReadAddressesAndRoutes(transaction);
         transaction.Commit();
+    } else if (forwarding_.HasUnused()) {
+        RemoveUnusedNextHops();
     }
+}
+
+void HostSource::RemoveUnusedNextHops()
+{
+    standin::Transaction transaction;
+    forwarding_.Expire(std::chrono::steady_clock::now());
+    MirrorNextHops(transaction, forwarding_);
+    transaction.Commit();
 }
 
 // A change from before the last reading may not fit the rows any more: another link may have its
@@ -97,7 +108,7 @@ void HostSource::ReadAddressesAndRoutes(standin::Transaction& transaction)
     kernel_.Settle();
     MirrorTable(transaction, *standin::FindTable("am_ipv4_address"),
                 AddressRows(kernel_.Addresses()));
-    MirrorForwarding(transaction, forwarding_.RowsOf(kernel_.Routes()));
+    MirrorRoutes(transaction, forwarding_, kernel_.Routes());
 }
 
 }  // namespace sources

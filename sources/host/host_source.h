@@ -31,6 +31,7 @@ private:
     void Run(const std::stop_token& stop);
     void TakeChanges();
     void MirrorChanges(const std::vector<LinkChange>& changes);
+    void RemoveUnusedNextHops();
     void ReadEverything();
     void ReadAddressesAndRoutes(standin::Transaction& transaction);
 
