@@ -32,7 +32,7 @@ int main()
             CALLGRIND_ZERO_STATS;
             call.run();
             if (counted) {
-                CALLGRIND_DUMP_STATS_AT(call.Name().c_str());
+                CALLGRIND_DUMP_STATS_AT(call.Function().c_str());
             }
             Maybe(call.after);
         }

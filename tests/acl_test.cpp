@@ -42,30 +42,30 @@ constexpr uint16_t VSYSID = 2;
 Calls AclCalls()
 {
     return {
-        {CALL(ACL_IsACLNodeExistByNumber, VSID, VSYSID, 3000U, Out32())},
-        {CALL(ACLIPv6_IsACLNodeExistByNumber, VSID, VSYSID, 3000U, Out32())},
-        {CALL(ACL_IsExist, VSID, VSYSID, 3000U, nullptr, Out32())},
-        {CALL(ACLIPv6_IsExist, VSID, VSYSID, 3000U, "web", Out32())},
-        {CALL(ACL_DB_ScanAclGroupId, session, Out32(), 0U), [] { Positioned("acl_group"); }, Closed},
-        {CALL(ACL_GetRuleCount, VSID, VSYSID, 3000U, Out32{0})},
-        {CALL(ACLIPv6_GetRuleCount, VSID, VSYSID, 3000U, Out32{0})},
-        {CALL(ACL_GetNameByGroupId, 1U, OutText())},
-        {CALL(ACLIPv6_GetNameByGroupId, 1U, OutText())},
-        {CALL(BDS_AclGetAclNumberByName, "web", uint8_t{4}, 0U, 0U, Out32())},
+        {CALL(ACL_IsACLNodeExistByNumber, VSID, VSYSID, 3000U, Out32()), "1 1"},
+        {CALL(ACLIPv6_IsACLNodeExistByNumber, VSID, VSYSID, 3000U, Out32()), "1 2"},
+        {CALL(ACL_IsExist, VSID, VSYSID, 3000U, nullptr, Out32()), "1 1"},
+        {CALL(ACLIPv6_IsExist, VSID, VSYSID, 3000U, "web", Out32()), "1 2"},
+        {CALL(ACL_DB_ScanAclGroupId, session, Out32(), 0U), "0 1", [] { Positioned("acl_group"); }, Closed},
+        {CALL(ACL_GetRuleCount, VSID, VSYSID, 3000U, Out32{0}), "0 2"},
+        {CALL(ACLIPv6_GetRuleCount, VSID, VSYSID, 3000U, Out32{0}), "0 2"},
+        {CALL(ACL_GetNameByGroupId, 1U, OutText()), "0 web"},
+        {CALL(ACLIPv6_GetNameByGroupId, 1U, OutText()), "0 web"},
+        {CALL(BDS_AclGetAclNumberByName, "web", uint8_t{4}, 0U, 0U, Out32()), "0 3000"},
     };
 }
 
 Calls QosCalls()
 {
     return {
-        {CALL(QOS_GetProfileIdByName, 0U, "silver", Out32())},
-        {CALL(QOS_GetIdByName, session, "gold", Out32()), [] { Positioned("qos_integration"); }, Closed},
-        {CALL(QOS_SetQosIntePk, OutSession(), 1U), {}, Closed},
-        {CALL(QOS_GetDscp, node, OutRemarks()), [] { OnList("remark_dscp_list"); }, Closed},
-        {CALL(QOS_Get8021, node, OutRemarks()), [] { OnList("remark_8021p_list"); }, Closed},
-        {CALL(QOS_GetRemarkInfo, 0U, 1U, OutRemarks())},
-        {CALL(QOS_GetCarInfo, 0U, 1U, OutCars())},
-        {CALL(QOS_AssignCars, OutCars(), 0U, 10U, 20U, 30U, 40U)},
+        {CALL(QOS_GetProfileIdByName, 0U, "silver", Out32()), "0 2"},
+        {CALL(QOS_GetIdByName, session, "gold", Out32()), "0 1", [] { Positioned("qos_integration"); }, Closed},
+        {CALL(QOS_SetQosIntePk, OutSession(), 1U), "0 open", {}, Closed},
+        {CALL(QOS_GetDscp, node, OutRemarks()), "0 1 1 40 41 - - -", [] { OnList("remark_dscp_list"); }, Closed},
+        {CALL(QOS_Get8021, node, OutRemarks()), "0 1 - - - 1 5 6", [] { OnList("remark_8021p_list"); }, Closed},
+        {CALL(QOS_GetRemarkInfo, 0U, 1U, OutRemarks()), "0 1 1 40 41 1 5 6"},
+        {CALL(QOS_GetCarInfo, 0U, 1U, OutCars()), "0 1 1 10 30 20 40 1 11 31 21 41"},
+        {CALL(QOS_AssignCars, OutCars(), 0U, 10U, 20U, 30U, 40U), "done - 1 10 30 20 40 - - - - -"},
     };
 }
 

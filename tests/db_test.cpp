@@ -33,18 +33,18 @@ uint32_t Unscoped(ORM_SESSION in, void* /*context*/)
 Calls DatabaseCalls()
 {
     return {
-        {CALL(Tarn_QRB_Log_Printf, 3U, "Tarn_QRB_Log_Printf", 1U, "%u\n", 5U)},
-        {CALL(QRB_DB_InitOrm)},
-        {CALL(QRB_CreatDbSession, "if_base", QRB_ORM_OP_SCAN, OutSession()), {}, Closed},
-        {CALL(QRB_DB_SESSION_SetKey, session, QRB_ORM_OP_READ, "if_phy", &IF_INDEX, SetIfIndex), Opened, Closed},
-        {CALL(QRB_DB_SESSION_Get, session, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), Opened, Closed},
-        {CALL(QRB_DB_Get, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot)},
-        {CALL(QRB_DB_SESSION_Scan, session, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(),
-              "vlan_scope0 = 0", nullptr), Opened, Closed},
-        {CALL(QRB_DB_SESSION_Scan, session, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(),
-              nullptr, Unscoped), Opened, Closed},
-        {CALL(QRB_DB_Scan, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(), nullptr, nullptr)},
-        {CALL(QRB_DB_TransStringToHexNumString, "ab", OutText(), 2)},
+        {CALL(Tarn_QRB_Log_Printf, 3U, "Tarn_QRB_Log_Printf", 1U, "%u\n", 5U), R"(done | 5\n)"},
+        {CALL(QRB_DB_InitOrm), "0"},
+        {CALL(QRB_CreatDbSession, "if_base", QRB_ORM_OP_SCAN, OutSession()), "1 open", {}, Closed},
+        {CALL(QRB_DB_SESSION_SetKey, session, QRB_ORM_OP_READ, "if_phy", &IF_INDEX, SetIfIndex), "0", Opened, Closed},
+        {CALL(QRB_DB_SESSION_Get, session, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), "0 1.2.3.4", Opened, Closed},
+        {CALL(QRB_DB_Get, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), "0 1.2.3.4"},
+        {CALL_AS(", condition given", QRB_DB_SESSION_Scan, session, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(),
+              "vlan_scope0 = 0", nullptr), "0 10 2", Opened, Closed},
+        {CALL_AS(", condition set by a callback", QRB_DB_SESSION_Scan, session, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(),
+              nullptr, Unscoped), "0 10 2", Opened, Closed},
+        {CALL(QRB_DB_Scan, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(), nullptr, nullptr), "0 10 2"},
+        {CALL(QRB_DB_TransStringToHexNumString, "ab", OutText(), 2), "0 0x6162"},
     };
 }
 // clang-format on

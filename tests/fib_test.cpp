@@ -22,15 +22,15 @@ using OutNextHops = Out<FIB_NHP_S, 2, &FIB_NHP_S::firstValue, &FIB_NHP_S::second
 Calls RouteCalls()
 {
     return {
-        {CALL(FIB_ScanIp4Forward, DESTINATION, Out32())},
-        {CALL(FIB_ScanNhpGroupNodeValidate, OutSession(), OutScan()), {}, Closed},
-        {CALL(FIB_ScanNhpGroupNode, 1U, OutIndexes(), uint8_t{0}, Out32())},
-        {CALL(FIB_ScanNhpGroupNode, 1U, OutIndexes(), uint8_t{1}, Out32{0})},
-        {CALL(FIB_ScanNhpStd, 101U, Out32(), Out32())},
-        {CALL(FIB_InquiryRoute, &KEY, OutNextHops())},
-        {CALL(FIB_InquiryRoutes, &KEY, OutNextHops(), Out32{3})},
-        {CALL(FIB_AM_PrefixMatch, &PREFIX, &PROBE)},
-        {CALL(FIB6_InquiryRe6, nullptr, nullptr)},
+        {CALL(FIB_ScanIp4Forward, DESTINATION, Out32()), "0 1"},
+        {CALL(FIB_ScanNhpGroupNodeValidate, OutSession(), OutScan()), "0 open open", {}, Closed},
+        {CALL_AS(", first member", FIB_ScanNhpGroupNode, 1U, OutIndexes(), uint8_t{0}, Out32()), "0 101 - -"},
+        {CALL_AS(", all members", FIB_ScanNhpGroupNode, 1U, OutIndexes(), uint8_t{1}, Out32{0}), "0 101 102 2 | OrmScanNext ret:0, isEof:1. session: 0, scan: 0"},
+        {CALL(FIB_ScanNhpStd, 101U, Out32(), Out32()), "0 1001 1"},
+        {CALL(FIB_InquiryRoute, &KEY, OutNextHops()), "0 1001 1 - -"},
+        {CALL(FIB_InquiryRoutes, &KEY, OutNextHops(), Out32{3}), "0 1001 1 1002 2 2 | FIB_ScanNhpGroupNode: OrmScanNext ret:0, isEof:1. session: 0, scan: 0"},
+        {CALL(FIB_AM_PrefixMatch, &PREFIX, &PROBE), "1"},
+        {CALL(FIB6_InquiryRe6, nullptr, nullptr), R"(0 | STUB for FIB6_InquiryRe6\n)"},
     };
 }
 // clang-format on

@@ -28,31 +28,31 @@ void OnItem()
 Calls AddressCalls()
 {
     return {
-        {"BDS_IPGetIpv4AddrTblByIfIndex", [] {
+        {"BDS_IPGetIpv4AddrTblByIfIndex", "", [] {
              session            = 0;
              const uint32_t ret = BDS_IPGetIpv4AddrTblByIfIndex(&session, &IF_INDEX);
              session            = ret == 0 ? session : 0;
              return Text(ret);
-         }, {}, Closed},
-        {CALL(BDS_IPGetIpv4AddrTblItem, node, OutItem()), OnItem, Closed},
-        {CALL(BDS_IPGetMainIpByIfIndex, 1U, Out32(), Out32())},
+         }, "0", {}, Closed},
+        {CALL(BDS_IPGetIpv4AddrTblItem, node, OutItem()), "0 10.0.0.1 24 6", OnItem, Closed},
+        {CALL(BDS_IPGetMainIpByIfIndex, 1U, Out32(), Out32()), "0 10.0.0.2 25"},
 
-        {CALL(IP_GetMainIpAddr, 1U, Out32(), Out32())},
-        {CALL(IP_GetMask, 1U, 0x0A000002U, Out32())},
-        {CALL(BDS_IPGetIFBestMatchIpAddr, 1U, 0x0A000009U, Out32(), Out32(), Out32())},
-        {CALL(BDS_IPGetIFBestMatchIpAddr, 4U, 0x0A000009U, Out32(), Out32(), Out32())},
-        {CALL(BDS_IPv6GetValidGlobalAddrByIfIndex, 1U, Out8())},
-        {CALL(IP6_Addr_GetValidGlobalAddrOnIf, 1U, Out8())},
+        {CALL(IP_GetMainIpAddr, 1U, Out32(), Out32()), "0 10.0.0.2 25"},
+        {CALL(IP_GetMask, 1U, 0x0A000002U, Out32()), "0 255.255.255.128"},
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 1U, 0x0A000009U, Out32(), Out32(), Out32()), "0 25 10.0.0.0 10.0.0.2"},
+        {CALL_AS(", no address", BDS_IPGetIFBestMatchIpAddr, 4U, 0x0A000009U, Out32(), Out32(), Out32()), "1 - - - | There is no ip address on interface!"},
+        {CALL(BDS_IPv6GetValidGlobalAddrByIfIndex, 1U, Out8()), "1 -"},
+        {CALL(IP6_Addr_GetValidGlobalAddrOnIf, 1U, Out8()), "0 -"},
 
-        {CALL(SYSAPI_GetIp4AddrNumByIf, 1U)},
-        {CALL(SYSAPI_GetIp4AllAddrByIf, 1U, OutAddresses(), 2U)},
-        {CALL(BDS_IPIFIsThisIfIpAddr, 1U, 0x0A000002U)},
-        {CALL(BDS_IPIFGetThisIfIpAddr, 1U, Out<uint32_t, 2>(), 2U, Out32())},
-        {CALL(BDS_IPGetFirstIpByIfIndex, 1U, Out32())},
+        {CALL(SYSAPI_GetIp4AddrNumByIf, 1U), "2"},
+        {CALL(SYSAPI_GetIp4AllAddrByIf, 1U, OutAddresses(), 2U), "0 10.0.0.1 24 10.0.0.2 25"},
+        {CALL(BDS_IPIFIsThisIfIpAddr, 1U, 0x0A000002U), "1"},
+        {CALL(BDS_IPIFGetThisIfIpAddr, 1U, Out<uint32_t, 2>(), 2U, Out32()), "0 10.0.0.1 10.0.0.2 2"},
+        {CALL(BDS_IPGetFirstIpByIfIndex, 1U, Out32()), "0 10.0.0.1"},
 
-        {CALL(IP_GetIfindexbyIpAddr, 0x0A000002U, 0U, Out32())},
-        {CALL(BDS_IPGetIfindexbyIpAddr, 0x0A000002U, 0U, Out32())},
-        {CALL(BDS_IPIsLocalIfAddr, 0x0A000002U, 0U)},
+        {CALL(IP_GetIfindexbyIpAddr, 0x0A000002U, 0U, Out32()), "0 1"},
+        {CALL(BDS_IPGetIfindexbyIpAddr, 0x0A000002U, 0U, Out32()), "0 1"},
+        {CALL(BDS_IPIsLocalIfAddr, 0x0A000002U, 0U), "1"},
     };
 }
 // clang-format on

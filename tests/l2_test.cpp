@@ -14,14 +14,16 @@ namespace {
 // One step of a walk that this first step has begun, or of one that is not. A walk that is open has
 // a session and a scan.
 template <typename Function, typename... Arguments>
-Call StepOf(const char* title, uint32_t (*first)(uint32_t*), Function function,
+Call StepOf(const char* name, const char* expected, uint32_t (*first)(uint32_t*), Function function,
             Arguments... arguments)
 {
-    return {title,
+    return {name,
+            "",
             [=] {
-                const std::string answer = Run(function, arguments...);
-                return answer + (support::OpenHandles() == 2 ? " open" : " closed");
+                const std::string result = Run(function, arguments...);
+                return result + (support::OpenHandles() == 2 ? " open" : " closed");
             },
+            expected,
             [=] {
                 uint32_t value = 0;
                 EXPECT_EQ(first == nullptr ? 0 : first(&value), 0U);
@@ -34,7 +36,8 @@ Call StepOf(const char* title, uint32_t (*first)(uint32_t*), Function function,
                 }
             }};
 }
-#define STEP(first, function, ...) StepOf(#function, first, function __VA_OPT__(, ) __VA_ARGS__)
+#define STEP(expected, first, function, ...) \
+    StepOf(#function, expected, first, function __VA_OPT__(, ) __VA_ARGS__)
 
 }  // namespace
 
@@ -42,46 +45,46 @@ Call StepOf(const char* title, uint32_t (*first)(uint32_t*), Function function,
 Calls Layer2Calls()
 {
     return {
-        {CALL(VLAN_IsVlanActive, uint16_t{10})},
-        {CALL(BDS_L2IF_VLAN_IsActive, uint16_t{10})},
-        {CALL(VLAN_IsVlanUsed, uint16_t{10})},
-        {CALL(BDS_L2IF_VLAN_IsUsed, uint16_t{10})},
-        {CALL(VLAN_IsPortInVlan, 1U, uint16_t{10})},
-        {CALL(BDS_L2IF_VP_PortIsInVlan, 1U, uint16_t{10})},
-        {CALL(BDS_L2IF_VP_PortIsInVlanWithTag, 1U, uint16_t{10})},
-        {CALL(VLAN_PortIndex2PortIdx, 0x100U)},
-        {CALL(L2IF_GetPVIDByIfIndex, 1U, Out16())},
-        {CALL(L2IF_VLAN_GetDescript, uint16_t{10}, OutText())},
-        {CALL(L2IF_SH_VLAN_GetVlanidByName, "red", Out16())},
-        {CALL(L2IF_DB_ScanVlanId, session, Out16(), 0U), [] { Positioned("vlan"); }, Closed},
+        {CALL(VLAN_IsVlanActive, uint16_t{10}), "0"},
+        {CALL(BDS_L2IF_VLAN_IsActive, uint16_t{10}), "1"},
+        {CALL(VLAN_IsVlanUsed, uint16_t{10}), "0"},
+        {CALL(BDS_L2IF_VLAN_IsUsed, uint16_t{10}), "1"},
+        {CALL(VLAN_IsPortInVlan, 1U, uint16_t{10}), "0"},
+        {CALL(BDS_L2IF_VP_PortIsInVlan, 1U, uint16_t{10}), "1"},
+        {CALL(BDS_L2IF_VP_PortIsInVlanWithTag, 1U, uint16_t{10}), R"(0 | STUB for BDS_L2IF_VP_PortIsInVlanWithTag\n)"},
+        {CALL(VLAN_PortIndex2PortIdx, 0x100U), "1"},
+        {CALL(L2IF_GetPVIDByIfIndex, 1U, Out16()), "0 10"},
+        {CALL(L2IF_VLAN_GetDescript, uint16_t{10}, OutText()), "0 red floor"},
+        {CALL(L2IF_SH_VLAN_GetVlanidByName, "red", Out16()), "0 10"},
+        {CALL(L2IF_DB_ScanVlanId, session, Out16(), 0U), "0 20", [] { Positioned("vlan"); }, Closed},
 
-        {CALL(BDS_L2IF_VLAN_GetIfIndexByVlanId, uint16_t{10}, Out32())},
-        {CALL(BDS_L2_VlanGetIfIndex, uint16_t{10}, Out32())},
-        {CALL(BDS_L2IF_VLAN_GetVlanIfIndex, uint16_t{10})},
-        {CALL(BDS_IfnetGetVlanIdByIfName, "Vlanif10", OutText(), 64U)},
-        {CALL(BDS_IfnetGetVlanIdByIfIndex, 2U, Out32())},
+        {CALL(BDS_L2IF_VLAN_GetIfIndexByVlanId, uint16_t{10}, Out32()), "0 10010"},
+        {CALL(BDS_L2_VlanGetIfIndex, uint16_t{10}, Out32()), "0 2"},
+        {CALL(BDS_L2IF_VLAN_GetVlanIfIndex, uint16_t{10}), "2"},
+        {CALL(BDS_IfnetGetVlanIdByIfName, "Vlanif10", OutText(), 64U), "0 10"},
+        {CALL(BDS_IfnetGetVlanIdByIfIndex, 2U, Out32()), "0 10"},
 
-        STEP(nullptr, QRB_GetFirstIfIndex, Out32()),
-        StepOf("QRB_GetFirstIfIndex, begun already", QRB_GetFirstIfIndex, QRB_GetFirstIfIndex, Out32()),
-        STEP(QRB_GetFirstIfIndex, QRB_GetNextIfIndex, Out32()),
-        STEP(QRB_GetFirstIfIndex, QRB_ScanIfIndexFinish),
-        STEP(nullptr, IF_INTF_GetFirstIfIndex, Out32()),
-        STEP(QRB_GetFirstIfIndex, IF_INTF_GetNextIfIndex, 9U, Out32()),
-        STEP(QRB_GetFirstIfIndex, IF_INTF_ScanFinish),
-        STEP(nullptr, QRB_GetFirstPort, Out32()),
-        StepOf("QRB_GetFirstPort, begun already", QRB_GetFirstPort, QRB_GetFirstPort, Out32()),
-        STEP(QRB_GetFirstPort, QRB_GetNextPort, Out32()),
-        STEP(QRB_GetFirstPort, QRB_ScanPortFinish),
-        STEP(nullptr, L2IF_GetFirstPort, Out32()),
-        STEP(QRB_GetFirstPort, L2IF_GetNextPort, Out32()),
-        STEP(QRB_GetFirstPort, L2IF_ScanFinish),
-        STEP(nullptr, QRB_GetFirstVlan, Out32()),
-        StepOf("QRB_GetFirstVlan, begun already", QRB_GetFirstVlan, QRB_GetFirstVlan, Out32()),
-        STEP(QRB_GetFirstVlan, QRB_GetNextVlan, Out32()),
-        STEP(QRB_GetFirstVlan, QRB_ScanVlanFinish),
-        STEP(nullptr, L2IF_GetFirstVlan, Out16()),
-        STEP(QRB_GetFirstVlan, L2IF_GetNextVlan, Out16()),
-        STEP(QRB_GetFirstVlan, L2IF_ScanVlanFinish),
+        STEP("0 1 open", nullptr, QRB_GetFirstIfIndex, Out32()),
+        StepOf("QRB_GetFirstIfIndex, already begun", "1 - open", QRB_GetFirstIfIndex, QRB_GetFirstIfIndex, Out32()),
+        STEP("0 2 open", QRB_GetFirstIfIndex, QRB_GetNextIfIndex, Out32()),
+        STEP("0 closed", QRB_GetFirstIfIndex, QRB_ScanIfIndexFinish),
+        STEP("0 1 open", nullptr, IF_INTF_GetFirstIfIndex, Out32()),
+        STEP("0 2 open", QRB_GetFirstIfIndex, IF_INTF_GetNextIfIndex, 9U, Out32()),
+        STEP("0 closed", QRB_GetFirstIfIndex, IF_INTF_ScanFinish),
+        STEP("0 256 open", nullptr, QRB_GetFirstPort, Out32()),
+        StepOf("QRB_GetFirstPort, already begun", "1 - open", QRB_GetFirstPort, QRB_GetFirstPort, Out32()),
+        STEP("0 512 open", QRB_GetFirstPort, QRB_GetNextPort, Out32()),
+        STEP("0 closed", QRB_GetFirstPort, QRB_ScanPortFinish),
+        STEP("0 256 open", nullptr, L2IF_GetFirstPort, Out32()),
+        STEP("0 512 open", QRB_GetFirstPort, L2IF_GetNextPort, Out32()),
+        STEP("0 closed", QRB_GetFirstPort, L2IF_ScanFinish),
+        STEP("0 20 open", nullptr, QRB_GetFirstVlan, Out32()),
+        StepOf("QRB_GetFirstVlan, already begun", "1 - open", QRB_GetFirstVlan, QRB_GetFirstVlan, Out32()),
+        STEP("0 10 open", QRB_GetFirstVlan, QRB_GetNextVlan, Out32()),
+        STEP("0 closed", QRB_GetFirstVlan, QRB_ScanVlanFinish),
+        STEP("0 20 open", nullptr, L2IF_GetFirstVlan, Out16()),
+        STEP("0 10 open", QRB_GetFirstVlan, L2IF_GetNextVlan, Out16()),
+        STEP("0 closed", QRB_GetFirstVlan, L2IF_ScanVlanFinish),
     };
 }
 // clang-format on
@@ -107,7 +110,8 @@ TEST_F(Vlan, IsActiveInAnyScopeUntilAnOddStateEndsTheSearch)
     EXPECT_TRUE(support::TakeLog().empty());
     support::FailCall("OrmScanNext", 4, 9);  // behind the odd state
     EXPECT_EQ(VLAN_IsVlanActive(20), 1U);
-    EXPECT_EQ(support::TakeMessages(), Lines{"VLAN_IsVlanActive: DB error: 9\n"});
+    EXPECT_EQ(support::TakeMessages(),
+              std::vector<std::string>{"VLAN_IsVlanActive: DB error: 9\n"});
 }
 
 // The position is the second byte of the port's index. Ports that are absent stand in position 0.

@@ -1,4 +1,3 @@
-// The device, and places in it.
 #include "support/example_calls.h"
 
 #include <algorithm>
@@ -80,10 +79,25 @@ void DeviceTest::SetUp()
     Load(support::TextOf(TARND_PROJECT_ROOT "/tests/data/device.json"));
 }
 
-Outcome Perform(const Call& call, const Fault* fault)
+namespace {
+
+// A line of the log, "Function: text" or "text", as seen from this function.
+std::string SeenFrom(const std::string& function, const std::string& line)
 {
+    static const std::regex named(R"(^\w*(_|DbListener)\w*: )");
     static const std::regex descriptor("(F|f)d=-?[0-9]+");
 
+    const std::string text = std::regex_replace(line, descriptor, "$1d=N");
+    if (text.starts_with(function + ": ")) {
+        return text.substr(function.size() + 2);
+    }
+    return std::regex_search(text, named) ? text : "-: " + text;
+}
+
+}  // namespace
+
+std::vector<std::string> Perform(const Call& call, const Fault* fault)
+{
     const int before = support::OpenHandles() + support::LibraryBlocks();
     support::WatchPlatform(false);
     if (call.before) {
@@ -92,32 +106,38 @@ Outcome Perform(const Call& call, const Fault* fault)
     support::TakeLog();
     support::ResetPlatform();
     if (fault != nullptr) {
-        const std::string& operation = fault->operations.back();
-        const auto nth = std::ranges::count(fault->operations, operation);
-        support::FailCall(operation, static_cast<unsigned>(nth), fault->code,
-                          IsLogging(operation) ? support::CleanUp::Works : fault->cleanUps);
+        support::FailCall(fault->operation, fault->nth, fault->code, fault->cleanUps);
     }
     support::WatchPlatform(true);
-    Outcome outcome = {call.run()};
+    std::vector<std::string> outcome = {call.run()};
     for (const std::string& line : support::TakeComplaints()) {
-        outcome.push_back(std::regex_replace(line, descriptor, "$1d=N"));
+        outcome.push_back(SeenFrom(call.Function(), line));
     }
     support::WatchPlatform(false);
     if (call.after) {
         call.after();
     }
-    const int after = support::OpenHandles() + support::LibraryBlocks();
-    if (after != before) {
-        outcome.push_back("leaves behind " + std::to_string(after - before));
-    }
+    EXPECT_EQ(support::OpenHandles() + support::LibraryBlocks(), before)
+        << call.name << " leaves something open or allocated";
     return outcome;
 }
 
-void Expect(const std::vector<Question>& questions)
+std::string Rendered(const std::vector<std::string>& outcome)
 {
-    for (const auto& [title, run, outcome] : questions) {
-        const Call call = {title, run};
-        EXPECT_EQ(Perform(call), ReadOutcome(outcome, call.Name())) << title;
+    std::string text;
+    for (const std::string& part : outcome) {
+        text += (text.empty() ? "" : " | ") + part;
+    }
+    for (size_t at = 0; (at = text.find('\n', at)) != std::string::npos;) {
+        text.replace(at, 1, "\\n");
+    }
+    return text;
+}
+
+void Expect(const Calls& calls)
+{
+    for (const Call& call : calls) {
+        EXPECT_EQ(Rendered(Perform(call)), call.expected) << call.name << call.arguments;
     }
 }
 

@@ -1,13 +1,10 @@
-// Every exported call with example arguments on a small device. What it answers and logs there, and
-// what it comes to when one of its steps fails, stands in docs/failures, under the call as it
-// stands here; docs/failures.md tells how to read it.
+// Every exported function, called with example arguments on a small device (data/device.json).
 #pragma once
 
 #include <cstdint>
 #include <cstring>
 #include <functional>
 #include <initializer_list>
-#include <set>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -19,15 +16,15 @@
 
 namespace calls {
 
-using Lines = std::vector<std::string>;
-
 struct Call {
-    std::string title;                  // in docs/failures: the name, and what tells it from others
-    std::function<std::string()> run;   // the answer
-    std::function<void()> before = {};  // what run needs; not watched
+    std::string name;                   // the function; a suffix distinguishes several calls of one
+    std::string arguments;              // as written in the source, for messages
+    std::function<std::string()> run;   // returns the result and the outputs
+    std::string expected;               // "RESULT OUTPUTS | LOG LINE | ..." where no step fails
+    std::function<void()> before = {};  // prepares the call; not observed
     std::function<void()> after = {};
 
-    std::string Name() const { return title.substr(0, title.find_first_of("(,")); }
+    std::string Function() const { return name.substr(0, name.find(',')); }
 };
 using Calls = std::vector<Call>;
 
@@ -43,62 +40,33 @@ Calls QueryCalls();  // all but those of events and start-up
 Calls AllCalls();
 Calls Joined(std::initializer_list<Calls (*)()> families);
 
-// The device that the answers are those of.
+// A test on the small device.
 class DeviceTest : public support::EventTest {
 protected:
     void SetUp() override;
 };
 
-// What a call comes to: its answer, what it logs, and whether it leaves something open.
-using Outcome = Lines;
-
-// The last of these operations fails.
+// Step of a call that fails: the nth call of this operation.
 struct Fault {
-    Lines operations;
+    std::string operation;
+    unsigned nth;
     uint32_t code;
     support::CleanUp cleanUps;
 };
 
-Outcome Perform(const Call& call, const Fault* fault = nullptr);
+// Result and outputs, then the log lines: "text" of the called function itself, "Function: text" of
+// another, "-: text" without a function. A newline is shown as "\n".
+std::vector<std::string> Perform(const Call& call, const Fault* fault = nullptr);
+std::string Rendered(const std::vector<std::string>& outcome);
 
-// Questions of the moment, and what comes of them.
-struct Question {
-    std::string title;
-    std::function<std::string()> run;
-    std::string outcome;  // as in docs/failures
-};
-void Expect(const std::vector<Question>& questions);
-
-struct Step {
-    std::string name;
-    unsigned from;
-    unsigned to;
-    unsigned session;   // 0: any
-    uint32_t code;      // 0: any
-    bool cleanUpsFail;  // only then
-    Outcome outcome;
-    std::string row;  // that tells of it
-};
-
-struct Expectation {
-    Outcome good;
-    std::vector<Step> steps;
-    std::set<std::string> unused;  // rows
-};
-
-Expectation Read(const Call& call);
-Outcome ReadOutcome(const std::string& text, const std::string& name);
-Outcome WithFault(Expectation& expectation, const Fault& fault);
-std::set<std::string> Titles();  // of all that is told
-
-// Whether all that is lost with it is a line of the log; no clean-up fails behind that.
-bool IsLogging(const std::string& operation);
+// Performs each call and compares its outcome with the expected one.
+void Expect(const Calls& calls);
 
 // Adds rows in JSON: {"vlan": [{"vlan_scope0": 0, ...}]}.
 void Load(const std::string& device);
 
-// The session that a call works in or hands out, and a place in it. Positioned moves to the first
-// row of a table; Closed closes what is open.
+// The session, scan and list node that a call uses or returns. Positioned moves to the first row of
+// a table; Closed closes what is open.
 extern ORM_SESSION session;
 extern ORM_SCAN scan;
 extern ORM_NODE node;
@@ -106,15 +74,15 @@ void Opened();
 void Positioned(const char* table);
 void Closed();
 
-// Every byte of what is left alone.
+// Value of every byte of an output that the call leaves unchanged.
 inline constexpr uint8_t UNTOUCHED = 77;
 
-// Of numbers from 2^24 on, the four octets.
+// Numbers from 2^24 on are shown as four octets, 0xFFFFFFFF as NONE, an unchanged output as "-".
 std::string Text(uint32_t number);
 std::string Text(const char* text);
 std::string Texts(std::initializer_list<uint32_t> numbers);
 
-// Arguments of a call that are outputs: numbers, or records of which these members are told.
+// Output arguments: numbers, or records of which these members are shown.
 template <typename Value, size_t count = 1, auto... members>
 struct Out {
     Value values[count];
@@ -150,7 +118,7 @@ struct OutHandle {
 using OutSession = OutHandle<&session>;
 using OutScan = OutHandle<&scan>;
 
-// So many pointers on, from 1, Run passes null; 0: nowhere.
+// Run passes null for this pointer argument, counted from 1 and down; 0: for none.
 extern unsigned nullPointer;
 
 template <typename Pointer>
@@ -180,23 +148,23 @@ std::string Written([[maybe_unused]] const Argument& argument)
     }
 }
 
-// The result code, or "done" where there is none, and the outputs.
+// The result, or "done" of a function without one, and the outputs.
 template <typename Function, typename... Arguments>
 std::string Run(Function function, Arguments... arguments)
 {
-    std::string answer = "done";
+    std::string result = "done";
     if constexpr (std::is_void_v<decltype(function(Passed(arguments)...))>) {
         function(Passed(arguments)...);
     } else {
-        answer = Text(function(Passed(arguments)...));
+        result = Text(function(Passed(arguments)...));
     }
-    return (answer + ... + Written(arguments));
+    return (result + ... + Written(arguments));
 }
 
 }  // namespace calls
 
-// The title and the run of a call.
-#define CALL(function, ...) #function "(" #__VA_ARGS__ ")", RUN(function, __VA_ARGS__)
-#define CALL_WHEN(when, function, ...) \
-    #function "(" #__VA_ARGS__ ")" when, RUN(function, __VA_ARGS__)
+// The name, arguments and run of a Call.
+#define CALL(function, ...) #function, "(" #__VA_ARGS__ ")", RUN(function, __VA_ARGS__)
+#define CALL_AS(suffix, function, ...) \
+    #function suffix, "(" #__VA_ARGS__ ")", RUN(function, __VA_ARGS__)
 #define RUN(function, ...) [] { return ::calls::Run(function __VA_OPT__(, ) __VA_ARGS__); }
