@@ -1,5 +1,6 @@
 /*
- * Asks about one interface, as a module of the daemon would: ask IFINDEX.
+ * Prints what the library knows of one interface, as a module of the daemon would query it:
+ * ask IFINDEX.
  *
  *     cc -std=c11 -o ask ask.c $(pkg-config --cflags --libs tarnd_qrb)
  */
@@ -54,7 +55,7 @@ int main(int count, char** arguments)
     }
     const uint32_t ifIndex = (uint32_t)strtoul(arguments[1], NULL, 10);
     if (QRB_DB_InitOrm() != 0) {
-        fputs("there is no database here\n", stderr);
+        fputs("the database is not available\n", stderr);
         return 1;
     }
 

@@ -1,7 +1,7 @@
-// A platform of one interface, to start your own from.
+// A platform with one interface, as a starting point for a platform of your own.
 //
-// Every operation of the contract is here. Those that a look-up by interface index needs are done;
-// the others are refused with a code, which the library reports and survives.
+// Every function of the contract is defined. The functions that a look-up of an interface name
+// needs are implemented; the others return a code, which the library logs.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -15,11 +15,12 @@
 
 namespace {
 
-constexpr uint32_t notHere = 2;  // codes besides the contract's own are the platform's choice
+// A code of the platform's choice.
+constexpr uint32_t NOT_IMPLEMENTED = 2;
 
 }  // namespace
 
-// What is there: interface 42.
+// Implemented: interface 42.
 
 uint32_t OrmInit(uint32_t, uint32_t)
 {
@@ -31,7 +32,7 @@ uint32_t OrmgIfBaseReadInner(const void* key, uint32_t keyLength, void* record,
 {
     uint32_t ifIndex = 0;
     if (keyLength != sizeof(ifIndex) || recordLength != sizeof(QRB_IF_BASE_S)) {
-        return notHere;
+        return NOT_IMPLEMENTED;
     }
     std::memcpy(&ifIndex, key, sizeof(ifIndex));
     if (ifIndex != 42) {
@@ -44,165 +45,165 @@ uint32_t OrmgIfBaseReadInner(const void* key, uint32_t keyLength, void* record,
     return ORM_OK;
 }
 
-// What is not.
+// Not implemented.
 
 uint32_t OrmOpenSessionByDefault(ORM_SESSION*)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmCloseSession(ORM_SESSION)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmPrepare(ORM_SESSION, const char*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmSetKeyName(ORM_SESSION, const char*)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmSetIndexKeyValue(ORM_SESSION, uint32_t, uint32_t, const void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmExecute(ORM_SESSION)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmGetField(ORM_SESSION, const char*, void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmGetFieldById(ORM_SESSION, uint32_t, void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmSetScanCond(ORM_SESSION, const char*)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmScanStart(ORM_SESSION, ORM_SCAN*)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmScanNext(ORM_SESSION, ORM_SCAN, uint8_t*)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmScanEnd(ORM_SESSION, ORM_SCAN)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmNodeGetChild(ORM_SESSION, ORM_NODE, const char*, ORM_NODE*)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmNodeGetSize(ORM_NODE, uint32_t*)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmNodeGetItemByIdx(ORM_NODE, uint32_t, ORM_NODE*)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmNodeGetFieldById(ORM_NODE, uint32_t, void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 
 uint32_t OrmgIfPhyReadInner(const void*, uint32_t, void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmgIfLinkReadInner(const void*, uint32_t, void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmgIfRouteReadInner(const void*, uint32_t, void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmgPortReadInner(const void*, uint32_t, void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmgVlanReadInner(const void*, uint32_t, void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmgIfBaseGetAllFieldsInner(ORM_SESSION, void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmgIfPhyGetAllFieldsInner(ORM_SESSION, void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmgIfRouteGetAllFieldsInner(ORM_SESSION, void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmgPortGetAllFieldsInner(ORM_SESSION, void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmgVlanGetAllFieldsInner(ORM_SESSION, void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmgAclGroupIdGetAllFieldsInner(ORM_SESSION, void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmgIfBaseSetKeyLocalKeyInner(ORM_SESSION, const void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmgAmIpv4AddressSetKeyPrimaryKeyInner(ORM_SESSION, const void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmgAclGroupIdSetKeyPrimaryKeyInner(ORM_SESSION, const void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmgQosIntegrationSetKeyPrimaryKeyInner(ORM_SESSION, const void*, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 
 uint32_t OrmCreateSessionParam(const char*, const char*, ORM_SESSION_PARAM*)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmSessionParamSetConnName(ORM_SESSION_PARAM, const char*)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 void OrmDestroySessionParam(ORM_SESSION_PARAM) {}
 uint32_t OrmOpenSubSession(ORM_SESSION_PARAM, ORM_FD_CONTROL, ORM_SESSION*)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmSubscribe(ORM_SESSION, const char*, const char*, ORM_SUB_CALLBACK, void*, const char*)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmSubFetchNext(ORM_MESSAGE, uint8_t*)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t OrmSubExtractData(ORM_MESSAGE, uint32_t, uint32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 uint32_t DbcHandleEvent(int32_t)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 
-// Memory, charged to nobody.
+// Memory, without accounting.
 
 uint32_t mem_handle_get(const char*)
 {
@@ -218,7 +219,7 @@ void free_ex(uint16_t, void* memory)
 }
 uint32_t meminfo_get(uint32_t, uint16_t, uint64_t*, uint64_t*)
 {
-    return notHere;
+    return NOT_IMPLEMENTED;
 }
 
 // Bounded copies and formatting.

@@ -1,5 +1,5 @@
-// A module that watches ports join and leave VLANs; and, to have something to see, the daemon that
-// starts the library and a device that changes.
+// A module that reports ports that join and leave VLANs, with a small daemon that starts the
+// library and a simulated device that changes.
 #include <cinttypes>
 #include <cstdio>
 #include <semaphore>
@@ -17,8 +17,8 @@ namespace {
 
 // The module.
 
-constexpr char moduleName[] = "watch";
-constexpr uint16_t priority = 100;
+constexpr char MODULE_NAME[] = "watch";
+constexpr uint16_t PRIORITY = 100;
 
 std::counting_semaphore seen(0);
 
@@ -26,12 +26,12 @@ void Report(const QRB_PORT_S& port, const char* what)
 {
     const uint32_t ifIndex = port.if_index;
     char name[QRB_IF_NAME_SIZE] = "?";
-    IF_GetIfNameByIndex(ifIndex, name);  // a callback may ask
+    IF_GetIfNameByIndex(ifIndex, name);  // a callback may query
     std::printf("%s (%" PRIu32 ") %s\n", name, ifIndex, what);
     seen.release();
 }
 
-// Runs on the library's listener thread, and should be quick: all that comes later waits for it.
+// Runs on the library's listener thread. It returns soon, since every later change waits for it.
 uint32_t OnVlanAddPort(const void* data, uint32_t, void*, uint64_t*)
 {
     Report(*static_cast<const QRB_PORT_S*>(data), "joined a VLAN");
@@ -46,8 +46,9 @@ uint32_t OnVlanDelPort(const void* data, uint32_t, void*, uint64_t*)
 
 bool RegisterModule()
 {
-    return L2IF_SH_EvtCbFuncReg(moduleName, L2IF_EVT_VLAN_ADD_PORT, priority, OnVlanAddPort) == 0 &&
-           L2IF_SH_EvtCbFuncReg(moduleName, L2IF_EVT_VLAN_DEL_PORT, priority, OnVlanDelPort) == 0;
+    return L2IF_SH_EvtCbFuncReg(MODULE_NAME, L2IF_EVT_VLAN_ADD_PORT, PRIORITY, OnVlanAddPort) ==
+               0 &&
+           L2IF_SH_EvtCbFuncReg(MODULE_NAME, L2IF_EVT_VLAN_DEL_PORT, PRIORITY, OnVlanDelPort) == 0;
 }
 
 // The device.
@@ -75,7 +76,7 @@ int main()
     Write(standin::Row("if_base").Set("if_index", 7).Set("if_name", "Ethernet0/0/7"));
     Write(Port());
 
-    // Modules register before the changes arrive that they care about.
+    // Modules register before the changes that they wait for.
     MEM_EX_Init();
     if (!RegisterModule() || BDS_InitStart() != 0) {
         std::fputs("the library did not start; see the system log\n", stderr);
@@ -87,7 +88,7 @@ int main()
     Write(Port());
     seen.acquire();
 
-    // The listener ends within two seconds.
+    // The listener thread ends within 2 seconds.
     __atomic_store_n(&g_epollDbListenerThreadExit, 1, __ATOMIC_RELEASE);
     pthread_join(g_epollDbListenerThreadId, nullptr);
     return 0;

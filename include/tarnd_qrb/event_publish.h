@@ -47,9 +47,9 @@ IF_NOTIFY_DOWN     phy_state 1 to 0, or inserted as 0
  * @par Null pointers
  * Pointers must not be null: they are not checked, except where a parameter's description says so.
  * @par Threads
- * As for the registries: see tarnd_qrb/event_registry.h. Callbacks run on the calling thread,
-before the
- * function returns.
+ * Any thread may publish, several at once; see tarnd_qrb/event_registry.h. Callbacks run on the
+ * calling thread, before the function returns. A callback runs on several threads at once if they
+ * publish its event at the same time.
  * @par Log
  * Priority 3. No function uses the database.
  */
@@ -123,8 +123,8 @@ uint32_t L2IF_SH_EvtPublishEvent(uint32_t eventId, const void* data, uint32_t va
 /**
  * Finds the callbacks of an interface event or sub-event. The publisher calls them.
  *
- * The library cannot see such a publication: its callbacks must not change the entries of the
- * event.
+ * The library cannot see such a publication: no thread, and none of the callbacks, may change the
+ * entries of the event until it has ended.
  *
  * @param[in]  eventId  event id, less than IF_EVT_COUNT (76)
  * @param[in]  subId    sub-event id; IF_EVT_WHOLE for the event as a whole

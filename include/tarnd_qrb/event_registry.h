@@ -16,16 +16,19 @@
  * @par Null pointers
  * Pointers must not be null: they are not checked, except where a parameter's description says so.
  * @par Threads
- * The registries have no lock. Modules register before the changes arrive that they wait for.
- * Afterwards a registry is changed only on the thread that publishes to it, which is the listener
- * thread for the library's own events; a registry to which several threads publish is not changed.
+ * Any thread may register, unregister, publish and free the registries, several at once. One lock
+ * guards the three registries; it is not held while a callback runs or a line is logged. The
+ * exported variables are not read while another thread may change the registries: reading them
+ * takes no lock.
  * @par Callbacks
  * A callback may call every function of the library except one that subscribes. It may register,
- * unregister itself and others, tear a registry down, and publish, the same event included.
+ * unregister itself and others, free a registry, and publish, the same event included.
  *   - A publication calls each entry that is registered throughout it exactly once.
- *   - It does not call an entry after the call that unregistered it has returned.
- *   - It may or may not call an entry that a callback registers meanwhile; the next publication
- * does.
+ *   - A publication may or may not call an entry that is registered while it runs.
+ *   - When a function that removes an entry has returned, the entry's callback does not run on
+ * another thread and is not called for that entry any more. The function waits for it: do not hold
+ * a lock that the callback takes. Callbacks on different threads that remove each other's entries
+ * do not wait for each other.
  *
  * A callback returns normally: it does not throw or call longjmp(). It should return soon, since
  * every later callback and change waits for it. Its result is ignored.
@@ -233,6 +236,8 @@ void IF_EvtInit(void);
 
 /**
  * Frees the interface event tree and every entry in it.
+ *
+ * No publication that uses IF_SH_EvtPublishEventGetEventNode() may be under way.
  *
  * @par Log
  * Nothing is logged.

@@ -141,8 +141,8 @@ uint32_t IP_GetMainIpAddr(uint32_t ifIndex, uint32_t* address, uint32_t* masklen
  * @retval 0  no addresses, no record, or a step before the size of the list failed
  *
  * @par After a failure
- * The result is the count as it stands: 0 before the size of the list is read, and the size
- * afterwards, even if closing the session fails.
+ * The result is 0 if a step before the size of the list is read fails. It is the size if a later
+ * step, closing the session, fails.
  * @par Log
  * Each failing step. An interface without a record is not logged.
  * @par Source

@@ -9,7 +9,7 @@
  * which runs the subscription's callback. So every callback for a change runs on this thread, one
  * after another.
  *
- * The library cannot be unloaded while the thread runs.
+ * dlclose() does not unload the library, since the thread may run its code.
  *
  * @par Stopping
  * The daemon sets the exit flag, which the thread reads in every round:

@@ -33,7 +33,9 @@ extern "C" {
  * Starts change notification: builds the layer-2 table and the interface event tree, initialises
  * the database access layer and subscribes to the four tables, in the order of the table above.
  *
- * The daemon calls it once, after MEM_EX_Init(). Callbacks may run before it returns.
+ * The daemon calls it once, after MEM_EX_Init() and after its modules have registered their
+ * callbacks. Callbacks may run before it returns. A further call, also from several threads at
+ * once, subscribes only if the subscription session has been closed since.
  *
  * @retval 0  change notification is running
  * @retval 1  the access layer cannot be initialised, or a subscription failed

@@ -12,6 +12,32 @@
  * OrmOpenSessionByDefault(), OrmPrepare() with QRB_ORM_OP_SCAN, optionally OrmSetScanCond(),
  * OrmScanStart(), OrmScanNext() and reads for each record, OrmScanEnd() and OrmCloseSession().
  *
+ * @par Tables
+ * The library reads these fields, given as number or name and width in bytes, and these lists. It
+also
+ * reads whole records, see tarnd_platform/orm_accessors.h.
+ * @verbatim
+table                   fields                    conditions on
+if_base                 0: 4, 2: 64, if_type: 2
+if_phy                  phy_state: 1
+vlan                    2: 2, 9: 1                name
+am_ipv4_address         0: 4, 1: 4
+Fib.ConfigIpv4Fwd       4: 4, 5: 4, 10: 4
+Fib.ConfigNhpGroupNode  3: 4, 5: 4
+Fib.ConfigNhpStandard   2: 4, 3: 4, 4: 4
+acl_group               0: 4                      vsid, vsysid, acl_number,
+                                                  acl_name, isipv6
+acl_group_id            5: 4                      id
+acl_adv                 none, counted             acl_group_id
+acl_rule_id             none, counted             groupId
+qos_integration         0: 4, 1: 64
+
+table            list               fields of an item
+am_ipv4_address  ipv4_address_list  0: 4, 1: 1, 2: 1
+qos_integration  car_list           1: 4, 2: 4, 3: 4, 4: 4
+qos_integration  remark_dscp_list   1: 4
+qos_integration  remark_8021p_list  1: 4
+@endverbatim
  * @par Results
  * 0 (ORM_OK) for success; every other value is a database code. ORM_NO_RECORD and ORM_NO_LIST have
  * the meaning given here. Other codes are the platform's choice; the library passes them on or logs
@@ -157,7 +183,7 @@ uint32_t OrmExecute(ORM_SESSION session);
  *
  * @param[in]  session      session or message with a current record
  * @param[in]  field        field name: "phy_state" or "if_type"
- * @param[out] destination  size bytes
+ * @param[out] destination  size bytes, not necessarily aligned
  * @param[in]  size         width of the field in bytes: 1 or 2
  *
  * @retval 0      the field was copied
@@ -173,7 +199,7 @@ uint32_t OrmGetField(ORM_SESSION session, const char* field, void* destination, 
  *
  * @param[in]  session      session or message with a current record
  * @param[in]  field        number of the field in its table
- * @param[out] destination  size bytes
+ * @param[out] destination  size bytes, not necessarily aligned
  * @param[in]  size         width of the field in bytes
  *
  * @retval 0      the field was copied
@@ -291,7 +317,7 @@ uint32_t OrmNodeGetItemByIdx(ORM_NODE node, uint32_t index, ORM_NODE* item);
  *
  * @param[in]  item         item; 0 is refused with a code
  * @param[in]  field        number of the field in the item
- * @param[out] destination  size bytes
+ * @param[out] destination  size bytes, not necessarily aligned
  * @param[in]  size         width of the field in bytes
  *
  * @retval 0      the field was copied

@@ -45,7 +45,8 @@ typedef ORM_SESSION ORM_MESSAGE;
 #define ORM_OBJECT_NEW 1u /**< OrmSubExtractData(): the row after the change. */
 
 /**
- * Function of the library by which the platform adds and removes descriptors.
+ * Function of the library by which the platform adds and removes descriptors. The platform may call
+ * it on any thread.
  *
  * @param[in] descriptor  descriptor to watch for reading
  * @param[in] operation   0: add; other: remove
@@ -171,7 +172,11 @@ uint32_t OrmSubExtractData(ORM_MESSAGE message, uint32_t object, uint32_t flags)
 /**
  * Reads the pending messages of a descriptor and runs the callbacks before it returns.
  *
- * @param[in] descriptor  a descriptor that is ready for reading
+ * A callback may call every function of parts 1, 3, 4 and 5 of the contract: the platform holds no
+ * lock that they need.
+ *
+ * @param[in] descriptor  a descriptor that was ready for reading; one that is closed or unknown is
+ *                        refused with a code
  *
  * @retval 0      done
  * @retval other  database code; the library ignores it
