@@ -115,7 +115,8 @@ uint32_t CountMatches(const char* function, ORM_SESSION session, const char* con
         QRB_ERROR_AT(function, "OrmScanStart failed, ret = %d\n", ret);
         return FAIL;
     }
-    while (NextRow(session, scan, &ret)) {
+    uint8_t end = 0;
+    while (NextRow(session, scan, &end, &ret)) {
         (*count)++;
     }
     OrmScanEnd(session, scan);

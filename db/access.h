@@ -105,20 +105,13 @@ uint32_t InSession(const char* function, CHECK close, Body&& body)
     return ret;
 }
 
-// Starts a scan of a table without logging. A failure leaves no scan open.
-inline uint32_t StartScan(ORM_SESSION session, const char* table, ORM_SCAN* scan)
-{
-    QRB_TRY(OrmPrepare(session, table, QRB_ORM_OP_SCAN));
-    return OrmScanStart(session, scan);
-}
-
 // Advances a scan. True: the next row is the current record. False: *ret is OK at the end of the
-// table, and the code of a failure otherwise.
-inline bool NextRow(ORM_SESSION session, ORM_SCAN scan, uint32_t* ret)
+// table, and the code of a failure otherwise. *end must be 0 before the first call; the database
+// sets it.
+inline bool NextRow(ORM_SESSION session, ORM_SCAN scan, uint8_t* end, uint32_t* ret)
 {
-    uint8_t atEnd = 0;
-    *ret = OrmScanNext(session, scan, &atEnd);
-    return *ret == OK && atEnd == 0;
+    *ret = OrmScanNext(session, scan, end);
+    return *ret == OK && *end == 0;
 }
 
 // Calls body(session, scan) with a started scan of a table. Ends the scan and closes the session on
@@ -128,7 +121,8 @@ uint32_t ScanTable(const char* function, CHECK check, const char* table, Body&& 
 {
     return InSession(function, check, [&](ORM_SESSION session) -> uint32_t {
         ORM_SCAN scan = 0;
-        QRB_TRY(StartScan(session, table, &scan));
+        QRB_TRY(OrmPrepare(session, table, QRB_ORM_OP_SCAN));
+        QRB_TRY(OrmScanStart(session, &scan));
         const uint32_t ret = body(session, scan);
         const uint32_t ended = OrmScanEnd(session, scan);
         return (ret == OK && check == CHECKED) ? ended : ret;

@@ -24,25 +24,22 @@ struct DELIVERY_S {
     QRB_ENTRY_FUNC onEntry;
 };
 
-uint32_t StartScanWithCondition(ORM_SESSION session, const char* table, void* context,
-                                const char* condition, QRB_SET_CONDITION_FUNC setCondition,
-                                ORM_SCAN* scan)
+uint32_t SetCondition(ORM_SESSION session, void* context, const char* condition,
+                      QRB_SET_CONDITION_FUNC setCondition)
 {
-    QRB_TRY(OrmPrepare(session, table, QRB_ORM_OP_SCAN));
     if (condition != nullptr) {
-        QRB_TRY(OrmSetScanCond(session, condition));
-    } else if (setCondition != nullptr) {
-        QRB_TRY(setCondition(session, context));
+        return OrmSetScanCond(session, condition);
     }
-    return OrmScanStart(session, scan);
+    return setCondition != nullptr ? setCondition(session, context) : OK;
 }
 
 // Delivers records until the end of the table or the limit. *count receives their number.
 uint32_t Deliver(ORM_SESSION session, ORM_SCAN scan, const DELIVERY_S& delivery, uint32_t* count)
 {
     uint32_t index = 0;
+    uint8_t end = 0;
     uint32_t ret = OK;
-    while (NextRow(session, scan, &ret)) {
+    while (NextRow(session, scan, &end, &ret)) {
         ret = delivery.onEntry(session, delivery.context, index);
         if (ret != OK) {
             break;
@@ -160,8 +157,18 @@ uint32_t QRB_DB_SESSION_Scan(ORM_SESSION session, const char* table, void* conte
                              uint32_t maxCount, QRB_ENTRY_FUNC onEntry, uint32_t* count,
                              const char* condition, QRB_SET_CONDITION_FUNC setCondition)
 {
+    uint32_t ret = OrmPrepare(session, table, QRB_ORM_OP_SCAN);
+    if (ret != OK) {
+        QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
+        return FAIL;
+    }
+    ret = SetCondition(session, context, condition, setCondition);
+    if (ret != OK) {
+        QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
+        return FAIL;
+    }
     ORM_SCAN scan = 0;
-    uint32_t ret = StartScanWithCondition(session, table, context, condition, setCondition, &scan);
+    ret = OrmScanStart(session, &scan);
     if (ret != OK) {
         QRB_ERROR("Failed to fetch DB, ret=%d\n", ret);
         return FAIL;

@@ -32,6 +32,12 @@ struct ROUTE_SCAN_S {
     ORM_SCAN scan;
 };
 
+uint32_t PrepareAndStart(const char* table, ROUTE_SCAN_S* scan)
+{
+    QRB_TRY(OrmPrepare(scan->session, table, QRB_ORM_OP_SCAN));
+    return OrmScanStart(scan->session, &scan->scan);
+}
+
 // Opens a session and starts a scan, without logging. After a failure nothing is open and both
 // handles are 0.
 uint32_t Start(const char* table, ROUTE_SCAN_S* scan)
@@ -40,7 +46,7 @@ uint32_t Start(const char* table, ROUTE_SCAN_S* scan)
     if (OrmOpenSessionByDefault(&scan->session) != OK) {
         return FAIL;
     }
-    if (StartScan(scan->session, table, &scan->scan) != OK) {
+    if (PrepareAndStart(table, scan) != OK) {
         OrmCloseSession(scan->session);
         *scan = {};
         return FAIL;

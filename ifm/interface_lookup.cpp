@@ -35,8 +35,9 @@ uint32_t ExecuteLocalKey(ORM_SESSION session, const QRB_IF_BASE_LOCAL_KEY_S& key
 uint32_t FindByKey(const char* function, ORM_SESSION session, ORM_SCAN scan,
                    const IF_NAME_KEY_S& key)
 {
+    uint8_t end = 0;
     uint32_t ret = OK;
-    while (NextRow(session, scan, &ret)) {
+    while (NextRow(session, scan, &end, &ret)) {
         QRB_IF_BASE_S base;
         if (IF_CmpIfBaseRecord(session, &key, &base, sizeof(base)) != 0) {
             return base.if_index;
@@ -52,8 +53,9 @@ uint32_t FindByKey(const char* function, ORM_SESSION session, ORM_SCAN scan,
 uint32_t FindByFullName(ORM_SESSION session, ORM_SCAN scan, const char* name, uint32_t* ifIndex,
                         bool* found)
 {
+    uint8_t end = 0;
     uint32_t ret = OK;
-    while (NextRow(session, scan, &ret)) {
+    while (NextRow(session, scan, &end, &ret)) {
         char rowName[QRB_IF_NAME_SIZE] = {};
         uint32_t rowIndex = 0;
         QRB_TRY(ReadField(session, FIELD_IF_NAME, &rowName));

@@ -20,21 +20,22 @@ constexpr uint32_t MaskOfLength(uint32_t masklen)
 }
 
 // Prepares the keyed read of an interface's record; OrmExecute performs it.
-uint32_t PrepareAddressRecord(ORM_SESSION session, uint32_t ifIndex)
+inline uint32_t PrepareAddressRecord(ORM_SESSION session, uint32_t ifIndex)
 {
     QRB_TRY(OrmPrepare(session, ADDRESS_TABLE, QRB_ORM_OP_READ));
     return OrmgAmIpv4AddressSetKeyPrimaryKeyInner(session, &ifIndex, sizeof(ifIndex));
 }
 
 // The address list of the current record. *count must be 0 before the call.
-uint32_t GetAddressList(ORM_SESSION session, ORM_NODE* list, uint32_t* count)
+inline uint32_t GetAddressList(ORM_SESSION session, ORM_NODE* list, uint32_t* count)
 {
     QRB_TRY(OrmNodeGetChild(session, 0, ADDRESS_LIST, list));
     return OrmNodeGetSize(*list, count);
 }
 
 // The address list of an interface. *count must be 0 before the call.
-uint32_t OpenAddressList(ORM_SESSION session, uint32_t ifIndex, ORM_NODE* list, uint32_t* count)
+inline uint32_t OpenAddressList(ORM_SESSION session, uint32_t ifIndex, ORM_NODE* list,
+                                uint32_t* count)
 {
     QRB_TRY(PrepareAddressRecord(session, ifIndex));
     QRB_TRY(OrmExecute(session));
@@ -42,7 +43,7 @@ uint32_t OpenAddressList(ORM_SESSION session, uint32_t ifIndex, ORM_NODE* list, 
 }
 
 // Each output is written as soon as it is read.
-uint32_t ReadAddress(ORM_NODE item, SYSAPI_IP4_ADDR_S* address)
+inline uint32_t ReadAddress(ORM_NODE item, SYSAPI_IP4_ADDR_S* address)
 {
     uint8_t masklen = 0;
     QRB_TRY(ReadItemField(item, ITEM_ADDRESS, &address->address));
@@ -52,7 +53,8 @@ uint32_t ReadAddress(ORM_NODE item, SYSAPI_IP4_ADDR_S* address)
 }
 
 // Finds the list item with this address.
-uint32_t FindAddress(ORM_NODE list, uint32_t count, uint32_t address, ORM_NODE* item, bool* found)
+inline uint32_t FindAddress(ORM_NODE list, uint32_t count, uint32_t address, ORM_NODE* item,
+                            bool* found)
 {
     for (uint32_t index = 0; index < count; index++) {
         uint32_t itemAddress = 0;
@@ -204,8 +206,9 @@ uint32_t MatchOwner(ORM_SESSION session, uint32_t address, uint32_t instanceId, 
 uint32_t FindOwner(ORM_SESSION session, ORM_SCAN scan, uint32_t address, uint32_t instanceId,
                    uint32_t* owner)
 {
+    uint8_t end = 0;
     uint32_t ret = OK;
-    while (NextRow(session, scan, &ret) && *owner == NONE) {
+    while (NextRow(session, scan, &end, &ret) && *owner == NONE) {
         QRB_TRY(MatchOwner(session, address, instanceId, owner));
     }
     return ret;

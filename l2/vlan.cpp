@@ -49,8 +49,9 @@ uint32_t ReadUnscopedVlan(uint16_t vlanId, QRB_VLAN_S* vlan)
 // must be 0 before the call.
 uint32_t FindState(ORM_SESSION session, ORM_SCAN scan, uint16_t vlanId, uint8_t* state)
 {
+    uint8_t end = 0;
     uint32_t ret = OK;
-    while (NextRow(session, scan, &ret) && *state == 0) {
+    while (NextRow(session, scan, &end, &ret) && *state == 0) {
         uint16_t rowId = 0;
         QRB_TRY(ReadField(session, FIELD_ID, &rowId));
         if (rowId != vlanId) {

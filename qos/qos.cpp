@@ -32,8 +32,9 @@ constexpr uint32_t FIELD_CAR_4 = 4;
 uint32_t ScanRows(const char* function, ORM_SESSION session, ORM_SCAN scan, const char* name,
                   uint32_t* index)
 {
+    uint8_t end = 0;
     uint32_t ret = OK;
-    while (NextRow(session, scan, &ret)) {
+    while (NextRow(session, scan, &end, &ret)) {
         ret = QOS_GetIdByName(session, name, index);
         if (ret != OK) {
             QRB_ERROR_AT(function, "get id by name failed. ret: %d", ret);
@@ -101,7 +102,7 @@ struct REMARK_SLOTS_S {
 
 // Stores the remarks of a list. Returns the code of the first item that cannot be read; the items
 // before it stay stored.
-uint32_t ReadRemarks(ORM_NODE list, QOS_PROFILE_INFO_S* info, const REMARK_SLOTS_S& slots)
+inline uint32_t ReadRemarks(ORM_NODE list, QOS_PROFILE_INFO_S* info, const REMARK_SLOTS_S& slots)
 {
     const uint32_t count = ItemCount(list);
     for (uint32_t index = 0; index < count; index++) {
