@@ -52,12 +52,37 @@ if(TARND_HAS_SHELL)
   install(TARGETS tarnd-qrb RUNTIME COMPONENT shell)
   install(FILES docs/man/tarnd-qrb.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT shell)
   install(DIRECTORY data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/tarnd_qrb COMPONENT shell)
+  if(TARND_HAS_REFERENCE)
+    set(json_page ${PROJECT_BINARY_DIR}/tarnd-qrb-json.5)
+    add_custom_command(OUTPUT ${json_page} DEPENDS docs/json-format.md VERBATIM
+      COMMAND sed "1i # NAME\\n\\ntarnd-qrb-json - a device as a JSON file\\n" ${PROJECT_SOURCE_DIR}/docs/json-format.md
+        | sed "s/^\\(```[a-z]*\\) .*/\\1/" | lowdown -s -tman -M title=tarnd-qrb-json -M section=5 -o ${json_page})
+    add_custom_target(json_manual ALL DEPENDS ${json_page})
+    install(FILES ${json_page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 COMPONENT shell)
+  endif()
 endif()
+
+# What every package has.
+set(package_library libtarnd-qrb0)
+set(package_standin libtarnd-platform0)
+set(package_development libtarnd-qrb-dev)
+set(package_shell tarnd-qrb)
+set(components library development)
+if(TARND_HAS_STANDIN)
+  list(APPEND components standin)
+endif()
+if(TARND_HAS_SHELL)
+  list(APPEND components shell)
+endif()
+foreach(component ${components})
+  install(FILES COPYING COMPONENT ${component} RENAME copyright
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package_${component}})
+endforeach()
 
 # Documentation.
 install(DIRECTORY docs/ examples DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN docs/man EXCLUDE)
 install(FILES docs/man/tarnd_qrb.7 DESTINATION ${CMAKE_INSTALL_MANDIR}/man7)
-if(TARND_REFERENCE)
+if(TARND_HAS_REFERENCE)
   install(DIRECTORY ${reference_dir}/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man3
     FILES_MATCHING PATTERN *.3)
   install(DIRECTORY ${reference_dir}/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man7

@@ -3,11 +3,12 @@
 # a missing package is an error.
 #
 #   tarnd_part(PART DESCRIPTION [DEFAULT ON|OFF|AUTO] [PARTS PART...]
-#              [PACKAGES CMAKE-PACKAGE DEBIAN-PACKAGE ...] [MODULES TARGET PKG-CONFIG-NAME DEBIAN-PACKAGE ...])
+#              [PACKAGES CMAKE-PACKAGE DEBIAN-PACKAGE ...] [MODULES TARGET PKG-CONFIG-NAME DEBIAN-PACKAGE ...]
+#              [PROGRAMS PROGRAM DEBIAN-PACKAGE ...])
 #
 # Sets TARND_HAS_<PART>. The targets of PACKAGES, and PkgConfig::TARGET, are then defined.
 function(tarnd_part part description)
-  cmake_parse_arguments(PARSE_ARGV 2 needs "" "DEFAULT" "PARTS;PACKAGES;MODULES")
+  cmake_parse_arguments(PARSE_ARGV 2 needs "" "DEFAULT" "PARTS;PACKAGES;MODULES;PROGRAMS")
   if(NOT DEFINED needs_DEFAULT)
     set(needs_DEFAULT AUTO)
   endif()
@@ -47,6 +48,14 @@ function(tarnd_part part description)
       pkg_check_modules(${target} QUIET IMPORTED_TARGET ${module})
     endif()
     if(NOT TARGET PkgConfig::${target})
+      list(APPEND missing ${debian})
+    endif()
+  endwhile()
+  while(needs_PROGRAMS)
+    list(POP_FRONT needs_PROGRAMS program debian)
+    find_program(TARND_PROGRAM_${program} ${program})
+    mark_as_advanced(TARND_PROGRAM_${program})
+    if(NOT TARND_PROGRAM_${program})
       list(APPEND missing ${debian})
     endif()
   endwhile()
