@@ -1,4 +1,4 @@
-// The library's one subscription session: opened by the first registration, shared by all.
+// The library's one subscription session: the first registration opens it, all share it.
 #include "event/listener_session.h"
 
 #include <tarnd_qrb/listener.h>
@@ -14,8 +14,9 @@ ORM_SESSION g_dbListenerSubSession = 0;
 
 namespace {
 
-// The functions below are called with g_dbListenerRegLock held, which also guards this.
-uint64_t sessionsOpened = 0;
+uint64_t sessionsOpened = 0;  // guarded by g_dbListenerRegLock
+
+// The functions below are called with g_dbListenerRegLock held.
 
 uint32_t OpenWith(const char* function, ORM_SESSION_PARAM param, const char* connectionName)
 {

@@ -1,4 +1,5 @@
-// The listener thread: waits for the database's descriptors and has their callbacks run.
+// The listener thread: waits for the database's descriptors and lets the database client dispatch
+// the ready ones.
 #include "event/listener_thread.h"
 
 #include <sys/epoll.h>
@@ -27,23 +28,24 @@ constexpr int EVENTS_PER_WAIT = 10;
 constexpr int WAIT_TIME = 2000;  // milliseconds
 constexpr int NO_EPOLL = -1;
 
-// Whether the thread has made its epoll instance, or failed to. Guarded like the instance, which
-// doesn't tell: the thread may be over before the registering one has looked.
-bool g_isEpollTried = false;
+// Whether the thread has created its epoll instance or failed to. The descriptor does not show it:
+// the thread may already have closed it. Guarded by g_epollDbListenerCondLock.
+bool isEpollTried = false;
 
 bool IsEpoll(int32_t epollFd)
 {
     return epollFd >= 1;
 }
 
-// Both by g_epollDbListenerCondLock: the thread's own epoll instance lives and dies under it, so
-// that nobody touches a descriptor that has become another's.
-int32_t Look(const int32_t* epollFd)
+// The epoll instance is created, used and closed under g_epollDbListenerCondLock, so that no one
+// uses a closed descriptor whose number was reassigned.
+
+int32_t ReadEpollFd(const int32_t* epollFd)
 {
     pthread_mutex_lock(&g_epollDbListenerCondLock);
-    const int32_t seen = *epollFd;
+    const int32_t current = *epollFd;
     pthread_mutex_unlock(&g_epollDbListenerCondLock);
-    return seen;
+    return current;
 }
 
 void CloseEpoll(int32_t* epollFd)
@@ -57,17 +59,17 @@ void CloseEpoll(int32_t* epollFd)
 uint32_t DbListenerInitEpoll(int32_t* epollFd)
 {
     pthread_mutex_lock(&g_epollDbListenerCondLock);
-    const int made = epoll_create(SIZE_HINT);
-    if (made >= 0) {
-        *epollFd = made;
+    const int created = epoll_create(SIZE_HINT);
+    if (created >= 0) {
+        *epollFd = created;
     } else {
         QRB_ERROR("[DEBUG]: Create DbListenerInitEpoll file descriptor failed, err_msg=%s.\n",
                   strerror(errno));
     }
-    g_isEpollTried = true;
+    isEpollTried = true;
     pthread_cond_signal(&g_epollDbListenerCond);
     pthread_mutex_unlock(&g_epollDbListenerCondLock);
-    return made >= 0 ? OK : FAIL;
+    return created >= 0 ? OK : FAIL;
 }
 
 uint8_t ExitFlag()
@@ -84,17 +86,17 @@ void DispatchReady(int32_t epollFd)
     }
 }
 
-void ExpectEpoll()
+void ResetEpollTried()
 {
     pthread_mutex_lock(&g_epollDbListenerCondLock);
-    g_isEpollTried = IsEpoll(g_epollDbListenerFd);
+    isEpollTried = IsEpoll(g_epollDbListenerFd);
     pthread_mutex_unlock(&g_epollDbListenerCondLock);
 }
 
-void AwaitEpoll()
+void WaitForEpoll()
 {
     pthread_mutex_lock(&g_epollDbListenerCondLock);
-    while (!g_isEpollTried) {
+    while (!isEpollTried) {
         pthread_cond_wait(&g_epollDbListenerCond, &g_epollDbListenerCondLock);
     }
     pthread_mutex_unlock(&g_epollDbListenerCondLock);
@@ -104,37 +106,37 @@ void AwaitEpoll()
 
 void qrb::DbListenerCreateEpollThread()
 {
-    ExpectEpoll();
-    pthread_t thread = 0;  // written to even where none is created
+    ResetEpollTried();
+    pthread_t thread = 0;  // pthread_create may write it even if it fails
     errno = pthread_create(&thread, nullptr, DbListenerEpollThreadFunc, &g_epollDbListenerFd);
     if (errno != 0) {
         QRB_ERROR("[DEBUG]: create epoll thread failed,errmsg=%s\n", strerror(errno));
         return;
     }
     g_epollDbListenerThreadId = thread;
-    AwaitEpoll();
+    WaitForEpoll();
     g_regDbListenerInfo = DbListenerEpollCtrl;
 }
 
 int32_t qrb::ListenerEpollFd()
 {
-    return Look(&g_epollDbListenerFd);
+    return ReadEpollFd(&g_epollDbListenerFd);
 }
 
 void* DbListenerEpollThreadFunc(void* epollFd)
 {
-    auto* const own = static_cast<int32_t*>(epollFd);
+    auto* const descriptor = static_cast<int32_t*>(epollFd);
     __atomic_store_n(&g_epollDbListenerThreadExit, 0, __ATOMIC_RELAXED);
-    if (!IsEpoll(Look(own)) && DbListenerInitEpoll(own) != OK) {
+    if (!IsEpoll(ReadEpollFd(descriptor)) && DbListenerInitEpoll(descriptor) != OK) {
         QRB_ERROR("[DEBUG]: failed to init epoll, thread will exit.\n");
         return nullptr;
     }
-    const int32_t epoll = Look(own);
+    const int32_t epoll = ReadEpollFd(descriptor);
     QRB_ERROR("[DEBUG]: epoll DbListener thread start, epollFd=%d, exit=%d\n", epoll, ExitFlag());
     while (ExitFlag() == 0) {
         DispatchReady(epoll);
     }
-    CloseEpoll(own);
+    CloseEpoll(descriptor);
     QRB_ERROR("[DEBUG]: epoll thread exit. epoll_fd=%d,exit=%d\n", epoll, ExitFlag());
     return nullptr;
 }

@@ -1,4 +1,4 @@
-// The listener thread, for the registration that starts it.
+// Start of the listener thread, for the first registration.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// Start-up, and what the library subscribes to.
+// Start of change notification and the library's four subscriptions.
 #include <tarnd_platform/bounded.h>
 #include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/event_registry.h>
@@ -12,7 +12,7 @@ using namespace qrb;
 
 namespace {
 
-// The database reads these texts byte for byte.
+// The subscription interface fixes these texts, byte for byte.
 constexpr char IF_BASE_DEFINITION[] =
     R"({"name":"qrb_json_sub_if_base","label_name":"if_base","comment":"qrb_json_sub_if_base",)"
     R"("type":"before_commit","events": [)"
@@ -52,7 +52,7 @@ static_assert(LengthOf(IF_PHY_DEFINITION) == 396);
 static_assert(LengthOf(PORT_DEFINITION) == 390);
 
 struct SUBSCRIPTION_S {
-    const char* table;  // and the connection
+    const char* table;  // also the connection name
     const char* name;
     const char* owner;
     const char* definition;
@@ -72,7 +72,7 @@ constexpr SUBSCRIPTION_S IF_BASE  = {"if_base", "qrb_orm_sub_if_base", "qrb_if_b
 
 uint32_t SubscribeTo(const char* function, const SUBSCRIPTION_S& subscription)
 {
-    // The database gets a text of its own.
+    // Passes a copy: the database gets a buffer that it may modify.
     char definition[sizeof(IF_PHY_DEFINITION)];
     if (strcpy_s(definition, sizeof(definition), subscription.definition) != 0 ||
         QrbDbListenerRegisterEvent(subscription.name, subscription.table, definition,
@@ -83,10 +83,11 @@ uint32_t SubscribeTo(const char* function, const SUBSCRIPTION_S& subscription)
     return OK;
 }
 
-// Serialises starts, so that threads that start the library together subscribe once.
+// Serialises starts: threads that start the library at the same time subscribe once.
 pthread_mutex_t startLock = PTHREAD_MUTEX_INITIALIZER;
 
-// The session on which a start subscribed to every table; 0 if none did. Guarded by startLock.
+// Number of the session on which a start subscribed to every table; 0 if none did. Guarded by
+// startLock.
 uint64_t startedSession = 0;
 
 uint32_t SubscribeToTables()

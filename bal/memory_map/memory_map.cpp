@@ -1,4 +1,4 @@
-// The daemon's modules and what memory each has in use.
+// Table of the daemon's modules with their memory-accounting handles, and usage reports.
 #include <cstring>
 
 #include <tarnd_platform/bounded.h>

@@ -1,4 +1,4 @@
-// Insertion, whole and in its two halves.
+// Insertion: node construction and linking, together and separately.
 #include "bal/util_list/list_node.h"
 
 using namespace qrb;

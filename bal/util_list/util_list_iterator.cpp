@@ -1,4 +1,4 @@
-// Iteration.
+// Iterators.
 #include "bal/util_list/list_node.h"
 
 using namespace qrb;
@@ -41,7 +41,7 @@ UTIL_LIST_ITER_S UTIL_LIST_Erase(UTIL_LIST_ITER_S* iterator)
 {
     UTIL_LIST_NODE_S* erased = iterator->node;
 
-    // An iterator may carry methods of its own, which decide what comes next.
+    // Through the methods of the iterator, which need not be those above.
     *iterator = iterator->methods->next(iterator);
     RemoveNode(iterator->list, erased);
     return *iterator;

@@ -1,4 +1,4 @@
-// Lists of lists, by value and by pointer.
+// Traits of lists whose elements are lists, by value and by pointer.
 #include "bal/util_list/list_node.h"
 
 using namespace qrb;

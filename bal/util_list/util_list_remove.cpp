@@ -1,4 +1,4 @@
-// Removal of single elements, and search.
+// Removal of single elements and search.
 #include "bal/util_list/list_node.h"
 
 using namespace qrb;

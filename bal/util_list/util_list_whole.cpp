@@ -1,11 +1,11 @@
-// Lists as wholes: made, emptied, exchanged, copied, joined.
+// Operations on whole lists: construction, clearing, swapping, copying, concatenation.
 #include "bal/util_list/list_node.h"
 
 using namespace qrb;
 
 namespace {
 
-void Forget(UTIL_LIST_S* list)
+void ResetToEmpty(UTIL_LIST_S* list)
 {
     list->head = nullptr;
     list->tail = nullptr;
@@ -17,7 +17,7 @@ void Forget(UTIL_LIST_S* list)
 void UTIL_LIST_Construct(UTIL_LIST_S* list, const UTIL_LIST_TRAITS_S* traits)
 {
     list->traits = traits;
-    Forget(list);
+    ResetToEmpty(list);
 }
 
 void UTIL_LIST_Clear(UTIL_LIST_S* list)
@@ -28,7 +28,7 @@ void UTIL_LIST_Clear(UTIL_LIST_S* list)
         DestroyNode(list->traits, node);
         node = next;
     }
-    Forget(list);
+    ResetToEmpty(list);
 }
 
 void UTIL_LIST_Destruct(UTIL_LIST_S* list)
@@ -55,7 +55,7 @@ void UTIL_LIST_ConstructMove(UTIL_LIST_S* destination, UTIL_LIST_S* source)
         return;
     }
     *destination = *source;
-    Forget(source);
+    ResetToEmpty(source);
 }
 
 uint32_t UTIL_LIST_ConstructCopy(UTIL_LIST_S* destination, const UTIL_LIST_S* source)
@@ -78,8 +78,12 @@ void UTIL_LIST_ConcatenateMove(UTIL_LIST_S* destination, UTIL_LIST_S* source)
         return;
     }
     source->head->prev = destination->tail;
-    (destination->tail != nullptr ? destination->tail->next : destination->head) = source->head;
+    if (destination->tail != nullptr) {
+        destination->tail->next = source->head;
+    } else {
+        destination->head = source->head;
+    }
     destination->tail = source->tail;
     destination->count += source->count;
-    Forget(source);
+    ResetToEmpty(source);
 }
