@@ -7,8 +7,6 @@ namespace qrb {
 
 pthread_mutex_t registryLock = PTHREAD_MUTEX_INITIALIZER;
 
-namespace {
-
 // A removal that waits for a callback; lives on the stack of the thread that removes.
 struct REMOVAL_S {
     pthread_t thread;
@@ -17,16 +15,12 @@ struct REMOVAL_S {
     REMOVAL_S* other;              // in the chain of all waiting removals
 };
 
-WALK_S* walks = nullptr;
 REMOVAL_S* waitingRemovals = nullptr;
-pthread_cond_t callbackReturned = PTHREAD_COND_INITIALIZER;
 
-void SignalReturn()
-{
-    if (waitingRemovals != nullptr) {
-        pthread_cond_broadcast(&callbackReturned);
-    }
-}
+namespace {
+
+WALK_S* walks = nullptr;
+pthread_cond_t callbackReturned = PTHREAD_COND_INITIALIZER;
 
 bool IsRunning(const UTIL_LIST_NODE_S* node, pthread_t thread)
 {
@@ -49,7 +43,7 @@ const REMOVAL_S* FindRemoval(pthread_t thread)
 }
 
 // Whether a thread waits for a callback of another, directly or through further threads. A thread
-// waits for one callback at a time and never so that a circle closes.
+// waits for one callback at a time and never in a way that closes a cycle.
 bool WaitsFor(pthread_t thread, pthread_t other)
 {
     const REMOVAL_S* removal = FindRemoval(thread);
@@ -99,22 +93,15 @@ void WaitUntilReturned(const UTIL_LIST_NODE_S* node)
 
 }  // namespace
 
+void SignalReturn()
+{
+    pthread_cond_broadcast(&callbackReturned);
+}
+
 void BeginWalk(WALK_S* walk, const UTIL_LIST_S* list)
 {
     *walk = {list->head, nullptr, pthread_self(), walks};
     walks = walk;
-}
-
-const void* NextElement(WALK_S* walk)
-{
-    UTIL_LIST_NODE_S* node = walk->next;
-    walk->running = node;
-    SignalReturn();
-    if (node == nullptr) {
-        return nullptr;
-    }
-    walk->next = node->next;
-    return UTIL_LIST_Data(node);
 }
 
 void EndWalk(WALK_S* walk)
@@ -124,7 +111,9 @@ void EndWalk(WALK_S* walk)
         link = &(*link)->other;
     }
     *link = walk->other;
-    SignalReturn();
+    if (waitingRemovals != nullptr) {
+        SignalReturn();
+    }
 }
 
 void RemoveEntry(UTIL_LIST_S* list, UTIL_LIST_NODE_S* node, UTIL_LIST_S* removed)

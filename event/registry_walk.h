@@ -52,20 +52,28 @@ void BeginWalk(WALK_S* walk, const UTIL_LIST_S* list);
 // Ends a walk, at the end of its list or before. Lock held.
 void EndWalk(WALK_S* walk);
 
-// Goes to the next entry and marks it as running, until the next call or EndWalk. Returns its
-// element; null at the end of the list. Lock held.
-const void* NextElement(WALK_S* walk);
+// Set while a removal waits for callbacks to return.
+struct REMOVAL_S;
+extern REMOVAL_S* waitingRemovals;
 
-// Copies the next entry, since it may be removed while its callback runs. Returns false at the end
-// of the list. Lock held.
+// Wakes the waiting removals. Lock held.
+void SignalReturn();
+
+// Copies the next entry, since it may be removed while its callback runs, and marks it as running
+// until the next call or EndWalk. Returns false at the end of the list. Lock held.
 template <typename Entry>
 bool NextEntry(WALK_S* walk, Entry* entry)
 {
-    const void* element = NextElement(walk);
-    if (element == nullptr) {
+    UTIL_LIST_NODE_S* node = walk->next;
+    walk->running = node;
+    if (waitingRemovals != nullptr) {
+        SignalReturn();
+    }
+    if (node == nullptr) {
         return false;
     }
-    *entry = *static_cast<const Entry*>(element);
+    walk->next = node->next;
+    *entry = *static_cast<const Entry*>(UTIL_LIST_Data(node));
     return true;
 }
 
