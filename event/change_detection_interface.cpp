@@ -3,6 +3,7 @@
 #include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/event_publish.h>
 
+#include "db/probes.h"
 #include "event/event_publish_interface.h"
 #include "event/row_change.h"
 
@@ -32,13 +33,15 @@ void QRB_EVENT_IfBaseTableCallback(ORM_MESSAGE message, uint32_t eventType)
     const uint32_t object = isCreated ? ORM_OBJECT_NEW : ORM_OBJECT_OLD;
     const uint32_t command = isCreated ? IF_NOTIFY_CREATED : IF_NOTIFY_DELETED;
     QRB_IF_BASE_S row = {};
+    QRB_PROBE(delivery_begin, "if_base", eventType);
     while (FetchNext(__func__, message)) {
         if (QRB_EVENT_GetIfBaseFromSession(message, object, &row) != OK) {
             QRB_ERROR("get if base data from db sub session fail.\n");
-            return;
+            break;
         }
         Notify(__func__, row.if_index, command);
     }
+    QRB_PROBE(delivery_end, "if_base", eventType);
 }
 
 uint32_t QRB_EVENT_GetIfBaseFromSession(ORM_MESSAGE message, uint32_t object, QRB_IF_BASE_S* row)
@@ -78,6 +81,7 @@ void QRB_EVENT_IfPhyTableCallback(ORM_MESSAGE message, uint32_t eventType)
     QRB_IF_PHY_S oldRow = {};
     QRB_IF_PHY_S newRow = {};
     QRB_IF_PHY_NOTICE_S notice = {};
+    QRB_PROBE(delivery_begin, "if_phy", eventType);
     while (FetchNext(__func__, message)) {
         if (IsInsertion(message, eventType)) {
             QRB_EVENT_IfPhyInsert(message, &newRow, &notice);
@@ -85,14 +89,15 @@ void QRB_EVENT_IfPhyTableCallback(ORM_MESSAGE message, uint32_t eventType)
         }
         if (QRB_EVENT_IfPhyOrmGetOldData(message, &oldRow) != OK) {
             QRB_ERROR("Failed to get old orm phy data.\n");
-            return;
+            break;
         }
         if (QRB_EVENT_IfPhyOrmGetNewData(message, &newRow) != OK) {
             QRB_ERROR("Failed to get new orm phy data.\n");
-            return;
+            break;
         }
         QRB_EVENT_IfPhyUpdate(&oldRow, &newRow, &notice);
     }
+    QRB_PROBE(delivery_end, "if_phy", eventType);
 }
 
 uint32_t QRB_EVENT_IfPhyOrmGetOldData(ORM_MESSAGE message, QRB_IF_PHY_S* row)
@@ -152,17 +157,19 @@ void QRB_EVENT_IfRouteTableCallback(ORM_MESSAGE message, uint32_t eventType)
     }
     QRB_IF_ROUTE_S oldRow = {};
     QRB_IF_ROUTE_S newRow = {};
+    QRB_PROBE(delivery_begin, "if_route", eventType);
     while (FetchNext(__func__, message)) {
         if (QRB_EVENT_IfRouteOrmGetOldData(message, &oldRow) != OK) {
             QRB_ERROR("Failed to get old orm if_route data.\n");
-            return;
+            break;
         }
         if (QRB_EVENT_IfRouteOrmGetNewData(message, &newRow) != OK) {
             QRB_ERROR("Failed to get new orm if_route data.\n");
-            return;
+            break;
         }
         QRB_EVENT_IfRouteUpdate(&oldRow, &newRow);
     }
+    QRB_PROBE(delivery_end, "if_route", eventType);
 }
 
 uint32_t QRB_EVENT_IfRouteOrmGetOldData(ORM_MESSAGE message, QRB_IF_ROUTE_S* row)

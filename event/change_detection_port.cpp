@@ -6,6 +6,7 @@
 #include <tarnd_qrb/change_detection.h>
 #include <tarnd_qrb/event_publish.h>
 
+#include "db/probes.h"
 #include "event/row_change.h"
 
 using namespace qrb;
@@ -33,6 +34,7 @@ void QRB_EVENT_PortTableCallback(ORM_MESSAGE message, uint32_t eventType)
     }
     QRB_PORT_S oldRow = {};
     QRB_PORT_S newRow = {};
+    QRB_PROBE(delivery_begin, "port", eventType);
     while (FetchNext(__func__, message)) {
         if (IsInsertion(message, eventType)) {
             QRB_EVENT_PortInsert(message, &newRow);
@@ -44,11 +46,11 @@ void QRB_EVENT_PortTableCallback(ORM_MESSAGE message, uint32_t eventType)
         }
         if (QRB_EVENT_PortOrmGetOldData(message, &oldRow) != OK) {
             QRB_ERROR("Failed to get old orm port data.\n");
-            return;
+            break;
         }
         if (QRB_EVENT_PortOrmGetNewData(message, &newRow) != OK) {
             QRB_ERROR("Failed to get new orm port data.\n");
-            return;
+            break;
         }
         QRB_EVENT_PortUpdateSwitchPortUse(&oldRow, &newRow);
         // At most one VLAN event: the first bitmap counts only if the second is unchanged.
@@ -58,6 +60,7 @@ void QRB_EVENT_PortTableCallback(ORM_MESSAGE message, uint32_t eventType)
                                                   QRB_VLAN_BITMAP_1);
         }
     }
+    QRB_PROBE(delivery_end, "port", eventType);
 }
 
 uint32_t QRB_EVENT_PortOrmGetOldData(ORM_MESSAGE message, QRB_PORT_S* row)

@@ -3,6 +3,7 @@
 
 #include <tarnd_qrb/event_publish.h>
 
+#include "db/probes.h"
 #include "event/interface_event_tree.h"
 #include "event/registry_walk.h"
 
@@ -55,12 +56,15 @@ void qrb::PublishInterfaceEvent(const char* function, uint32_t eventId, uint32_t
     WALK_S walk;
     IF_EVT_CB_S entry;
     BeginWalk(&walk, list);
+    QRB_PROBE(interface_event_begin, eventId, subId, ifIndex);
     bool isCalled = true;
     while (isCalled && NextEntry(&walk, &entry)) {
         UnlockRegistries();
         isCalled = entry.pfCallback != nullptr;
         if (isCalled) {
+            QRB_PROBE(callback_begin, reinterpret_cast<const void*>(entry.pfCallback));
             entry.pfCallback(subId, flag, ifIndex, first, second);
+            QRB_PROBE(callback_end, reinterpret_cast<const void*>(entry.pfCallback));
         } else {
             QRB_ERROR_AT(function, "Failed to execute callback, subId=%u, priority=%u\n",
                          entry.subId, entry.priority);
@@ -69,4 +73,5 @@ void qrb::PublishInterfaceEvent(const char* function, uint32_t eventId, uint32_t
     }
     EndWalk(&walk);
     UnlockRegistries();
+    QRB_PROBE(interface_event_end, eventId, subId, ifIndex);
 }

@@ -7,7 +7,7 @@ set -euo pipefail
 cd "$1"
 library=$2 shell=$3
 
-placed=$(grep -rohE '\bQRB_PROBE\([a-z_]+,' --include='*.cpp' --include='*.h' --exclude=probes.h --exclude-dir=build . | sed 's/.*(//; s/,//' | sort -u)
+placed=$(grep -rohE '\bQRB_PROBE\([a-z0-9_]+,' --include='*.cpp' --include='*.h' --exclude=probes.h --exclude-dir=build . | sed 's/.*(//; s/,//' | sort -u)
 described=$(readelf -n "$library" | awk '/Provider: tarnd_qrb$/ { ours = 1; next } ours { print $2; ours = 0 }' | sort -u)
 diff <(echo "$placed") <(echo "$described") || { echo '"<": in the sources, ">": in the library'; exit 1; }
 
