@@ -31,7 +31,7 @@ std::string TakeStartLog()
             break;
         }
         isThere = IsListenerStart(*event);
-        lines += "\n" + EventText(*event);
+        lines += "\n" + event->value("line", "");
     }
     return lines;
 }

@@ -1,4 +1,5 @@
 // tarnd-qrb: hosts the library and calls its functions by name.
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <clocale>
@@ -124,6 +125,11 @@ std::unique_ptr<sources::Source> OpenSource(const std::string& name)
     return sources::OpenSource(name, [&] { progress.Step(); });
 }
 
+bool IsFile(const std::string& source)
+{
+    return source != "host" && !source.starts_with("ovsdb:");
+}
+
 Status Run(const Options& options)
 {
     shell::EventQueue& events = shell::Events();  // made before any thread can log
@@ -134,15 +140,32 @@ Status Run(const Options& options)
     source->Follow();
     BlockInterrupts(SIG_UNBLOCK);
     shell::Printer printer(std::cout, StyleFor(options));
-    shell::Shell shell(*source, printer);
+    shell::Shell shell(*source, printer, IsFile(options.source) ? options.source : "");
     shell.PrintEvents();
     const Status worst = RunLines(shell, options);
     return std::max(worst, shell.Finish());
 }
 
+// A closed standard descriptor would be reused by the next file that is opened.
+void CheckStandardDescriptors()
+{
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(descriptor, F_GETFD) < 0) {
+            open("/dev/null", descriptor == STDIN_FILENO ? O_RDONLY : O_WRONLY);
+            if (descriptor == STDOUT_FILENO) {
+                throw shell::OutputError("standard output: closed");
+            }
+        }
+    }
+}
+
 int RunProgram(int count, char** words)
 {
+    CheckStandardDescriptors();
     std::setlocale(LC_CTYPE, "");
+    if (MB_CUR_MAX == 1) {
+        std::setlocale(LC_CTYPE, "C.UTF-8");  // names and texts are UTF-8 in every locale
+    }
     std::signal(SIGPIPE, SIG_IGN);  // a closed output is an error of the write
     Options options;
     CLI::App app("Calls the functions of libtarnd_qrb by name.", "tarnd-qrb");

@@ -3,9 +3,11 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "shell/commands/pending_writes.h"
+#include "shell/output/file_replacement.h"
 #include "shell/output/printer.h"
 
 namespace shell {
@@ -18,15 +20,13 @@ enum class Status : uint8_t {
     Unavailable = 3,  // a source, a file or the output can't be read or written
 };
 
-// A file that can't be read or written.
-class FileError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
-
 class Shell {
 public:
-    Shell(sources::Source& source, Printer& printer) : writes_(source), printer_(printer) {}
+    // file: the JSON file that the source is; empty for any other source.
+    Shell(sources::Source& source, Printer& printer, std::string file = "")
+        : writes_(source), printer_(printer), file_(std::move(file))
+    {
+    }
 
     // Errors are printed, except for OutputError, which is thrown.
     Status Execute(std::string_view line);
@@ -40,6 +40,9 @@ public:
 
     bool Ended() const { return ended_; }
     void End() { ended_ = true; }
+    void Continue() { ended_ = false; }
+
+    const std::string& File() const { return file_; }
     Printer& Out() { return printer_; }
     PendingWrites& Writes() { return writes_; }
 
@@ -48,6 +51,7 @@ private:
 
     PendingWrites writes_;
     Printer& printer_;
+    const std::string file_;
     bool ended_ = false;
 };
 

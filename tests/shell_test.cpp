@@ -164,4 +164,102 @@ TEST(Shell, FailedCallShowsNoCount)
     EXPECT_TRUE(result["outputs"]["count"].is_null());
 }
 
+TEST(Shell, ShowSelectsSortsAndLimits)
+{
+    const auto rows = [](const std::string& selection) {
+        return RunShell(device + "show " + selection).output;
+    };
+    EXPECT_EQ(rows("if_base 'if_name=Ten*' columns if_name,mtu sort -if_index limit 2"),
+              "if_name           mtu\n"
+              "TenGigabit2/0/2  9216\n"
+              "TenGigabit2/0/1  9216\n");
+    EXPECT_EQ(rows("if_phy if_index=9 phy_state=down columns if_index,phy_state lines"),
+              "if_index   9 (Ethernet0/0/9)\n"
+              "phy_state  0 (down)\n");
+    EXPECT_EQ(RunShell("--json " + device + "show port vlan_bitmap_2-=20 limit 1").output.find("["),
+              0);
+    EXPECT_EQ(rows("port vlan_bitmap_1+=4094 columns pvid limit 1"), "pvid\n4094\n");
+    EXPECT_EQ(rows("if_base if_name=none"), rows("if_base 'if_name=none*'"));
+    EXPECT_NE(rows("port sort none").find("unknown field none"), std::string::npos);
+    EXPECT_NE(RunShell(device + "walk vlan").output.find("staff"), std::string::npos);
+    const Json none = Json::parse(RunShell("--json " + device + "show port if_index=999").output);
+    EXPECT_EQ(none, Json::array());
+}
+
+TEST(Shell, OutputThatCannotBeWrittenIsAnError)
+{
+    const std::string call = TARND_SHELL " " + device + "functions ";
+    for (const char* output : {">/dev/full", ">&-", "| true; exit ${PIPESTATUS[0]}"}) {
+        const auto [status, text] = support::Run("bash -c '{ " + call + output + "; } 2>&1'");
+        EXPECT_EQ(status, 3) << output;
+        EXPECT_NE(text.find("standard output"), std::string::npos) << output << text;
+    }
+}
+
+TEST(Shell, SaveKeepsTheOldFileUntilTheNewOneIsComplete)
+{
+    const std::string script = "cp " + device + R"($d/device.json; chmod 640 $d/device.json
+run() { )" TARND_SHELL R"( $d/device.json "$@"; }
+(trap "" XFSZ; ulimit -f 4; run save); echo status $?
+cmp $d/device.json )" + device +
+                               R"(&& ls $d
+printf "update port if_index=1 pvid=30\nsave\n" | run
+run show port if_index=1 columns pvid
+stat -c %a $d/device.json)";
+    const auto [status, output] = support::Run("bash -c 'd=$(mktemp -d); { " + script +
+                                               "; } 2>&1 | sed \"s:$d/::\"; rm -r $d'");
+    EXPECT_EQ(output,
+              "device.json: File too large\nstatus 3\ndevice.json\n"
+              "1 row updated\nsaved to device.json\npvid\n  30\n640\n");
+}
+
+TEST(Shell, ControlCharactersArePrintedEscaped)
+{
+    const std::string name =
+        "printf 'insert if_base if_index=900 if_name=\"a\\033[31mb\\302\\205c\"\\n"
+        "IF_GetIfNameByIndex 900\\n'";
+    EXPECT_NE(RunShell(device, name).output.find(R"(a\x1b[31mb\xc2\x85c)"), std::string::npos);
+    EXPECT_NE(RunShell("--json " + device, name).output.find(R"(a\u001b[31mb\u0085c)"),
+              std::string::npos);
+}
+
+TEST(Shell, MissingDescriptorsEndInAMessage)
+{
+    const auto [status, text] =
+        support::Run("bash -c 'ulimit -n 4; " TARND_SHELL " " + device + "tables' 2>&1");
+    EXPECT_EQ(status, 3) << text;
+    EXPECT_NE(text.find("tarnd-qrb: "), std::string::npos) << text;
+}
+
+// What is typed at a terminal, with pauses; an own home directory.
+std::string Typed(const std::string& environment, const std::string& keys)
+{
+    return support::Run("bash -c 'cd $(mktemp -d); export HOME=$PWD TERM=xterm; cp " + device +
+                        "device.json; type() { sleep 0.7; printf \"$@\"; }; (" + keys +
+                        "; sleep 0.7) | env " + environment +
+                        " script -qec \"" TARND_SHELL " device.json\" /dev/null; ls -A' 2>&1")
+        .output;
+}
+
+TEST(Shell, PromptAsksBeforeWritesAreLost)
+{
+    const std::string output =
+        Typed("LC_ALL=C",
+              "type \"update port if_index=1 pvid=30\\r\"; type \"quit\\r\"; type \"c\\r\"; "
+              "type \"\\004\"; type \"y\\r\"");
+    EXPECT_NE(output.find("1 write is not saved to device.json. Save?"), std::string::npos)
+        << output;
+    EXPECT_NE(output.find("saved to device.json"), std::string::npos) << output;
+}
+
+// Bytes that are no character, Ctrl-C, and no home directory.
+TEST(Shell, PromptSurvivesAnyKey)
+{
+    const std::string output =
+        Typed("-u HOME LC_ALL=C",
+              "type \"\\303\\274\\377\\003\"; type \"IF_GetIfNameByIndex 2\\r\"; type \"exit\\r\"");
+    EXPECT_NE(output.find("Ethernet0/0/2"), std::string::npos) << output;
+    EXPECT_EQ(output.find(".local"), std::string::npos) << output;
+}
+
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "shell/named_numbers.h"
 #include "shell/table_lookup.h"
 #include "sources/json/json_row.h"
 #include "sources/json/json_set.h"
@@ -20,40 +21,22 @@ bool InPrimaryKey(const Table& table, const std::string& name)
                                [&](const Field* member) { return member->name == name; });
 }
 
-Assignment ParseAssignment(const Table& table, const std::string& word)
-{
-    const size_t equals = word.find('=');
-    if (equals == std::string::npos || equals == 0) {
-        throw UsageError("\"" + word + "\" is not of the form FIELD=VALUE");
-    }
-    const char mark = word[equals - 1];
-    const bool sets = mark == '+' || mark == '-';
-    Assignment assignment{word.substr(0, equals - (sets ? 1 : 0)),
-                          mark == '+'   ? Operator::Add
-                          : mark == '-' ? Operator::Remove
-                                        : Operator::Set,
-                          word.substr(equals + 1), false};
-    const Field* field = FieldOrList(table, assignment.field);
-    if (sets && (field == nullptr || field->kind != Kind::Set)) {
-        throw UsageError(assignment.field + " is no set: only = can be used with it");
-    }
-    assignment.isKey = InPrimaryKey(table, assignment.field);
-    return assignment;
-}
-
 bool IsNumber(const std::string& text)
 {
     return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos &&
            text.size() < 20;
 }
 
-// As the JSON format has it.
+// The value in the JSON format.
 Json ValueOf(const Table& table, const Assignment& assignment)
 {
     const Field* field = standin::FindField(table.fields, assignment.field);
     if (field == nullptr) {
         Json list = Json::parse(assignment.value, nullptr, false);
         return list.is_discarded() ? Json(assignment.value) : list;
+    }
+    if (const auto named = NumberOf(ValueNames(table.name, field->name), assignment.value)) {
+        return *named;
     }
     if (field->kind == Kind::Number && IsNumber(assignment.value)) {
         return std::stoull(assignment.value);
@@ -77,7 +60,7 @@ standin::Row Without(standin::Row row, const Assignment& assignment)
     return row.SetBytes(field.name, bits);
 }
 
-// The row that the object describes; what is wrong is told with the table's name.
+// The row that the object describes. Errors begin with the table's name.
 standin::Row RowOf(const Table& table, const Json& object)
 {
     try {
@@ -88,6 +71,27 @@ standin::Row RowOf(const Table& table, const Json& object)
 }
 
 }  // namespace
+
+Assignment ParseAssignment(const Table& table, const std::string& word)
+{
+    const size_t equals = word.find('=');
+    if (equals == std::string::npos || equals == 0) {
+        throw UsageError("\"" + word + "\" is not of the form FIELD=VALUE");
+    }
+    const char mark = word[equals - 1];
+    const bool sets = mark == '+' || mark == '-';
+    Assignment assignment{word.substr(0, equals - (sets ? 1 : 0)),
+                          mark == '+'   ? Operator::Add
+                          : mark == '-' ? Operator::Remove
+                                        : Operator::Set,
+                          word.substr(equals + 1), false};
+    const Field* field = FieldOrList(table, assignment.field);
+    if (sets && (field == nullptr || field->kind != Kind::Set)) {
+        throw UsageError(assignment.field + " is not a set, so " + mark + "= does not apply");
+    }
+    assignment.isKey = InPrimaryKey(table, assignment.field);
+    return assignment;
+}
 
 std::vector<Assignment> TakeAssignments(const Table& table, Words& words)
 {
@@ -127,9 +131,12 @@ standin::Row Changed(const standin::Row& row, const std::vector<Assignment>& ass
     return changed;
 }
 
-bool Has(const standin::Row& row, const std::vector<Assignment>& assignments)
+standin::Row RowWith(const Table& table, const Assignment& assignment)
 {
-    return Changed(row, assignments) == row;
+    // The members of the key must be present; they are zero or empty.
+    Json object = sources::RowToJson(standin::Row(table));
+    object[assignment.field] = ValueOf(table, assignment);
+    return RowOf(table, object);
 }
 
 }  // namespace shell

@@ -1,4 +1,4 @@
-// FIELD=VALUE: what a row gets, or must have.
+// FIELD=VALUE: a value to write, or a condition.
 #pragma once
 
 #include <string>
@@ -19,16 +19,18 @@ struct Assignment {
     bool isKey;  // a member of the primary key
 };
 
-// All the words that are left. Values stand as in the JSON format, but bare: pvid=10,
-// mac_addr=02:00:00:00:00:01, vlan_bitmap_1=10,20-29; a list is a JSON array.
+// A value is written as in the JSON format, without quotes: pvid=10, mac_addr=02:00:00:00:00:01,
+// vlan_bitmap_1=10,20-29; a list is a JSON array. States may be given by name: phy_state=up.
 // Throws UsageError.
+Assignment ParseAssignment(const standin::Table& table, const std::string& word);
+
+// All remaining words.
 std::vector<Assignment> TakeAssignments(const standin::Table& table, Words& words);
 
-// Throw standin::Error for a value that its field can't hold.
+// These throw standin::Error for a value that its field can't hold.
 standin::Row NewRow(const standin::Table& table, const std::vector<Assignment>& assignments);
 standin::Row Changed(const standin::Row& row, const std::vector<Assignment>& assignments);
-
-// Whether the row would stay as it is.
-bool Has(const standin::Row& row, const std::vector<Assignment>& assignments);
+// A row of which only this field or list has a value.
+standin::Row RowWith(const standin::Table& table, const Assignment& assignment);
 
 }  // namespace shell

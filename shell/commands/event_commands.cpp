@@ -1,10 +1,7 @@
 // Watching events, and raising those of the interface tree.
 #include <poll.h>
-#include <sys/signalfd.h>
-#include <unistd.h>
 
 #include <chrono>
-#include <csignal>
 #include <optional>
 
 #include <standin/deliveries.h>
@@ -14,41 +11,13 @@
 #include "shell/events/event_queue.h"
 #include "shell/events/event_watch.h"
 #include "shell/output/log_capture.h"
+#include "shell/terminal/interrupt.h"
 
 namespace shell {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 using Deadline = std::optional<Clock::time_point>;
-
-// While it lives, an interrupt from the terminal is something to wait for.
-class Interrupt {
-public:
-    Interrupt()
-    {
-        sigset_t signals;
-        sigemptyset(&signals);
-        sigaddset(&signals, SIGINT);
-        pthread_sigmask(SIG_BLOCK, &signals, &before_);
-        descriptor_ = signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
-    }
-    ~Interrupt()
-    {
-        signalfd_siginfo taken{};
-        while (read(descriptor_, &taken, sizeof(taken)) > 0) {
-        }
-        close(descriptor_);
-        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
-    }
-    Interrupt(const Interrupt&) = delete;
-    Interrupt& operator=(const Interrupt&) = delete;
-
-    int Descriptor() const { return descriptor_; }
-
-private:
-    sigset_t before_{};
-    int descriptor_;
-};
 
 int MillisecondsTo(const Deadline& deadline)
 {

@@ -1,8 +1,5 @@
-// Whole devices as files: load, dump, diff.
+// Whole devices as files: load, dump, save, diff.
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <functional>
 #include <map>
 
@@ -50,14 +47,25 @@ Status Dump(Shell& shell, Words& words)
     words.ExpectEnd();
     const std::string text = sources::DumpJson();
     if (file == "-") {
-        shell.Out().PrintRaw(text);
-        return Status::Success;
+        shell.Out().Page([&] { shell.Out().PrintRaw(text); });
+    } else {
+        ReplaceFile(file, text);
     }
-    std::ofstream output(file, std::ios::binary);
-    output << text << std::flush;
-    if (!output) {
-        throw FileError(file + ": " + std::strerror(errno));
+    return Status::Success;
+}
+
+Status Save(Shell& shell, Words& words)
+{
+    const std::string file = words.Empty() ? shell.File() : words.Take("file");
+    words.ExpectEnd();
+    if (file.empty()) {
+        throw UsageError("the source is not a file; save FILE writes the rows to one");
     }
+    ReplaceFile(file, sources::DumpJson());
+    if (file == shell.File()) {
+        shell.Writes().SetSaved();
+    }
+    shell.Out().PrintText("saved to " + EscapeControls(file) + "\n");
     return Status::Success;
 }
 
@@ -83,7 +91,7 @@ Contents ContentsOf(const std::string& file)
     return contents;
 }
 
-Contents PresentContents()
+Contents DatabaseContents()
 {
     Contents contents;
     for (const standin::Table& table : standin::Tables()) {
@@ -98,7 +106,7 @@ Json ValueOr(const Json& row, const std::string& field)
     return found != row.end() && row.is_object() ? *found : Json();
 }
 
-// One row of the difference; null for a row that is not there.
+// One row of the difference; before or after is null if the row is absent.
 Json Difference(const std::pair<size_t, Json>& place, const Json& before, const Json& after)
 {
     const standin::Table& table = standin::Tables()[place.first];
@@ -159,11 +167,11 @@ std::string Described(const Json& difference)
     return "~ " + table + OneLine(difference["key"]) + changes + "\n";
 }
 
-// As diff(1) does it: 1 where there is a difference.
+// Like diff(1), 1 if there is a difference.
 Status Diff(Shell& shell, Words& words)
 {
     const Contents before = ContentsOf(words.Take("file"));
-    const Contents after = words.Empty() ? PresentContents() : ContentsOf(words.Take("file"));
+    const Contents after = words.Empty() ? DatabaseContents() : ContentsOf(words.Take("file"));
     words.ExpectEnd();
     const Json differences = Compare(before, after);
     std::string text;
@@ -184,9 +192,10 @@ Status Diff(Shell& shell, Words& words)
 std::vector<Command> FileCommands()
 {
     return {
-        {"load", "FILE", "Adds the rows of a JSON file, all or none.", Load},
-        {"dump", "[FILE]", "Writes the whole database as JSON, here or to a file.", Dump},
-        {"diff", "FILE [FILE]", "Tells what differs from one file to another, or to the database as it is now.", Diff},
+        {"load", "FILE", "Inserts the rows of a JSON file, all or none.", Load},
+        {"dump", "[FILE]", "Writes the whole database as JSON, to the output or to a file.", Dump},
+        {"save", "[FILE]", "Writes the whole database back to the file it was read from, or to another.", Save},
+        {"diff", "FILE [FILE]", "Compares a file with another, or with the database.", Diff},
     };
 }
 // clang-format on

@@ -35,7 +35,7 @@ void Apply(const sources::RowWrite& write, std::vector<Row>& rows)
 std::vector<sources::RowWrite>& PendingWrites::Open()
 {
     if (!waiting_) {
-        throw UsageError("there is no transaction: begin starts one");
+        throw UsageError("no transaction is open; begin opens one");
     }
     return *waiting_;
 }
@@ -43,7 +43,7 @@ std::vector<sources::RowWrite>& PendingWrites::Open()
 void PendingWrites::Begin()
 {
     if (waiting_) {
-        throw UsageError("there is a transaction already: commit or abort ends it");
+        throw UsageError("a transaction is already open; commit or abort ends it");
     }
     waiting_.emplace();
 }
@@ -51,7 +51,9 @@ void PendingWrites::Begin()
 size_t PendingWrites::Commit()
 {
     source_.Commit(Open());
-    return Abort();
+    const size_t count = Abort();
+    unsaved_ += count;
+    return count;
 }
 
 size_t PendingWrites::Abort()
@@ -67,6 +69,7 @@ void PendingWrites::Write(std::vector<sources::RowWrite> writes)
         std::ranges::move(writes, std::back_inserter(*waiting_));
     } else {
         source_.Commit(writes);
+        unsaved_ += writes.size();
     }
 }
 

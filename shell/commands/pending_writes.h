@@ -1,4 +1,4 @@
-// The shell's writes: each on its own, or several that wait for commit.
+// The shell's writes: committed one by one, or collected in a transaction until commit.
 #pragma once
 
 #include <optional>
@@ -15,17 +15,21 @@ public:
     bool IsOpen() const { return waiting_.has_value(); }
     size_t Waiting() const { return waiting_ ? waiting_->size() : 0; }
 
-    // Throw UsageError where there is one already, or none.
+    // Begin throws UsageError if a transaction is open, the others if none is. Commit and Abort
+    // return the number of writes. If a write is refused, Commit throws standin::Error and the
+    // transaction stays open.
     void Begin();
-    // How many writes were carried out, or forgotten. Commit throws standin::Error and keeps them
-    // where one is refused.
     size_t Commit();
     size_t Abort();
 
-    // Now, or with the rest of the open transaction.
+    // Adds the writes to the open transaction, else commits them at once.
     void Write(std::vector<sources::RowWrite> writes);
 
-    // As a table would be after the writes that wait.
+    // Writes committed since the last call of SetSaved.
+    size_t Unsaved() const { return unsaved_; }
+    void SetSaved() { unsaved_ = 0; }
+
+    // The rows of a table as they would be after the waiting writes.
     std::vector<standin::Row> RowsOf(const standin::Table& table) const;
 
 private:
@@ -33,6 +37,7 @@ private:
 
     sources::Source& source_;
     std::optional<std::vector<sources::RowWrite>> waiting_;
+    size_t unsaved_ = 0;
 };
 
 }  // namespace shell

@@ -1,9 +1,11 @@
-// Writing, as the rest of a device does: insert, update, replace, delete; begin, commit, abort.
+// Writes, as other components of a device make them: insert, update, replace, delete; begin,
+// commit, abort.
 #include <algorithm>
 #include <functional>
 
 #include "shell/commands/assignment.h"
 #include "shell/commands/command.h"
+#include "shell/commands/row_selection.h"
 #include "shell/table_lookup.h"
 
 namespace shell {
@@ -15,7 +17,7 @@ using standin::Table;
 
 using Assignments = std::vector<Assignment>;
 
-// Writes, and says so.
+// Writes and prints the number of rows.
 Status Do(Shell& shell, std::vector<sources::RowWrite> writes, const char* done)
 {
     const size_t count = writes.size();
@@ -35,21 +37,22 @@ Status WriteNew(Shell& shell, Words& words, Kind kind)
               kind == Kind::Insert ? "inserted" : "replaced");
 }
 
-// The rows that the assignments fit; there must be one.
+// The rows that match; at least one.
 std::vector<Row> Chosen(Shell& shell, const Table& table, const Assignments& wanted)
 {
     if (wanted.empty()) {
-        throw UsageError("which row of " + std::string(table.name) + "? FIELD=VALUE is missing");
+        throw UsageError("missing FIELD=VALUE to select rows of " + std::string(table.name));
     }
+    const RowFilter filter(table, wanted);
     std::vector<Row> rows = shell.Writes().RowsOf(table);
-    std::erase_if(rows, [&](const Row& row) { return !Has(row, wanted); });
+    std::erase_if(rows, [&](const Row& row) { return !filter.Matches(row); });
     if (rows.empty()) {
-        throw standin::Error(std::string(table.name) + ": there is no such row");
+        throw standin::Error(std::string(table.name) + ": no such row");
     }
     return rows;
 }
 
-// The key's fields say which row, the others what becomes of it.
+// The fields of the key select the row, the others are changed.
 Status Update(Shell& shell, Words& words)
 {
     const Table& table = KnownTable(words.Take("table"));
@@ -58,10 +61,10 @@ Status Update(Shell& shell, Words& words)
         std::stable_partition(changes.begin(), changes.end(), std::mem_fn(&Assignment::isKey));
     const auto rows = Chosen(shell, table, {changes.begin(), rest});
     if (rows.size() > 1) {
-        throw UsageError(std::to_string(rows.size()) + " rows have this; give the whole key");
+        throw UsageError(std::to_string(rows.size()) + " rows match; give the whole key");
     }
     if (rest == changes.end()) {
-        throw UsageError("what is to change? FIELD=VALUE is missing");
+        throw UsageError("missing FIELD=VALUE to change");
     }
     return Do(shell, {{Kind::Update, Changed(rows[0], {rest, changes.end()})}}, "updated");
 }
@@ -93,7 +96,7 @@ Status Commit(Shell& shell, Words& words)
 Status Abort(Shell& shell, Words& words)
 {
     words.ExpectEnd();
-    shell.Out().PrintDone("forgotten", shell.Writes().Abort());
+    shell.Out().PrintDone("discarded", shell.Writes().Abort());
     return Status::Success;
 }
 

@@ -69,12 +69,6 @@ bool IsNumeric(const std::string& cell)
     return cell.find_first_not_of("0123456789") == std::string::npos;
 }
 
-std::string CellOf(const Json& row, const std::string& column)
-{
-    const auto found = row.find(column);
-    return found != row.end() ? MemberText(row, column, *found) : "";
-}
-
 std::vector<std::string> ColumnsOf(const Json& rows)
 {
     std::vector<std::string> names;
@@ -148,7 +142,7 @@ TextTable::TextTable(const std::vector<std::string>& names, const Json& firstRow
     for (const std::string& name : names) {
         TextColumn column{name, true, WidthOf(name)};
         for (const Json& row : firstRows) {
-            const std::string cell = CellOf(row, name);
+            const std::string cell = Cell(row, name);
             column.rightAligned &= IsNumeric(cell);
             column.width = std::max(column.width, WidthOf(cell));
         }
@@ -167,6 +161,12 @@ std::string TextTable::Line(const CellText& cellText) const
     return line.erase(line.find_last_not_of(' ') + 1) + "\n";
 }
 
+std::string TextTable::Cell(const Json& row, const std::string& column)
+{
+    const auto found = row.find(column);
+    return found != row.end() ? MemberText(row, column, *found) : "";
+}
+
 std::string TextTable::Header() const
 {
     return Line([](const TextColumn& column) { return column.name; });
@@ -174,7 +174,7 @@ std::string TextTable::Header() const
 
 std::string TextTable::Row(const Json& row) const
 {
-    return Line([&](const TextColumn& column) { return CellOf(row, column.name); });
+    return Line([&](const TextColumn& column) { return Cell(row, column.name); });
 }
 
 std::string TableText(const Json& rows)

@@ -30,6 +30,8 @@ public:
 
     std::string Header() const;
     std::string Row(const Json& row) const;
+    // The text of one member; empty if the row has no such member.
+    static std::string Cell(const Json& row, const std::string& column);
 
 private:
     struct TextColumn {

@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "shell/events/event_json.h"
+#include "shell/output/pager.h"
 #include "shell/table_lookup.h"
 
 namespace shell {
@@ -236,9 +237,28 @@ void Printer::PrintError(const std::string& message)
     std::cerr << Coloured(RED, place + EscapeLines(message)) << '\n';
 }
 
+void Printer::PrintValue(const Json& value)
+{
+    output_ << EscapeInJson(value.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
+void Printer::Page(const std::function<void()>& print)
+{
+    const Pager pager(output_);
+    try {
+        print();
+        Flush();
+    } catch (const OutputError&) {
+        if (!pager.IsRunning()) {
+            throw;
+        }
+    }
+}
+
 void Printer::PrintLine(const Json& value)
 {
-    output_ << EscapeInJson(value.dump(-1, ' ', false, Json::error_handler_t::replace)) << '\n';
+    PrintValue(value);
+    output_ << '\n';
 }
 
 void Printer::Flush()
@@ -246,7 +266,7 @@ void Printer::Flush()
     errno = 0;
     if (!output_.flush()) {
         throw OutputError(std::string("standard output: ") +
-                          (errno != 0 ? std::strerror(errno) : "write error"));
+                          (errno != 0 ? std::strerror(errno) : "closed by its reader"));
     }
 }
 

@@ -4,6 +4,7 @@
 // everything is an object or an array on a line of the output; docs/shell.md describes each.
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <stdexcept>
 #include <string>
@@ -41,6 +42,10 @@ public:
     void PrintText(const std::string& text);
     // Unchanged in every style.
     void PrintRaw(const std::string& text);
+    // As JSON, without a line feed.
+    void PrintValue(const Json& value);
+    // Through a pager, if the output is a terminal. A pager that is closed early ends the printing.
+    void Page(const std::function<void()>& print);
     // As JSON {"error": ...}, with "line" for a line of a file.
     void PrintError(const std::string& message);
 

@@ -17,10 +17,14 @@ Names ValuesOfArgument(const Argument& argument)
         return TableNames();
     }
     const standin::Table* table = standin::FindTable(argument.table);
-    return table != nullptr ? ValuesOf(*table, argument.field) : Names();
+    Names values = table != nullptr ? ValuesOf(*table, argument.field) : Names();
+    for (const NamedNumber& named : argument.names) {
+        values.emplace_back(named.name);
+    }
+    return values;
 }
 
-// The place counts the words behind the function's name, from 0.
+// place: the number of the argument, from 0.
 Names ForFunction(const Function& function, size_t place)
 {
     for (const Parameter& parameter : function.parameters) {
@@ -44,7 +48,7 @@ Names Files(const std::string& begun)
     return names;
 }
 
-// FIELD=, or behind it the values that stand there.
+// FIELD=, or FIELD= followed by each value of the field.
 Names Assignments(const std::string& tableName, const std::string& begun)
 {
     const standin::Table* table = standin::FindTable(tableName);
@@ -76,10 +80,25 @@ Names Split(const std::string& text, char mark)
     return parts;
 }
 
-// What help writes for the arguments says what they are.
+// What may follow "show TABLE".
+Names ForSelection(const Names& words, const std::string& begun)
+{
+    const standin::Table* table = standin::FindTable(words[1]);
+    if (table != nullptr && (words.back() == "columns" || words.back() == "sort")) {
+        return FieldNames(*table);
+    }
+    Names names = Assignments(words[1], begun);
+    names.insert(names.end(), {"columns", "sort", "limit", "lines"});
+    return names;
+}
+
+// The arguments in the help text say what they are.
 Names ForCommand(const Command& command, const Names& words, const std::string& begun)
 {
     const std::string arguments(command.arguments);
+    if (command.name == "show" && words.size() > 1) {
+        return ForSelection(words, begun);
+    }
     const Names places = Split(arguments, ' ');
     std::string place = places[std::min(words.size() - 1, places.size() - 1)];
     std::erase_if(place, [](char c) { return c == '[' || c == ']' || c == '.'; });
@@ -110,7 +129,7 @@ Names Possible(const Names& words, const std::string& begun)
     return function != nullptr ? ForFunction(*function, words.size() - 1) : Names();
 }
 
-// As it must stand on a line to be one word.
+// Quoted if it would not be one word otherwise.
 std::string Quoted(const std::string& word)
 {
     return word.find_first_of(" \t#") == std::string::npos ? word : "'" + word + "'";

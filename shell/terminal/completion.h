@@ -1,4 +1,4 @@
-// What could stand where a line breaks off.
+// Completion candidates for an unfinished line.
 #pragma once
 
 #include <string>
@@ -8,11 +8,11 @@
 namespace shell {
 
 struct Completion {
-    std::string begun;                    // the unfinished word, as it stands on the line
-    std::vector<std::string> candidates;  // words that begin so; a field's end with "="
+    std::string begun;                    // the unfinished word
+    std::vector<std::string> candidates;  // words with that beginning; fields end with "="
 };
 
-// Names of commands, functions, tables and fields; values that stand in the database; files.
+// Names of commands, functions, tables, fields and events; values in the database; files.
 Completion Complete(std::string_view line);
 
 }  // namespace shell

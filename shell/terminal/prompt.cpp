@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstdlib>
 #include <cwchar>
 #include <filesystem>
@@ -14,46 +15,61 @@
 
 #include "shell/events/event_queue.h"
 #include "shell/terminal/completion.h"
+#include "shell/terminal/interrupt.h"
 
 namespace shell {
 namespace {
 
-constexpr int historySize = 1000;
+constexpr int HISTORY_SIZE = 1000;
 
+// Empty without a home directory.
 std::filesystem::path HistoryFile()
 {
-    const char* const state = std::getenv("XDG_STATE_HOME");
-    const char* const home = std::getenv("HOME");
-    if (state != nullptr && *state != '\0') {
-        return std::filesystem::path(state) / "tarnd-qrb" / "history";
+    const auto variable = [](const char* name) {
+        const char* const value = std::getenv(name);
+        return std::filesystem::path(value != nullptr ? value : "");
+    };
+    if (const auto state = variable("XDG_STATE_HOME"); !state.empty()) {
+        return state / "tarnd-qrb" / "history";
     }
-    return std::filesystem::path(home != nullptr ? home : ".") / ".local/state/tarnd-qrb/history";
+    const auto home = variable("HOME");
+    return home.empty() ? home : home / ".local/state/tarnd-qrb/history";
 }
 
-// The lines of earlier sessions, and of this one; kept when it ends.
+// The lines of earlier sessions and of this one, saved at the end.
 class History {
 public:
     History() : history_(history_init()), file_(HistoryFile())
     {
-        std::error_code ignored;
-        std::filesystem::create_directories(file_.parent_path(), ignored);
-        Do(H_SETSIZE, historySize);
+        Do(H_SETSIZE, HISTORY_SIZE);
         Do(H_SETUNIQUE, 1);
-        Do(H_LOAD, file_.c_str());
+        if (!file_.empty()) {
+            std::error_code ignored;
+            std::filesystem::create_directories(file_.parent_path(), ignored);
+            Do(H_LOAD, file_.c_str());
+        }
     }
+    // Written beside and renamed, so that a full disk doesn't destroy the old history.
     ~History()
     {
-        Do(H_SAVE, file_.c_str());
+        if (!file_.empty()) {
+            const auto beside = file_.string() + "." + std::to_string(getpid());
+            std::error_code ignored;
+            if (Do(H_SAVE, beside.c_str()) >= 0) {
+                std::filesystem::rename(beside, file_, ignored);
+            }
+            std::filesystem::remove(beside, ignored);
+        }
         history_end(history_);
     }
     History(const History&) = delete;
     History& operator=(const History&) = delete;
 
     template <typename... Arguments>
-    void Do(int operation, Arguments... arguments)
+    int Do(int operation, Arguments... arguments)
     {
         HistEvent event{};
-        ::history(history_, &event, operation, arguments...);
+        return ::history(history_, &event, operation, arguments...);
     }
     ::History* Get() { return history_; }
 
@@ -62,7 +78,7 @@ private:
     std::filesystem::path file_;
 };
 
-// What the editor's functions work with.
+// Available to the functions of the line editor.
 struct Prompt {
     explicit Prompt(Shell& runningShell) : shell(runningShell) {}
 
@@ -94,7 +110,7 @@ std::string_view CommonStart(const std::vector<std::string>& words)
     return start;
 }
 
-// In columns as wide as the terminal has room for.
+// In as many columns as fit the terminal.
 void ListWords(const std::vector<std::string>& words, size_t terminalWidth)
 {
     const auto longest = std::ranges::max(words, {}, &std::string::size).size();
@@ -117,7 +133,7 @@ size_t TerminalWidth(EditLine* editor)
     return static_cast<size_t>(columns);
 }
 
-// Adds what all candidates have in common; where that is nothing, lists them.
+// Inserts the common start of all candidates; if there is nothing to insert, lists them.
 unsigned char OnTab(EditLine* editor, int /*key*/)
 {
     constexpr size_t most = 200;
@@ -143,7 +159,7 @@ unsigned char OnTab(EditLine* editor, int /*key*/)
     return CC_REDISPLAY;
 }
 
-// Waits for a key. Events that come meanwhile are printed above the line.
+// Waits for a key. Events that arrive meanwhile are printed above the line.
 int ReadKey(EditLine* editor, wchar_t* key)
 {
     pollfd waitedFor[] = {{STDIN_FILENO, POLLIN, 0}, {Events().Descriptor(), POLLIN, 0}};
@@ -159,8 +175,10 @@ int ReadKey(EditLine* editor, wchar_t* key)
     std::mbstate_t state{};
     for (char byte = 0; read(STDIN_FILENO, &byte, 1) == 1;) {
         const size_t used = std::mbrtowc(key, &byte, 1, &state);
-        if (used != static_cast<size_t>(-2)) {
-            return used == static_cast<size_t>(-1) ? -1 : 1;
+        if (used == static_cast<size_t>(-1)) {
+            state = {};  // no character: the byte is dropped
+        } else if (used != static_cast<size_t>(-2)) {
+            return 1;
         }
     }
     return 0;
@@ -179,11 +197,63 @@ Editor MakeEditor(History& history, Prompt& prompt)
     el_set(editor.get(), EL_ADDFN, "complete", "Completes a word", OnTab);
     el_set(editor.get(), EL_BIND, "^I", "complete", nullptr);
     el_set(editor.get(), EL_BIND, "^R", "em-inc-search-prev", nullptr);
-    // Ctrl-C gives up the line, not the shell.
+    // Ctrl-C discards the line and doesn't end the shell.
     el_set(editor.get(), EL_SETTY, "-d", "-isig", nullptr);
     el_set(editor.get(), EL_BIND, "^C", "em-kill-line", nullptr);
     el_source(editor.get(), nullptr);
     return editor;
+}
+
+std::string StartText(const Shell& shell)
+{
+    std::string text = "help lists the commands, Tab completes, Ctrl-D ends.\n";
+    if (!shell.File().empty()) {
+        text += "Writes stay in memory until save writes them to " + EscapeControls(shell.File()) +
+                ".\n";
+    }
+    return text;
+}
+
+// The first letter of the reply, lower case; 0 at the end of the input.
+char Ask(const std::string& question)
+{
+    std::cout << question << std::flush;
+    std::string reply;
+    if (!std::getline(std::cin, reply)) {
+        return 0;
+    }
+    return reply.empty() ? ' '
+                         : static_cast<char>(std::tolower(static_cast<unsigned char>(reply[0])));
+}
+
+// Whether the shell may end: nothing is lost, or the user agrees.
+bool ConfirmEnd(Shell& shell)
+{
+    PendingWrites& writes = shell.Writes();
+    if (writes.IsOpen() && writes.Waiting() > 0) {
+        const char reply = Ask(std::to_string(writes.Waiting()) +
+                               " rows of a transaction are not written. Commit them? [y/n/c] ");
+        if (reply == 'y' && shell.Execute("commit") != Status::Success) {
+            return false;
+        }
+        if (reply != 'y' && reply != 'n' && reply != 0) {
+            return false;
+        }
+    }
+    if (shell.File().empty() || writes.Unsaved() == 0) {
+        return true;
+    }
+    const char* const verb = writes.Unsaved() == 1 ? " write is" : " writes are";
+    const char reply = Ask(std::to_string(writes.Unsaved()) + verb + " not saved to " +
+                           EscapeControls(shell.File()) + ". Save? [y/n/c] ");
+    return reply == 'y' ? shell.Execute("save") == Status::Success : reply == 'n' || reply == 0;
+}
+
+// Ctrl-C ends the command, not the shell.
+Status ExecuteInterruptibly(Shell& shell, const std::string& line)
+{
+    const Interrupt interrupt;
+    return shell.Execute(line);
 }
 
 }  // namespace
@@ -194,25 +264,27 @@ Status RunPrompt(Shell& shell)
     Prompt prompt(shell);
     const Editor editor = MakeEditor(history, prompt);
     Status worst = Status::Success;
-    std::cout << "help tells what there is, Tab completes, Ctrl-D ends.\n";
-    while (!shell.Ended()) {
+    std::cout << StartText(shell);
+    for (;;) {
         int length = 0;
-        const char* const text = el_gets(editor.get(), &length);
+        const char* const text = shell.Ended() ? nullptr : el_gets(editor.get(), &length);
         if (text == nullptr || length <= 0) {
-            break;
+            if (!shell.Ended()) {
+                std::cout << '\n';
+            }
+            if (ConfirmEnd(shell)) {
+                return worst;
+            }
+            shell.Continue();
+            continue;
         }
         const std::string line(text, static_cast<size_t>(length));
         if (line.find_first_not_of(" \t\n") == std::string::npos) {
             continue;
         }
         history.Do(H_ENTER, line.c_str());
-        worst = std::max(worst, shell.Execute(line));
-        std::cout.flush();
+        worst = std::max(worst, ExecuteInterruptibly(shell, line));
     }
-    if (!shell.Ended()) {
-        std::cout << '\n';
-    }
-    return worst;
 }
 
 }  // namespace shell

@@ -1,0 +1,35 @@
+// Ctrl-C while a command runs.
+#pragma once
+
+#include <csignal>
+#include <stdexcept>
+
+namespace shell {
+
+// A command that was ended by Ctrl-C.
+class Interrupted : public std::runtime_error {
+public:
+    Interrupted() : std::runtime_error("interrupted") {}
+};
+
+// While one exists, Ctrl-C doesn't end the process: a wait sees it by the descriptor, a long loop
+// by CheckInterrupt. Main thread only.
+class Interrupt {
+public:
+    Interrupt();
+    ~Interrupt();
+    Interrupt(const Interrupt&) = delete;
+    Interrupt& operator=(const Interrupt&) = delete;
+
+    int Descriptor() const { return descriptor_; }  // readable after Ctrl-C
+
+private:
+    sigset_t before_{};
+    int descriptor_;
+    int outer_;  // the descriptor of the enclosing one
+};
+
+// Throws Interrupted if Ctrl-C was pressed while an Interrupt exists.
+void CheckInterrupt();
+
+}  // namespace shell
