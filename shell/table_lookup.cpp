@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "shell/named_numbers.h"
 #include "shell/nearest_name.h"
 #include "shell/words.h"
 #include "sources/json/json_row.h"
+#include "sources/json/json_value.h"
 
 namespace shell {
 namespace {
@@ -73,6 +75,29 @@ std::vector<std::string> ValuesOf(const standin::Table& table, std::string_view 
         }
     });
     return values;
+}
+
+Json WholeRow(const standin::Row& row)
+{
+    Json whole = Json::object();
+    for (const standin::Field& field : row.Description().fields) {
+        whole.emplace(field.name, sources::ValueToJson(field.kind, row.Bytes(field)));
+    }
+    const Json sparse = sources::RowToJson(row);
+    for (const standin::List& list : row.Description().lists) {
+        if (const auto items = sparse.find(list.name); items != sparse.end()) {
+            whole.emplace(list.name, Json(*items));
+        }
+    }
+    return whole;
+}
+
+std::string ValueText(const standin::Table& table, std::string_view field, const Json& value)
+{
+    const auto names = ValueNames(table.name, field);
+    const std::string name(value.is_number() ? NameOf(names, value) : "");
+    const std::string text = value.is_null() ? "none" : OneLine(value);
+    return name.empty() ? text : text + " (" + name + ")";
 }
 
 std::string InterfaceName(uint32_t ifIndex)

@@ -232,35 +232,94 @@ TEST(Shell, MissingDescriptorsEndInAMessage)
     EXPECT_TRUE(std::regex_match(statuses, std::regex("(0 )+(3 )+(127 )*"))) << statuses;
 }
 
-// What is typed at a terminal, with pauses; an own home directory.
-std::string Typed(const std::string& environment, const std::string& keys)
+// What a terminal shows. The script writes keys with "type KEYS" and waits for a text with "await
+// TEXT". The home directory is an empty one with a device.
+std::string AtTerminal(const std::string& environment, const std::string& script)
 {
-    return support::Run("bash -c 'cd $(mktemp -d); export HOME=$PWD TERM=xterm; cp " + device +
-                        "device.json; type() { sleep 0.7; printf \"$@\"; }; (" + keys +
-                        "; sleep 0.7) | env " + environment +
-                        " script -qec \"" TARND_SHELL " device.json\" /dev/null; ls -A' 2>&1")
-        .output;
+    const std::string functions = R"(cd $(mktemp -d); export HOME=$PWD TERM=xterm
+await() {
+    local seen= c
+    while IFS= read -r -N 1 -t 30 -u ${SHELL[0]} c; do
+        printf %s "$c"; seen+=$c
+        [[ $seen != *"$1" ]] || return
+    done
+}
+type() { printf "$1" >&${SHELL[1]}; }
+cp )" + device + "device.json\n";
+    const std::string start = "coproc SHELL { env " + environment +
+                              " script -qec \"" TARND_SHELL
+                              " device.json\" /dev/null; }\nawait \"qrb> \"\n";
+    return support::Run("bash -c '" + functions + start + script + "\nwait; ls -A' 2>&1").output;
 }
 
 TEST(Shell, PromptAsksBeforeWritesAreLost)
 {
-    const std::string output =
-        Typed("LC_ALL=C",
-              "type \"update port if_index=1 pvid=30\\r\"; type \"quit\\r\"; type \"c\\r\"; "
-              "type \"\\004\"; type \"y\\r\"");
+    const std::string output = AtTerminal("LC_ALL=C", R"(type "update port if_index=1 pvid=30\r"
+await "qrb> "; type "quit\r"
+await "[y/n/c] "; type "c\r"
+await "qrb> "; type "\004"
+await "[y/n/c] "; type "y\r"
+await "saved to")");
     EXPECT_NE(output.find("1 write is not saved to device.json. Save?"), std::string::npos)
         << output;
-    EXPECT_NE(output.find("saved to device.json"), std::string::npos) << output;
+    EXPECT_NE(output.find("saved to"), std::string::npos) << output;
 }
 
 // Bytes that are no character, Ctrl-C, and no home directory.
 TEST(Shell, PromptSurvivesAnyKey)
 {
-    const std::string output =
-        Typed("-u HOME LC_ALL=C",
-              "type \"\\303\\274\\377\\003\"; type \"IF_GetIfNameByIndex 2\\r\"; type \"exit\\r\"");
+    const std::string output = AtTerminal("-u HOME LC_ALL=C", R"(type "\303\274\377\003"
+type "IF_GetIfNameByIndex 2\r"
+await "Ethernet0/0/2"; await "qrb> "; type "exit\r")");
     EXPECT_NE(output.find("Ethernet0/0/2"), std::string::npos) << output;
     EXPECT_EQ(output.find(".local"), std::string::npos) << output;
+}
+
+TEST(Shell, WatchPrintsTheEventsThatItsFilterAdmits)
+{
+    const std::string lines =
+        "printf 'watch on event=VLAN_* interface=*/1\\n"
+        "update port if_index=1 vlan_bitmap_2+=30\\n"
+        "update port if_index=2 vlan_bitmap_2+=30\\n"
+        "update if_phy if_index=1 phy_state=0\\n'";
+    const std::string output = RunShell("--json " + device, lines).output;
+    std::istringstream printed(output);
+    std::vector<Json> events;
+    for (std::string line; std::getline(printed, line);) {
+        if (const Json object = Json::parse(line); object.contains("event")) {
+            events.push_back(object);
+        }
+    }
+    ASSERT_EQ(events.size(), 2) << output;
+    EXPECT_EQ(events[0]["interfaces"], Json({"*/1"}));
+    EXPECT_EQ(events[1]["ifIndex"], 1);
+    EXPECT_EQ(events[1]["added"], Json({30}));
+    EXPECT_EQ(events[1]["removed"], Json::array());
+    EXPECT_EQ(events[1]["vlan_bitmap_2"]["new"], Json({20, 30}));
+    EXPECT_EQ(RunShell(device + "watch 1 event=VLAN_X").status, 2);
+    EXPECT_EQ(RunShell(device + "watch 1 7").status, 2);
+}
+
+TEST(Shell, MonitorPrintsOldAndNewRow)
+{
+    const std::string lines =
+        "printf 'monitor if_base on\\nmonitor if_phy on phy_state=down\\n"
+        "update if_base if_index=7 mtu=9000\\n"
+        "update if_phy if_index=1 phy_state=down\\n"
+        "update if_phy if_index=2 speed=10\\n"
+        "insert if_base if_index=71 if_name=Eth71\\n"
+        "delete if_base if_index=71\\n"
+        "monitor off\\nupdate if_base if_index=7 mtu=1500\\n'";
+    const std::string text =
+        support::Run(lines + " | " TARND_SHELL " " + device +
+                     " | grep -v row | sed -E 's/^[0-9-]+ [0-9:.+-]+//; s/  [0-9.]+ us$//'")
+            .output;
+    EXPECT_EQ(text,
+              "monitoring if_base\nmonitoring if_phy\n"
+              "  update if_base  if_index=7 (Ethernet0/0/7): mtu 1500 -> 9000\n"
+              "  update if_phy  if_index=1 (Ethernet0/0/1): phy_state 1 (up) -> 0 (down)\n"
+              "  insert if_base  if_index=71 (Eth71) if_name=Eth71\n"
+              "  delete if_base  if_index=71 if_name=Eth71\n");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Watching events, and raising those of the interface tree.
+// Commands that follow events and changes, or raise events: watch, monitor, publish.
 #include <poll.h>
 
 #include <chrono>
@@ -10,7 +10,9 @@
 #include "shell/commands/command.h"
 #include "shell/events/event_queue.h"
 #include "shell/events/event_watch.h"
+#include "shell/events/table_monitor.h"
 #include "shell/output/log_capture.h"
+#include "shell/table_lookup.h"
 #include "shell/terminal/interrupt.h"
 
 namespace shell {
@@ -28,7 +30,7 @@ int MillisecondsTo(const Deadline& deadline)
     return static_cast<int>(std::max<int64_t>(left.count(), 0));
 }
 
-// Prints events as they come, until the deadline or an interrupt.
+// Prints events as they come, until the deadline or Ctrl-C.
 void PrintEvents(Shell& shell, const Deadline& deadline)
 {
     const Interrupt interrupt;
@@ -39,33 +41,87 @@ void PrintEvents(Shell& shell, const Deadline& deadline)
     }
 }
 
-Deadline TakeDeadline(Words& words)
+// How long a command follows events: until Ctrl-C, until a deadline, or beside other commands.
+struct Period {
+    bool isOn = false;
+    bool isOff = false;
+    Deadline deadline;
+};
+
+// [SECONDS|on|off]
+Period TakePeriod(Words& words)
 {
-    if (words.Empty()) {
-        return std::nullopt;
+    Period period;
+    const std::string word = words.Empty() ? "" : words.Front();
+    period.isOn = word == "on";
+    period.isOff = word == "off";
+    const bool isNumber =
+        !word.empty() && word.find_first_not_of("0123456789") == std::string::npos;
+    if (isNumber) {
+        const Argument seconds{.name = "SECONDS", .highest = 1'000'000};
+        period.deadline =
+            Clock::now() + std::chrono::seconds(NumberFromWord(seconds, word, UINT32_MAX));
     }
-    const Argument seconds{.name = "SECONDS", .highest = 1'000'000};
-    const auto count = NumberFromWord(seconds, words.Take("SECONDS"), UINT32_MAX);
-    return Clock::now() + std::chrono::seconds(count);
+    if (period.isOn || period.isOff || isNumber) {
+        words.Take("SECONDS");
+    }
+    return period;
+}
+
+// [event=PATTERN...] [interface=INDEX|PATTERN...]
+WatchFilter TakeWatchFilter(Words& words)
+{
+    constexpr std::string_view EVENT = "event=";
+    constexpr std::string_view INTERFACE = "interface=";
+    WatchFilter filter;
+    for (const std::string& word : words.TakeAll()) {
+        if (word.starts_with(EVENT)) {
+            filter.events.push_back(word.substr(EVENT.size()));
+            CheckEventPattern(filter.events.back());
+        } else if (word.starts_with(INTERFACE)) {
+            filter.interfaces.push_back(word.substr(INTERFACE.size()));
+        } else {
+            throw UsageError("\"" + word + "\" is neither event=NAME nor interface=INDEX|NAME");
+        }
+    }
+    return filter;
 }
 
 Status Watch(Shell& shell, Words& words)
 {
-    const bool isOn = !words.Empty() && words.Front() == "on";
-    const bool isOff = !words.Empty() && words.Front() == "off";
-    if (isOn || isOff) {
-        words.Take("on");
+    const Period period = TakePeriod(words);
+    const WatchFilter filter = TakeWatchFilter(words);
+    if (period.isOff) {
+        StopWatching();
+        return Status::Success;
     }
-    const Deadline deadline = isOn || isOff ? Deadline() : TakeDeadline(words);
-    words.ExpectEnd();
-    if (isOff) {
-        WatchNothing();
-    } else {
-        WatchEverything();
+    shell.Out().PrintEvent(filter.Description());
+    shell.Out().Flush();
+    WatchEvents(filter);
+    if (!period.isOn) {
+        PrintEvents(shell, period.deadline);
+        StopWatching();
     }
-    if (!isOn && !isOff) {
-        PrintEvents(shell, deadline);
-        WatchNothing();
+    return Status::Success;
+}
+
+Status MonitorRows(Shell& shell, Words& words)
+{
+    const std::string name = words.Empty() ? "" : words.Front();
+    if (name == "off") {
+        words.Take("off");
+        words.ExpectEnd();
+        StopMonitoring();
+        return Status::Success;
+    }
+    const standin::Table& table = KnownTable(words.Take("TABLE"));
+    const Period period = TakePeriod(words);
+    MonitorTable(table, RowFilter(table, TakeAssignments(table, words)));
+    shell.Out().PrintEvent({{"event", "monitoring"}, {"table", table.name}});
+    shell.Out().Flush();
+    if (!period.isOn) {
+        PrintEvents(shell, period.deadline);
+        StopMonitoring();
     }
     return Status::Success;
 }
@@ -79,16 +135,18 @@ struct InterfaceEventCall {
 
 InterfaceEventCall TakeInterfaceEvent(Words& words)
 {
-    const auto take = [&](std::string_view name) {
-        return static_cast<uint32_t>(NumberFromWord({.name = name}, words.Take(name), UINT32_MAX));
+    const auto take = [&](std::string_view name, NamedNumbers names) {
+        const Argument argument{.name = name, .names = names};
+        return static_cast<uint32_t>(NumberFromWord(argument, words.Take(name), UINT32_MAX));
     };
-    InterfaceEventCall call{take("EVENT"), take("SUB"), take("IFINDEX"), 0};
-    call.flag = words.Empty() ? 0 : take("FLAG");
+    InterfaceEventCall call{take("EVENT", INTERFACE_EVENTS), take("SUB", STATE_SUB_EVENTS),
+                            take("IFINDEX", {}), 0};
+    call.flag = words.Empty() ? 0 : take("FLAG", EVENT_FLAGS);
     words.ExpectEnd();
     return call;
 }
 
-// Calls the callbacks, as every publisher of an interface event does.
+// Like any publisher of an interface event, calls the callbacks itself.
 uint32_t PublishInterfaceEvent(const InterfaceEventCall& call)
 {
     UTIL_LIST_NODE_S* node = nullptr;
@@ -119,8 +177,9 @@ Status Publish(Shell& shell, Words& words)
 std::vector<Command> EventCommands()
 {
     return {
-        {"watch", "[SECONDS|on|off]", "Prints every event and notification as it comes, until Ctrl-C or for so long; on and off: from here on, beside other commands.", Watch},
-        {"publish", "EVENT SUB IFINDEX [FLAG]", "Publishes an interface event. For the others: L2IF_SH_EvtPublishEvent, IF_NotifyAll.", Publish},
+        {"watch", "[SECONDS|on|off] [event=NAME...] [interface=INDEX|NAME...]", "Prints events and notifications as they come, until Ctrl-C or for so many seconds; on and off: beside other commands. Names may be patterns with * and ?.", Watch},
+        {"monitor", "TABLE|off [SECONDS|on] [FIELD=VALUE...]", "Prints the old and the new row of each change of a table, until Ctrl-C or for so many seconds; on and off: beside other commands. The conditions are those of show.", MonitorRows},
+        {"publish", "EVENT SUB IFINDEX [FLAG]", "Publishes an interface event. For other events: L2IF_SH_EvtPublishEvent, IF_NotifyAll.", Publish},
     };
 }
 // clang-format on

@@ -30,22 +30,6 @@ Status ListTables(Shell& shell, Words& words)
     return Status::Success;
 }
 
-// Every field, unlike RowToJson, which leaves out those that are zero or empty.
-Json WholeRow(const standin::Row& row)
-{
-    Json whole = Json::object();
-    for (const standin::Field& field : row.Description().fields) {
-        whole.emplace(field.name, sources::ValueToJson(field.kind, row.Bytes(field)));
-    }
-    const Json sparse = sources::RowToJson(row);
-    for (const standin::List& list : row.Description().lists) {
-        if (const auto items = sparse.find(list.name); items != sparse.end()) {
-            whole.emplace(list.name, Json(*items));
-        }
-    }
-    return whole;
-}
-
 // The fields and lists that have a value in a selected row; those of the key and of conditions are
 // always shown.
 std::vector<std::string> UsedColumns(const RowSelection& selection)
@@ -89,10 +73,8 @@ Json OnlyColumns(const Json& row, const std::vector<std::string>& columns)
 Json WithValueNames(Json row, const standin::Table& table)
 {
     for (auto& member : row.items()) {
-        const auto names = ValueNames(table.name, member.key());
-        if (!names.empty() && member.value().is_number()) {
-            const std::string name(NameOf(names, member.value()));
-            member.value() = OneLine(member.value()) + (name.empty() ? "" : " (" + name + ")");
+        if (!ValueNames(table.name, member.key()).empty()) {
+            member.value() = ValueText(table, member.key(), member.value());
         }
     }
     return row;

@@ -5,6 +5,7 @@
 
 #include "shell/events/event_json.h"
 #include "shell/events/event_queue.h"
+#include "shell/events/event_watch.h"
 #include "shell/words.h"
 
 namespace shell {
@@ -15,7 +16,9 @@ template <typename MakeEvent>
 void PushEvent(const MakeEvent& makeEvent) noexcept
 {
     try {
-        Events().Push(makeEvent());
+        if (Json event = makeEvent(); IsAdmitted(event["module"], event)) {
+            Events().Push(std::move(event));
+        }
     } catch (const std::exception&) {
         Events().Drop();
     }

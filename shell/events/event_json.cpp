@@ -10,6 +10,7 @@
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/records.h>
 
+#include "shell/events/table_monitor.h"
 #include "shell/named_numbers.h"
 #include "shell/output/json_text.h"
 #include "shell/table_lookup.h"
@@ -34,23 +35,15 @@ std::string TimeText(std::chrono::system_clock::time_point time)
     return text.str();
 }
 
-// The present time, and how long ago the change was committed.
-void AddTime(Json& event)
-{
-    using namespace std::chrono;
-    event["time"] = TimeText(system_clock::now());
-    const auto committed = standin::CommitTime();
-    if (committed != steady_clock::time_point()) {
-        event["microseconds"] =
-            std::round(duration<double, std::micro>(steady_clock::now() - committed).count() * 10) /
-            10;
-    }
-}
-
 void AddInterface(Json& event, uint32_t ifIndex)
 {
     event["ifIndex"] = ifIndex;
-    if (const std::string name = InterfaceName(ifIndex); !name.empty()) {
+    std::string name = InterfaceName(ifIndex);
+    if (const auto change = name.empty() ? standin::CurrentChange() : std::nullopt;
+        change && change->before && change->before->Description().name == "if_base") {
+        name = change->before->Text("if_name");  // it was just deleted
+    }
+    if (!name.empty()) {
         event["ifName"] = name;
     }
 }
@@ -59,6 +52,45 @@ template <size_t size>
 Json SetOf(const uint8_t (&bits)[size])
 {
     return sources::SetToJson(bits);
+}
+
+const char* NameOfBitmap(uint32_t bitmap)
+{
+    return bitmap == QRB_VLAN_BITMAP_1 ? "vlan_bitmap_1" : "vlan_bitmap_2";
+}
+
+void AddVlans(Json& event, const QRB_PORT_S& port, uint32_t bitmap)
+{
+    event[NameOfBitmap(bitmap)] =
+        bitmap == QRB_VLAN_BITMAP_1 ? SetOf(port.vlan_bitmap_1) : SetOf(port.vlan_bitmap_2);
+}
+
+// The ids that are in one set and not in the other.
+Json Difference(std::span<const uint8_t> minuend, std::span<const uint8_t> subtrahend)
+{
+    std::vector<uint8_t> bits(minuend.size());
+    std::ranges::transform(minuend, subtrahend, bits.begin(),
+                           [](uint8_t one, uint8_t other) { return one & ~other; });
+    return sources::SetToJson(bits);
+}
+
+// The VLANs that were added and removed, and the set before and after. False for an event that was
+// raised by hand.
+bool AddVlanChange(Json& event, uint32_t bitmap)
+{
+    const auto change = standin::CurrentChange();
+    if (!change || !change->before || !change->after ||
+        change->after->Description().name != "port") {
+        return false;
+    }
+    const char* const name = NameOfBitmap(bitmap);
+    const standin::Field& field = *FieldOrList(change->after->Description(), name);
+    const auto before = change->before->Bytes(field);
+    const auto after = change->after->Bytes(field);
+    event["added"] = Difference(after, before);
+    event["removed"] = Difference(before, after);
+    event[name] = {{"old", sources::SetToJson(before)}, {"new", sources::SetToJson(after)}};
+    return true;
 }
 
 // Only the library's own events have data of known types.
@@ -70,10 +102,8 @@ void AddLayer2Data(Json& event, uint32_t id, const void* data, const void* argum
         case L2IF_EVT_VLAN_ADD_PORT:
         case L2IF_EVT_VLAN_DEL_PORT:
             AddInterface(event, change->ifIndex);
-            if (change->bitmap == QRB_VLAN_BITMAP_1) {
-                event["vlan_bitmap_1"] = SetOf(port->vlan_bitmap_1);
-            } else {
-                event["vlan_bitmap_2"] = SetOf(port->vlan_bitmap_2);
+            if (!AddVlanChange(event, change->bitmap)) {
+                AddVlans(event, *port, change->bitmap);
             }
             break;
         case L2IF_EVT_SWITCH_PORT_ON:
@@ -93,6 +123,18 @@ void AddLayer2Data(Json& event, uint32_t id, const void* data, const void* argum
 }
 
 }  // namespace
+
+void AddTime(Json& event)
+{
+    using namespace std::chrono;
+    event["time"] = TimeText(system_clock::now());
+    const auto committed = standin::CommitTime();
+    if (committed != steady_clock::time_point()) {
+        event["microseconds"] =
+            std::round(duration<double, std::micro>(steady_clock::now() - committed).count() * 10) /
+            10;
+    }
+}
 
 Json Layer2Event(const Registration& registration, const void* data, uint32_t value,
                  const void* argument)
@@ -158,10 +200,55 @@ Json LogEvent(const std::string& line)
     return {{"event", "log"}, {"line", line}};
 }
 
+// "vlan 30 removed, vlan_bitmap_2 20,30 -> 20"; takes these members out of the event.
+std::string TakeVlanChange(Json& event)
+{
+    std::string text;
+    for (const char* kind : {"added", "removed"}) {
+        if (event.contains(kind) && !event[kind].empty()) {
+            text += " vlan " + OneLine(event[kind]) + " " + kind + ",";
+        }
+        event.erase(kind);
+    }
+    for (const char* name : {"vlan_bitmap_1", "vlan_bitmap_2"}) {
+        if (event.contains(name) && event[name].is_object()) {
+            const std::string before = OneLine(event[name]["old"]);
+            const std::string after = OneLine(event[name]["new"]);
+            text += std::string(" ") + name + " " + (before.empty() ? "none" : before) + " -> " +
+                    (after.empty() ? "none" : after);
+            event.erase(name);
+        }
+    }
+    return text;
+}
+
+std::string WatchingText(const Json& event)
+{
+    const auto named = [&](const char* what) {
+        const std::string names = OneLine(event[what]);
+        return names.empty() ? std::string("all ") + what : std::string(what) + " " + names;
+    };
+    return "watching " + named("events") + " of " + named("interfaces");
+}
+
 // "TIME  interface 9/2 PHY_STATE  ifIndex=5 (Ethernet0/0/5) flag=1 (down)  31.5 us  watch 0".
 std::string EventText(const Json& event)
 {
+    if (event["event"] == "change") {
+        return ChangeText(event);
+    }
+    if (event["event"] == "watching") {
+        return WatchingText(event);
+    }
+    if (event["event"] == "monitoring") {
+        return "monitoring " + OneLine(event["table"]);
+    }
+    if (event["event"] == "dropped") {
+        return OneLine(event["count"]) +
+               " events were dropped: they came faster than they could be printed";
+    }
     Json left = event;
+    const std::string vlans = TakeVlanChange(left);
     const auto take = [&](const char* name, const char* before, const char* after = "") {
         const auto found = left.find(name);
         if (found == left.end()) {
@@ -193,7 +280,7 @@ std::string EventText(const Json& event)
             left[number] = OneLine(left[number]) + take(word, " (", ")");
         }
     }
-    return text + "  " + OneLine(left) + after + by;
+    return text + "  " + OneLine(left) + vlans + after + by;
 }
 
 }  // namespace shell

@@ -20,6 +20,9 @@ Json InterfaceEvent(const Registration& registration, uint32_t flag, uint32_t if
 Json NotificationEvent(const Registration& registration, uint32_t ifIndex, uint32_t command,
                        uint32_t value1, uint32_t value2);
 
+// Adds "time", and "microseconds" in a callback of a change.
+void AddTime(Json& event);
+
 // A delivery to a subscription of QrbDbListenerRegisterEvent.
 Json DeliveryEvent(uint32_t eventType, uint32_t rows);
 

@@ -1,10 +1,17 @@
 #include "shell/events/event_watch.h"
 
+#include <fnmatch.h>
+
+#include <algorithm>
+#include <initializer_list>
 #include <utility>
 
 #include <standin/deliveries.h>
 
 #include "shell/events/callback_pool.h"
+#include "shell/named_numbers.h"
+#include "shell/nearest_name.h"
+#include "shell/words.h"
 
 namespace shell {
 namespace {
@@ -13,6 +20,26 @@ constexpr const char* MODULE = "watch";
 constexpr uint32_t KEY = 0;
 
 bool isWatching = false;
+WatchFilter watchFilter;  // changed only between deliveries
+
+bool MatchesPattern(const std::string& pattern, const std::string& text)
+{
+    return fnmatch(pattern.c_str(), text.c_str(), FNM_CASEFOLD) == 0;
+}
+
+std::string MemberText(const Json& event, const char* name)
+{
+    const auto found = event.find(name);
+    return found != event.end() ? Bare(*found) : "";
+}
+
+bool MatchesAny(const std::vector<std::string>& patterns, std::initializer_list<std::string> texts)
+{
+    return std::ranges::any_of(patterns, [&](const std::string& pattern) {
+        return std::ranges::any_of(
+            texts, [&](const std::string& text) { return MatchesPattern(pattern, text); });
+    });
+}
 
 // Calls onEvent(event, sub) for each interface event and each of its sub-events.
 template <typename OnEvent>
@@ -64,18 +91,61 @@ void UnregisterAll()
 
 }  // namespace
 
-void WatchEverything()
+bool WatchFilter::Admits(const Json& event) const
 {
-    if (!std::exchange(isWatching, true)) {
-        standin::BetweenDeliveries(RegisterAll);
+    return (events.empty() ||
+            MatchesAny(events, {MemberText(event, "name"), MemberText(event, "event")})) &&
+           (interfaces.empty() ||
+            MatchesAny(interfaces, {MemberText(event, "ifIndex"), MemberText(event, "ifName")}));
+}
+
+Json WatchFilter::Description() const
+{
+    return {{"event", "watching"}, {"events", events}, {"interfaces", interfaces}};
+}
+
+std::vector<std::string> EventNames()
+{
+    std::vector<std::string> names = {"layer-2", "interface", "notification"};
+    for (const NamedNumbers numbers : {NamedNumbers(LAYER2_EVENTS), NamedNumbers(STATE_SUB_EVENTS),
+                                       NamedNumbers(NOTIFICATIONS)}) {
+        for (const NamedNumber& named : numbers) {
+            names.emplace_back(named.name);
+        }
+    }
+    return names;
+}
+
+void CheckEventPattern(const std::string& pattern)
+{
+    const auto names = EventNames();
+    const auto matches = [&](const std::string& name) { return MatchesPattern(pattern, name); };
+    if (std::ranges::none_of(names, matches)) {
+        throw UsageError(UnknownName("event", pattern, names));
     }
 }
 
-void WatchNothing()
+void WatchEvents(const WatchFilter& filter)
+{
+    const bool isNew = !std::exchange(isWatching, true);
+    standin::BetweenDeliveries([&] {
+        watchFilter = filter;
+        if (isNew) {
+            RegisterAll();
+        }
+    });
+}
+
+void StopWatching()
 {
     if (std::exchange(isWatching, false)) {
         standin::BetweenDeliveries(UnregisterAll);
     }
+}
+
+bool IsAdmitted(const std::string& module, const Json& event)
+{
+    return module != MODULE || watchFilter.Admits(event);
 }
 
 }  // namespace shell

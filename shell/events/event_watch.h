@@ -1,10 +1,32 @@
-// The printing callbacks of "watch": one for every event that there is.
+// The callbacks of the command watch: one for every event of the library.
 #pragma once
+
+#include <string>
+#include <vector>
+
+#include "shell/output/json_text.h"
 
 namespace shell {
 
-// What is watched already, or not, stays so.
-void WatchEverything();
-void WatchNothing();
+// Which events are printed; an empty member means all.
+struct WatchFilter {
+    std::vector<std::string> events;      // names or kinds, as patterns with * and ?
+    std::vector<std::string> interfaces;  // indexes, or names as patterns
+
+    bool Admits(const Json& event) const;
+    // {"event": "watching", "events": [...], "interfaces": [...]}
+    Json Description() const;
+};
+
+// Throws UsageError if no event has a name that the pattern matches.
+void CheckEventPattern(const std::string& pattern);
+std::vector<std::string> EventNames();
+
+// Registers the callbacks, or only changes the filter if they are registered.
+void WatchEvents(const WatchFilter& filter);
+void StopWatching();
+
+// Whether the filter admits an event of the registration with this module name.
+bool IsAdmitted(const std::string& module, const Json& event);
 
 }  // namespace shell

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "shell/commands/command.h"
+#include "shell/events/event_watch.h"
 #include "shell/table_lookup.h"
 
 namespace shell {
@@ -92,6 +93,21 @@ Names ForSelection(const Names& words, const std::string& begun)
     return names;
 }
 
+Names ForWatch(const std::string& begun)
+{
+    const auto prefixed = [](const std::string& prefix, Names names) {
+        std::ranges::for_each(names, [&](std::string& name) { name.insert(0, prefix); });
+        return names;
+    };
+    if (begun.starts_with("event=")) {
+        return prefixed("event=", EventNames());
+    }
+    if (begun.starts_with("interface=")) {
+        return prefixed("interface=", ValuesOf(*standin::FindTable("if_base"), "if_name"));
+    }
+    return {"on", "off", "event=", "interface="};
+}
+
 // The arguments in the help text say what they are.
 Names ForCommand(const Command& command, const Names& words, const std::string& begun)
 {
@@ -102,7 +118,13 @@ Names ForCommand(const Command& command, const Names& words, const std::string& 
     const Names places = Split(arguments, ' ');
     std::string place = places[std::min(words.size() - 1, places.size() - 1)];
     std::erase_if(place, [](char c) { return c == '[' || c == ']' || c == '.'; });
-    if (place == "TABLE") {
+    if (command.name == "watch") {
+        return ForWatch(begun);
+    }
+    if (command.name == "monitor" && words.size() > 1) {
+        return Assignments(words[1], begun);
+    }
+    if (place == "TABLE" || place == "TABLE|off") {
         return TableNames();
     }
     if (place == "FIELD=VALUE") {

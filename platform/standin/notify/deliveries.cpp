@@ -5,12 +5,31 @@
 #include <vector>
 
 #include "notify/subscriber.h"
+#include "session/orm_session.h"
+#include "session/session_pool.h"
 
 namespace standin {
 
 std::chrono::steady_clock::time_point CommitTime()
 {
     return Delivery::Running();
+}
+
+std::optional<RowChange> CurrentChange()
+{
+    const Session* message = FindSession(HandleKind::Message, Delivery::RunningMessage());
+    if (message == nullptr) {
+        return std::nullopt;
+    }
+    const auto& changes = message->delivery->Changes();
+    if (message->fetched == 0 || message->fetched > changes.size()) {
+        return std::nullopt;
+    }
+    const Change& change = changes[message->fetched - 1];
+    const auto detached = [&](const RowReference& row) {
+        return row ? std::optional(Detached(change.store->Description(), *row)) : std::nullopt;
+    };
+    return RowChange{detached(change.before), detached(change.after)};
 }
 
 void BetweenDeliveries(const std::function<void()>& action)

@@ -27,6 +27,8 @@ public:
 
     // When the transaction of the message whose callback runs on this thread was committed.
     static Time Running();
+    // That message; 0 on other threads.
+    static ORM_MESSAGE RunningMessage();
 
 private:
     ORM_SUB_CALLBACK callback_;
