@@ -51,6 +51,8 @@ if(TARND_HAS_SHELL)
   endif()
   install(TARGETS tarnd-qrb RUNTIME COMPONENT shell)
   install(FILES docs/man/tarnd-qrb.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT shell)
+  install(FILES shell/tarnd-qrb.bash-completion RENAME tarnd-qrb
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT shell)
   install(DIRECTORY data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/tarnd_qrb COMPONENT shell)
   if(TARND_HAS_REFERENCE)
     set(json_page ${PROJECT_BINARY_DIR}/tarnd-qrb-json.5)

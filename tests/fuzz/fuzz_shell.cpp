@@ -31,7 +31,8 @@ void AddNames(Texts& texts, const std::vector<Named>& named)
 // that each call makes anew and none frees.
 Texts Verbs()
 {
-    Texts leftOut = {"watch", "publish", "load", "dump", "diff", "BDS_InitIfTypeInfo"};
+    Texts leftOut = {"watch", "monitor", "publish", "load",
+                     "dump",  "save",    "diff",    "BDS_InitIfTypeInfo"};
     AddNames(leftOut, shell::EventFunctions());
     AddNames(leftOut, shell::ListenerFunctions());
     Texts verbs;
