@@ -76,8 +76,10 @@ using Qos = support::PlatformTest;
 
 constexpr uint16_t MAX = UINT16_MAX;
 
-TEST_F(Acl, OnlyTheIpv4CheckByNumberTellsAbsence)
+TEST_F(Acl, OnlyTheIpv4CheckByNumberReportsAbsence)
 {
+    static const std::string longest(64, 'a');
+    Load(R"({"acl_group_id": [{"id": 4, "kind": 0, "name": ")" + longest + R"(", "acl_number": 3001}]})");
     Load(R"({"acl_rule_id": [{"groupId": 0, "rule_id": 1}]})");
     Expect({
         {CALL(ACL_IsExist, VSID, VSYSID, 9U, "web", Out32()), "1 1"},  // a name goes before the number
@@ -99,13 +101,21 @@ TEST_F(Acl, OnlyTheIpv4CheckByNumberTellsAbsence)
         {CALL(ACLIPv6_GetRuleCount, VSID, VSYSID, 3001U, Out32{5}), "0 6"},
         {CALL(ACL_GetRuleCount, VSID, VSYSID, 3001U, Out32()), R"(1 - | ACL_IsACLNodeExistByNumber: QRB_DB_Scan failed, ret = 0\n)"},
         {CALL(ACL_GetNameByGroupId, 9U, OutText()), R"(1 - | QRB_DB_Scan failed, ret = 0\n)"},
+        {CALL(BDS_AclGetAclNumberByName, longest.c_str(), uint8_t{0}, 0U, 0U, Out32()), "0 3001"},
+        {CALL(ACL_GetNameByGroupId, 4U, OutText()), "0 " + longest},
+        // The condition of 64 bytes has room for a name of nine characters.
+        {CALL(ACL_IsExist, VSID, VSYSID, 0U, "123456789", Out32()), "1 -"},
+        {CALL(ACL_IsExist, VSID, VSYSID, 0U, "1234567890", Out32()), "0 -"},
         {CALL(BDS_AclGetAclNumberByName, "web", uint8_t{3}, 0U, 0U, Out32()), "1 - | QRB_DB_SESSION_SetKey: Table: acl_group_id execute failed."},
     });
 }
 
 // Items 0 and 2 go to the first slot, item 1 to the second; nothing else is touched.
-TEST_F(Qos, TheLastWinsOfProfilesWithANameAndOfItemsWithASlot)
+TEST_F(Qos, LastProfileOfANameAndLastItemOfASlotWin)
 {
+    static const std::string longest(63, 'q');
+    static const std::string tooLong(64, 'q');
+    Load(R"({"qos_integration": [{"index": 9, "name": ")" + longest + R"("}]})");
     Load(R"({"qos_integration": [
         {"index": 1, "name": "three",
             "car_list": [
@@ -118,6 +128,8 @@ TEST_F(Qos, TheLastWinsOfProfilesWithANameAndOfItemsWithASlot)
         {"index": 3, "name": "empty", "car_list": [], "remark_dscp_list": []},
         {"index": 4, "name": "gold"}, {"index": 5, "name": "gold"}, {"index": 6, "name": "golden"}]})");
     Expect({
+        {CALL(QOS_GetProfileIdByName, 0U, longest.c_str(), Out32()), "0 9"},
+        {CALL(QOS_GetProfileIdByName, 0U, tooLong.c_str(), Out32()), "200 - | get id by name failed. ret: 200"},
         {CALL(QOS_GetProfileIdByName, 0U, "gol", Out32()), "0 -"},
         {CALL(QOS_GetProfileIdByName, 0U, "gold", Out32()), "0 5"},
         {CALL(QOS_GetCarInfo, 0U, 1U, OutCars()), "0 1 1 12 32 22 42 1 11 31 21 41"},

@@ -201,6 +201,39 @@ TEST_F(Interface, IsUpByItsLinkAndItsRouteAndOfAClassByItsIndex)
     });
 }
 
+// Names of 63 characters fill the field, 64 do not fit. The last argument is the buffer's size.
+// clang-format off
+TEST_F(Interface, NamesUpToTheFieldsWidthAreFoundAndCopied)
+{
+    static const std::string longest(63, '7');
+    static const std::string tooLong(64, '7');
+    Load(R"({"if_base": [{"if_index": 7, "if_name": ")" + longest + R"(", "simple_name": ")" + longest + R"(", "if_type": 8}]})");
+    Expect({
+        {CALL(IF_INTF_GetIfByFullName, longest.c_str()), "7"},
+        {CALL(IF_INTF_GetIfIndexByFullName, longest.c_str()), "7"},
+        {CALL(BDS_Ifname2IfGetIndexByname, longest.c_str(), Out32()), "0 7"},
+        {CALL(IF_INTF_GetSimpleName, longest.c_str(), OutText()), "0 " + longest},
+        {CALL(BDS_IfnetGetIfNameByIfIndex, 7U, OutText()), "0 " + longest},
+        {CALL(IF_INTF_GetNameByIfName, OutText(), longest.c_str()), "0 " + longest},
+        {CALL(IF_INTF_GetIfByFullName, tooLong.c_str()), "NONE"},
+        {CALL(IF_INTF_GetIfIndexByFullName, tooLong.c_str()), "NONE"},
+        {CALL(BDS_Ifname2IfGetIndexByname, tooLong.c_str(), Out32()), "1 -"},
+        {CALL(IF_INTF_GetSimpleName, tooLong.c_str(), OutText()), R"(1 - | strcpy_s failed\n)"},
+        {CALL(IF_INTF_GetNameByIfName, OutText(), tooLong.c_str()), R"(1 "")"},
+        {CALL(BDS_IfnetGetNumStrFromName, "Eth0/0:1.2", OutText(), 9U), "7 0/0:1.2"},
+        {CALL(BDS_IfnetGetNumStrFromName, "Eth0/0:1.2", OutText(), 8U), "0 -"},
+        {CALL(BDS_IfnetGetNumStrFromName, "E1", OutText(), 9U), "0 -"},
+        {CALL(BDS_IfnetGetNumStrFromName, "Et1", OutText(), 9U), "1 1"},
+        {CALL(BDS_IfnetGetNumStrFromName, "123", OutText(), 9U), "0 -"},
+        {CALL(BDS_IfnetGetNumStrFromName, "Ethernet", OutText(), 9U), "0 -"},
+        {CALL(IF_GetSlotStrBySlotId, INT32_MIN, OutText()), "0 -2147483648"},
+        {CALL(BDS_IfnetGetSlotIdBySlotStr, "-2147483648"), "128.0.0.0"},
+        {CALL(BDS_IfnetGetSlotIdBySlotStr, longest.c_str()), "NONE"},
+        {CALL(BDS_IfnetGetSlotIdBySlotStr, "a1"), "0"},
+    });
+}
+// clang-format on
+
 }  // namespace
 
 }  // namespace calls

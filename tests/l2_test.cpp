@@ -158,12 +158,34 @@ TEST_F(Vlan, InterfaceIsFoundByNameAndNumberedByRule)
          R"(1 - | QRB_DB_Scan failed, ret = 0\n)"},
         {CALL(BDS_IfnetGetVlanIdByIfName, "Vlanif1", OutText(), 0U),
          R"(1 - | Null value provided\n)"},
+        {CALL(BDS_IfnetGetVlanIdByIfName, "Vlanif10", OutText(), 3U), "0 10"},
+        {CALL(BDS_IfnetGetVlanIdByIfName, "Vlanif10", OutText(), 2U), "1 -"},
+        {CALL(BDS_IfnetGetVlanIdByIfName, "V1", OutText(), 9U), "1 -"},
+        {CALL(BDS_IfnetGetVlanIdByIfName, "Vl1", OutText(), 9U), "0 1"},
+        {CALL(BDS_IfnetGetVlanIdByIfName, "Vlanif", OutText(), 9U), "1 -"},
         {CALL(BDS_IfnetGetVlanIdByIfIndex, 1U, Out32()), "0 4094"},
         {CALL(BDS_IfnetGetVlanIdByIfIndex, 2U, Out32()), "1 - | IfType is not vlan interface"},
         {CALL(BDS_IfnetGetVlanIdByIfIndex, 3U, Out32()), R"(1 0 | atoi failed, ret=0\n)"},
         {CALL(BDS_IfnetGetVlanIdByIfIndex, 4U, Out32()), "1 - | Get vlanId by ifName fail, ret=1"},
     });
 }
+
+// A name of 32 bytes fills the field; only that many are compared.
+// clang-format off
+TEST_F(Vlan, NameAndDescriptionMayFillTheirFields)
+{
+    static const std::string name(32, 'n');
+    static const std::string longer = name + "x";
+    const std::string description(80, 'd');
+    Load(R"({"vlan": [{"vlan_scope0": 0, "vlan_scope1": 0, "vlan_id": 9, "name": ")" + name + R"(", "description": ")" + description + R"("}]})");
+    Expect({
+        {CALL(L2IF_SH_VLAN_GetVlanidByName, name.c_str(), Out16()), "0 9"},
+        {CALL(L2IF_SH_VLAN_GetVlanidByName, longer.c_str(), Out16()), "0 9"},
+        {CALL(L2IF_SH_VLAN_GetVlanidByName, "nn", Out16()), R"(1 - | QRB_DB_Scan failed, ret = 0\n)"},
+        {CALL(L2IF_VLAN_GetDescript, uint16_t{9}, OutText()), "0 " + description},
+    });
+}
+// clang-format on
 
 // 2002 is the stand-in's: no such handle. A walk over an empty table is over before it begins.
 TEST_F(Walks, InWrongStatesAnswerOne)
