@@ -1,5 +1,5 @@
 // A forwarding table of up to a million entries: loaded from JSON, and asked about its last entry.
-#include <sources/json_file.h>
+#include <sources/json/json_file.h>
 #include <unistd.h>
 
 #include <cstdlib>
