@@ -16,12 +16,12 @@ expect_same() {  # WHAT EXPECTED ACTUAL
 names() { sed 's/@.*//' | sort -u; }
 
 listed=$(sed -n '/global:/,/local:/s/^ *\([A-Za-z_0-9]*\);$/\1/p' "$map" | sort -u)
-exported=$(nm -D --defined-only "$library" | awk '$2 != "A" { print $3 }' | names)
+exported=$("${NM:-nm}" -D --defined-only "$library" | awk '$2 != "A" { print $3 }' | names)
 expect_same "exported names" "$listed" "$exported"
 
 # An import that neither the contract nor the C library declares is an unwanted dependency.
 contract=$(cat "$@" | grep -oE '\b(Orm|Dbc)[A-Za-z0-9]+|\b[a-z_]+_(s|ex|get)\b' | sort -u)
-undefined=$(nm -D --undefined-only "$library" | awk '{ print $NF }')
+undefined=$("${NM:-nm}" -D --undefined-only "$library" | awk '{ print $NF }')
 foreign=$(grep -v '@GLIBC_' <<<"$undefined" | names \
     | grep -vE '^(__cxa_finalize|__gmon_start__|_ITM_.*)$' | comm -23 - <(echo "$contract"))
 expect_same "undefined names that nobody declares" "" "$foreign"
