@@ -5,7 +5,7 @@
 #include <stop_token>
 #include <thread>
 
-#include <standin/wake_event.h>
+#include <standin/event_descriptor.h>
 
 #include "sources/host/host_kernel.h"
 #include "sources/host/host_rows.h"
@@ -39,7 +39,7 @@ private:
     Kernel kernel_;
     Forwarding forwarding_;
     bool mustReadEverything_ = false;
-    standin::WakeEvent stopEvent_;
+    standin::EventDescriptor stopEvent_;
     std::jthread follower_;  // last: it ends before what it uses
 };
 

@@ -5,12 +5,12 @@ namespace {
 
 std::string Shown(const Json& value)
 {
-    constexpr size_t longest = 80;
+    constexpr size_t LONGEST = 80;
     if (value.is_structured()) {
         return std::string("an ") + value.type_name();
     }
     const std::string text = value.dump(-1, ' ', true, Json::error_handler_t::replace);
-    return text.size() > longest ? text.substr(0, longest) + "..." : text;
+    return text.size() > LONGEST ? text.substr(0, LONGEST) + "..." : text;
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What is wrong with a JSON value, and where it stands.
+// What is wrong with a JSON value, and its path in the document.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@ class JsonError : public standin::Error {
 public:
     explicit JsonError(const std::string& reason, const std::string& path = "");
 
-    // The same, seen from further out.
+    // The same error with the path of the enclosing value in front.
     JsonError Under(const std::string& path) const { return JsonError(reason_, path + path_); }
 
 private:
@@ -25,7 +25,7 @@ private:
     std::string path_;
 };
 
-// Does the action; what it refuses is told with the path from here.
+// Runs the action. A JsonError that it throws gets this step in front of its path.
 template <typename Action>
 void At(const std::string& step, const Action& action)
 {
@@ -39,7 +39,7 @@ void At(const std::string& step, const Action& action)
 [[noreturn]] void RefuseType(const Json& value, const std::string& expected);
 [[noreturn]] void RefuseRange(const std::string& number, uint64_t highest);
 
-// The number, from 0 to highest.
+// The value as an integer from 0 to highest; throws JsonError for anything else.
 uint64_t WholeNumber(const Json& value, uint64_t highest);
 
 }  // namespace sources

@@ -13,7 +13,7 @@ using standin::Table;
 
 using RowSink = std::function<void(standin::Row)>;
 
-// Makes rows while the text is read, so that a large table never stands in memory as JSON.
+// Builds rows while the text is parsed, so that no more than one row is in memory as JSON.
 class RowReader final : public nlohmann::json_sax<Json> {
 public:
     explicit RowReader(const RowSink& onRow) : onRow_(onRow) {}
@@ -35,11 +35,11 @@ public:
 
 private:
     // An object or array that has not ended yet. The first is the file's object, the second a
-    // table's array, and that one never holds its rows.
+    // table's array, which never holds its rows.
     struct Level {
         Json value;
         std::string key;   // of the member being read
-        size_t count = 0;  // of the elements read
+        size_t count = 0;  // elements read so far
     };
 
     bool Open(Json container);
@@ -127,7 +127,7 @@ void RowReader::Check(const Json& value) const
     }
 }
 
-// Does the action; what it refuses is told with the path from the file's top.
+// Runs the action. A JsonError that it throws gets the path from the top of the file.
 template <typename Action>
 void RowReader::Here(const Action& action) const
 {
@@ -147,7 +147,7 @@ std::string RowReader::Path() const
     return path;
 }
 
-// Like Json::dump, with a blank behind each comma and colon.
+// Like Json::dump on one line, with a space after each comma and colon.
 std::string Line(const Json& value)
 {
     if (!value.is_structured()) {
@@ -182,7 +182,7 @@ std::string Dump(std::span<const Table> tables)
     return text + "\n}\n";
 }
 
-// Does the action; what it refuses is told with the file's name.
+// Runs the action. An error that it throws gets the name of the file in front.
 template <typename Action>
 void NamingFile(const std::filesystem::path& file, const Action& action)
 {

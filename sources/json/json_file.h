@@ -1,5 +1,5 @@
-// The database as a text made for people: an object with a member for each table, an array of rows.
-// docs/json-format.md shows it.
+// The database as JSON text: an object with one member per table, which is an array of rows.
+// docs/json-format.md describes the format.
 #pragma once
 
 #include <filesystem>
@@ -10,16 +10,16 @@
 
 namespace sources {
 
-// Hands on every row of the file, in order. Throws standin::Error for the first that is not right:
+// Calls onRow for every row of the file, in order. Throws standin::Error at the first error:
 // "device.json: /port/3/pvid: 70000 is out of range 0 to 65535".
 void ReadJson(const std::filesystem::path& file, const std::function<void(standin::Row)>& onRow);
 
-// Adds every row of the file, in one transaction. Throws standin::Error as well where the database
-// refuses a row, and has then changed nothing. onRow is called for each row that was read.
+// Inserts every row of the file, in one transaction. Throws standin::Error also if the database
+// refuses a row; the database is then unchanged. onRow is called for each row that was read.
 void LoadJson(
     const std::filesystem::path& file, const std::function<void()>& onRow = [] {});
 
-// A row a line, in insertion order. Each table is read at its own moment.
+// One row per line, in table order. Each table is read by a scan of its own.
 std::string DumpJson();
 std::string DumpJson(const standin::Table& table);
 

@@ -78,11 +78,6 @@ Json ListToJson(const List& list, std::span<const uint8_t> items)
     return array;
 }
 
-bool InPrimaryKey(const Table& table, const Field& field)
-{
-    return !table.keys.empty() && std::ranges::count(table.keys[0].members, &field) != 0;
-}
-
 bool IsZero(std::span<const uint8_t> bytes)
 {
     return std::ranges::all_of(bytes, [](uint8_t byte) { return byte == 0; });
@@ -100,7 +95,7 @@ standin::Row RowFromJson(const Table& table, const Json& object)
         At(member.key(), [&] { MemberFromJson(row, member.key(), member.value()); });
     }
     for (const Field& field : table.fields) {
-        if (InPrimaryKey(table, field) && !object.contains(field.name)) {
+        if (standin::IsInPrimaryKey(table, field) && !object.contains(field.name)) {
             throw JsonError("the key field " + std::string(field.name) + " is missing");
         }
     }
@@ -112,7 +107,7 @@ Json RowToJson(const standin::Row& row)
     const Table& table = row.Description();
     Json object = Json::object();
     for (const Field& field : table.fields) {
-        if (InPrimaryKey(table, field) || !IsZero(row.Bytes(field))) {
+        if (standin::IsInPrimaryKey(table, field) || !IsZero(row.Bytes(field))) {
             object.emplace(field.name, ValueToJson(field.kind, row.Bytes(field)));
         }
     }

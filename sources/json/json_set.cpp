@@ -7,7 +7,7 @@ namespace {
 
 using standin::Field;
 
-// The first id from `from` on whose bit is as wanted, or the number of bits.
+// The first id, starting at from, whose bit equals wanted; the number of bits if there is none.
 size_t FindId(std::span<const uint8_t> bits, size_t from, bool wanted)
 {
     while (from < bits.size() * 8 && ((bits[from / 8] & 0x80U >> from % 8) != 0) != wanted) {
@@ -73,7 +73,7 @@ void AddIds(standin::Row& row, const Field& field, const Json& value)
 
 }  // namespace
 
-// Two neighbours are easier to read apart than as a range.
+// A range has at least three ids; two are written separately.
 Json SetToJson(std::span<const uint8_t> bits)
 {
     Json ids = Json::array();

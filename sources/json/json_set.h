@@ -1,5 +1,4 @@
-// A set of ids as people write it: [1, "10-20", 4094]. The whole as one text, "1,10-20,4094", is
-// read too.
+// A set of ids in JSON: [1, "10-20", 4094]. One text, "1,10-20,4094", is accepted too.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +12,8 @@ namespace sources {
 
 Json SetToJson(std::span<const uint8_t> bits);
 
-// Turns the bits on in the row. Throws JsonError for what is no id and no range of ids of the
-// field.
+// Sets the bits of the ids in the row. Throws JsonError for a value that is neither an id nor a
+// range of ids of the field.
 void AddSet(standin::Row& row, const standin::Field& field, const Json& value);
 
 }  // namespace sources

@@ -26,14 +26,6 @@ uint64_t LittleEndian(std::span<const uint8_t> bytes)
     return number;
 }
 
-std::string Ipv4ToText(uint64_t address)
-{
-    const in_addr network{htonl(static_cast<uint32_t>(address))};
-    std::array<char, INET_ADDRSTRLEN> text{};
-    inet_ntop(AF_INET, &network, text.data(), text.size());
-    return text.data();
-}
-
 std::string MacToText(std::span<const uint8_t> bytes)
 {
     std::string text;
@@ -108,7 +100,7 @@ Json ValueToJson(Kind kind, std::span<const uint8_t> bytes)
         case Kind::Number:
             return LittleEndian(bytes);
         case Kind::Ipv4:
-            return Ipv4ToText(LittleEndian(bytes));
+            return standin::Ipv4ToText(static_cast<uint32_t>(LittleEndian(bytes)));
         case Kind::Mac:
             return MacToText(bytes);
         case Kind::Text:

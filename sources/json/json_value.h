@@ -1,4 +1,4 @@
-// Between a field of a row and its form in JSON: numbers as they are, "10.0.0.1",
+// Converts between a field of a row and its JSON value: numbers, "10.0.0.1",
 // "02:00:00:00:00:01", texts, and sets as ids and ranges.
 #pragma once
 

@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include <standin/wake_event.h>
+#include <standin/event_descriptor.h>
 
 #include "sources/ovsdb/ovsdb_session.h"
 #include "sources/source.h"
@@ -72,8 +72,8 @@ private:
     const ovsdb::TlsContext tls_;
     ovsdb::Replica replica_;
     ovsdb::SyncPosition position_;
-    standin::WakeEvent stopEvent_;
-    standin::WakeEvent requestEvent_;
+    standin::EventDescriptor stopEvent_;
+    standin::EventDescriptor requestEvent_;
 
     // The follower's.
     std::optional<ovsdb::ServerSession> session_;

@@ -41,30 +41,9 @@ const uint8_t* PrimaryKeyOf(const Row& row)
     return row.Record().data() + row.Description().keys.front().offset;
 }
 
-// For a person: "if_index 5" or "destAddr 10.0.0.0".
-std::string Described(const Row& row, const Field& field)
-{
-    std::string text(field.name);
-    if (field.kind == Kind::Text) {
-        return text + " \"" + std::string(row.Text(field.name)) + '"';
-    }
-    const uint64_t number = row.Number(field.name);
-    if (field.kind == Kind::Number) {
-        return text + " " + std::to_string(number);
-    }
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        text += (shift == 24 ? " " : ".") + std::to_string(number >> shift & 0xFF);
-    }
-    return text;
-}
-
 [[noreturn]] void Refuse(const Row& row, const Key& key, std::string_view reason)
 {
-    std::string text(row.Description().name);
-    for (const Field* member : key.members) {
-        text += (member == key.members.front() ? ": " : ", ") + Described(row, *member);
-    }
-    throw Error(text + ": " + std::string(reason));
+    throw Error(RowName(row, key) + ": " + std::string(reason));
 }
 
 // What a write changes. Throws Error where it is refused. made: nothing for a deletion.

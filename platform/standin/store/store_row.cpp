@@ -182,4 +182,30 @@ std::optional<std::span<const uint8_t>> Row::Items(size_t list) const
     return lists_[list] ? std::optional<std::span<const uint8_t>>(*lists_[list]) : std::nullopt;
 }
 
+std::string RowName(const Row& row, const Key& key)
+{
+    std::string name(row.Description().name);
+    for (const Field* member : key.members) {
+        name += member == key.members.front() ? ": " : ", ";
+        name += member->name;
+        if (member->kind == Kind::Text) {
+            name += " \"" + std::string(row.Text(member->name)) + '"';
+        } else if (member->kind == Kind::Ipv4) {
+            name += " " + Ipv4ToText(static_cast<uint32_t>(row.Number(member->name)));
+        } else {
+            name += " " + std::to_string(row.Number(member->name));
+        }
+    }
+    return name;
+}
+
+std::string Ipv4ToText(uint32_t address)
+{
+    std::string text;
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        text += (text.empty() ? "" : ".") + std::to_string(address >> shift & 0xFF);
+    }
+    return text;
+}
+
 }  // namespace standin

@@ -75,6 +75,13 @@ private:
     std::vector<std::optional<std::vector<uint8_t>>> lists_;
 };
 
+// The row for messages, by the fields of a key: "if_base: if_index 5" or
+// "Fib.ConfigIpv4Fwd: destAddr 10.0.0.0, prefixLen 8".
+std::string RowName(const Row& row, const Key& key);
+
+// "192.0.2.1" for 0xC0000201.
+std::string Ipv4ToText(uint32_t address);
+
 // Several writes, all or nothing. Commit carries them out in order and throws Error for the first
 // that is refused, whereupon nothing has changed. A transaction that was never committed changes
 // nothing.

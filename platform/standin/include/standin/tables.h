@@ -57,6 +57,16 @@ struct Table {
 
 std::span<const Table> Tables();
 
+constexpr bool IsInPrimaryKey(const Table& table, const Field& field)
+{
+    for (const Field* member : table.keys.front().members) {
+        if (member == &field) {
+            return true;
+        }
+    }
+    return false;
+}
+
 // Null where there is none of that name.
 const Table* FindTable(std::string_view name);
 const Field* FindField(std::span<const Field> fields, std::string_view name);
