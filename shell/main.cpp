@@ -119,10 +119,15 @@ void BlockInterrupts(int how)
     pthread_sigmask(how, &signals, nullptr);
 }
 
+void ReportWait(const std::string& what)
+{
+    std::fprintf(stderr, "waiting for %s\n", what.c_str());
+}
+
 std::unique_ptr<sources::Source> OpenSource(const std::string& name)
 {
     shell::Progress progress("rows read from " + name);
-    return sources::OpenSource(name, [&] { progress.Step(); });
+    return sources::OpenSource(name, {[&] { progress.Step(); }, ReportWait});
 }
 
 bool IsFile(const std::string& source)

@@ -10,27 +10,25 @@
 namespace sources {
 namespace {
 
-using OnRow = std::function<void()>;
-
-std::unique_ptr<Source> OpenHost(const std::string&, const OnRow&)
+std::unique_ptr<Source> OpenHost(const std::string&, const SourceProgress&)
 {
     return std::make_unique<HostSource>();
 }
 
-std::unique_ptr<Source> OpenOvsdb(const std::string& servers, const OnRow&)
+std::unique_ptr<Source> OpenOvsdb(const std::string& servers, const SourceProgress& progress)
 {
-    return std::make_unique<OvsdbSource>(servers);
+    return std::make_unique<OvsdbSource>(servers, OvsdbLimits{}, progress.onWait);
 }
 
-std::unique_ptr<Source> OpenJson(const std::string& file, const OnRow& onRow)
+std::unique_ptr<Source> OpenJson(const std::string& file, const SourceProgress& progress)
 {
-    return std::make_unique<JsonSource>(file, onRow);
+    return std::make_unique<JsonSource>(file, progress.onRow);
 }
 
 struct SourceKind {
     std::string_view prefix;
     bool isWholeName;
-    std::unique_ptr<Source> (*open)(const std::string& rest, const OnRow& onRow);
+    std::unique_ptr<Source> (*open)(const std::string& rest, const SourceProgress& progress);
 };
 
 // The first whose prefix the name begins with, or is.
@@ -64,13 +62,13 @@ void Source::Commit(const std::vector<RowWrite>& writes)
     transaction.Commit();
 }
 
-std::unique_ptr<Source> OpenSource(const std::string& name, const OnRow& onRow)
+std::unique_ptr<Source> OpenSource(const std::string& name, const SourceProgress& progress)
 {
     const auto isOfKind = [&](const SourceKind& kind) {
         return kind.isWholeName ? name == kind.prefix : name.starts_with(kind.prefix);
     };
     const auto& kind = *std::ranges::find_if(SOURCE_KINDS, isOfKind);
-    return kind.open(name.substr(kind.prefix.size()), onRow);
+    return kind.open(name.substr(kind.prefix.size()), progress);
 }
 
 }  // namespace sources

@@ -34,9 +34,15 @@ public:
     virtual void Commit(const std::vector<RowWrite>& writes);
 };
 
+// What a source reports while its caller waits.
+struct SourceProgress {
+    std::function<void()> onRow;  // a row was read from a file
+    // A wait for this, such as a server, has taken a second. Also from Commit, on its thread.
+    std::function<void(const std::string& what)> onWait;
+};
+
 // Opens "host", "ovsdb:" followed by servers as sources/ovsdb/ovsdb_servers.h describes them, or
-// the path of a JSON file. onRow is called for each row that is read from a file. Throws
-// std::runtime_error.
-std::unique_ptr<Source> OpenSource(const std::string& name, const std::function<void()>& onRow);
+// the path of a JSON file. Throws std::runtime_error.
+std::unique_ptr<Source> OpenSource(const std::string& name, const SourceProgress& progress);
 
 }  // namespace sources

@@ -25,7 +25,7 @@ using enum sources::WriteKind;
 
 using namespace std::chrono_literals;
 
-constexpr sources::OvsdbTiming brisk{10'000ms, 300ms, 20ms, 200ms};
+constexpr sources::OvsdbLimits brisk{10'000ms, 300ms, 20ms, 200ms};
 
 Wire NewRow(const std::string& table, const Wire& row)
 {
@@ -122,7 +122,7 @@ TEST_F(ServersTest, TheReplicaEqualsTheServerAfterEachRound)
             const Table& table = row.Description();
             Wire change = {{"op", "delete"},
                            {"table", ColumnsOf(table).name},
-                           {"where", sources::ovsdb::KeyCondition(table, RowToWire(row))}};
+                           {"where", sources::ovsdb::KeyCondition(row)}};
             random.Fill(row, table.fields[random.Below(table.fields.size())]);
             if (random.Below(3) > 0) {
                 change.update({{"op", "update"}, {"row", RowToWire(row)}});

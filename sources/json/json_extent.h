@@ -10,6 +10,7 @@ public:
 
     // Brackets that are open; negative after a closing one without an opening one.
     int Depth() const { return depth_; }
+    bool IsInString() const { return inString_; }
 
 private:
     int depth_ = 0;

@@ -1,95 +1,139 @@
 #include "sources/ovsdb/ovsdb_connection.h"
 
-#include <poll.h>
-
 #include <algorithm>
 #include <array>
 #include <stdexcept>
 
 namespace sources::ovsdb {
+namespace {
 
-Connection::Connection(Stream stream, Milliseconds silence)
-    : stream_(std::move(stream)), silence_(silence)
+constexpr const char* PROBE_ID = "echo";
+
+}  // namespace
+
+Connection::Connection(const Server& server, const TlsContext& tls, const OvsdbLimits& limits)
+    : limits_(limits), stream_(server, tls, limits), framing_(limits)
 {
 }
 
 void Connection::Send(const std::string& message)
 {
     outgoing_ += message;
-    Flush();
+    if (isConnected_) {
+        Flush();
+    }
 }
 
-void Connection::Attend(int wake, int stop, const std::function<void(const Json&)>& onMessage)
+Clock::time_point Connection::Due() const
 {
-    const bool maySend = !outgoing_.empty() && !stream_.WaitsToRead();
-    const short events = static_cast<short>(POLLIN | (maySend ? POLLOUT : 0));
-    pollfd waitedFor[] = {{stream_.Descriptor(), events, 0}, {wake, POLLIN, 0}, {stop, POLLIN, 0}};
-    const auto timeout = mayHaveMore_ ? Milliseconds(0) : UntilSilenceCounts();
-    poll(waitedFor, std::size(waitedFor), static_cast<int>(timeout.count()));
+    if (!isConnected_) {
+        return stream_.ConnectDeadline();
+    }
+    return mayHaveMore_ ? Clock::now() : std::min(SilenceLimit(), messageDeadline_);
+}
+
+void Connection::Advance(const OnMessage& onMessage)
+{
+    if (!isConnected_) {
+        isConnected_ = stream_.Connect();
+        if (!isConnected_) {
+            return;
+        }
+        lastReceived_ = Clock::now();
+    }
     Flush();
     mayHaveMore_ = Receive(onMessage);
-    MindSilence();
+    CheckMessageTime();
+    CheckSilence();
 }
 
-Milliseconds Connection::UntilSilenceCounts() const
+Clock::time_point Connection::SilenceLimit() const
 {
-    const auto limit = lastHeard_ + silence_ * (asked_ ? 3 : 1);
-    return std::max(Milliseconds(0), std::chrono::ceil<Milliseconds>(limit - Clock::now()));
+    const auto limit = lastReceived_ + limits_.probeInterval * (probeSent_ ? 3 : 1);
+    return limit + ExtraTime(bytesSent_);
 }
 
-void Connection::MindSilence()
+void Connection::CheckSilence()
 {
-    if (UntilSilenceCounts() > Milliseconds(0)) {
+    if (Clock::now() < SilenceLimit()) {
         return;
     }
-    if (asked_) {
+    if (probeSent_) {
         throw std::runtime_error("the server has been silent for too long");
     }
-    asked_ = true;
-    Send(R"({"id":"echo","method":"echo","params":[]})");
+    probeSent_ = true;
+    Send(Json{{"id", PROBE_ID}, {"method", "echo"}, {"params", Json::array()}}.dump());
+}
+
+void Connection::CheckMessageTime()
+{
+    const auto now = Clock::now();
+    if (!framing_.IsInsideMessage()) {
+        messageDeadline_ = Clock::time_point::max();
+    } else if (messageDeadline_ == Clock::time_point::max()) {
+        messageDeadline_ = now + limits_.messageTimeout;
+    } else if (now >= messageDeadline_) {
+        throw std::runtime_error("the server does not complete a message in time");
+    }
 }
 
 void Connection::Flush()
 {
-    while (sent_ < outgoing_.size()) {
+    while (IsSending()) {
         const size_t now = stream_.Write(std::string_view(outgoing_).substr(sent_));
         if (now == 0) {
             return;
         }
         sent_ += now;
+        bytesSent_ += now;
     }
     outgoing_.clear();
     sent_ = 0;
+    echoBytes_ = 0;
 }
 
-// Whether more may be there: a server that never stops must not keep us from everything else. What
-// a server said last counts even where it then ended the connection.
+// Whether more may be there: the number of reads is limited so that a server that sends without
+// pause does not block everything else. What arrived before the server closed the connection is
+// still processed.
 bool Connection::Receive(const OnMessage& onMessage)
 {
+    constexpr int MOST_READS = 64;
     std::array<char, 1 << 16> bytes;
-    for (int rounds = 64; rounds > 0; --rounds) {
+    for (int reads = 0; reads < MOST_READS; ++reads) {
         const size_t size = stream_.Read(bytes);
         if (size == 0) {
             return false;
         }
-        lastHeard_ = Clock::now();
-        asked_ = false;
+        lastReceived_ = Clock::now();
+        probeSent_ = false;
+        bytesSent_ = 0;
         framing_.Add({bytes.data(), size});
         while (const auto message = framing_.Next()) {
-            HandOver(*message, onMessage);
+            messageDeadline_ = Clock::time_point::max();
+            Dispatch(*message, onMessage);
         }
     }
     return true;
 }
 
-void Connection::HandOver(const std::string& text, const OnMessage& onMessage)
+void Connection::Dispatch(const std::string& text, const OnMessage& onMessage)
 {
-    const Json message = Json::parse(text);
-    if (message.value("method", "") == "echo") {
-        Send(Json{{"id", message.at("id")}, {"result", message.at("params")}, {"error", nullptr}}
-                 .dump());
-    } else if (message.value("id", Json()) != "echo") {
-        onMessage(message);
+    RpcMessage message = ParseMessage(text);
+    if (message.method == "echo") {
+        AnswerEcho(message);
+    } else if (!message.method.empty() || message.id != PROBE_ID) {
+        onMessage(std::move(message));
+    }
+}
+
+void Connection::AnswerEcho(const RpcMessage& request)
+{
+    const std::string answer =
+        Json{{"id", request.id}, {"result", request.params}, {"error", nullptr}}.dump();
+    echoBytes_ += answer.size();
+    Send(answer);
+    if (echoBytes_ > limits_.mostEchoBytes) {
+        throw std::runtime_error("the server sends echo requests but does not read the answers");
     }
 }
 

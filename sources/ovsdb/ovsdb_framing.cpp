@@ -5,8 +5,7 @@
 namespace sources::ovsdb {
 namespace {
 
-constexpr size_t longestMessage = size_t{1} << 30;
-constexpr int deepest = 64;
+constexpr int DEEPEST = 64;
 
 }  // namespace
 
@@ -16,30 +15,46 @@ std::optional<std::string> Framing::Next()
         if (!Scan(bytes_[scanned_++])) {
             continue;
         }
-        const std::string message = bytes_.substr(begin_, scanned_ - begin_);
+        CheckLimits();
+        std::string message = bytes_.substr(begin_, scanned_ - begin_);
         begin_ = scanned_;
+        values_ = 0;
         return message;
     }
     bytes_.erase(0, begin_);
     scanned_ -= begin_;
     begin_ = 0;
-    if (bytes_.size() > longestMessage) {
-        throw std::runtime_error("a message never ends");
-    }
+    CheckLimits();
     return std::nullopt;
 }
 
 bool Framing::Scan(char c)
 {
     const bool wasInside = extent_.Depth() > 0;
+    const bool isStructure = !extent_.IsInString();
     const bool ends = extent_.Next(c);
     const bool isBlank = c == ' ' || c == '\n' || c == '\r' || c == '\t';
     const bool begins = c == '{' || isBlank;
     const int depth = extent_.Depth();
-    if (depth < 0 || depth > deepest || (!wasInside && !begins)) {
-        throw std::runtime_error("what comes is not JSON");
+    if (depth > DEEPEST || (!wasInside && !begins)) {
+        throw std::runtime_error("the server sends something that is not JSON-RPC");
+    }
+    if (isStructure && (c == ',' || c == '{' || c == '[')) {
+        ++values_;
     }
     return ends;
+}
+
+void Framing::CheckLimits() const
+{
+    if (scanned_ - begin_ > limits_.longestMessage) {
+        throw std::runtime_error("the server sends a message of more than " +
+                                 std::to_string(limits_.longestMessage) + " bytes");
+    }
+    if (values_ > limits_.mostValues) {
+        throw std::runtime_error("the server sends a message of more than " +
+                                 std::to_string(limits_.mostValues) + " values");
+    }
 }
 
 }  // namespace sources::ovsdb

@@ -1,4 +1,4 @@
-// Where each message ends in a stream of JSON objects with nothing between them.
+// Splits a stream of bytes into JSON objects, one after another, within limits.
 #pragma once
 
 #include <optional>
@@ -6,22 +6,32 @@
 #include <string_view>
 
 #include "sources/json/json_extent.h"
+#include "sources/ovsdb/ovsdb_limits.h"
 
 namespace sources::ovsdb {
 
 class Framing {
 public:
+    explicit Framing(const OvsdbLimits& limits) : limits_(limits) {}
+
     void Add(std::string_view bytes) { bytes_ += bytes; }
 
-    // The next whole message. Throws std::runtime_error for what is no object, or never ends.
+    // The next whole message. Throws std::runtime_error for what is no object, and for a message
+    // that exceeds a limit.
     std::optional<std::string> Next();
+
+    // Whether the beginning of a message has arrived without its end.
+    bool IsInsideMessage() const { return extent_.Depth() > 0; }
 
 private:
     bool Scan(char c);  // whether the message ends with this character
+    void CheckLimits() const;
 
+    const OvsdbLimits& limits_;
     std::string bytes_;
     size_t begin_ = 0;  // of the message
     size_t scanned_ = 0;
+    size_t values_ = 0;  // of the message, so far
     JsonExtent extent_;
 };
 

@@ -3,8 +3,8 @@
 #include <syslog.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
-#include <stdexcept>
 #include <tuple>
 #include <utility>
 
@@ -18,39 +18,25 @@ using standin::Row;
 using standin::Table;
 using standin::Transaction;
 
-void Report(const Table& table, const Json& wire, const std::string& reason)
+void Report(const Table& table, const Json& columns, const std::string& reason)
 {
-    syslog(LOG_ERR, "%s: %s: not taken over\n", RowName(table, wire).c_str(), reason.c_str());
-}
-
-// The tables by their names on the servers.
-template <typename OnRow>
-void ForEachRowIn(const Json& tables, const OnRow& onRow)
-{
-    for (const auto& [name, rows] : tables.items()) {
-        const Table* table = FindTable(name);
-        if (table == nullptr) {
-            throw std::runtime_error("no table was asked for that is called " + name);
-        }
-        for (const auto& [identifier, update] : rows.items()) {
-            onRow(*table, identifier, update);
-        }
-    }
+    syslog(LOG_ERR, "%s: %s: the row is left out\n", RowName(table, columns).c_str(),
+           reason.c_str());
 }
 
 // What a transaction does to the row with one key.
 struct KeyTransition {
     const Row* before = nullptr;
     const Row* after = nullptr;
-    int64_t place = noPlace;
+    int64_t place = NO_PLACE;
 };
 
-// By table and primary key, so that all boards go through them in one order. A row that is deleted
-// and inserted again under its key is one that changed.
+// By table and primary key, so that all boards go through them in the same order. A row that is
+// deleted and inserted again with its key is one that changed.
 class KeyTransitions {
 public:
     void From(const Row& row) { TransitionOf(row).before = &row; }
-    // False where another row is to have this key.
+    // False if another row is to have this key.
     bool To(const Row& row, int64_t place)
     {
         KeyTransition& transition = TransitionOf(row);
@@ -95,10 +81,9 @@ Transaction KeyTransitions::AsTransaction() const
     return transaction;
 }
 
-// The keys that rows have taken.
 class TakenKeys {
 public:
-    // Takes all keys of the row; false, and nothing is taken, where another row has one.
+    // Takes all keys of the row; false, and nothing is taken, if another row has one.
     bool Take(const Row& row)
     {
         const auto keys = row.Description().keys;
@@ -118,91 +103,119 @@ private:
     std::set<std::pair<const Key*, std::string_view>> taken_;
 };
 
+std::string IndexKey(const Row& row)
+{
+    const auto table = &row.Description() - standin::Tables().data();
+    return static_cast<char>(table) + std::string(PrimaryKey(row));
+}
+
 }  // namespace
 
-void Replica::TakeContents(const Json& tables)
+std::optional<RowId> RowIndex::Find(const Row& key) const
 {
-    Rows rows;
-    ForEachRowIn(
-        tables, [&](const Table& table, const std::string& identifier, const Json& update) {
-            const auto before = held_.find(identifier);
-            rows.emplace(identifier, Taken(table, update.at("initial"),
-                                           before == held_.end() ? nullptr : &before->second));
-        });
-    held_ = std::move(rows);
+    const std::lock_guard lock(mutex_);
+    const auto found = ids_.find(IndexKey(key));
+    return found == ids_.end() ? std::nullopt : std::optional(found->second);
+}
+
+void RowIndex::Clear()
+{
+    const std::lock_guard lock(mutex_);
+    ids_.clear();
+}
+
+void RowIndex::Add(const Row& row, RowId id)
+{
+    const std::lock_guard lock(mutex_);
+    ids_.insert_or_assign(IndexKey(row), id);
+}
+
+void RowIndex::Remove(const Row& row)
+{
+    const std::lock_guard lock(mutex_);
+    ids_.erase(IndexKey(row));
+}
+
+void Replica::TakeContents(const std::vector<RowUpdate>& updates)
+{
+    ServerRows rows;
+    for (const RowUpdate& update : updates) {
+        rows.emplace(update.id, NewRow(*update.table, update.columns));
+    }
+    rows_ = std::move(rows);
     MirrorAll();
 }
 
-void Replica::TakeChanges(const Json& tables)
+void Replica::TakeChanges(const std::vector<RowUpdate>& updates)
 {
-    RowChanges changes;
-    ForEachRowIn(tables,
-                 [&](const Table& table, const std::string& identifier, const Json& update) {
-                     changes.push_back(ChangeOf(table, identifier, update));
-                 });
-    const bool carriedOut = CarryOut(changes);
+    std::vector<RowChange> changes;
+    for (const RowUpdate& update : updates) {
+        changes.push_back(ChangeOf(update));
+    }
+    const bool isCommitted = CommitChanges(changes);
     for (RowChange& change : changes) {
         if (change.after) {
-            held_.insert_or_assign(std::move(change.identifier), std::move(*change.after));
+            rows_.insert_or_assign(change.id, std::move(*change.after));
         } else {
-            held_.erase(change.identifier);
+            rows_.erase(change.id);
         }
     }
-    if (!carriedOut) {
+    if (!isCommitted) {
         MirrorAll();
     }
 }
 
-Replica::RowChange Replica::ChangeOf(const Table& table, const std::string& identifier,
-                                     const Json& update)
+Replica::RowChange Replica::ChangeOf(const RowUpdate& update)
 {
-    if (update.contains("insert")) {
-        return {identifier, Taken(table, update["insert"], nullptr)};
+    const std::string name = std::string(update.table->name) + ": row " + update.id.Text();
+    const auto known = rows_.find(update.id);
+    if (update.event == RowEvent::Insert) {
+        if (known != rows_.end()) {
+            throw ProtocolError(name + " is inserted twice");
+        }
+        return {update.id, NewRow(*update.table, update.columns)};
     }
-    const auto known = held_.find(identifier);
-    if (known == held_.end()) {
-        throw std::runtime_error("a row has changed that was never there");
+    if (known == rows_.end() || known->second.table != update.table) {
+        throw ProtocolError(name + " changes without having been inserted");
     }
-    if (update.contains("delete")) {
-        return {identifier, std::nullopt};
+    if (update.event == RowEvent::Delete) {
+        return {update.id, std::nullopt};
     }
-    const Held& before = known->second;
-    Json wire = before.broken.is_null() ? RowToWire(*before.row) : before.broken;
-    Modify(table, wire, update.at("modify"));
-    RowChange change{identifier, Taken(table, wire, &before)};
-    if (!update["modify"].contains(place)) {
+    const ServerRow& before = known->second;
+    Json columns = before.columns.is_null() ? RowToWire(*before.row) : before.columns;
+    Modify(*update.table, columns, update.columns);
+    RowChange change{update.id, NewRow(*update.table, columns)};
+    if (!update.columns.contains(PLACE_COLUMN)) {
         change.after->place = before.place;
     }
     return change;
 }
 
-Replica::Held Replica::Taken(const Table& table, const Json& wire, const Held* before)
+Replica::ServerRow Replica::NewRow(const Table& table, const Json& columns)
 {
-    Held held{.table = &table, .row = std::nullopt, .broken = nullptr, .place = PlaceOf(wire)};
-    if (held.place != noPlace && held.place > lastPlace_) {
-        lastPlace_ = held.place;
-    }
+    ServerRow made{
+        .table = &table, .row = std::nullopt, .columns = nullptr, .place = PlaceOf(columns)};
+    NotePlace(made.place);
     try {
-        held.row = RowFromWire(table, wire);
+        made.row = RowFromWire(table, columns);
     } catch (const standin::Error& error) {
-        Report(table, wire, error.what());
-        held.broken = wire;
-        if (before != nullptr) {
-            held.row = before->row;
-        }
+        Report(table, columns, error.what());
     }
-    return held;
+    if (!made.row || !KeepsForm(*made.row, columns)) {
+        made.columns = columns;
+    }
+    return made;
 }
 
-// The common case, by as many steps as there are changes. False where keys stand in the way of
-// each other; then nothing was done.
-bool Replica::CarryOut(const RowChanges& changes) const
+// The common case, with as many writes as there are changes. False, and nothing is written, if keys
+// are in conflict.
+bool Replica::CommitChanges(const std::vector<RowChange>& changes)
 {
     KeyTransitions transitions;
-    bool allFree = !someStandAside_;
+    bool allFree = !anyShadowed_;
     for (const RowChange& change : changes) {
-        const auto before = held_.find(change.identifier);
-        if (before != held_.end() && before->second.row) {
+        const auto before = rows_.find(change.id);
+        if (before != rows_.end() && before->second.row) {
             transitions.From(*before->second.row);
         }
         if (change.after && change.after->row) {
@@ -217,39 +230,70 @@ bool Replica::CarryOut(const RowChanges& changes) const
     } catch (const standin::Error&) {
         return false;
     }
+    for (const RowChange& change : changes) {
+        const auto before = rows_.find(change.id);
+        if (before != rows_.end() && before->second.row) {
+            index_.Remove(*before->second.row);
+        }
+    }
+    for (const RowChange& change : changes) {
+        if (change.after && change.after->row) {
+            index_.Add(*change.after->row, change.id);
+        }
+    }
     return true;
 }
 
-// Every row anew, in the order of their places. Of rows that have one key the first stands.
+// Compares every row with the tables and writes the difference.
 void Replica::MirrorAll()
 {
-    std::vector<Held*> all;
-    for (auto& [identifier, held] : held_) {
-        if (held.row) {
-            all.push_back(&held);
+    std::vector<std::pair<const RowId, ServerRow>*> all;
+    for (auto& entry : rows_) {
+        if (entry.second.row) {
+            all.push_back(&entry);
         }
     }
-    std::ranges::sort(all, {}, [](const Held* held) {
-        return std::tuple(held->table, held->place, PrimaryKey(*held->row));
+    std::ranges::sort(all, {}, [](const auto* entry) {
+        const ServerRow& server = entry->second;
+        return std::tuple(server.table, server.place, PrimaryKey(*server.row), entry->first);
     });
     TakenKeys keys;
     std::map<const Table*, std::vector<Row>> wanted;
-    someStandAside_ = false;
-    for (Held* held : all) {
-        const bool stands = keys.Take(*held->row);
-        if (stands) {
-            wanted[held->table].push_back(*held->row);
-        } else if (!held->standsAside) {
-            Report(*held->table, RowToWire(*held->row), "another row has its key");
+    anyShadowed_ = false;
+    index_.Clear();
+    for (auto* entry : all) {
+        ServerRow& server = entry->second;
+        const bool isFirst = keys.Take(*server.row);
+        if (isFirst) {
+            wanted[server.table].push_back(*server.row);
+            index_.Add(*server.row, entry->first);
+        } else if (!server.isShadowed) {
+            Report(*server.table, RowToWire(*server.row), "another row has its key");
         }
-        held->standsAside = !stands;
-        someStandAside_ |= !stands;
+        server.isShadowed = !isFirst;
+        anyShadowed_ |= !isFirst;
     }
     Transaction transaction;
     for (const Table& table : standin::Tables()) {
         MirrorTable(transaction, table, wanted[&table]);
     }
     transaction.Commit();
+}
+
+void Replica::NotePlace(int64_t place)
+{
+    // Beyond this a place is somebody's idea of "last" rather than the last of a count.
+    constexpr int64_t HIGHEST_COUNTED = int64_t{1} << 62;
+    const std::lock_guard lock(placeMutex_);
+    if (place < HIGHEST_COUNTED) {
+        lastPlace_ = std::max(lastPlace_, place);
+    }
+}
+
+int64_t Replica::NextPlace()
+{
+    const std::lock_guard lock(placeMutex_);
+    return ++lastPlace_;
 }
 
 }  // namespace sources::ovsdb

@@ -1,8 +1,8 @@
-// The servers' contents in the database.
+// The servers' rows, and their copy in the database.
 #pragma once
 
-#include <atomic>
-#include <map>
+#include <cstdint>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -11,49 +11,71 @@
 #include <standin/store.h>
 
 #include "sources/ovsdb/ovsdb_row.h"
+#include "sources/ovsdb/ovsdb_update.h"
 
 namespace sources::ovsdb {
 
-// The tables are its own: rows that others put there go.
-//
-// What it is given is what servers tell of their rows: an object of tables, each an object of row
-// identifiers. It is carried out as one transaction. A row that the database can't hold is reported
-// to the system log; the last contents of it that could be held stay, or none. What makes no sense
-// at all is an exception, and has changed nothing; then only the whole contents put things right.
-class Replica {
+// Which row of the servers a row of the database is the copy of. Any thread.
+class RowIndex {
 public:
-    void TakeContents(const Json& tables);  // every row there is
-    void TakeChanges(const Json& tables);
+    std::optional<RowId> Find(const standin::Row& key) const;
 
-    // A place behind all that were seen. Any thread.
-    int64_t NextPlace() { return ++lastPlace_; }
+    void Clear();
+    void Add(const standin::Row& row, RowId id);
+    void Remove(const standin::Row& row);
 
 private:
-    // A row of the servers.
-    struct Held {
+    mutable std::mutex mutex_;
+    std::unordered_map<std::string, RowId> ids_;  // by table and primary key
+};
+
+// The replica owns the tables: rows that others write there are deleted when contents are taken.
+//
+// The tables are a function of the servers' rows. A row that the database can't hold is reported to
+// the system log and left out; of rows that have a key in common only the first, in the order of
+// places, primary keys and ids, is there.
+//
+// Each function carries out the updates as one transaction. It throws ProtocolError for updates
+// that contradict what the servers sent before, and has then changed nothing.
+class Replica {
+public:
+    void TakeContents(const std::vector<RowUpdate>& updates);  // every row there is
+    void TakeChanges(const std::vector<RowUpdate>& updates);
+
+    // A place behind those of all rows, but for absurdly high ones. Any thread.
+    int64_t NextPlace();
+
+    const RowIndex& Index() const { return index_; }
+
+private:
+    struct ServerRow {
         const standin::Table* table;
-        std::optional<standin::Row> row;  // what stands for it in the database
-        Json broken;                      // what it is on the servers, where that is not row
-        int64_t place = noPlace;
-        bool standsAside = false;  // another row has its key
+        std::optional<standin::Row> row;  // none: the database can't hold it
+        Json columns;                     // null: RowToWire(row) is in the server's form
+        int64_t place = NO_PLACE;
+        bool isShadowed = false;  // another row has one of its keys
     };
-    using Rows = std::unordered_map<std::string, Held>;  // by identifier
+    struct IdHash {
+        size_t operator()(const RowId& id) const { return id.low; }
+    };
+    using ServerRows = std::unordered_map<RowId, ServerRow, IdHash>;
 
     struct RowChange {
-        std::string identifier;
-        std::optional<Held> after;  // none: it is gone
+        RowId id;
+        std::optional<ServerRow> after;  // none: the row is deleted
     };
-    using RowChanges = std::vector<RowChange>;
 
-    Held Taken(const standin::Table& table, const Json& wire, const Held* before);
-    RowChange ChangeOf(const standin::Table& table, const std::string& identifier,
-                       const Json& update);
-    bool CarryOut(const RowChanges& changes) const;
+    ServerRow NewRow(const standin::Table& table, const Json& columns);
+    RowChange ChangeOf(const RowUpdate& update);
+    bool CommitChanges(const std::vector<RowChange>& changes);
     void MirrorAll();
+    void NotePlace(int64_t place);
 
-    Rows held_;
-    bool someStandAside_ = false;
-    std::atomic<int64_t> lastPlace_ = 0;
+    ServerRows rows_;
+    RowIndex index_;
+    bool anyShadowed_ = false;
+    std::mutex placeMutex_;
+    int64_t lastPlace_ = 0;
 };
 
 }  // namespace sources::ovsdb

@@ -15,7 +15,7 @@ using standin::List;
 using standin::Row;
 using standin::Table;
 
-// A set of one element may stand for itself.
+// A set of one element may be that element alone.
 template <typename OnElement>
 void ForEachElement(const Json& set, const OnElement& onElement)
 {
@@ -65,8 +65,8 @@ std::optional<std::span<const uint8_t>> ItemsOf(const Row& row, const List& list
     return row.Items(static_cast<size_t>(&list - row.Description().lists.data()));
 }
 
-// What is zero may be left out: an empty text stands for an address of zeros.
-bool IsLeftOut(const Field& field, const Json& value)
+// An empty text is an address of zeros.
+bool IsEmptyAddress(const Field& field, const Json& value)
 {
     const auto* text = value.get_ptr<const std::string*>();
     return (field.kind == Kind::Ipv4 || field.kind == Kind::Mac) && text != nullptr &&
@@ -82,7 +82,7 @@ void FieldFromWire(Row& row, const Field& field, const Json& value)
             bits[id / 8] = static_cast<uint8_t>(bits[id / 8] | 0x80U >> id % 8);
         });
         row.SetBytes(field.name, bits);
-    } else if (!IsLeftOut(field, value)) {
+    } else if (!IsEmptyAddress(field, value)) {
         SetFromJson(row, field, value);
     }
 }
@@ -97,16 +97,16 @@ void ListColumnFromWire(Items& items, const SchemaColumn& column, const Json& ma
     for (const Json& pair : map.at(1)) {
         auto& values = items[NumberFromWire(pair.at(0), INT32_MAX)];
         values.resize(fields.size());
-        if (!IsLeftOut(field, pair.at(1))) {
+        if (!IsEmptyAddress(field, pair.at(1))) {
             values[static_cast<size_t>(&field - fields.data())] = NumberFromJson(field, pair.at(1));
         }
     }
 }
 
-void ListsFromWire(Row& row, const std::map<const List*, Items>& all, const Json& wire)
+void ListsFromWire(Row& row, const std::map<const List*, Items>& all, const Json& columns)
 {
-    if (wire.contains(lists)) {
-        ForEachElement(wire[lists],
+    if (columns.contains(LISTS_COLUMN)) {
+        ForEachElement(columns[LISTS_COLUMN],
                        [&](const Json& name) { row.MakeList(name.get<std::string>()); });
     }
     for (const auto& [list, items] : all) {
@@ -116,7 +116,7 @@ void ListsFromWire(Row& row, const std::map<const List*, Items>& all, const Json
     }
 }
 
-// The set or map in that column, made empty where it was left out.
+// The set or map in that column, which becomes empty if it is missing.
 Json& Collection(Json& wire, const std::string& column, const char* kind)
 {
     return wire.emplace(column, Json::array({kind, Json::array()})).first.value();
@@ -160,17 +160,41 @@ void ModifyMap(Json& map, const Json& change)
     map = {"map", pairs};
 }
 
+// Maps as pairs in order, so that two can be compared.
+std::map<Json, Json> PairsOf(const Json& columns, const std::string& column)
+{
+    std::map<Json, Json> pairs;
+    if (const auto map = columns.find(column); map != columns.end()) {
+        for (const Json& pair : map->at(1)) {
+            pairs.emplace(pair.at(0), pair.at(1));
+        }
+    }
+    return pairs;
+}
+
+Json::array_t PresentLists(const Json& columns)
+{
+    const auto present = columns.find(LISTS_COLUMN);
+    return present == columns.end() ? Json::array_t() : SortedElements(*present);
+}
+
+// The servers send the new value of a column that holds at most one element, not a difference.
+bool IsDifference(const Table& table)
+{
+    return table.lists.size() > 1;
+}
+
 }  // namespace
 
 Json RowToWire(const Row& row)
 {
     const Table& table = row.Description();
-    Json wire = Json::object();
+    Json columns = Json::object();
     for (const SchemaColumn& column : ColumnsOf(table).columns) {
         if (column.list == nullptr) {
-            wire[column.name] = ValueToWire(*column.field, row.Bytes(*column.field));
+            columns[column.name] = ValueToWire(*column.field, row.Bytes(*column.field));
         } else {
-            wire[column.name] =
+            columns[column.name] =
                 ListColumnToWire(column, ItemsOf(row, *column.list).value_or(std::span<uint8_t>()));
         }
     }
@@ -181,18 +205,18 @@ Json RowToWire(const Row& row)
         }
     }
     if (!table.lists.empty()) {
-        wire[lists] = {"set", present};
+        columns[LISTS_COLUMN] = {"set", present};
     }
-    return wire;
+    return columns;
 }
 
-Row RowFromWire(const Table& table, const Json& wire)
+Row RowFromWire(const Table& table, const Json& columns)
 {
     Row row(table);
     std::map<const List*, Items> items;
     for (const SchemaColumn& column : ColumnsOf(table).columns) {
-        const auto value = wire.find(column.name);
-        if (value == wire.end()) {
+        const auto value = columns.find(column.name);
+        if (value == columns.end()) {
             continue;
         }
         At(column.name, [&] {
@@ -203,20 +227,36 @@ Row RowFromWire(const Table& table, const Json& wire)
             }
         });
     }
-    ListsFromWire(row, items, wire);
+    ListsFromWire(row, items, columns);
     return row;
 }
 
-int64_t PlaceOf(const Json& wire)
+bool KeepsForm(const Row& row, const Json& columns)
 {
-    int64_t found = noPlace;
-    if (wire.contains(place)) {
-        ForEachElement(wire[place], [&](const Json& value) { found = value.get<int64_t>(); });
+    const Table& table = row.Description();
+    if (table.lists.empty()) {
+        return true;
+    }
+    const Json canonical = RowToWire(row);
+    const auto hasSamePairs = [&](const SchemaColumn& column) {
+        return column.list == nullptr ||
+               PairsOf(canonical, column.name) == PairsOf(columns, column.name);
+    };
+    return PresentLists(canonical) == PresentLists(columns) &&
+           std::ranges::all_of(ColumnsOf(table).columns, hasSamePairs);
+}
+
+int64_t PlaceOf(const Json& columns)
+{
+    int64_t found = NO_PLACE;
+    if (columns.contains(PLACE_COLUMN)) {
+        ForEachElement(columns[PLACE_COLUMN],
+                       [&](const Json& value) { found = value.get<int64_t>(); });
     }
     return found;
 }
 
-void Modify(const Table& table, Json& wire, const Json& modification)
+void Modify(const Table& table, Json& columns, const Json& modification)
 {
     for (const SchemaColumn& column : ColumnsOf(table).columns) {
         const auto change = modification.find(column.name);
@@ -224,40 +264,48 @@ void Modify(const Table& table, Json& wire, const Json& modification)
             continue;
         }
         if (column.list != nullptr) {
-            ModifyMap(Collection(wire, column.name, "map"), *change);
+            ModifyMap(Collection(columns, column.name, "map"), *change);
         } else if (column.field->kind == Kind::Set) {
-            ModifySet(Collection(wire, column.name, "set"), *change);
+            ModifySet(Collection(columns, column.name, "set"), *change);
         } else {
-            wire[column.name] = *change;
+            columns[column.name] = *change;
         }
     }
-    if (modification.contains(lists)) {
-        ModifySet(Collection(wire, lists, "set"), modification[lists]);
+    if (modification.contains(LISTS_COLUMN)) {
+        const Json& change = modification[LISTS_COLUMN];
+        Json& present = Collection(columns, LISTS_COLUMN, "set");
+        if (IsDifference(table)) {
+            ModifySet(present, change);
+        } else {
+            present = change;
+        }
     }
-    if (modification.contains(place)) {
-        wire[place] = modification[place];
+    if (modification.contains(PLACE_COLUMN)) {
+        columns[PLACE_COLUMN] = modification[PLACE_COLUMN];
     }
 }
 
-Json KeyCondition(const Table& table, const Json& wire)
+Json KeyCondition(const Row& row)
 {
+    const Table& table = row.Description();
     Json condition = Json::array();
     for (const SchemaColumn& column : ColumnsOf(table).columns) {
-        if (std::ranges::count(table.keys.front().members, column.field) != 0) {
-            condition.push_back({column.name, "==", wire.at(column.name)});
+        if (standin::IsInPrimaryKey(table, *column.field)) {
+            condition.push_back(
+                {column.name, "==", ValueToWire(*column.field, row.Bytes(*column.field))});
         }
     }
     return condition;
 }
 
-std::string RowName(const Table& table, const Json& wire)
+std::string RowName(const Table& table, const Json& columns)
 {
     std::string name(table.name);
     for (const Field* member : table.keys.front().members) {
         const std::string field(member->name);
         name += (member == table.keys.front().members.front() ? ": " : ", ") + field;
-        if (wire.contains(field)) {
-            name += " " + wire[field].dump();
+        if (columns.contains(field)) {
+            name += " " + columns[field].dump();
         }
     }
     return name;

@@ -50,26 +50,12 @@ Json Integer(uint64_t highest)
     return {{"type", "integer"}, {"minInteger", 0}, {"maxInteger", highest}};
 }
 
-Json String(uint32_t longest)
-{
-    return {{"type", "string"}, {"maxLength", longest}};
-}
-
 Json ValueType(const Field& field)
 {
-    switch (field.kind) {
-        case Kind::Number:
-            return Integer(~uint64_t{0} >> (64 - 8 * field.width));
-        case Kind::Ipv4:
-            return String(sizeof "255.255.255.255" - 1);
-        case Kind::Mac:
-            return String(sizeof "00:00:00:00:00:00" - 1);
-        case Kind::Text:
-            return String(standin::LongestText(field));
-        case Kind::Set:
-            return Integer(field.width * 8 - 1);
+    if (field.kind == Kind::Number || field.kind == Kind::Set) {
+        return Integer(HighestInteger(field));
     }
-    return {};
+    return {{"type", "string"}, {"maxLength", LongestString(field)}};
 }
 
 Json ColumnType(const SchemaColumn& column)
@@ -101,9 +87,9 @@ Json TableSchema(const Table& table)
         columns[column.name]["type"] = ColumnType(column);
     }
     if (!table.lists.empty()) {
-        columns[lists]["type"] = ListsType(table);
+        columns[LISTS_COLUMN]["type"] = ListsType(table);
     }
-    columns[place]["type"] = {{"key", Integer(INT64_MAX)}, {"min", 0}, {"max", 1}};
+    columns[PLACE_COLUMN]["type"] = {{"key", Integer(INT64_MAX)}, {"min", 0}, {"max", 1}};
 
     Json indexes = Json::array();
     for (const Key& key : table.keys) {
@@ -129,13 +115,37 @@ const Table* FindTable(const std::string& name)
     return found == TheColumns().end() ? nullptr : found->first;
 }
 
+const SchemaColumn* FindColumn(const Table& table, std::string_view name)
+{
+    const auto& columns = ColumnsOf(table).columns;
+    const auto found = std::ranges::find(columns, name, &SchemaColumn::name);
+    return found == columns.end() ? nullptr : &*found;
+}
+
+uint64_t HighestInteger(const Field& field)
+{
+    return field.kind == Kind::Set ? field.width * 8 - 1 : ~uint64_t{0} >> (64 - 8 * field.width);
+}
+
+uint32_t LongestString(const Field& field)
+{
+    switch (field.kind) {
+        case Kind::Ipv4:
+            return sizeof "255.255.255.255" - 1;
+        case Kind::Mac:
+            return sizeof "00:00:00:00:00:00" - 1;
+        default:
+            return standin::LongestText(field);
+    }
+}
+
 Json Schema()
 {
     Json tables;
     for (const Table& table : standin::Tables()) {
         tables[ColumnsOf(table).name] = TableSchema(table);
     }
-    return {{"name", database}, {"version", "1.0.0"}, {"tables", tables}};
+    return {{"name", DATABASE_NAME}, {"version", "1.0.0"}, {"tables", tables}};
 }
 
 }  // namespace sources::ovsdb

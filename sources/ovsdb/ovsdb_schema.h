@@ -1,31 +1,29 @@
-// The database on the servers: what its tables and columns are called, and its schema.
+// The database on the servers: names of its tables and columns, and its schema.
 //
-// A field is a column. A list is a map for each of its fields, from the item's position to the
-// value, so that its order is kept and a row is one row there too; the column "lists" names the
-// lists that are there, empty or not. The column "place" puts the rows of a table in order.
+// A field is a column. A list is one map per field of its items, from the item's position to the
+// value, so that the order is kept and a row with lists is one row there too; the column "lists"
+// names the lists that are present, empty or not. The column "place" orders the rows of a table.
 #pragma once
 
-#include <optional>
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 #include <standin/tables.h>
 
+#include "sources/ovsdb/ovsdb_message.h"
+
 namespace sources::ovsdb {
 
-// JSON on the wire: members in no order.
-using Json = nlohmann::json;
-
-inline constexpr const char* database = "tarnd_qrb";
-inline constexpr const char* lists = "lists";
-inline constexpr const char* place = "place";
+inline constexpr const char* DATABASE_NAME = "tarnd_qrb";
+inline constexpr const char* LISTS_COLUMN = "lists";
+inline constexpr const char* PLACE_COLUMN = "place";
 
 struct SchemaColumn {
     std::string name;
     const standin::Field* field;  // of the table, or of the list's items
-    const standin::List* list;    // null: the field stands in the row itself
+    const standin::List* list;    // null: a field of the row itself
 };
 
 struct TableColumns {
@@ -33,11 +31,16 @@ struct TableColumns {
     std::vector<SchemaColumn> columns;
 };
 
-// Throws for a table that is none of standin::Tables().
+// Throws std::out_of_range for a table that is not one of standin::Tables().
 const TableColumns& ColumnsOf(const standin::Table& table);
 
-// Null where there is none of that name on the servers.
+// By names on the servers; null if there is none. Lists and place are no such columns.
 const standin::Table* FindTable(const std::string& name);
+const SchemaColumn* FindColumn(const standin::Table& table, std::string_view name);
+
+// Limits of a column's values.
+uint64_t HighestInteger(const standin::Field& field);  // Number, Set
+uint32_t LongestString(const standin::Field& field);   // Ipv4, Mac, Text; in characters
 
 Json Schema();
 

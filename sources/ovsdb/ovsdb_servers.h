@@ -1,9 +1,11 @@
-// Where the servers of a cluster are, as a person writes it:
+// The servers of a cluster, as a user names them:
 // "unix:/run/a.sock,tcp:192.0.2.1:6641,ssl:[2001:db8::1]:6641,ca-certificate=/etc/ca.pem".
 #pragma once
 
 #include <string>
 #include <vector>
+
+#include "sources/ovsdb/ovsdb_limits.h"
 
 namespace sources::ovsdb {
 
@@ -12,24 +14,25 @@ enum class Transport : uint8_t { Unix, Tcp, Tls };
 struct Server {
     std::string name;  // as it was written
     Transport transport;
-    std::string host;  // or the socket's path
-    std::string port;
+    std::string host;  // or the path of the socket
+    std::string port;  // a number from 1 to 65535
 };
 
 // Files in PEM form.
 struct Credentials {
     std::string privateKey;
     std::string certificate;
-    std::string caCertificate;  // who vouches for the servers
+    std::string caCertificate;  // of the authority that signs the servers' certificates
 };
 
 struct Servers {
     std::vector<Server> all;  // at least one
     Credentials credentials;
+    OvsdbLimits limits;
 };
 
-// Throws standin::Error for what is none of this, and where servers are asked by TLS without all
-// three credentials.
-Servers ParseServers(const std::string& text);
+// Limits that the text does not set are the given ones. Throws standin::Error for a part that has
+// none of these forms, and for TLS servers without all three credentials.
+Servers ParseServers(const std::string& text, const OvsdbLimits& limits = {});
 
 }  // namespace sources::ovsdb

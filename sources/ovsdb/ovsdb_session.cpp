@@ -1,81 +1,149 @@
 #include "sources/ovsdb/ovsdb_session.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
-
-#include "sources/ovsdb/ovsdb_write.h"
 
 namespace sources::ovsdb {
 namespace {
 
-// What the answers to the two questions, and the news that follow them, are called.
-constexpr const char* server = "server";
-constexpr const char* contents = "contents";
+// Ids of the two monitor requests, and of the monitors themselves.
+constexpr const char* SERVER_MONITOR = "server";
+constexpr const char* CONTENTS_MONITOR = "contents";
 
-// So many transactions, at least, a server remembers that has not just been started.
-constexpr int64_t remembered = 100;
+// The least number of transactions that a server remembers which was not restarted.
+constexpr int64_t REMEMBERED = 100;
 
-Json ServerQuestion()
+Json ServerRequest()
 {
     const Json columns = {"name", "model", "connected", "leader", "cid", "index"};
-    const Json where = Json::array({Json::array({"name", "==", database})});
+    const Json where = Json::array({Json::array({"name", "==", DATABASE_NAME})});
     return Json::array({"_Server",
-                        server,
+                        SERVER_MONITOR,
                         {{"Database", Json::array({{{"columns", columns}, {"where", where}}})}}});
 }
 
-Json ContentsQuestion(const std::string& since)
+Json ContentsRequest(const std::string& since)
 {
     Json tables;
     for (const standin::Table& table : standin::Tables()) {
-        Json columns = Json::array({place});
+        Json columns = Json::array({PLACE_COLUMN});
         for (const SchemaColumn& column : ColumnsOf(table).columns) {
             columns.push_back(column.name);
         }
         if (!table.lists.empty()) {
-            columns.push_back(lists);
+            columns.push_back(LISTS_COLUMN);
         }
         tables[ColumnsOf(table).name] = Json::array({{{"columns", columns}}});
     }
-    return Json::array({database, contents, tables, since});
+    return Json::array({DATABASE_NAME, CONTENTS_MONITOR, tables, since});
+}
+
+bool BooleanOf(const Json& value, const std::string& what)
+{
+    if (!value.is_boolean()) {
+        throw ProtocolError(what + ": " + Shown(value) + " is not a boolean");
+    }
+    return value.get<bool>();
+}
+
+// The id of a transaction.
+const std::string& TransactionOf(const Json& value)
+{
+    const std::string& text = StringOf(value, "a transaction's id");
+    if (!RowId::Parse(text)) {
+        throw ProtocolError("a transaction's id: " + Shown(value) + " is not a UUID");
+    }
+    return text;
+}
+
+// An optional value is a set of at most one element; null for an empty one.
+Json OptionalOf(const Json& value)
+{
+    const bool isEmptySet = value.is_array() && value.size() == 2 && value[1].is_array();
+    return isEmptySet && value[1].empty() ? Json() : value;
+}
+
+// Columns that are missing keep their values.
+void TakeColumns(ServerState& state, const Json& columns)
+{
+    for (const auto& [name, value] : columns.items()) {
+        const std::string what = "the server's " + name;
+        const Json optional = OptionalOf(value);
+        if (name == "model") {
+            state.isClustered = StringOf(value, what) == "clustered";
+        } else if (name == "connected") {
+            state.isConnected = BooleanOf(value, what);
+        } else if (name == "leader") {
+            state.isLeader = BooleanOf(value, what);
+        } else if (name == "cid") {
+            state.cluster = optional.is_null() ? "" : StringOf(Element(optional, 1, what), what);
+        } else if (name == "index") {
+            state.index =
+                optional.is_null() ? 0 : IntegerOf(value, 0, INT64_MAX - REMEMBERED, what);
+        }
+    }
 }
 
 }  // namespace
 
-ServerSession::ServerSession(Connection connection, Replica& replica, SyncPosition& position,
-                             bool onlyLeader)
-    : connection_(std::move(connection)),
+ServerSession::ServerSession(const Server& server, const TlsContext& tls, const OvsdbLimits& limits,
+                             Replica& replica, SyncPosition& position, bool onlyLeader)
+    : limits_(limits),
       replica_(replica),
       position_(position),
-      onlyLeader_(onlyLeader)
+      onlyLeader_(onlyLeader),
+      connection_(server, tls, limits),
+      loadDeadline_(Clock::now() + limits.connectTimeout + limits.requestTimeout)
 {
-    Call(server, "monitor_cond", ServerQuestion().dump());
+    Call(SERVER_MONITOR, "monitor_cond", ServerRequest().dump());
 }
 
 ServerSession::~ServerSession()
 {
-    for (const auto& [id, request] : unanswered_) {
-        request->outcome.set_value(
-            {{},
-             "the connection was lost before the server answered: whether the transaction was "
-             "carried out is not known"});
+    for (const auto& [id, unanswered] : unanswered_) {
+        unanswered.request->outcome.set_value(
+            "the connection was lost before the server answered: whether the transaction was "
+            "carried out is not known");
     }
 }
 
-void ServerSession::Attend(int wake, int stop)
+Clock::time_point ServerSession::Due() const
 {
-    if (!following_ && Clock::now() > begun_ + connection_.Silence() * 12) {
+    auto due = connection_.Due();
+    if (!IsFollowing()) {
+        due = std::min(due, loadDeadline_);
+    }
+    if (!unanswered_.empty()) {
+        due = std::min(due, unanswered_.begin()->second.deadline);
+    }
+    return due;
+}
+
+void ServerSession::Advance()
+{
+    connection_.Advance([this](RpcMessage message) { Take(std::move(message)); });
+    CheckDeadlines();
+}
+
+void ServerSession::CheckDeadlines() const
+{
+    const auto now = Clock::now();
+    if (!IsFollowing() && now >= loadDeadline_) {
         throw std::runtime_error("the server does not answer");
     }
-    connection_.Attend(following_ ? wake : -1, stop,
-                       [this](const Json& message) { Take(message); });
+    if (!unanswered_.empty() && now >= unanswered_.begin()->second.deadline) {
+        throw std::runtime_error("the server does not answer a transaction");
+    }
 }
 
 void ServerSession::Send(std::shared_ptr<Request> request)
 {
     const uint64_t id = ++lastRequest_;
-    const auto it = unanswered_.emplace(id, std::move(request)).first;
-    Call(id, "transact", it->second->parameters);
+    const std::string& parameters = request->parameters;
+    const auto deadline = Clock::now() + limits_.requestTimeout + ExtraTime(parameters.size());
+    unanswered_.emplace(id, Unanswered{request, deadline});
+    Call(id, "transact", parameters);
 }
 
 void ServerSession::Call(const Json& id, const char* method, const std::string& parameters)
@@ -84,61 +152,90 @@ void ServerSession::Call(const Json& id, const char* method, const std::string& 
                      parameters + "}");
 }
 
-void ServerSession::Take(const Json& message)
+void ServerSession::Take(RpcMessage message)
 {
-    const std::string method = message.value("method", "");
-    if (method.empty()) {
-        TakeAnswer(message.at("id"), message);
-    } else if (method == "update2") {
-        TakeServer(message.at("params").at(1));
-    } else if (method == "update3" && following_) {
-        const Json& parameters = message.at("params");
-        position_.Take(parameters.at(1), [&] { replica_.TakeChanges(parameters.at(2)); });
+    if (message.method.empty()) {
+        TakeReply(std::move(message));
     } else {
-        throw std::runtime_error("the server sends " + method + " unasked");
+        TakeUpdate(std::move(message));
     }
 }
 
-void ServerSession::TakeAnswer(const Json& id, const Json& message)
+void ServerSession::TakeUpdate(RpcMessage message)
 {
-    const std::string refusal = ReasonIn(message);
-    if (id.is_number_unsigned()) {
-        TakeResults(id, message, refusal);
+    const Json& monitor = Element(message.params, 0, message.method);
+    if (message.method == "update2" && monitor == SERVER_MONITOR) {
+        TakeServer(Element(message.params, 1, message.method));
+    } else if (message.method == "update3" && monitor == CONTENTS_MONITOR && IsFollowing()) {
+        const std::string upTo = TransactionOf(Element(message.params, 1, "update3"));
+        Element(message.params, 2, "update3");
+        const auto updates = ParseChanges(message.params[2]);
+        position_.Take(upTo, [&] { replica_.TakeChanges(updates); });
+    } else {
+        throw ProtocolError("the server sends " + message.method.substr(0, 80) +
+                            " without having been asked");
+    }
+}
+
+void ServerSession::TakeReply(RpcMessage message)
+{
+    if (message.id.is_number_unsigned()) {
+        TakeResults(message);
         return;
     }
-    if (!refusal.empty()) {
-        throw std::runtime_error(refusal);
+    if (!message.refusal.empty()) {
+        throw ServerRefusal(message.refusal);
     }
-    if (id == server) {
-        TakeServer(message.at("result"));
-        Call(contents, "monitor_cond_since", ContentsQuestion(position_.transaction).dump());
-    } else if (id == contents && !following_) {
-        TakeContents(message.at("result"));
+    if (message.id == SERVER_MONITOR && stage_ == Stage::Judging) {
+        stage_ = Stage::Loading;
+        TakeServer(message.result);
+        loadDeadline_ = Clock::now() + limits_.requestTimeout;
+        Call(CONTENTS_MONITOR, "monitor_cond_since", ContentsRequest(position_.transaction).dump());
+    } else if (message.id == CONTENTS_MONITOR && stage_ == Stage::Loading) {
+        TakeContents(message.result);
     } else {
-        throw std::runtime_error("the server answers what it was not asked");
+        throw ProtocolError("the server answers a request that was not sent");
     }
 }
 
-void ServerSession::TakeResults(const Json& id, const Json& message, const std::string& refusal)
+void ServerSession::TakeResults(const RpcMessage& message)
 {
-    const Json results = message.value("result", Json());
-    const auto asked = unanswered_.find(id);
-    if (asked == unanswered_.end() || (refusal.empty() && !results.is_array())) {
-        throw std::runtime_error("the server answers what it was not asked");
+    const auto asked = unanswered_.find(message.id.get<uint64_t>());
+    if (asked == unanswered_.end()) {
+        throw ProtocolError("the server answers a request that was not sent");
     }
-    asked->second->outcome.set_value({results, refusal});
+    Request& request = *asked->second.request;
+    std::string refusal = message.refusal;
+    if (refusal.empty()) {
+        try {
+            request.operations.Check(message.result);
+        } catch (const standin::Error& error) {
+            refusal = error.what();
+        }
+    }
+    request.outcome.set_value(refusal);
     unanswered_.erase(asked);
 }
 
 void ServerSession::TakeServer(const Json& tables)
 {
-    for (const Json& rows : tables) {
-        for (const Json& update : rows) {
-            if (update.contains("modify")) {
-                server_.update(update["modify"]);
-            } else {
-                server_ = update.value("initial", update.value("insert", Json()));
+    RequireObject(tables, "the server's state");
+    const auto rows = tables.find("Database");
+    if (rows != tables.end()) {
+        RequireObject(*rows, "the server's state");
+        for (const Json& update : *rows) {
+            RequireObject(update, "the server's state");
+            if (update.contains("delete")) {
+                server_ = {};
+                continue;
             }
+            const char* event = update.contains("initial")  ? "initial"
+                                : update.contains("insert") ? "insert"
+                                                            : "modify";
+            const Json& columns = Member(update, event, "the server's state");
+            RequireObject(columns, "the server's state");
+            TakeColumns(server_, columns);
+            server_.hasDatabase = true;
         }
     }
     JudgeServer();
@@ -146,68 +243,61 @@ void ServerSession::TakeServer(const Json& tables)
 
 void ServerSession::JudgeServer()
 {
-    if (server_.is_null()) {
-        throw std::runtime_error(std::string("there is no database ") + database);
+    if (!server_.hasDatabase) {
+        throw ServerRefusal(std::string("there is no database ") + DATABASE_NAME);
     }
-    if (!IsOfCluster()) {
+    if (!server_.isClustered) {
         return;
     }
-    if (!server_.value("connected", false)) {
+    if (!server_.isConnected) {
         throw std::runtime_error("the server is cut off from its cluster");
     }
-    if (onlyLeader_ && !server_.value("leader", false)) {
+    if (onlyLeader_ && !server_.isLeader) {
         throw std::runtime_error("the server is not the leader");
     }
-    if (following_) {
-        position_.index = Index();
-    } else if (IsOfKnownCluster() && Index() < position_.index) {
+    if (IsFollowing()) {
+        position_.index = server_.index;
+    } else if (IsOfKnownCluster() && server_.index < position_.index) {
         throw std::runtime_error("the server is behind what is known already");
     }
 }
 
-void ServerSession::TakeContents(const Json& result)
+void ServerSession::TakeContents(Json& result)
 {
-    const bool onlyNews = result.at(0);
-    if (!onlyNews && IsDoubtful()) {
-        position_.doubted = true;
+    const std::string what = "the contents";
+    const bool isResumed = BooleanOf(Element(result, 0, what), what);
+    const std::string upTo = TransactionOf(Element(result, 1, what));
+    Element(result, 2, what);
+    if (!isResumed && IsDoubtful()) {
+        position_.resumeRejected = true;
         throw std::runtime_error(
-            "the server does not know the last transaction; to be asked again");
+            "the server does not know the last transaction; it will be asked again");
     }
-    position_.Take(result.at(1), [&] {
-        if (onlyNews) {
-            replica_.TakeChanges(result.at(2));
+    const auto updates = isResumed ? ParseChanges(result[2]) : ParseContents(result[2]);
+    position_.Take(upTo, [&] {
+        if (isResumed) {
+            replica_.TakeChanges(updates);
         } else {
-            replica_.TakeContents(result.at(2));
+            replica_.TakeContents(updates);
         }
     });
-    position_.cluster = server_.value("cid", Json());
-    position_.index = Index();
-    position_.doubted = false;
-    following_ = true;
+    position_.cluster = server_.cluster;
+    position_.index = server_.index;
+    position_.resumeRejected = false;
+    stage_ = Stage::Following;
 }
 
-// A server that has just become leader may have yet to learn that its last transactions count, and
-// does not know ours. To believe it would be to go back, and forth again.
+// A server that has just become leader may not have committed its last transactions yet, and then
+// does not know ours. Its contents would take the tables back for a moment.
 bool ServerSession::IsDoubtful() const
 {
-    return IsOfKnownCluster() && position_.transaction != SyncPosition::none &&
-           !position_.doubted && Index() < position_.index + remembered;
-}
-
-bool ServerSession::IsOfCluster() const
-{
-    return server_.value("model", "") == "clustered";
+    return IsOfKnownCluster() && position_.transaction != SyncPosition::NONE &&
+           !position_.resumeRejected && server_.index < position_.index + REMEMBERED;
 }
 
 bool ServerSession::IsOfKnownCluster() const
 {
-    return IsOfCluster() && server_.value("cid", Json()) == position_.cluster;
-}
-
-int64_t ServerSession::Index() const
-{
-    const Json index = server_.value("index", Json());
-    return index.is_number() ? index.get<int64_t>() : 0;
+    return server_.isClustered && server_.cluster == position_.cluster;
 }
 
 }  // namespace sources::ovsdb

@@ -1,4 +1,4 @@
-// What is said with one server, from the first question to the end of the connection.
+// The protocol with one server, from the first request to the end of the connection.
 #pragma once
 
 #include <future>
@@ -8,82 +8,102 @@
 
 #include "sources/ovsdb/ovsdb_connection.h"
 #include "sources/ovsdb/ovsdb_replica.h"
+#include "sources/ovsdb/ovsdb_write.h"
 
 namespace sources::ovsdb {
 
-// How far the replica has come. It outlives connections: the next server goes on from here.
+// How far the replica has come. It outlives sessions: the next server continues from here.
 struct SyncPosition {
-    std::string transaction = none;  // the last one that was taken over
-    Json cluster;                    // null: none, or a server that stands alone
+    static constexpr const char* NONE = "00000000-0000-0000-0000-000000000000";
+
+    std::string transaction = NONE;  // the last one that was taken
+    std::string cluster;             // empty: none, or a server that is not part of a cluster
     int64_t index = 0;               // in the cluster's log, as far as it is known
-    bool doubted = false;            // a server did not know the transaction, and was not believed
+    bool resumeRejected = false;     // a server did not know the transaction, and was not believed
 
-    static constexpr const char* none = "00000000-0000-0000-0000-000000000000";
-
-    // Takes over what comes with a transaction. Where that fails everything is to be compared anew.
+    // Takes what belongs to a transaction. If that fails, all contents have to be compared next.
     template <typename Action>
     void Take(const std::string& upTo, const Action& action)
     {
-        transaction = none;
+        transaction = NONE;
         action();
         transaction = upTo;
     }
 };
 
-// What became of a transaction. A value: an exception's last owner may be either thread.
-struct TransactResult {
-    Json results;
-    std::string refusal;  // empty: carried out
-};
-
 // A transaction for the servers.
 struct Request {
+    const Operations& operations;  // valid until the outcome is set
     std::string parameters;
-    std::promise<TransactResult> outcome;
+    std::promise<std::string> outcome = {};  // why it was refused; empty: carried out
+};
+
+// What the server says about itself and its copy of the database.
+struct ServerState {
+    bool hasDatabase = false;
+    bool isClustered = false;
+    bool isConnected = false;
+    bool isLeader = false;
+    std::string cluster;
+    int64_t index = 0;
 };
 
 class ServerSession {
 public:
-    // onlyLeader: of a cluster, only the leader is followed.
-    ServerSession(Connection connection, Replica& replica, SyncPosition& position, bool onlyLeader);
-    // Whoever waits for results is told that they can't be had any more.
+    // Begins to connect. onlyLeader: refuse a server of a cluster that is not its leader. All
+    // references must outlive the session.
+    ServerSession(const Server& server, const TlsContext& tls, const OvsdbLimits& limits,
+                  Replica& replica, SyncPosition& position, bool onlyLeader);
+    // Requests without an answer get the outcome that theirs is not known.
     ~ServerSession();
     ServerSession(const ServerSession&) = delete;
     ServerSession& operator=(const ServerSession&) = delete;
 
-    // Waits for what comes next, and deals with it. Throws where the server is not, or no longer,
-    // one to follow. wake, stop: descriptors that end the wait; wake only while following.
-    void Attend(int wake, int stop);
+    // What to wait for, and until when, before the next Advance.
+    pollfd Wanted() const { return connection_.Wanted(); }
+    Clock::time_point Due() const;
 
-    // Whether the replica has had the server's contents.
-    bool IsFollowing() const { return following_; }
+    // Does what is possible without waiting. Throws where the server can't be followed, or no
+    // longer; ServerRefusal, where trying again is of no use.
+    void Advance();
 
+    // Whether the server was found suitable and has been asked for its contents.
+    bool IsLoading() const { return stage_ == Stage::Loading; }
+    // Whether the replica has taken the server's contents.
+    bool IsFollowing() const { return stage_ == Stage::Following; }
+
+    // Only while following.
     void Send(std::shared_ptr<Request> request);
 
 private:
+    enum class Stage : uint8_t { Judging, Loading, Following };
+    struct Unanswered {
+        std::shared_ptr<Request> request;
+        Clock::time_point deadline;
+    };
+
     void Call(const Json& id, const char* method, const std::string& parameters);
-    void Take(const Json& message);
-    void TakeAnswer(const Json& id, const Json& message);
-    void TakeResults(const Json& id, const Json& message, const std::string& refusal);
+    void Take(RpcMessage message);
+    void TakeReply(RpcMessage message);
+    void TakeUpdate(RpcMessage message);
+    void TakeResults(const RpcMessage& message);
     void TakeServer(const Json& tables);
     void JudgeServer();
-    void TakeContents(const Json& result);
+    void TakeContents(Json& result);
     bool IsDoubtful() const;
-    bool IsOfCluster() const;
     bool IsOfKnownCluster() const;
-    int64_t Index() const;
+    void CheckDeadlines() const;
 
-    Connection connection_;
+    const OvsdbLimits& limits_;
     Replica& replica_;
     SyncPosition& position_;
     const bool onlyLeader_;
-    bool following_ = false;
-    Json server_;  // its row in the server's own database
+    Connection connection_;
+    Stage stage_ = Stage::Judging;
+    ServerState server_;
+    Clock::time_point loadDeadline_;
     uint64_t lastRequest_ = 0;
-
-    const Clock::time_point begun_ = Clock::now();
-
-    std::map<uint64_t, std::shared_ptr<Request>> unanswered_;
+    std::map<uint64_t, Unanswered> unanswered_;
 };
 
 }  // namespace sources::ovsdb

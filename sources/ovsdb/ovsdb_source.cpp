@@ -13,21 +13,48 @@ namespace sources {
 
 using ovsdb::Clock;
 
-OvsdbSource::OvsdbSource(const std::string& servers, const OvsdbTiming& timing)
-    : servers_(ovsdb::ParseServers(servers)),
-      timing_(timing),
-      tls_(servers_.credentials),
-      pause_(timing.firstPause)
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto SHORT_WAIT = 1s;  // a longer one is reported
+
+constexpr auto NEVER = Clock::time_point::max();
+
+int MillisecondsUntil(Clock::time_point time)
 {
-    const auto deadline = Clock::now() + timing_.patience;
+    if (time == NEVER) {
+        return -1;
+    }
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(time - Clock::now());
+    return static_cast<int>(std::clamp<int64_t>(left.count(), 0, INT32_MAX));
+}
+
+}  // namespace
+
+OvsdbSource::OvsdbSource(const std::string& servers, const OvsdbLimits& limits,
+                         std::function<void(const std::string&)> onWait)
+    : servers_(ovsdb::ParseServers(servers, limits)),
+      onWait_(std::move(onWait)),
+      selection_(servers_, replica_, position_)
+{
+    const auto begin = Clock::now();
+    const auto deadline = begin + servers_.limits.requestTimeout;
+    bool isReported = false;
     while (Server().empty()) {
-        Step();
-        if (Server().empty() && Clock::now() > deadline) {
+        if (selection_.AllRefuse() || Clock::now() >= deadline) {
             throw standin::Error("no server can be followed: " +
                                  (failures_.empty() ? "none has answered yet" : failures_));
         }
+        if (!isReported && Clock::now() >= begin + SHORT_WAIT) {
+            ReportWait();
+            isReported = true;
+        }
+        Step(isReported ? deadline : std::min<Clock::time_point>(begin + SHORT_WAIT, deadline));
     }
 }
+
+OvsdbSource::~OvsdbSource() = default;
 
 void OvsdbSource::Follow()
 {
@@ -36,26 +63,29 @@ void OvsdbSource::Follow()
 
 void OvsdbSource::Commit(const std::vector<RowWrite>& writes)
 {
-    const ovsdb::Operations operations(writes, [this] { return replica_.NextPlace(); });
+    const ovsdb::Operations operations(writes, replica_);
     const auto request =
-        std::make_shared<ovsdb::Request>(ovsdb::Request{operations.Parameters(), {}});
-    auto answer = request->outcome.get_future();
+        std::make_shared<ovsdb::Request>(ovsdb::Request{operations, operations.Parameters()});
+    auto outcome = request->outcome.get_future();
     {
         const std::lock_guard lock(mutex_);
         requests_.push_back(request);
     }
     requestEvent_.Raise();
-    if (answer.wait_for(timing_.patience) == std::future_status::timeout) {
-        const std::lock_guard lock(mutex_);
-        if (std::erase(requests_, request) != 0) {
+    const auto shortWait =
+        std::min<std::chrono::milliseconds>(SHORT_WAIT, servers_.limits.requestTimeout);
+    if (outcome.wait_for(shortWait) == std::future_status::timeout) {
+        ReportWait();
+        outcome.wait_for(servers_.limits.requestTimeout - shortWait);
+        if (Withdraw(request)) {
+            const std::lock_guard lock(mutex_);
             throw standin::Error("no server can be followed: " + failures_);
         }
     }
-    const auto [results, refusal] = answer.get();
+    const std::string refusal = outcome.get();  // the session limits the time to an answer
     if (!refusal.empty()) {
         throw standin::Error(refusal);
     }
-    operations.Check(results);
 }
 
 std::string OvsdbSource::Server() const
@@ -68,108 +98,80 @@ void OvsdbSource::Run(const std::stop_token& stop)
 {
     const std::stop_callback onStop(stop, [this] { stopEvent_.Raise(); });
     while (!stop.stop_requested()) {
-        Step();
+        try {
+            Step(NEVER);
+        } catch (const std::exception& error) {
+            syslog(LOG_ERR, "following the servers: %s\n", error.what());
+            std::this_thread::sleep_for(100ms);  // what is exhausted may become available
+        }
     }
+    selection_.Close();
 }
 
-void OvsdbSource::Step()
+// Waits for the servers, a request or the time, and does what is then possible.
+void OvsdbSource::Step(Clock::time_point until)
 {
-    try {
-        if (!session_) {
-            Connect();
-        }
-        session_->Attend(requestEvent_.Descriptor(), stopEvent_.Descriptor());
-        if (!session_->IsFollowing()) {
+    std::vector<pollfd> wanted = {{stopEvent_.Descriptor(), POLLIN, 0},
+                                  {requestEvent_.Descriptor(), POLLIN, 0}};
+    const auto due = std::min(selection_.AddWanted(wanted), until);
+    poll(wanted.data(), wanted.size(), MillisecondsUntil(due));
+    requestEvent_.Lower();
+    selection_.Advance();
+    PublishState();
+    SendRequests();
+}
+
+void OvsdbSource::PublishState()
+{
+    const std::lock_guard lock(mutex_);
+    followed_ = selection_.FollowedName();
+    failures_ = selection_.Failures();
+}
+
+void OvsdbSource::SendRequests()
+{
+    while (selection_.IsFollowing()) {
+        SharedRequest request = TakeRequest();
+        if (request == nullptr) {
             return;
         }
-        if (Server().empty()) {
-            Find();
-        }
-        HandOverRequests();
-    } catch (const std::exception& error) {
-        Lose(error.what());
+        selection_.Send(std::move(request));
     }
 }
 
-void OvsdbSource::Connect()
-{
-    const ovsdb::Server& server = servers_.all[current_];
-    ovsdb::Stream stream(server, tls_, stopEvent_.Descriptor(), timing_.silence);
-    session_.emplace(ovsdb::Connection(std::move(stream), timing_.silence), replica_, position_,
-                     servers_.all.size() > 1);
-}
-
-void OvsdbSource::Find()
-{
-    const std::string& name = servers_.all[current_].name;
-    if (isLost_) {
-        syslog(LOG_NOTICE, "%s is followed\n", name.c_str());
-    }
-    isLost_ = false;
-    pause_ = timing_.firstPause;
-    round_.clear();
-    const std::lock_guard lock(mutex_);
-    followed_ = name;
-    failures_.clear();
-}
-
-void OvsdbSource::Lose(const std::string& reason)
-{
-    const std::string failure = servers_.all[current_].name + ": " + reason;
-    if (!Server().empty()) {
-        syslog(LOG_WARNING, "%s: the tables stay as they are until a server is found\n",
-               failure.c_str());
-        isLost_ = true;
-        const std::lock_guard lock(mutex_);
-        followed_.clear();
-    }
-    session_.reset();
-    current_ = (current_ + 1) % servers_.all.size();
-    round_.push_back(failure);
-    if (round_.size() == servers_.all.size()) {
-        EndRound();
-    }
-}
-
-// No server was any good. Says so, unless nothing has changed since it last did, and waits.
-void OvsdbSource::EndRound()
-{
-    std::string failures;
-    for (const std::string& failure : std::exchange(round_, {})) {
-        failures += (failures.empty() ? "" : "; ") + failure;
-    }
-    {
-        const std::lock_guard lock(mutex_);
-        std::swap(failures_, failures);
-    }
-    if (failures_ != failures && isLost_) {
-        syslog(LOG_WARNING, "no server can be followed: %s\n", failures_.c_str());
-    }
-
-    // Boards that lost a server together are not to come back together.
-    std::uniform_int_distribution spread(pause_.count() / 2, pause_.count());
-    pollfd stop = {stopEvent_.Descriptor(), POLLIN, 0};
-    poll(&stop, 1, static_cast<int>(spread(random_)));
-    pause_ = std::min(pause_ * 2, timing_.longestPause);
-}
-
-void OvsdbSource::HandOverRequests()
-{
-    requestEvent_.Lower();
-    while (const Request request = TakeRequest()) {
-        session_->Send(request);
-    }
-}
-
-OvsdbSource::Request OvsdbSource::TakeRequest()
+OvsdbSource::SharedRequest OvsdbSource::TakeRequest()
 {
     const std::lock_guard lock(mutex_);
     if (requests_.empty()) {
         return nullptr;
     }
-    Request first = requests_.front();
+    SharedRequest first = std::move(requests_.front());
     requests_.pop_front();
     return first;
+}
+
+// False if the request has been sent.
+bool OvsdbSource::Withdraw(const SharedRequest& request)
+{
+    const std::lock_guard lock(mutex_);
+    return std::erase(requests_, request) != 0;
+}
+
+void OvsdbSource::ReportWait() const
+{
+    if (!onWait_) {
+        return;
+    }
+    std::string what;
+    {
+        const std::lock_guard lock(mutex_);
+        if (!followed_.empty()) {
+            what = followed_ + " to carry out a transaction";
+        } else {
+            what = "a server" + (failures_.empty() ? "" : " (" + failures_ + ")");
+        }
+    }
+    onWait_(what);
 }
 
 }  // namespace sources

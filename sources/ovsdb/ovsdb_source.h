@@ -1,12 +1,11 @@
-// A cluster of ovsdb-servers (RFC 7047) as the device: its contents, mirrored into the database and
-// followed as they change; writes go to the servers. docs/cluster.md shows it.
+// A cluster of ovsdb-servers (RFC 7047) as the device: its contents are copied into the database
+// and followed; writes go to the servers. docs/cluster.md describes it.
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <memory>
 #include <mutex>
-#include <optional>
-#include <random>
 #include <stop_token>
 #include <string>
 #include <thread>
@@ -14,81 +13,66 @@
 
 #include <standin/event_descriptor.h>
 
-#include "sources/ovsdb/ovsdb_session.h"
+#include "sources/ovsdb/ovsdb_selection.h"
 #include "sources/source.h"
 
 namespace sources {
 
-struct OvsdbTiming {
-    using Milliseconds = std::chrono::milliseconds;
-
-    Milliseconds patience{10'000};  // with which the first contents, and writes, await a server
-    Milliseconds silence{5'000};    // until a server is asked whether it is there; thrice: lost
-    Milliseconds firstPause{100};   // when no server was any good; doubles every time
-    Milliseconds longestPause{5'000};
-};
-
-// The tables are its own: rows that others put there go.
+// The source owns the tables: rows that others write there are deleted.
 //
-// Of several servers of a cluster it follows the leader, so that nobody's news take a detour; one
-// alone is taken as it is. Each transaction of the servers becomes one of the database's. What they
-// send in one piece because we were slow, or away, is one transaction too, which shows a row that
-// changed several times as one that changed once.
+// Of the servers of a cluster it follows the leader, which has every change first; a single server
+// is taken as it is. Each transaction of the servers becomes one of the database. Changes that
+// arrive together, after a loss or because this process was slow, are one transaction too, in which
+// a row that changed several times changes once.
 //
-// Connection lost: the tables stay as they are, the loss is reported to the system log, and the
-// next server is tried, with pauses that grow. Then come the changes that were missed, or else
-// everything is compared.
+// If the connection is lost the tables stay as they are, the loss is reported to the system log,
+// and the servers are tried again. The next one sends the changes since the last transaction, or
+// all contents, which are then compared with the tables.
 class OvsdbSource final : public Source {
 public:
-    // servers: "unix:/run/a.sock,tcp:192.0.2.1:6641", see ovsdb_servers.h. Fills the tables. Throws
-    // std::runtime_error where no server can be followed, or a file is no use.
-    explicit OvsdbSource(const std::string& servers, const OvsdbTiming& timing = {});
+    // servers: "unix:/run/a.sock,tcp:192.0.2.1:6641", see ovsdb_servers.h. onWait is called with
+    // what is being waited for once a wait has taken a second, here or in Commit. Fills the tables.
+    // Throws std::runtime_error if no server can be followed, or a file can't be used.
+    explicit OvsdbSource(const std::string& servers, const OvsdbLimits& limits = {},
+                         std::function<void(const std::string&)> onWait = nullptr);
+    ~OvsdbSource() override;
 
-    // From here on a thread writes each change as it comes, until the cluster is destroyed.
+    // Starts a thread that writes each change, until the source is destroyed.
     void Follow() override;
 
-    // Carries the writes out on the servers. Only while following; any thread. When it returns
-    // the tables have the changes. Throws standin::Error with the servers' reason where they refuse
-    // it, and where no server is found or the answer is lost.
+    // Carries out the writes on the servers; only while following; any thread. When it returns, the
+    // tables have the changes. Throws standin::Error with the servers' reason if they refuse them,
+    // and if there is no server or no answer in time.
     void Commit(const std::vector<RowWrite>& writes) override;
 
-    // The server that is followed now; empty while there is none. Any thread.
+    // The server that is followed; empty while there is none. Any thread.
     std::string Server() const;
 
 private:
-    using Request = std::shared_ptr<ovsdb::Request>;
+    using SharedRequest = std::shared_ptr<ovsdb::Request>;
 
     void Run(const std::stop_token& stop);
-    void Step();
-    void Connect();
-    void Find();
-    void Lose(const std::string& reason);
-    void EndRound();
-    void HandOverRequests();
-    Request TakeRequest();
+    void Step(ovsdb::Clock::time_point until);
+    void PublishState();
+    void SendRequests();
+    SharedRequest TakeRequest();
+    void ReportWait() const;
+    bool Withdraw(const SharedRequest& request);
 
     const ovsdb::Servers servers_;
-    const OvsdbTiming timing_;
-    const ovsdb::TlsContext tls_;
+    const std::function<void(const std::string&)> onWait_;
     ovsdb::Replica replica_;
     ovsdb::SyncPosition position_;
+    ovsdb::ServerSelection selection_;  // of the follower
     standin::EventDescriptor stopEvent_;
     standin::EventDescriptor requestEvent_;
 
-    // The follower's.
-    std::optional<ovsdb::ServerSession> session_;
-    size_t current_ = 0;              // the server that is spoken to
-    bool isLost_ = false;             // one was followed, and none is now
-    std::vector<std::string> round_;  // what was wrong with those tried since
-    OvsdbTiming::Milliseconds pause_;
-    std::minstd_rand random_{std::random_device()()};
-
     mutable std::mutex mutex_;  // for the rest
-    std::deque<Request> requests_;
+    std::deque<SharedRequest> requests_;
     std::string followed_;
-    std::string failures_;  // of the last round over all servers
+    std::string failures_;
 
-    std::jthread follower_;  // last: it ends before what it uses
+    std::jthread follower_;  // last: it stops before the members that it uses are destroyed
 };
 
 }  // namespace sources

@@ -1,16 +1,12 @@
 #include "sources/ovsdb/ovsdb_stream.h"
 
-#include <fcntl.h>
-#include <netdb.h>
-#include <poll.h>
-#include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
-#include <string>
 #include <utility>
 
 #include <openssl/bio.h>
@@ -24,70 +20,23 @@ namespace {
     throw std::runtime_error(std::strerror(error));
 }
 
-// The oldest complaint of this thread's.
-[[noreturn]] void FailTls(const std::string& what)
+Descriptor NewSocket(int family)
 {
-    const unsigned long error = ERR_get_error();
-    const char* const reason = ERR_reason_error_string(error);
-    ERR_clear_error();
-    throw std::runtime_error(what + (reason != nullptr ? reason : "unknown error"));
-}
-
-class Socket {
-public:
-    explicit Socket(int family)
-        : descriptor_(socket(family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0))
-    {
-        if (descriptor_ < 0) {
-            Fail(errno);
-        }
-    }
-    ~Socket()
-    {
-        if (descriptor_ >= 0) {
-            close(descriptor_);
-        }
-    }
-    Socket(Socket&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-    Socket& operator=(Socket&&) = delete;
-
-    int Get() const { return descriptor_; }
-    int Release() { return std::exchange(descriptor_, -1); }
-
-private:
-    int descriptor_;
-};
-
-void WaitUntilConnected(const Socket& socket, int stop, Milliseconds patience)
-{
-    pollfd waitedFor[] = {{socket.Get(), POLLOUT, 0}, {stop, POLLIN, 0}};
-    if (poll(waitedFor, std::size(waitedFor), static_cast<int>(patience.count())) == 0) {
-        Fail(ETIMEDOUT);
-    }
-    if (waitedFor[1].revents != 0) {
-        Fail(EINTR);
-    }
-    int error = 0;
-    socklen_t size = sizeof(error);
-    getsockopt(socket.Get(), SOL_SOCKET, SO_ERROR, &error, &size);
-    if (error != 0) {
-        Fail(error);
-    }
-}
-
-void Connect(const Socket& socket, const sockaddr* address, socklen_t size, int stop,
-             Milliseconds patience)
-{
-    if (connect(socket.Get(), address, size) == 0) {
-        return;
-    }
-    if (errno != EINPROGRESS) {
+    Descriptor socket(::socket(family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    if (socket.Get() < 0) {
         Fail(errno);
     }
-    WaitUntilConnected(socket, stop, patience);
+    return socket;
 }
 
-Socket ConnectToPath(const std::string& path)
+// 0 once connected, EINPROGRESS while that takes longer, otherwise why it fails.
+int BeginToConnect(const Descriptor& socket, const SocketAddress& address)
+{
+    const auto* plain = reinterpret_cast<const sockaddr*>(&address.storage);
+    return connect(socket.Get(), plain, address.size) == 0 ? 0 : errno;
+}
+
+SocketAddress AddressOfPath(const std::string& path)
 {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -95,41 +44,15 @@ Socket ConnectToPath(const std::string& path)
         Fail(ENAMETOOLONG);
     }
     path.copy(address.sun_path, path.size());
-    Socket socket(AF_UNIX);
-    if (connect(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
-        Fail(errno);
-    }
-    return socket;
+    SocketAddress result{{}, sizeof(address)};
+    std::memcpy(&result.storage, &address, sizeof(address));
+    return result;
 }
 
-// Tries each address that the host's name stands for.
-Socket ConnectToHost(const Server& server, int stop, Milliseconds patience)
-{
-    addrinfo hints{};
-    addrinfo* found = nullptr;
-    hints.ai_socktype = SOCK_STREAM;
-    const int code = getaddrinfo(server.host.c_str(), server.port.c_str(), &hints, &found);
-    if (code != 0) {
-        throw std::runtime_error(gai_strerror(code));
-    }
-    const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> all(found, freeaddrinfo);
-    for (const addrinfo* one = found;; one = one->ai_next) {
-        try {
-            Socket socket(one->ai_family);
-            Connect(socket, one->ai_addr, one->ai_addrlen, stop, patience);
-            return socket;
-        } catch (const std::runtime_error&) {
-            if (one->ai_next == nullptr) {
-                throw;
-            }
-        }
-    }
-}
-
-// A socket that raises no signal when the other side is gone.
+// A socket BIO whose writes raise no signal when the server has closed the connection.
 const BIO_METHOD* QuietSocket()
 {
-    static BIO_METHOD* const method = [] {
+    static BIO_METHOD* const METHOD = [] {
         const BIO_METHOD* usual = BIO_s_socket();
         BIO_METHOD* made = BIO_meth_new(
             BIO_get_new_index() | BIO_TYPE_SOURCE_SINK | BIO_TYPE_DESCRIPTOR, "socket");
@@ -149,27 +72,147 @@ const BIO_METHOD* QuietSocket()
         });
         return made;
     }();
-    return method;
+    return METHOD;
 }
 
-BIO* StreamOver(Socket socket, const Server& server, const TlsContext& tls)
+}  // namespace
+
+Descriptor::~Descriptor()
+{
+    if (descriptor_ >= 0) {
+        close(descriptor_);
+    }
+}
+
+Descriptor::Descriptor(Descriptor&& other) noexcept : descriptor_(other.Release()) {}
+
+Descriptor& Descriptor::operator=(Descriptor&& other) noexcept
+{
+    std::swap(descriptor_, other.descriptor_);
+    return *this;
+}
+
+int Descriptor::Release()
+{
+    return std::exchange(descriptor_, -1);
+}
+
+Stream::Stream(const Server& server, const TlsContext& tls, const OvsdbLimits& limits)
+    : server_(server), tls_(tls), limits_(limits), deadline_(Clock::now() + limits.connectTimeout)
+{
+    if (server.transport == Transport::Unix) {
+        untried_.push_back(AddressOfPath(server.host));
+    } else {
+        resolver_.emplace(server.host, server.port);
+    }
+}
+
+pollfd Stream::Wanted(bool sends) const
+{
+    if (resolver_) {
+        return {resolver_->Descriptor(), POLLIN, 0};
+    }
+    if (bio_ == nullptr) {
+        return {socket_.Get(), POLLOUT, 0};
+    }
+    int descriptor = -1;
+    BIO_get_fd(bio_.get(), &descriptor);
+    const bool maySend = sends && !waitsToRead_;
+    return {descriptor, static_cast<short>(POLLIN | (maySend ? POLLOUT : 0)), 0};
+}
+
+Clock::time_point Stream::ConnectDeadline() const
+{
+    return bio_ != nullptr ? Clock::time_point::max() : deadline_;
+}
+
+bool Stream::Connect()
+{
+    if (bio_ != nullptr) {
+        return true;
+    }
+    if (resolver_) {
+        if (!resolver_->IsDone()) {
+            if (Clock::now() >= deadline_) {
+                throw std::runtime_error("the name can't be resolved in time");
+            }
+            return false;
+        }
+        untried_ = resolver_->Take();
+        std::ranges::reverse(untried_);
+        resolver_.reset();
+    }
+    return ConnectToAddress();
+}
+
+// The result of connecting to the present address, or the next ones.
+bool Stream::ConnectToAddress()
+{
+    while (true) {
+        int error = EINPROGRESS;
+        if (socket_.Get() < 0) {
+            error = TryNextAddress();
+        } else {
+            error = ResultOfConnecting();
+        }
+        if (error == 0) {
+            Establish();
+            return true;
+        }
+        if (error == EINPROGRESS) {
+            return false;
+        }
+        socket_ = Descriptor(-1);
+        if (untried_.empty()) {
+            Fail(error);
+        }
+    }
+}
+
+int Stream::TryNextAddress()
+{
+    const SocketAddress address = untried_.back();
+    untried_.pop_back();
+    deadline_ = Clock::now() + limits_.connectTimeout;
+    socket_ = NewSocket(address.storage.ss_family);
+    return BeginToConnect(socket_, address);
+}
+
+int Stream::ResultOfConnecting() const
+{
+    pollfd writable = {socket_.Get(), POLLOUT, 0};
+    if (poll(&writable, 1, 0) == 0) {
+        return Clock::now() < deadline_ ? EINPROGRESS : ETIMEDOUT;
+    }
+    int error = 0;
+    socklen_t size = sizeof(error);
+    getsockopt(socket_.Get(), SOL_SOCKET, SO_ERROR, &error, &size);
+    return error;
+}
+
+void Stream::Establish()
 {
     BIO* bio = BIO_new(QuietSocket());
-    BIO_set_fd(bio, socket.Release(), BIO_CLOSE);
-    return server.transport == Transport::Tls ? BIO_push(BIO_new_ssl(tls.Get(), 1), bio) : bio;
+    BIO_set_fd(bio, socket_.Release(), BIO_CLOSE);
+    if (server_.transport == Transport::Tls) {
+        bio = BIO_push(BIO_new_ssl(tls_.Get(), 1), bio);
+    }
+    bio_.reset(bio);
 }
 
-// Throws unless it is only that nothing can be had or sent now.
-size_t Carried(BIO* bio, int result)
+// Throws unless the call only has to be repeated later.
+size_t Stream::Transferred(int result) const
 {
     if (result > 0) {
         return static_cast<size_t>(result);
     }
-    if (BIO_should_retry(bio) != 0) {
+    if (BIO_should_retry(bio_.get()) != 0) {
         return 0;
     }
     if (ERR_peek_error() != 0) {
-        FailTls("");
+        SSL* connection = nullptr;
+        BIO_get_ssl(bio_.get(), &connection);
+        throw std::runtime_error(TlsFailure(connection));
     }
     if (result == 0 || errno == 0) {
         throw std::runtime_error("the server ended the connection");
@@ -177,58 +220,20 @@ size_t Carried(BIO* bio, int result)
     Fail(errno);
 }
 
-}  // namespace
-
-TlsContext::TlsContext(const Credentials& credentials)
-    : context_(SSL_CTX_new(TLS_client_method()), SSL_CTX_free)
-{
-    if (context_ == nullptr) {
-        FailTls("");
-    }
-    SSL_CTX_set_min_proto_version(Get(), TLS1_2_VERSION);
-    SSL_CTX_set_mode(Get(), SSL_MODE_ENABLE_PARTIAL_WRITE | SSL_MODE_ACCEPT_MOVING_WRITE_BUFFER);
-    SSL_CTX_set_verify(Get(), SSL_VERIFY_PEER, nullptr);
-    const auto load = [&](const std::string& file, auto read) {
-        if (!file.empty() && read(file.c_str()) != 1) {
-            FailTls(file + ": ");
-        }
-    };
-    load(credentials.caCertificate,
-         [&](const char* file) { return SSL_CTX_load_verify_locations(Get(), file, nullptr); });
-    load(credentials.certificate,
-         [&](const char* file) { return SSL_CTX_use_certificate_chain_file(Get(), file); });
-    load(credentials.privateKey, [&](const char* file) {
-        return SSL_CTX_use_PrivateKey_file(Get(), file, SSL_FILETYPE_PEM);
-    });
-}
-
-Stream::Stream(const Server& server, const TlsContext& tls, int stop, Milliseconds patience)
-    : bio_(StreamOver(server.transport == Transport::Unix ? ConnectToPath(server.host)
-                                                          : ConnectToHost(server, stop, patience),
-                      server, tls),
-           BIO_free_all)
-{
-}
-
-int Stream::Descriptor() const
-{
-    int descriptor = -1;
-    BIO_get_fd(bio_.get(), &descriptor);
-    return descriptor;
-}
-
 size_t Stream::Read(std::span<char> bytes)
 {
     errno = 0;
-    return Carried(bio_.get(), BIO_read(bio_.get(), bytes.data(), static_cast<int>(bytes.size())));
+    return Transferred(BIO_read(bio_.get(), bytes.data(), static_cast<int>(bytes.size())));
 }
 
 size_t Stream::Write(std::string_view bytes)
 {
+    constexpr size_t MOST_AT_ONCE = size_t{1} << 20;
     errno = 0;
-    const int result = BIO_write(bio_.get(), bytes.data(), static_cast<int>(bytes.size()));
+    const auto size = static_cast<int>(std::min(bytes.size(), MOST_AT_ONCE));
+    const int result = BIO_write(bio_.get(), bytes.data(), size);
     waitsToRead_ = result <= 0 && BIO_should_read(bio_.get()) != 0;
-    return Carried(bio_.get(), result);
+    return Transferred(result);
 }
 
 }  // namespace sources::ovsdb

@@ -1,6 +1,5 @@
 #include "sources/ovsdb/ovsdb_write.h"
 
-#include <map>
 #include <utility>
 
 #include "sources/mirror.h"
@@ -10,60 +9,78 @@ namespace sources::ovsdb {
 namespace {
 
 using standin::Row;
-using standin::Table;
 
-// Which rows there will be after the writes so far, as far as this board knows.
-class Presence {
-public:
-    bool Of(const Row& row)
-    {
-        const auto [known, isNew] = known_.try_emplace(KeyOf(row), false);
-        if (isNew) {
-            known->second = standin::Find(row).has_value();
-        }
-        return known->second;
+// The update or delete operation whose row the servers have to find.
+constexpr const char* WAIT = "wait";
+
+Json IdCondition(const Json& id)
+{
+    return Json::array({Json::array({"_uuid", "==", id})});
+}
+
+void CheckResult(const Json& operation, const Json& result)
+{
+    RequireObject(result, "the result of an operation");
+    const std::string kind = operation["op"];
+    if (kind == "insert") {
+        const Json& id = Member(result, "uuid", "the result of an insert");
+        StringOf(Element(id, 1, "the result of an insert"), "the result of an insert");
+    } else if (kind != WAIT) {
+        IntegerOf(Member(result, "count", "the result of a write"), 1, 1, "the result of a write");
     }
-    void Note(const Row& row, bool present) { known_[KeyOf(row)] = present; }
-
-private:
-    using Key = std::pair<const Table*, std::string>;
-
-    static Key KeyOf(const Row& row) { return {&row.Description(), std::string(PrimaryKey(row))}; }
-
-    std::map<Key, bool> known_;
-};
+}
 
 }  // namespace
 
-std::string ReasonIn(const Json& answer)
-{
-    if (!answer.is_object() || !answer.contains("error") || answer["error"].is_null()) {
-        return {};
-    }
-    const Json& error = answer["error"];
-    if (error.is_object()) {
-        return ReasonIn(error);
-    }
-    const Json& reason = answer.contains("details") ? answer["details"] : error;
-    return reason.is_string() ? reason.get<std::string>() : reason.dump();
-}
-
-Operations::Operations(std::span<const RowWrite> writes, const std::function<int64_t()>& nextPlace)
+Operations::Operations(std::span<const RowWrite> writes, Replica& replica) : replica_(replica)
 {
     using enum WriteKind;
-    Presence presence;
     for (const auto& [kind, row] : writes) {
-        Json wire = RowToWire(row);
-        if (kind == Insert || (kind == Replace && !presence.Of(row))) {
-            wire[place] = nextPlace();
-            Add(row, {{"op", "insert"}, {"row", std::move(wire)}});
+        if (kind == Insert || (kind == Replace && !StateOf(row).isPresent)) {
+            this->Insert(row);
         } else if (kind == Delete) {
-            AddWhereItStands(row, {{"op", "delete"}});
+            Change(row, {{"op", "delete"}});
+            StateOf(row) = {false, std::nullopt};
         } else {
-            AddWhereItStands(row, {{"op", "update"}, {"row", std::move(wire)}});
+            Change(row, {{"op", "update"}, {"row", RowToWire(row)}});
         }
-        presence.Note(row, kind != Delete);
     }
+}
+
+Operations::KeyState& Operations::StateOf(const Row& row)
+{
+    const auto [state, isNew] = states_.try_emplace(
+        RowKey{&row.Description(), std::string(PrimaryKey(row))}, KeyState{false, std::nullopt});
+    if (isNew) {
+        if (const auto id = replica_.Index().Find(row)) {
+            state->second = {true, Json::array({"uuid", id->Text()})};
+        }
+    }
+    return state->second;
+}
+
+void Operations::Insert(const Row& row)
+{
+    const std::string name = "row" + std::to_string(rows_.size());
+    Json columns = RowToWire(row);
+    columns[PLACE_COLUMN] = replica_.NextPlace();
+    StateOf(row) = {true, Json::array({"named-uuid", name})};
+    Add(row, {{"op", "insert"}, {"uuid-name", name}, {"row", std::move(columns)}});
+}
+
+// The servers carry out an operation on no row without an error, so a wait operation that does not
+// wait at all has to find the row first.
+void Operations::Change(const Row& row, Json operation)
+{
+    const KeyState& state = StateOf(row);
+    operation["where"] = state.id ? IdCondition(*state.id) : KeyCondition(row);
+    Add(row, {{"op", WAIT},
+              {"timeout", 0},
+              {"where", operation["where"]},
+              {"columns", Json::array({PLACE_COLUMN})},
+              {"until", "!="},
+              {"rows", Json::array()}});
+    Add(row, std::move(operation));
 }
 
 void Operations::Add(const Row& row, Json operation)
@@ -71,20 +88,6 @@ void Operations::Add(const Row& row, Json operation)
     operation["table"] = ColumnsOf(row.Description()).name;
     operations_.push_back(std::move(operation));
     rows_.push_back(&row);
-}
-
-// The servers find nothing wrong with an operation on no row, so they are to wait for the row,
-// which they don't do for longer than no time at all.
-void Operations::AddWhereItStands(const Row& row, Json operation)
-{
-    operation["where"] = KeyCondition(row.Description(), RowToWire(row));
-    Add(row, {{"op", "wait"},
-              {"timeout", 0},
-              {"where", operation["where"]},
-              {"columns", Json::array({place})},
-              {"until", "!="},
-              {"rows", Json::array()}});
-    Add(row, std::move(operation));
 }
 
 std::string Operations::Parameters() const
@@ -96,10 +99,13 @@ std::string Operations::Parameters() const
     }
 }
 
-// The servers answer each operation, up to the first that fails, and behind them the transaction as
-// a whole where it fails only then.
+// There is a result for each operation up to the first that fails. A transaction that fails as a
+// whole has one more.
 void Operations::Check(const Json& results) const
 {
+    if (!results.is_array()) {
+        throw ProtocolError("the answer to a transaction is not an array of results");
+    }
     for (size_t i = 0; i < results.size(); ++i) {
         const std::string reason = ReasonIn(results[i]);
         if (reason.empty()) {
@@ -109,9 +115,16 @@ void Operations::Check(const Json& results) const
             throw standin::Error(reason);
         }
         const bool isAbsent =
-            operations_[i + 1]["op"] == "wait" && results[i]["error"] == "timed out";
-        throw standin::Error(RowName(rows_[i]->Description(), RowToWire(*rows_[i])) + ": " +
+            operations_[i + 1]["op"] == WAIT && results[i].at("error") == "timed out";
+        throw standin::Error(RowName(*rows_[i], rows_[i]->Description().keys.front()) + ": " +
                              (isAbsent ? "there is no such row" : reason));
+    }
+    if (results.size() != rows_.size()) {
+        throw ProtocolError("the answer to a transaction of " + std::to_string(rows_.size()) +
+                            " operations has " + std::to_string(results.size()) + " results");
+    }
+    for (size_t i = 0; i < results.size(); ++i) {
+        CheckResult(operations_[i + 1], results[i]);
     }
 }
 

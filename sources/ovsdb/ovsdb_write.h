@@ -1,36 +1,48 @@
-// Several writes as a transaction of the servers.
+// Several writes as one transaction of the servers.
 #pragma once
 
 #include <functional>
+#include <map>
+#include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "sources/ovsdb/ovsdb_schema.h"
+#include "sources/ovsdb/ovsdb_replica.h"
 #include "sources/source.h"
 
 namespace sources::ovsdb {
 
-// Why a request or an operation was refused, in the servers' words; empty where it was not.
-std::string ReasonIn(const Json& answer);
-
 class Operations {
 public:
-    // The writes must stay while it is in use. nextPlace: for each inserted row, behind all that
-    // are there.
-    Operations(std::span<const RowWrite> writes, const std::function<int64_t()>& nextPlace);
+    // The writes must outlive the operations. Rows that the replica knows are selected by their
+    // ids, others by their keys.
+    Operations(std::span<const RowWrite> writes, Replica& replica);
 
     // The parameters of the request, as JSON. Throws standin::Error for a text that is not UTF-8.
     std::string Parameters() const;
 
-    // Throws standin::Error with the servers' reason where the transaction was refused.
+    // Throws standin::Error with the servers' reason if they refused the transaction, and
+    // ProtocolError if the results do not belong to it.
     void Check(const Json& results) const;
 
 private:
-    void Add(const standin::Row& row, Json operation);
-    void AddWhereItStands(const standin::Row& row, Json operation);
+    // What the transaction so far does to the row with one key.
+    struct KeyState {
+        bool isPresent;
+        std::optional<Json> id;  // how operations refer to the row, if it is known
+    };
+    using RowKey = std::pair<const standin::Table*, std::string>;
 
-    Json operations_ = Json::array({database});
+    KeyState& StateOf(const standin::Row& row);
+    void Insert(const standin::Row& row);
+    void Change(const standin::Row& row, Json operation);
+    void Add(const standin::Row& row, Json operation);
+
+    Replica& replica_;
+    std::map<RowKey, KeyState> states_;
+    Json operations_ = Json::array({DATABASE_NAME});
     std::vector<const standin::Row*> rows_;  // of each operation
 };
 

@@ -1,6 +1,7 @@
 // Real servers, started and stopped by a test.
 #pragma once
 
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -58,11 +59,12 @@ public:
     {
         const std::string schema = base_ + ".db " TARND_PROJECT_ROOT "/data/tarnd_qrb.ovsschema";
         const std::string first = " unix:" + folder / "first.raft";
-        const std::string create =
-            role == Role::Alone   ? "create " + schema
-            : role == Role::First ? "--election-timer=200 create-cluster " + schema + first
-                                  : "join-cluster " + base_ + ".db " + sources::ovsdb::database +
-                                        " unix:" + base_ + ".raft" + first;
+        const std::string create = role == Role::Alone ? "create " + schema
+                                   : role == Role::First
+                                       ? "--election-timer=200 create-cluster " + schema + first
+                                       : "join-cluster " + base_ + ".db " +
+                                             sources::ovsdb::DATABASE_NAME + " unix:" + base_ +
+                                             ".raft" + first;
         EXPECT_EQ(Run("ovsdb-tool " + create).status, 0) << create;
         Start();
     }
@@ -106,20 +108,24 @@ public:
     // The answers to the operations, each time over a connection of its own. The first refusal is
     // an exception, and so is the loss of the connection.
     Wire Transact(const std::vector<Wire>& operations,
-                  const char* name = sources::ovsdb::database) const
+                  const char* name = sources::ovsdb::DATABASE_NAME) const
     {
         using namespace sources::ovsdb;
-        constexpr Milliseconds patience(10'000);
-        Connection connection(Stream(ParseServers(Remote()).all[0], TlsContext({}), -1, patience),
-                              patience);
+        const Servers servers = ParseServers(Remote());
+        const TlsContext tls({});
+        Connection connection(servers.all[0], tls, servers.limits);
         std::vector<Wire> parameters{name};
         parameters.insert(parameters.end(), operations.begin(), operations.end());
         connection.Send(Wire{{"id", 1}, {"method", "transact"}, {"params", parameters}}.dump());
-        Wire answer;
-        while (answer.is_null()) {
-            connection.Attend(-1, -1, [&](const Wire& message) { answer = message; });
+        Wire results;
+        while (results.is_null()) {
+            pollfd wanted = connection.Wanted();
+            poll(&wanted, 1, 100);
+            connection.Advance([&](const RpcMessage& message) {
+                results = message.refusal.empty() ? message.result
+                                                  : throw std::runtime_error(message.refusal);
+            });
         }
-        Wire results = answer.at("result");
         for (const Wire& result : results) {
             if (const std::string reason = ReasonIn(result); !reason.empty()) {
                 throw std::runtime_error(reason);
@@ -133,7 +139,7 @@ private:
     bool StateOf(const char* column) const
     {
         try {
-            const Wire name = Wire::array({"name", "==", sources::ovsdb::database});
+            const Wire name = Wire::array({"name", "==", sources::ovsdb::DATABASE_NAME});
             return Transact(
                        {{{"op", "select"}, {"table", "Database"}, {"where", Wire::array({name})}}},
                        "_Server")
