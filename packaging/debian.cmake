@@ -57,4 +57,11 @@ set(CPACK_DEBIAN_SHELL_DESCRIPTION
 Calls the library's functions by name, on a device from a file, this host or a
 cluster.")
 
+# dpkg-shlibdeps reads the packages of the machine that builds. Of another, the same is stated here.
+if(CMAKE_CROSSCOMPILING)
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS OFF)
+  string(APPEND CPACK_DEBIAN_LIBRARY_PACKAGE_DEPENDS ", libc6 (>= 2.34)")
+  set(CPACK_DEBIAN_STANDIN_PACKAGE_DEPENDS "libc6 (>= 2.34), libgcc-s1 (>= 3.0), libstdc++6 (>= 12)")
+endif()
+
 include(CPack)
