@@ -78,7 +78,7 @@ void Apply(const Change& change)
 }
 
 // Ends the process where memory runs out, rather than leave half a transaction.
-void Undo(const Change& change) noexcept
+void Undo(const Change& change) noexcept  // NOLINT(bugprone-exception-escape): that ends it
 {
     if (!change.before) {
         change.store->Remove(*change.after);
