@@ -20,7 +20,7 @@ bool IsListenerStart(const Json& event)
     return event.value("line", "").find("DbListener thread start") != std::string::npos;
 }
 
-// Removes the log lines of the start from the queue.
+// Removes the log lines of the start-up from the queue.
 std::string TakeStartLog()
 {
     std::string lines;
@@ -41,7 +41,7 @@ std::string TakeStartLog()
 HostedLibrary::HostedLibrary()
 {
     MEM_EX_Init();
-    // Without the list of notifications the library logs an error for each change of an interface.
+    // Without a notification list, the library logs an error for each change of an interface.
     IF_NotifyFuncRegTbl_Init();
     const bool isStarted = BDS_InitStart() == 0;
     const std::string log = TakeStartLog();

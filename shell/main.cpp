@@ -43,7 +43,7 @@ Exit status: 0 success; 1 a result "no" or "failure", or a refused write; 2 a li
 parsed; 3 a source, a file or the output that can't be read or written.
 )";
 
-// The JSON form changes only together with its number.
+// Incremented with every change of the JSON output format.
 constexpr auto VERSION_TEXT = "tarnd-qrb " TARND_VERSION ", JSON form 1";
 
 void Describe(CLI::App& app, Options& options)
@@ -62,7 +62,7 @@ void Describe(CLI::App& app, Options& options)
                    "A function or command and its arguments; without one, lines are read");
 }
 
-// The number of words before the command: the command begins at the second word that is no option.
+// Number of words before the command, which begins at the second word that is not an option.
 int CountOwn(int count, char** words)
 {
     int own = 1;
@@ -110,7 +110,7 @@ Status RunLines(shell::Shell& shell, const Options& options)
     return isatty(STDIN_FILENO) != 0 ? RunPrompt(shell) : RunInput(shell, options.echo);
 }
 
-// SIGINT is for the main thread: threads that start while it is blocked never receive it.
+// Only the main thread handles SIGINT: threads started while it is blocked never receive it.
 void BlockInterrupts(int how)
 {
     sigset_t signals;
@@ -137,7 +137,7 @@ bool IsFile(const std::string& source)
 
 Status Run(const Options& options)
 {
-    shell::EventQueue& events = shell::Events();  // made before any thread can log
+    shell::EventQueue& events = shell::Events();  // created before any thread can log
     shell::SetLogSink([&](const std::string& line) { events.PushNow(shell::LogEvent(line)); });
     BlockInterrupts(SIG_BLOCK);
     const auto source = OpenSource(options.source);
@@ -171,7 +171,7 @@ int RunProgram(int count, char** words)
     if (MB_CUR_MAX == 1) {
         std::setlocale(LC_CTYPE, "C.UTF-8");  // names and texts are UTF-8 in every locale
     }
-    std::signal(SIGPIPE, SIG_IGN);  // a closed output is an error of the write
+    std::signal(SIGPIPE, SIG_IGN);  // writing to a closed pipe fails with EPIPE instead
     Options options;
     CLI::App app("Calls the functions of libtarnd_qrb by name.", "tarnd-qrb");
     Describe(app, options);

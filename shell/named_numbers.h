@@ -1,5 +1,5 @@
-// Names of numbers: events, commands, flags and states. Names are accepted wherever the numbers
-// are, and printed beside them.
+// Symbolic names of numbers: events, commands, flags and states. Names are accepted in place of
+// numbers, and are printed next to them.
 #pragma once
 
 #include <cstdint>
@@ -36,10 +36,10 @@ inline constexpr NamedNumber NOTIFICATIONS[] = {{IF_NOTIFY_CREATED, "CREATED"},
 inline constexpr NamedNumber STORED_STATES[] = {{1, "up"}, {0, "down"}};
 inline constexpr NamedNumber LINE_STATES[] = {{QRB_IF_STATE_UP, "up"}, {QRB_IF_STATE_DOWN, "down"}};
 
-// Empty where the number has no name.
+// Returns an empty text if the number has no name.
 std::string_view NameOf(NamedNumbers names, uint64_t number);
 
-// No value where no number has the name. Case does not matter.
+// Returns no value if the name is unknown. Names are case-insensitive.
 std::optional<uint32_t> NumberOf(NamedNumbers names, std::string_view name);
 
 // The names of the values of a table's field, such as up and down; none for most fields.

@@ -11,7 +11,7 @@ char Lower(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-// The Levenshtein distance, regardless of case.
+// Returns the case-insensitive Levenshtein distance.
 size_t Distance(std::string_view a, std::string_view b)
 {
     std::vector<size_t> row(b.size() + 1);

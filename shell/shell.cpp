@@ -14,10 +14,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto LONGEST_WAIT = 3s;  // for the callbacks of a write
+constexpr auto LONGEST_WAIT = 3s;  // maximum wait for the callbacks of a write
 constexpr auto PRINT_INTERVAL = 10ms;
 
-// Adds the usage of the function to errors in its words.
+// Appends the usage of the function to a UsageError.
 CallResult CallWith(const Function& function, Words& words)
 {
     try {
@@ -28,7 +28,7 @@ CallResult CallWith(const Function& function, Words& words)
     }
 }
 
-// The status of the action; what it throws is printed.
+// Runs the action and returns its status. Exceptions are printed.
 template <typename Action>
 Status RunReported(Printer& printer, const Action& action)
 {
@@ -78,7 +78,7 @@ Status Shell::Execute(const std::vector<std::string>& words)
         return Dispatch(words[0], arguments);
     });
     printer_.Flush();
-    // The events of a write are printed before the next line is carried out.
+    // The events of a write are printed before the next line is executed.
     const auto deadline = std::chrono::steady_clock::now() + LONGEST_WAIT;
     while (!standin::AwaitDeliveries(PRINT_INTERVAL) &&
            std::chrono::steady_clock::now() < deadline) {

@@ -1,4 +1,4 @@
-// Carries out command lines, one after another.
+// Executes command lines in order.
 #pragma once
 
 #include <string>
@@ -12,7 +12,7 @@
 
 namespace shell {
 
-// Exit statuses. Of several lines, the highest counts.
+// Exit statuses. The exit status of several lines is the highest of them.
 enum class Status : uint8_t {
     Success = 0,
     Failed = 1,       // a result "no" or "failure", or a refused write
@@ -22,7 +22,7 @@ enum class Status : uint8_t {
 
 class Shell {
 public:
-    // file: the JSON file that the source is; empty for any other source.
+    // file: path of the JSON file that is the source; empty for other sources.
     Shell(sources::Source& source, Printer& printer, std::string file = "")
         : writes_(source), printer_(printer), file_(std::move(file))
     {
@@ -32,10 +32,11 @@ public:
     Status Execute(std::string_view line);
     Status Execute(const std::vector<std::string>& words);
 
-    // To call after the last line. Failed, with a message, if a transaction is still open.
+    // Must be called after the last line. Prints an error and returns Failed if a transaction is
+    // open.
     Status Finish();
 
-    // Prints the events that are in the queue.
+    // Prints the queued events.
     void PrintEvents();
 
     bool Ended() const { return ended_; }

@@ -1,4 +1,4 @@
-// The stand-in's tables, fields and values, looked up by the words of a command.
+// Looks up the stand-in's tables, fields and values for the words of a command.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@
 
 namespace shell {
 
-// Throws UsageError, which suggests a similar name, if there is no such table.
+// Throws UsageError with a similar name if there is no such table.
 const standin::Table& KnownTable(std::string_view name);
 
 // Null for a list. Throws UsageError if the table has neither a field nor a list of that name.

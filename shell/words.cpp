@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view BLANKS = " \t\r\n";
 
-// The length of the JSON object or array that the text begins with.
+// Length of the JSON object or array at the start of the text.
 size_t JsonLength(std::string_view text)
 {
     sources::JsonExtent extent;
@@ -22,7 +22,7 @@ size_t JsonLength(std::string_view text)
     throw UsageError(std::string("missing closing bracket for ") + text.front());
 }
 
-// Removes a quoted text from the line.
+// Takes a quoted text from the start of the line.
 std::string TakeQuoted(std::string_view& line)
 {
     const char quote = line.front();

@@ -1,4 +1,4 @@
-// A line of input, as words.
+// Splits a line of input into words.
 #pragma once
 
 #include <span>
@@ -9,7 +9,7 @@
 
 namespace shell {
 
-// A line that can't be parsed.
+// Thrown if a line can't be parsed.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -31,7 +31,7 @@ public:
 
     // Throws UsageError if no word is left; what names the missing argument.
     std::string Take(std::string_view what);
-    // All remaining words, joined by blanks.
+    // Takes all remaining words, joined by blanks.
     std::string TakeRest();
     std::span<const std::string> TakeAll();
     // Throws UsageError if a word is left.

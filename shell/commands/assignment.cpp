@@ -27,7 +27,7 @@ bool IsNumber(const std::string& text)
            text.size() < 20;
 }
 
-// The value in the JSON format.
+// Converts the text of a value to the JSON format.
 Json ValueOf(const Table& table, const Assignment& assignment)
 {
     const Field* field = standin::FindField(table.fields, assignment.field);
@@ -47,7 +47,7 @@ Json ValueOf(const Table& table, const Assignment& assignment)
     return assignment.value;
 }
 
-// The row without the ids of a set.
+// Returns the row without the given ids of a set.
 standin::Row Without(standin::Row row, const Assignment& assignment)
 {
     const Table& table = row.Description();
@@ -60,7 +60,7 @@ standin::Row Without(standin::Row row, const Assignment& assignment)
     return row.SetBytes(field.name, bits);
 }
 
-// The row that the object describes. Errors begin with the table's name.
+// Returns the row that the object describes. Error messages begin with the table's name.
 standin::Row RowOf(const Table& table, const Json& object)
 {
     try {

@@ -24,13 +24,13 @@ struct Assignment {
 // Throws UsageError.
 Assignment ParseAssignment(const standin::Table& table, const std::string& word);
 
-// All remaining words.
+// Parses all remaining words.
 std::vector<Assignment> TakeAssignments(const standin::Table& table, Words& words);
 
-// These throw standin::Error for a value that its field can't hold.
+// The following functions throw standin::Error if the value is out of range for its field.
 standin::Row NewRow(const standin::Table& table, const std::vector<Assignment>& assignments);
 standin::Row Changed(const standin::Row& row, const std::vector<Assignment>& assignments);
-// A row of which only this field or list has a value.
+// Returns a row in which only this field or list has a value.
 standin::Row RowWith(const standin::Table& table, const Assignment& assignment);
 
 }  // namespace shell

@@ -1,4 +1,4 @@
-// The shell's own commands, beside the library's functions.
+// The shell's built-in commands, as opposed to the library's functions.
 #pragma once
 
 #include <functional>
@@ -12,19 +12,19 @@ namespace shell {
 
 struct Command {
     std::string_view name;
-    std::string_view arguments;  // as help writes them
+    std::string_view arguments;  // in the notation of the help text
     std::string_view does;
     std::function<Status(Shell&, Words&)> run;
 };
 
 const std::vector<Command>& Commands();
-// Null where there is none of that name.
+// Returns null if there is no command of that name.
 const Command* FindCommand(std::string_view name);
 
-// Names of all commands and functions.
+// Returns the names of all commands and functions.
 std::vector<std::string> CallableNames();
 
-// By subject.
+// The tables of commands, one per source file.
 std::vector<Command> HelpCommands();
 std::vector<Command> TableCommands();
 std::vector<Command> WriteCommands();

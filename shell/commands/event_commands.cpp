@@ -30,7 +30,7 @@ int MillisecondsTo(const Deadline& deadline)
     return static_cast<int>(std::max<int64_t>(left.count(), 0));
 }
 
-// Prints events as they come, until the deadline or Ctrl-C.
+// Prints events as they arrive, until the deadline or Ctrl-C.
 void PrintEvents(Shell& shell, const Deadline& deadline)
 {
     const Interrupt interrupt;
@@ -41,7 +41,7 @@ void PrintEvents(Shell& shell, const Deadline& deadline)
     }
 }
 
-// How long a command follows events: until Ctrl-C, until a deadline, or beside other commands.
+// How long a command follows events: until Ctrl-C, until a deadline, or in the background.
 struct Period {
     bool isOn = false;
     bool isOff = false;
@@ -146,7 +146,7 @@ InterfaceEventCall TakeInterfaceEvent(Words& words)
     return call;
 }
 
-// Like any publisher of an interface event, calls the callbacks itself.
+// Publishes an interface event: the callbacks run on this thread.
 uint32_t PublishInterfaceEvent(const InterfaceEventCall& call)
 {
     UTIL_LIST_NODE_S* node = nullptr;

@@ -1,4 +1,4 @@
-// Whole devices as files: load, dump, save, diff.
+// Commands that read and write the database as a file: load, dump, save, diff.
 #include <algorithm>
 #include <functional>
 #include <map>
@@ -15,7 +15,7 @@ namespace {
 
 using standin::Row;
 
-// Throws FileError for a file that can't be read or is not of the JSON format.
+// Throws FileError if the file can't be read or is not in the JSON format.
 void ReadRows(const std::string& file, const std::function<void(Row)>& onRow)
 {
     try {
@@ -69,7 +69,7 @@ Status Save(Shell& shell, Words& words)
     return Status::Success;
 }
 
-// The rows of a device, by table and key.
+// The rows of a device, sorted by table and key.
 using Contents = std::map<std::pair<size_t, Json>, Json>;
 
 void AddTo(Contents& contents, const Row& row)
@@ -167,7 +167,7 @@ std::string Described(const Json& difference)
     return "~ " + table + OneLine(difference["key"]) + changes + "\n";
 }
 
-// Like diff(1), 1 if there is a difference.
+// Returns 1 if there is a difference, like diff(1).
 Status Diff(Shell& shell, Words& words)
 {
     const Contents before = ContentsOf(words.Take("file"));

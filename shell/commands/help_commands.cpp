@@ -1,4 +1,4 @@
-// help, json, quit.
+// Commands about the shell itself: help, json, quit.
 #include <algorithm>
 #include <cctype>
 
@@ -58,7 +58,7 @@ std::string CommandHelp(const Command& command)
            std::string(command.arguments) + "\n  " + std::string(command.does) + "\n";
 }
 
-// The beginning, up to the first stop.
+// Returns the first sentence of the text.
 std::string Short(std::string_view does)
 {
     return std::string(does.substr(0, does.find_first_of(":;,.")));

@@ -1,4 +1,4 @@
-// The shell's writes: committed one by one, or collected in a transaction until commit.
+// The shell's writes: each is committed at once, or collected in a transaction until commit.
 #pragma once
 
 #include <optional>
@@ -22,14 +22,14 @@ public:
     size_t Commit();
     size_t Abort();
 
-    // Adds the writes to the open transaction, else commits them at once.
+    // Adds the writes to the open transaction. Without one, commits them at once.
     void Write(std::vector<sources::RowWrite> writes);
 
-    // Writes committed since the last call of SetSaved.
+    // Number of writes committed since the last call of SetSaved.
     size_t Unsaved() const { return unsaved_; }
     void SetSaved() { unsaved_ = 0; }
 
-    // The rows of a table as they would be after the waiting writes.
+    // Returns the rows of a table with the uncommitted writes applied.
     std::vector<standin::Row> RowsOf(const standin::Table& table) const;
 
 private:

@@ -20,10 +20,10 @@ using Operator = Assignment::Operator;
 
 constexpr size_t ROWS_BETWEEN_CHECKS = 256;
 
-// Ends a scan early.
+// Thrown to end a scan early.
 struct ScanEnd {};
 
-// Like standin::ForEachRow, until onRow returns false.
+// Like standin::ForEachRow, but stops when onRow returns false.
 void ForEachRowWhile(const Table& table, const std::function<bool(const Row&)>& onRow)
 {
     size_t count = 0;
@@ -78,7 +78,7 @@ void TakeSort(RowSelection& selection, Words& words)
     }
 }
 
-// False if the word is none of the options.
+// Returns false if the word is not an option.
 bool TakeOption(RowSelection& selection, const std::string& word, Words& words)
 {
     if (word == "columns") {

@@ -1,4 +1,4 @@
-// Which rows of a table, which of their fields, and in which order.
+// Selection of rows of a table: conditions, columns, sort order and limit.
 #pragma once
 
 #include <functional>
@@ -10,11 +10,11 @@
 
 namespace shell {
 
-// Conditions FIELD=VALUE that a row must all meet. Texts may be patterns with * and ?; for sets, +=
-// is met by rows that contain the ids, -= by rows that contain none of them.
+// Conditions FIELD=VALUE, joined by AND. Texts may be patterns with * and ?. For sets, += matches
+// rows that contain the ids, and -= matches rows that contain none of them.
 class RowFilter {
 public:
-    // Throws standin::Error for a value that its field can't hold.
+    // Throws standin::Error if a value is out of range for its field.
     RowFilter(const standin::Table& table, const std::vector<Assignment>& conditions);
 
     bool Matches(const standin::Row& row) const;
@@ -25,7 +25,7 @@ private:
         const standin::Field* field;  // null: a list
         size_t list;
         standin::Row wanted;
-        std::string pattern;  // of a text; empty: no pattern
+        std::string pattern;  // for texts; empty: no pattern
     };
 
     static Condition MakeCondition(const standin::Table& table, const Assignment& assignment);
@@ -37,14 +37,14 @@ private:
 struct RowSelection {
     const standin::Table& table;
     RowFilter filter;
-    std::vector<std::string> columns;     // none: all
-    std::vector<std::string> conditions;  // their fields
+    std::vector<std::string> columns;     // empty: all columns
+    std::vector<std::string> conditions;  // the fields that conditions use
     const standin::Field* sortField = nullptr;
     bool descending = false;
     size_t limit = SIZE_MAX;
     bool fieldPerLine = false;
 
-    // Calls onRow for each selected row, in order. Ends with Interrupted after Ctrl-C.
+    // Calls onRow for each selected row, in order. Throws Interrupted after Ctrl-C.
     void ForEachRow(const std::function<void(const standin::Row&)>& onRow) const;
 };
 

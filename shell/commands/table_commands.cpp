@@ -30,8 +30,8 @@ Status ListTables(Shell& shell, Words& words)
     return Status::Success;
 }
 
-// The fields and lists that have a value in a selected row; those of the key and of conditions are
-// always shown.
+// Returns the fields and lists that have a value in a selected row. Fields of the key and of
+// conditions are always included.
 std::vector<std::string> UsedColumns(const RowSelection& selection)
 {
     const standin::Table& table = selection.table;
@@ -69,7 +69,7 @@ Json OnlyColumns(const Json& row, const std::vector<std::string>& columns)
     return chosen;
 }
 
-// Numbers with their names: "1 (up)".
+// Formats numbers with their names: "1 (up)".
 Json WithValueNames(Json row, const standin::Table& table)
 {
     for (auto& member : row.items()) {
@@ -80,7 +80,7 @@ Json WithValueNames(Json row, const standin::Table& table)
     return row;
 }
 
-// For people: fields that have no value in any row are left out, unless they are asked for.
+// Text output omits fields that have no value in any row, unless they are requested.
 void ShowForPeople(Printer& printer, const RowSelection& selection)
 {
     const auto columns = selection.columns.empty() ? UsedColumns(selection) : selection.columns;
@@ -116,7 +116,7 @@ Status Show(Shell& shell, Words& words)
 struct Walk {
     std::string_view table;
     std::string_view value;
-    std::string_view name;  // field with the name; empty: that of the interface
+    std::string_view name;  // field that holds the name; empty: use the interface name
     uint32_t (*first)(uint32_t*);
     uint32_t (*next)(uint32_t*);
     uint32_t (*finish)();
@@ -138,7 +138,7 @@ const Walk& WalkOver(const std::string& table)
     return *found;
 }
 
-// The names of what the walk finds, by its value.
+// The names of the rows that the walk returns, by the walk's value.
 std::map<uint32_t, std::string> NamesFor(const Walk& walk)
 {
     std::map<uint32_t, std::string> names;

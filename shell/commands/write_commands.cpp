@@ -1,4 +1,4 @@
-// Writes, as other components of a device make them: insert, update, replace, delete; begin,
+// Commands that write tables: insert, update, replace, delete, and the transaction commands begin,
 // commit, abort.
 #include <algorithm>
 #include <functional>
@@ -17,7 +17,7 @@ using standin::Table;
 
 using Assignments = std::vector<Assignment>;
 
-// Writes and prints the number of rows.
+// Commits the writes and prints the number of rows.
 Status Do(Shell& shell, std::vector<sources::RowWrite> writes, const char* done)
 {
     const size_t count = writes.size();
@@ -37,7 +37,7 @@ Status WriteNew(Shell& shell, Words& words, Kind kind)
               kind == Kind::Insert ? "inserted" : "replaced");
 }
 
-// The rows that match; at least one.
+// Returns the rows that match. Fails if there are none.
 std::vector<Row> Chosen(Shell& shell, const Table& table, const Assignments& wanted)
 {
     if (wanted.empty()) {
@@ -52,7 +52,7 @@ std::vector<Row> Chosen(Shell& shell, const Table& table, const Assignments& wan
     return rows;
 }
 
-// The fields of the key select the row, the others are changed.
+// The key fields select the row, and the other fields are updated.
 Status Update(Shell& shell, Words& words)
 {
     const Table& table = KnownTable(words.Take("table"));

@@ -11,7 +11,7 @@
 namespace shell {
 namespace {
 
-// No exception may reach the library, which calls the callbacks.
+// The library calls the callbacks and is C code, so no exception may leave them.
 template <typename MakeEvent>
 void PushEvent(const MakeEvent& makeEvent) noexcept
 {

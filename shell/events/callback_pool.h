@@ -15,15 +15,15 @@ struct Registration {
     uint32_t priority = 0;
     std::string module = {};
 
-    // Whether an unregistration that names all but the priority refers to this registration.
+    // Whether an unregistration with these values, which have no priority, matches this one.
     bool IsFor(const Registration& other) const
     {
         return event == other.event && sub == other.sub && module == other.module;
     }
 };
 
-// A callback receives neither its event id nor its registration, so each registration gets a
-// function of its own. The pool is changed only between deliveries, since the callbacks read it.
+// A callback receives neither its event id nor its registration, so each registration uses a
+// separate function. The pool is changed only between deliveries, because the callbacks read it.
 template <typename Callback>
 class CallbackPool {
 public:
@@ -31,10 +31,10 @@ public:
 
     explicit CallbackPool(const std::array<Callback*, SIZE>& callbacks) : callbacks_(callbacks) {}
 
-    // A free callback, for this registration. Throws UsageError if none is left.
+    // Allocates a callback for this registration. Throws UsageError if none is free.
     Callback* Take(const Registration& registration);
-    // The callback taken last for this registration, regardless of priority; else one that is not
-    // registered.
+    // Returns the callback allocated last for this registration, regardless of priority. Without
+    // one, returns a callback that is not registered.
     Callback* Find(const Registration& registration) const;
     void GiveBack(const Callback* callback);
     void GiveBackAll() { entries_ = {}; }

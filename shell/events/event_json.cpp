@@ -19,7 +19,7 @@
 namespace shell {
 namespace {
 
-// Local time with the offset from UTC, as RFC 3339 writes it.
+// Formats local time with the UTC offset, as in RFC 3339.
 std::string TimeText(std::chrono::system_clock::time_point time)
 {
     using namespace std::chrono;
@@ -41,7 +41,7 @@ void AddInterface(Json& event, uint32_t ifIndex)
     std::string name = InterfaceName(ifIndex);
     if (const auto change = name.empty() ? standin::CurrentChange() : std::nullopt;
         change && change->before && change->before->Description().name == "if_base") {
-        name = change->before->Text("if_name");  // it was just deleted
+        name = change->before->Text("if_name");  // the row was just deleted
     }
     if (!name.empty()) {
         event["ifName"] = name;
@@ -65,7 +65,7 @@ void AddVlans(Json& event, const QRB_PORT_S& port, uint32_t bitmap)
         bitmap == QRB_VLAN_BITMAP_1 ? SetOf(port.vlan_bitmap_1) : SetOf(port.vlan_bitmap_2);
 }
 
-// The ids that are in one set and not in the other.
+// Returns the ids that are in the first set but not in the second.
 Json Difference(std::span<const uint8_t> minuend, std::span<const uint8_t> subtrahend)
 {
     std::vector<uint8_t> bits(minuend.size());
@@ -74,8 +74,8 @@ Json Difference(std::span<const uint8_t> minuend, std::span<const uint8_t> subtr
     return sources::SetToJson(bits);
 }
 
-// The VLANs that were added and removed, and the set before and after. False for an event that was
-// raised by hand.
+// Adds the VLANs that were added and removed, and the set before and after. Returns false for an
+// event that was published by hand.
 bool AddVlanChange(Json& event, uint32_t bitmap)
 {
     const auto change = standin::CurrentChange();
@@ -93,7 +93,7 @@ bool AddVlanChange(Json& event, uint32_t bitmap)
     return true;
 }
 
-// Only the library's own events have data of known types.
+// The data type is known only for events that the library itself publishes.
 void AddLayer2Data(Json& event, uint32_t id, const void* data, const void* argument)
 {
     const auto* port = static_cast<const QRB_PORT_S*>(data);

@@ -1,10 +1,10 @@
-// Events as JSON, as the callbacks receive them, and as text.
+// Events as JSON, built in the callbacks, and as text.
 //
 //     {"event": "layer-2", "id": 13, "name": "SWITCH_PORT_ON", "ifIndex": 5,
 //      "ifName": "Ethernet0/0/5", "switch_port": 1, "value": 0, "module": "watch", "priority": 0,
 //      "time": "2024-02-29T12:00:00.000123+01:00", "microseconds": 31.5}
 //
-// microseconds: from the commit of the change to the callback; absent in an event raised by hand.
+// microseconds: from the commit of the change to the callback; absent if published by hand.
 // docs/shell.md describes every member.
 #pragma once
 

@@ -1,4 +1,4 @@
-// Events on their way from the threads that raise them to the thread that prints.
+// Event queue between the threads that publish events and the thread that prints them.
 #pragma once
 
 #include <chrono>
@@ -18,22 +18,22 @@ class EventQueue {
 public:
     static constexpr size_t LIMIT = 10'000;
 
-    // If the queue is full, waits up to a second for room. Once that was in vain, events are
-    // dropped without waiting until there is room again. Throws nothing: without memory the event
-    // is dropped.
+    // If the queue is full, waits up to a second for space. After a timeout, events are dropped
+    // without waiting until the queue has space again. Does not throw: if memory is exhausted, the
+    // event is dropped.
     void Push(Json event) noexcept;
     // Drops the event if the queue is full. For threads that must not wait.
     void PushNow(Json event) noexcept;
-    // Counts an event as dropped that could not be made.
+    // Counts an event that could not be built as dropped.
     void Drop() noexcept;
 
     // After events were dropped, {"event": "dropped", "count": N} takes their place.
     std::optional<Json> Pop();
 
-    // Waits until an event is in the queue, at most that long.
+    // Waits until the queue holds an event, or until the timeout.
     void Wait(std::chrono::milliseconds longest) const;
 
-    // Readable while an event is in the queue.
+    // Readable while the queue holds an event.
     int Descriptor() const { return filled_.Descriptor(); }
 
     size_t Size() const;
@@ -48,8 +48,8 @@ private:
     standin::EventDescriptor filled_;
 };
 
-// The queue that the callbacks fill. The first call, which throws std::system_error without a
-// descriptor, must come before any callback or log line.
+// The queue that the callbacks fill. The first call must come before any callback or log line. It
+// throws std::system_error if no descriptor is available.
 EventQueue& Events();
 
 }  // namespace shell

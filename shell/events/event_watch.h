@@ -1,4 +1,4 @@
-// The callbacks of the command watch: one for every event of the library.
+// The callbacks of the watch command: one for every event of the library.
 #pragma once
 
 #include <string>
@@ -22,7 +22,7 @@ struct WatchFilter {
 void CheckEventPattern(const std::string& pattern);
 std::vector<std::string> EventNames();
 
-// Registers the callbacks, or only changes the filter if they are registered.
+// Registers the callbacks. If they are already registered, only replaces the filter.
 void WatchEvents(const WatchFilter& filter);
 void StopWatching();
 

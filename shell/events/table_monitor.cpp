@@ -19,7 +19,7 @@ struct Monitor {
     RowFilter filter;
 };
 
-// Changed only between deliveries, since the callback reads it.
+// Changed only between deliveries, because the callback reads it.
 std::map<const standin::Table*, Monitor> monitors;
 
 Json KeyOf(const standin::Row& row)
@@ -109,7 +109,7 @@ Json MemberOf(const Json& row, const std::string& name)
     return found != row.end() ? *found : Json();
 }
 
-// Values that are not zero or empty.
+// Returns the fields that are not zero or empty.
 std::string RowText(const standin::Table& table, const Json& row, const Json& key)
 {
     std::string text;

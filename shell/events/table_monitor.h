@@ -1,4 +1,4 @@
-// Follows the rows of tables: each change becomes an event with the old and the new row.
+// Subscribes to tables. Each row change becomes an event with the old and the new row.
 //
 //     {"event": "change", "change": "update", "table": "if_base", "key": {"if_index": 7},
 //      "old": {...}, "new": {...}, "time": "...", "microseconds": 12.5}
@@ -13,8 +13,8 @@
 
 namespace shell {
 
-// Follows the changes in which the old or the new row matches. Throws std::runtime_error if the
-// table can't be subscribed to. A table that is followed already gets the new filter.
+// Reports changes whose old or new row matches. Throws std::runtime_error if the subscription
+// fails. If the table is already monitored, only replaces its filter.
 void MonitorTable(const standin::Table& table, const RowFilter& filter);
 void StopMonitoring();
 

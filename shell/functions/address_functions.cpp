@@ -8,9 +8,9 @@
 namespace shell {
 namespace {
 
-constexpr uint32_t MOST = 64;  // addresses that one call can give
+constexpr uint32_t MOST = 64;  // maximum number of addresses per call
 
-// The record is open as long as the call lasts.
+// The record stays open during the call.
 uint32_t OpenRecord(uint32_t ifIndex)
 {
     ORM_SESSION session = 0;

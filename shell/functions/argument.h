@@ -23,15 +23,15 @@ struct Argument {
     NamedNumbers names = {};
     // Upper limit of a number, or of the length of a text.
     uint64_t highest = UINT64_MAX;
-    // Used if no word is given. An output that has one is set to it before the call.
+    // Default if no word is given. An output with a default is set to it before the call.
     std::string_view fallback = {};
-    // The function does not read it: it takes no word.
+    // The function does not read the argument, so no word is consumed.
     bool ignored = false;
     // Outputs: number of elements of the buffer.
     uint32_t size = 1;
-    // Outputs: zeroed before the call, because the function leaves parts of it unset.
+    // Outputs: zeroed before the call, because the function leaves parts unset.
     bool zeroed = false;
-    // A text that takes all remaining words.
+    // A text that consumes all remaining words.
     bool rest = false;
     // A text that must not be a null pointer, which the function does not check.
     bool neverNull = false;

@@ -8,7 +8,7 @@
 namespace shell {
 namespace {
 
-// Callbacks and control functions take no argument.
+// Static, because callbacks and control functions receive no context argument.
 int descriptor = -1;
 MessagePosition wanted = MessagePosition::OnRow;
 const std::function<void(ORM_MESSAGE)>* onMessage = nullptr;

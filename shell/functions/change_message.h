@@ -1,4 +1,4 @@
-// A message of the database, for functions that take one.
+// Builds a database message, for functions that take one.
 #pragma once
 
 #include <functional>
@@ -11,12 +11,12 @@ namespace shell {
 
 enum class MessagePosition : uint8_t { BeforeRow, OnRow };
 
-// Subscribes to a table, writes an interface's row as it is, and runs the action on the message
-// that tells of it, on this thread. Throws standin::Error where there is no such row.
+// Subscribes to a table, rewrites an interface's row unchanged, and runs the action on the
+// resulting message, on this thread. Throws standin::Error if there is no such row.
 void OnMessage(const char* table, uint32_t ifIndex, MessagePosition position,
                const std::function<void(ORM_MESSAGE)>& action);
 
-// The fields of a record that stands in memory as its table has it.
+// Returns the fields of a record whose memory layout is that of its table.
 Json FieldsOf(const char* table, const void* record);
 
 }  // namespace shell

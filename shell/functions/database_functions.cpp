@@ -1,4 +1,4 @@
-// The frame: start-up, the log, and the generic keyed read and scan over any table.
+// Start-up, the log, and the generic keyed read and scan of any table.
 #include <tarnd_qrb/database.h>
 #include <tarnd_qrb/log.h>
 
@@ -10,7 +10,7 @@
 namespace shell {
 namespace {
 
-// The session is open as long as the call lasts.
+// The session stays open during the call.
 uint32_t CreateSession(const char* name, uint32_t access)
 {
     ORM_SESSION session = 0;
@@ -21,7 +21,7 @@ uint32_t CreateSession(const char* name, uint32_t access)
     return ret;
 }
 
-// Does the action in a session of its own.
+// Runs the action in a new session.
 template <typename Action>
 uint32_t InSession(const Action& action)
 {

@@ -1,5 +1,5 @@
-// Registries of callbacks, and publishing. The callbacks that are registered are the shell's own:
-// they print what they are told.
+// Callback registration and event publishing. The registered callbacks are the shell's: they print
+// the events that they receive.
 #include <tarnd_platform/orm_accessors.h>
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/event_registry.h>
@@ -17,7 +17,7 @@ std::string TextOf(const char* text)
     return text != nullptr ? text : "";
 }
 
-// Registers a callback of a pool; one that was not taken goes back.
+// Registers a callback of a pool. If that fails, the callback returns to the pool.
 template <typename Callback, typename Register>
 uint32_t WithNew(CallbackPool<Callback>& pool, const Registration& registration,
                  const Register& registerIt)
@@ -30,7 +30,7 @@ uint32_t WithNew(CallbackPool<Callback>& pool, const Registration& registration,
     return ret;
 }
 
-// Unregisters one; where that went well it goes back.
+// Unregisters a callback. If that succeeds, the callback returns to the pool.
 template <typename Callback, typename Unregister>
 uint32_t WithOld(CallbackPool<Callback>& pool, const Registration& registration,
                  const Unregister& unregister)
@@ -62,8 +62,8 @@ void EmptyLayer2()
     Layer2Callbacks().GiveBackAll();
 }
 
-// The forms with variable arguments hand on a sub-event id, which is read only where the count says
-// so.
+// The variants with variable arguments pass a sub-event id, which is read only if the count
+// includes it.
 uint32_t RegisterVariable(uint32_t order, uint32_t ids, uint32_t id, uint32_t subId)
 {
     const bool hasSub = ids == IF_EVT_WITH_SUB_EVENT;
@@ -125,7 +125,7 @@ bool ComparePriorities(uint32_t a, uint32_t b)
     return compare(&first, &second, 0);
 }
 
-// On a node of the shell's own.
+// Operates on a node owned by the shell.
 void CreateChildren(uint32_t number, uint32_t* children)
 {
     IF_EVT_NODE_S node{};
@@ -136,7 +136,7 @@ void CreateChildren(uint32_t number, uint32_t* children)
     }
 }
 
-// With the data that the library's own events have.
+// Passes data of the type that the library's own events carry.
 uint32_t PublishLayer2(uint32_t id, uint32_t port, uint32_t number)
 {
     QRB_PORT_S row{};

@@ -10,14 +10,14 @@
 namespace shell {
 namespace {
 
-// The row step, on each row that the condition matches: the last one's group stays.
+// Calls the row callback for each row that the condition matches. The last group remains.
 uint32_t ScanGroupIds(const char* rows, uint32_t* group)
 {
     return QRB_DB_Scan("acl_group", group, UINT32_MAX, ACL_DB_ScanAclGroupId, nullptr, rows,
                        nullptr);
 }
 
-// The row step, on each profile.
+// Calls the row callback for each profile.
 uint32_t ScanProfiles(const char* name, uint32_t* found)
 {
     std::pair context(name, found);
@@ -28,7 +28,7 @@ uint32_t ScanProfiles(const char* name, uint32_t* found)
     return QRB_DB_Scan("qos_integration", &context, UINT32_MAX, onRow, nullptr, nullptr, nullptr);
 }
 
-// The session is open as long as the call lasts.
+// The session stays open during the call.
 uint32_t OpenProfile(uint32_t wanted)
 {
     ORM_SESSION session = 0;

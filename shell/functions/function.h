@@ -26,7 +26,7 @@ struct Parameter {
     Argument argument;
     Direction direction;
 
-    // Whether the call takes a word for it.
+    // Whether the call consumes a word for this argument.
     bool TakesWord() const
     {
         return !argument.ignored && (direction == Direction::In || !argument.fallback.empty());
@@ -36,12 +36,12 @@ struct Parameter {
 struct Function {
     std::string_view name;
     ResultCodes result;
-    std::string_view tables;  // that it reads
+    std::string_view tables;  // tables that the function reads
     std::string_view purpose;
     std::vector<Parameter> parameters;
     std::function<CallResult(Words&)> call;  // throws UsageError for invalid words
 
-    // The words that a call takes: "ifIndex [count]".
+    // The usage of a call: "ifIndex [count]".
     std::string Usage() const;
     Verdict VerdictOf(const CallResult& call) const;
 };
@@ -51,7 +51,7 @@ const std::vector<Function>& Functions();
 // Null if there is no such function.
 const Function* FindFunction(std::string_view name);
 
-// The families, each in a source of its own.
+// The families, one source file each.
 std::vector<Function> DatabaseFunctions();
 std::vector<Function> InterfaceFunctions();
 std::vector<Function> AddressFunctions();

@@ -59,7 +59,7 @@ Function Define(std::string_view name, Code (*function)(Parameters...), const Re
             call};
 }
 
-// For a function of no parameters: shows the element size of one of the library's list traits.
+// For a function without parameters: shows the element size of one of the library's list traits.
 template <const UTIL_LIST_TRAITS_S* traits>
 void ElementSize(uint64_t* size)
 {

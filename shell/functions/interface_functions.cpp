@@ -1,4 +1,4 @@
-// Interfaces: names and indexes, types, states, hardware, and what an index alone tells.
+// Interfaces: names and indexes, types, states, hardware, and properties encoded in the index.
 #include <tarnd_qrb/database.h>
 #include <tarnd_qrb/interface_lookup.h>
 #include <tarnd_qrb/interface_state.h>
@@ -12,7 +12,7 @@
 namespace shell {
 namespace {
 
-// Offers the record of each interface until one matches.
+// Compares the record of each interface until one matches.
 uint32_t CompareRecords(const char* name, uint8_t selector, Json* record)
 {
     struct SEARCH_S {

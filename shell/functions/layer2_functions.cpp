@@ -11,7 +11,7 @@
 namespace shell {
 namespace {
 
-// The row step, on each row that the condition matches: the last one's id stays.
+// Calls the row callback for each row that the condition matches. The last id remains.
 uint32_t ScanVlanIds(const char* condition, uint16_t* id)
 {
     return QRB_DB_Scan("vlan", id, UINT32_MAX, L2IF_DB_ScanVlanId, nullptr, condition, nullptr);

@@ -8,7 +8,7 @@
 namespace shell {
 namespace {
 
-Json printed;  // by the elements' own callback
+Json printed;  // filled by the print callback of the elements
 
 void Print(const void* element)
 {
@@ -23,7 +23,7 @@ constexpr UTIL_LIST_TRAITS_S NUMBERS{.elemSize = sizeof(uint32_t),
                                      .reserved5 = nullptr,
                                      .print = Print};
 
-// Gives its memory back where the program ends.
+// Frees its memory at program exit.
 struct Numbers {
     Numbers() { UTIL_LIST_Construct(&list, &NUMBERS); }
     ~Numbers() { UTIL_LIST_Clear(&list); }
@@ -72,7 +72,7 @@ struct View {
     Json* elements;
 };
 
-// The result of an operation, if it has one, and lists as they are afterwards.
+// The result of an operation, if any, and the contents of the lists afterwards.
 template <typename Operation, typename... Views>
 auto Viewed(const Operation& operation, const Views&... views)
 {
@@ -116,7 +116,7 @@ auto Whole(const char* name, Json* elements)
     return On(name, elements, operation);
 }
 
-// Both lists are shown. What makes a list out of raw memory finds it empty.
+// Both lists are shown. If the operation expects raw memory, the first list is cleared before.
 template <auto operation, bool isFromRaw = false>
 auto Pair(const char* name, const char* otherName, Json* elements, Json* others)
 {
@@ -213,7 +213,7 @@ UTIL_LIST_ITER_S IteratorAt(UTIL_LIST_S* list, uint32_t position)
     return iterator;
 }
 
-// Where an iterator stands: a number, or "end".
+// The position of an iterator: a number, or "end".
 Json Shown(const UTIL_LIST_ITER_S& iterator)
 {
     return iterator.node != nullptr ? Json(ValueOf(iterator.node)) : Json("end");
@@ -238,7 +238,7 @@ void GetData(const char* name, uint32_t position, uint32_t* element)
     *element = *static_cast<const uint32_t*>(UTIL_LIST_GetDataPtr(&iterator));
 }
 
-// What the callbacks of lists of lists do to pointers: the list's copy is made, and deleted.
+// Runs the copy and delete callbacks of nested lists on a copy of the list.
 Json WithCopy(const char* name, Json (*use)(UTIL_LIST_S*& copy))
 {
     const UTIL_LIST_S* const list = ListNamed(name);

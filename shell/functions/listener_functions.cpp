@@ -1,4 +1,4 @@
-// Start-up, subscriptions and the listener; change detection, on messages of the shell's own.
+// Start-up, subscriptions and the listener, and change detection on messages built by the shell.
 #include <atomic>
 
 #include <tarnd_qrb/change_detection.h>
@@ -18,7 +18,7 @@
 namespace shell {
 namespace {
 
-// A subscription by hand: what arrives is counted.
+// A manual subscription that counts its deliveries.
 void OnDelivery(ORM_MESSAGE message, uint32_t type)
 {
     uint32_t rows = 0;
@@ -39,7 +39,7 @@ constexpr const char* IF_PHY = "if_phy";
 constexpr const char* IF_ROUTE = "if_route";
 constexpr const char* PORT = "port";
 
-// A whole delivery, of the type that is asked for.
+// A complete delivery of the requested type.
 template <const char* const& table, void (*callback)(ORM_MESSAGE, uint32_t)>
 void Deliver(uint32_t ifIndex, uint32_t type)
 {
@@ -115,7 +115,7 @@ void UpdateSwitchPort(uint32_t index, uint8_t was, uint8_t is)
     QRB_EVENT_PortUpdateSwitchPortUse(&oldRow, &newRow);
 }
 
-// A port with these VLANs in both of its sets.
+// A port row with these VLANs in both sets.
 QRB_PORT_S PortWith(uint32_t index, const char* vlans)
 {
     QRB_PORT_S record{};
@@ -145,7 +145,7 @@ void Hook()
     hook(nullptr);
 }
 
-// What the listener's variables hold, as their locks and atomic operations have it.
+// Reads the listener's variables under their locks or by atomic operations.
 uint32_t ReadLocked(pthread_mutex_t& lock, const auto& variable)
 {
     pthread_mutex_lock(&lock);

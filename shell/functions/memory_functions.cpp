@@ -1,4 +1,4 @@
-// The daemon's modules and what each has in use.
+// The daemon's modules and their memory usage.
 #include <tarnd_qrb/memory_map.h>
 
 #include "shell/functions/common_arguments.h"

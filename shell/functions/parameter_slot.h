@@ -25,7 +25,7 @@ inline std::string TakeWord(const Argument& argument, Words& words)
     return words.Take(argument.name);
 }
 
-// What most slots have in common.
+// Default behaviour shared by most slots.
 struct PlainSlot {
     // After a failed call: an output that still holds the value given before the call, such as a
     // capacity, was not written.

@@ -5,7 +5,7 @@
 namespace shell {
 namespace {
 
-// Named as in "car_list": committed rate and burst, peak rate and burst.
+// Member names are those of "car_list": committed rate and burst, peak rate and burst.
 Json CarToJson(const QOS_CAR_S& car)
 {
     return {{"present", car.present},

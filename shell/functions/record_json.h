@@ -1,4 +1,4 @@
-// The library's records, to and from what stands on a line.
+// Conversion of the library's records to JSON and from words of a line.
 #pragma once
 
 #include <tarnd_qrb/change_detection.h>
@@ -20,7 +20,7 @@ Json RecordToJson(const QRB_IF_PHY_NOTICE_S& record);
 Json RecordToJson(const QOS_PROFILE_INFO_S& record);
 Json RecordToJson(const MEM_EX_DETAILED_INFO_S& record);
 
-// A destination; a prefix such as 10.0.0.0/8.
+// A destination prefix such as 10.0.0.0/8.
 void RecordFromWord(const Argument& argument, const std::string& word, FIB_KEY_S& record);
 void RecordFromWord(const Argument& argument, const std::string& word, FIB_PREFIX_S& record);
 

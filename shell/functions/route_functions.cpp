@@ -15,7 +15,7 @@ uint32_t Inquire6()
     return FIB6_InquiryRe6(nullptr, nullptr);
 }
 
-// The scan is open as long as the call lasts.
+// The scan stays open during the call.
 uint32_t StartGroupScan()
 {
     ORM_SESSION session = 0;

@@ -38,7 +38,7 @@ Json ItemsOf(const standin::List& list, ORM_NODE node)
     return items;
 }
 
-// The current row: its fields, then the lists that it has.
+// Reads the current row: its fields, then its lists.
 uint32_t ReadRow(ORM_SESSION session, const standin::Table& table, Json& row)
 {
     row = Json::object();
@@ -67,7 +67,7 @@ uint32_t TakeNumber(const standin::Field& member, const std::string& word)
         NumberFromWord(argument, word, ~uint64_t{0} >> (64 - 8 * member.width)));
 }
 
-// Numbers of 32 bits one by one.
+// Reads 32-bit numbers one at a time.
 uint32_t SetNumbers(ORM_SESSION session, std::span<const uint32_t> numbers)
 {
     uint32_t ret = OrmSetKeyName(session, "primary_key");
@@ -77,7 +77,7 @@ uint32_t SetNumbers(ORM_SESSION session, std::span<const uint32_t> numbers)
     return ret;
 }
 
-// The key as its accessor takes it: where the name stands, then a kind.
+// The key in the layout that its accessor takes: a pointer to the name, then a type.
 uint32_t SetNameAndKind(ORM_SESSION session, const char* name, uint32_t kind)
 {
     std::array<uint8_t, sizeof(name) + 1> key{};

@@ -15,16 +15,16 @@ namespace shell {
 
 using Rest = std::span<const std::string>;
 
-// The primary key of a table, a word for each member. Throws UsageError for words that don't fit,
-// and for the table whose key the contract can't set, "vlan".
+// The primary key of a table, one word per member. Throws UsageError for invalid words, and for the
+// table "vlan", whose key can't be set through the platform interface.
 struct RowKey {
     RowKey(const char* table, Rest words);
 
-    std::optional<std::string> name;  // only "acl_group_id" has one in its key
+    std::optional<std::string> name;  // only the key of "acl_group_id" has a name
     std::vector<uint32_t> numbers;
 };
 
-// Where a row goes, or an array of rows.
+// Output for one row or an array of rows.
 struct RowOutput {
     RowOutput(const char* tableName, Json& destination);
 

@@ -19,7 +19,7 @@ namespace {
     throw FileError(file + ": " + std::strerror(errno));
 }
 
-// False with errno.
+// Returns false and sets errno on failure.
 bool WriteAll(int descriptor, std::string_view text)
 {
     while (!text.empty()) {

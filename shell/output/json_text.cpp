@@ -10,7 +10,7 @@
 namespace shell {
 namespace {
 
-// The length of the UTF-8 character that the text begins with; 0 where it begins with none.
+// Length of the UTF-8 character at the start of the text; 0 if the encoding is invalid.
 size_t CharacterLength(std::string_view text)
 {
     const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
@@ -42,7 +42,7 @@ bool IsInterfaceIndex(std::string_view name)
     return name == "if_index" || name == "ifIndex" || name == "out_if_index";
 }
 
-// A member's value, an interface index with the interface's name.
+// Formats a member's value. An interface index is followed by the interface's name.
 std::string MemberText(const Json& object, const std::string& name, const Json& value)
 {
     if (value.is_number() && IsInterfaceIndex(name) && !object.contains("if_name")) {
@@ -51,7 +51,7 @@ std::string MemberText(const Json& object, const std::string& name, const Json& 
     return OneLine(value);
 }
 
-// Characters, not bytes.
+// Counts characters, not bytes.
 size_t WidthOf(const std::string& text)
 {
     return static_cast<size_t>(

@@ -1,4 +1,4 @@
-// JSON values as text for people: on one line, and as tables.
+// Formats JSON values as plain text, on one line or as tables.
 #pragma once
 
 #include <string>
@@ -10,8 +10,8 @@ namespace shell {
 
 using sources::Json;
 
-// Control characters, and bytes that are not UTF-8, as escape sequences ("\x1b"), so that no text
-// from outside can steer a terminal. Printable text is returned as it is.
+// Escapes control characters and bytes that are not valid UTF-8 ("\x1b"), so that external text
+// can't send control sequences to the terminal. Printable text is returned as it is.
 std::string EscapeControls(const std::string& text);
 
 // A string without quotes, any other value as JSON.

@@ -20,7 +20,7 @@ std::function<void(const std::string&)> sink = [](const std::string& line) {
     std::cerr << line << '\n';
 };
 
-// Called by C code, which no exception may reach: without memory the line is lost.
+// Called by C code, so no exception may leave it. If memory is exhausted, the line is dropped.
 void Capture(const char* format, va_list arguments) noexcept
 try {
     std::array<char, 1024> text{};

@@ -1,4 +1,4 @@
-// Captures what this process writes to the system log.
+// Captures the lines that this process writes to the system log.
 #pragma once
 
 #include <functional>

@@ -14,7 +14,7 @@
 namespace shell {
 namespace {
 
-// Writes to a descriptor, which it closes.
+// Stream buffer that writes to a descriptor and owns it.
 class DescriptorBuffer : public std::streambuf {
 public:
     explicit DescriptorBuffer(int descriptor) : descriptor_(descriptor)
@@ -87,7 +87,7 @@ Pager::~Pager()
     }
 }
 
-// Without the pager's program, its shell copies the text.
+// If the pager's program is not installed, its shell copies the text.
 void Pager::Start(const char* command)
 {
     int ends[2];

@@ -1,4 +1,4 @@
-// Shows a long output page by page.
+// Pipes long output through a pager.
 #pragma once
 
 #include <sys/types.h>

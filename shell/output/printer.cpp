@@ -38,14 +38,14 @@ std::string WordBesideOutput(const Function& function, const std::string& name, 
     return argument != nullptr ? WordBeside(*argument, value) : "";
 }
 
-// What the result code means, or the name of the interface that it is the index of.
+// The meaning of the result code, or the interface name if the result is an interface index.
 std::string MeaningOf(const Function& function, uint32_t code)
 {
     const std::string meaning = function.result.Of(code).text;
     return meaning.empty() && function.result.isIfIndex ? InterfaceName(code) : meaning;
 }
 
-// The words beside the numbers among arguments, result and outputs.
+// The symbolic names of the numbers in arguments, result and outputs.
 Json WordsOf(const Function& function, const CallResult& result)
 {
     Json words = Json::object();

@@ -1,7 +1,7 @@
-// Prints results, rows, events and errors, for people or as JSON.
+// Prints results, rows, events and errors as plain text or as JSON.
 //
-// For people, results and events go to the output, errors and log lines to standard error. As JSON,
-// everything is an object or an array on a line of the output; docs/shell.md describes each.
+// As plain text, results and events go to the output, errors and log lines to standard error. As
+// JSON, each item is one object or array on a line of the output; docs/shell.md describes them.
 #pragma once
 
 #include <functional>
@@ -13,7 +13,7 @@
 
 namespace shell {
 
-// The output can't be written: no space, or its reader is gone.
+// Thrown if the output can't be written: the disk is full, or the reader closed the pipe.
 class OutputError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -27,7 +27,7 @@ public:
 
     bool IsJson() const { return style_ == Style::JsonLines; }
 
-    // The number of the input line that errors refer to; 0: not from a file.
+    // The number of the input line that errors refer to; 0: input is not a file.
     void SetInputLine(size_t number) { inputLine_ = number; }
 
     void Print(const Function& function, const CallResult& result);
@@ -40,16 +40,16 @@ public:
     void PrintEvent(const Json& event);
     // As JSON {"text": ...}.
     void PrintText(const std::string& text);
-    // Unchanged in every style.
+    // Prints the text unchanged in every style.
     void PrintRaw(const std::string& text);
-    // As JSON, without a line feed.
+    // Prints JSON without a line feed.
     void PrintValue(const Json& value);
     // Through a pager, if the output is a terminal. A pager that is closed early ends the printing.
     void Page(const std::function<void()>& print);
     // As JSON {"error": ...}, with "line" for a line of a file.
     void PrintError(const std::string& message);
 
-    // Writes out what is buffered. Throws OutputError.
+    // Flushes the output. Throws OutputError.
     void Flush();
 
 private:

@@ -1,4 +1,4 @@
-// Prints rows one after another, so that the first ones appear before the last ones are read.
+// Prints rows incrementally: the first rows are printed before the last ones are read.
 #pragma once
 
 #include <optional>
@@ -18,7 +18,7 @@ public:
     }
 
     void Print(Json row);
-    // To call after the last row.
+    // Must be called after the last row.
     void Finish();
 
 private:

@@ -25,7 +25,7 @@ Names ValuesOfArgument(const Argument& argument)
     return values;
 }
 
-// place: the number of the argument, from 0.
+// place: zero-based number of the argument.
 Names ForFunction(const Function& function, size_t place)
 {
     for (const Parameter& parameter : function.parameters) {
@@ -81,7 +81,7 @@ Names Split(const std::string& text, char mark)
     return parts;
 }
 
-// What may follow "show TABLE".
+// Candidates after "show TABLE".
 Names ForSelection(const Names& words, const std::string& begun)
 {
     const standin::Table* table = standin::FindTable(words[1]);
@@ -108,7 +108,7 @@ Names ForWatch(const std::string& begun)
     return {"on", "off", "event=", "interface="};
 }
 
-// The arguments in the help text say what they are.
+// Candidates are derived from the argument names in the help text.
 Names ForCommand(const Command& command, const Names& words, const std::string& begun)
 {
     const std::string arguments(command.arguments);
@@ -151,7 +151,7 @@ Names Possible(const Names& words, const std::string& begun)
     return function != nullptr ? ForFunction(*function, words.size() - 1) : Names();
 }
 
-// Quoted if it would not be one word otherwise.
+// Quotes the candidate if it would otherwise be split into several words.
 std::string Quoted(const std::string& word)
 {
     return word.find_first_of(" \t#") == std::string::npos ? word : "'" + word + "'";

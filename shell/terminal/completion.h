@@ -12,7 +12,7 @@ struct Completion {
     std::vector<std::string> candidates;  // words with that beginning; fields end with "="
 };
 
-// Names of commands, functions, tables, fields and events; values in the database; files.
+// Completes names of commands, functions, tables, fields and events, database values and files.
 Completion Complete(std::string_view line);
 
 }  // namespace shell

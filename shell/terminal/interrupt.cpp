@@ -8,7 +8,7 @@
 namespace shell {
 namespace {
 
-int innermost = -1;  // the descriptor of the Interrupt made last
+int innermost = -1;  // the descriptor of the innermost Interrupt
 
 }  // namespace
 

@@ -1,4 +1,4 @@
-// Ctrl-C while a command runs.
+// Handling of Ctrl-C while a command runs.
 #pragma once
 
 #include <csignal>
@@ -6,14 +6,14 @@
 
 namespace shell {
 
-// A command that was ended by Ctrl-C.
+// Thrown if a command was ended by Ctrl-C.
 class Interrupted : public std::runtime_error {
 public:
     Interrupted() : std::runtime_error("interrupted") {}
 };
 
-// While one exists, Ctrl-C doesn't end the process: a wait sees it by the descriptor, a long loop
-// by CheckInterrupt. Main thread only.
+// While an Interrupt exists, Ctrl-C doesn't end the process: a wait polls the descriptor, and a
+// long loop calls CheckInterrupt. Main thread only.
 class Interrupt {
 public:
     Interrupt();

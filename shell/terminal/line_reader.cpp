@@ -39,7 +39,7 @@ std::optional<std::string> LineReader::Next(int wakeDescriptor, const std::funct
     }
 }
 
-// False at the end of the input.
+// Returns false at the end of the input.
 bool LineReader::ReadMore()
 {
     std::array<char, 65536> bytes{};

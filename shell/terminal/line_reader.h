@@ -1,4 +1,4 @@
-// Reads lines from a descriptor without blocking other work.
+// Reads lines from a descriptor and polls a second descriptor meanwhile.
 #pragma once
 
 #include <functional>
@@ -11,9 +11,9 @@ class LineReader {
 public:
     explicit LineReader(int descriptor) : descriptor_(descriptor) {}
 
-    // The next line without its line feed; no value at the end of the input. While it waits,
-    // onWake is called whenever the other descriptor is readable. Throws std::system_error if the
-    // input can't be read.
+    // Returns the next line without its line feed; no value at the end of the input. During the
+    // wait, onWake is called whenever the other descriptor is readable. Throws std::system_error if
+    // the input can't be read.
     std::optional<std::string> Next(int wakeDescriptor, const std::function<void()>& onWake);
 
 private:
@@ -21,7 +21,7 @@ private:
 
     int descriptor_;
     std::string buffer_;
-    size_t begin_ = 0;  // of the unread part of the buffer
+    size_t begin_ = 0;  // start of the unread part of the buffer
     bool ended_ = false;
 };
 

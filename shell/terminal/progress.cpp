@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto QUIET = 300ms;  // before the first line
+constexpr auto QUIET = 300ms;  // delay before the first output
 constexpr auto BETWEEN = 100ms;
 
 constexpr const char* CLEAR_LINE = "\r\033[K";

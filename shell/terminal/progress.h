@@ -1,4 +1,4 @@
-// How far something long has come, on a terminal.
+// Progress indicator for long operations on a terminal.
 #pragma once
 
 #include <chrono>
@@ -8,7 +8,7 @@ namespace shell {
 
 class Progress {
 public:
-    // what: "rows read". Nothing is shown for what is over soon, or where stderr is no terminal.
+    // what: "rows read". Short operations show nothing, nor does a stderr that is not a terminal.
     explicit Progress(std::string what);
     ~Progress();
     Progress(const Progress&) = delete;

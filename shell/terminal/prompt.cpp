@@ -22,7 +22,7 @@ namespace {
 
 constexpr int HISTORY_SIZE = 1000;
 
-// Empty without a home directory.
+// Returns an empty path if there is no home directory.
 std::filesystem::path HistoryFile()
 {
     const auto variable = [](const char* name) {
@@ -36,7 +36,7 @@ std::filesystem::path HistoryFile()
     return home.empty() ? home : home / ".local/state/tarnd-qrb/history";
 }
 
-// The lines of earlier sessions and of this one, saved at the end.
+// Line history of this and earlier sessions. Saved at the end.
 class History {
 public:
     History() : history_(history_init()), file_(HistoryFile())
@@ -49,7 +49,7 @@ public:
             Do(H_LOAD, file_.c_str());
         }
     }
-    // Written beside and renamed, so that a full disk doesn't destroy the old history.
+    // Replaced atomically, so that a full disk doesn't destroy the old history.
     ~History()
     {
         if (!file_.empty()) {
@@ -78,7 +78,7 @@ private:
     std::filesystem::path file_;
 };
 
-// Available to the functions of the line editor.
+// State for the callbacks of the line editor.
 struct Prompt {
     explicit Prompt(Shell& runningShell) : shell(runningShell) {}
 
@@ -110,7 +110,7 @@ std::string_view CommonStart(const std::vector<std::string>& words)
     return start;
 }
 
-// In as many columns as fit the terminal.
+// Prints the candidates in as many columns as fit the terminal.
 void ListWords(const std::vector<std::string>& words, size_t terminalWidth)
 {
     const auto longest = std::ranges::max(words, {}, &std::string::size).size();
@@ -133,7 +133,7 @@ size_t TerminalWidth(EditLine* editor)
     return static_cast<size_t>(columns);
 }
 
-// Inserts the common start of all candidates; if there is nothing to insert, lists them.
+// Inserts the common prefix of all candidates. If there is nothing to insert, lists them.
 unsigned char OnTab(EditLine* editor, int /*key*/)
 {
     constexpr size_t most = 200;
@@ -176,7 +176,7 @@ int ReadKey(EditLine* editor, wchar_t* key)
     for (char byte = 0; read(STDIN_FILENO, &byte, 1) == 1;) {
         const size_t used = std::mbrtowc(key, &byte, 1, &state);
         if (used == static_cast<size_t>(-1)) {
-            state = {};  // no character: the byte is dropped
+            state = {};  // invalid encoding: the byte is dropped
         } else if (used != static_cast<size_t>(-2)) {
             return 1;
         }
@@ -214,7 +214,7 @@ std::string StartText(const Shell& shell)
     return text;
 }
 
-// The first letter of the reply, lower case; 0 at the end of the input.
+// Returns the first letter of the reply in lower case; 0 at the end of the input.
 char Ask(const std::string& question)
 {
     std::cout << question << std::flush;
@@ -226,7 +226,7 @@ char Ask(const std::string& question)
                          : static_cast<char>(std::tolower(static_cast<unsigned char>(reply[0])));
 }
 
-// Whether the shell may end: nothing is lost, or the user agrees.
+// Whether the shell may exit: no data would be lost, or the user confirms.
 bool ConfirmEnd(Shell& shell)
 {
     PendingWrites& writes = shell.Writes();

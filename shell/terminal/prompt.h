@@ -5,7 +5,7 @@
 
 namespace shell {
 
-// Carries out lines until the end. Asks before an open transaction or unsaved rows are lost.
+// Executes lines until the end. Asks before an open transaction or unsaved rows are lost.
 Status RunPrompt(Shell& shell);
 
 }  // namespace shell
