@@ -12,7 +12,7 @@
 
 namespace {
 
-// Before anybody has asked for handles.
+// The map before the first handle is requested.
 const std::vector<MEM_EX_MODULE_S> atStart(std::begin(g_memExModuleMap),
                                            std::end(g_memExModuleMap));
 

@@ -1,6 +1,6 @@
 /*
  * A module of the daemon, in C: builds a list, registers a callback, publishes an event. Prints
- * what went wrong; the exit status tells whether anything did.
+ * what went wrong; the exit status is nonzero after an error.
  */
 #include <stdio.h>
 

@@ -1,5 +1,5 @@
-// The road of a change: a row is written, and the modules are told, in order, on the listener
-// thread.
+// The path of a change: a row is written, and the callbacks of the modules run in order on the
+// listener thread.
 #include <algorithm>
 #include <random>
 
@@ -141,7 +141,7 @@ TEST_F(Change, OfAVlanBitmapIsDecidedByTheFirstDifference)
             olds[byte] = static_cast<uint8_t>(random());
             news[byte] = random() % 2 == 0 ? olds[byte] : static_cast<uint8_t>(random());
         }
-        // Bytes behind the bitmaps, and a length that would reach them, are nobody's business.
+        // Bytes after the bitmaps, and a length that reaches them, must not affect the result.
         newRow.reserved_1048[0] = 1;
         const auto length = static_cast<int32_t>(random() % 600) - 50;
         const auto end = olds + std::clamp(length, 0, 512);

@@ -79,7 +79,7 @@ TEST_F(Listener, StartsOnceAndGoesOnAfterAFailure)
     EXPECT_TRUE(IsDelivered(3, 1));
     EXPECT_EQ(g_epollDbListenerThreadId, thread);
 
-    // Nobody minds what can't be closed.
+    // A failing close is ignored.
     FailCall("close", 1, EIO);
     const std::string epollFd = std::to_string(g_epollDbListenerFd);
     support::StopListener();
@@ -121,7 +121,7 @@ TEST_F(Listener, UsesTheEpollInstanceThatIsThereAndNoneThatIsAnothers)
     EXPECT_TRUE(IsDelivered(1, 1));
     EXPECT_EQ(g_epollDbListenerFd, epollFd);
 
-    // The flag stops it once it wakes; what comes late touches nobody's descriptor.
+    // The flag stops it at its next wake-up; late messages must not use a reused descriptor.
     const pthread_t thread = g_epollDbListenerThreadId;
     std::atomic_ref(g_epollDbListenerThreadExit).store(1, std::memory_order_release);
     EXPECT_TRUE(IsDelivered(2, 1));

@@ -5,7 +5,7 @@
 #
 # Blocks are taken in order. One that is marked with a language and a file name, such as
 # "```c module.c", is written to that file. One marked "```sh" is run, and must succeed; a block
-# "```text" right behind it shows what it prints, where "..." stands for any text.
+# "```text" directly after it shows its output, where "..." matches any text.
 set -euo pipefail
 guide=$(realpath "$1")
 build=${2:+$(realpath "$2")}
@@ -54,7 +54,7 @@ awk -v blocks="$scratch/blocks" '
     /[^ ]/ { adjacent = 0 }
 ' "$guide"
 
-# Whether the text in file $2 is that in $1, but for what "..." stands for.
+# Whether the text in file $2 matches that in $1, where "..." matches any text.
 matches() {
     local pattern
     pattern=$(sed 's/[][*?\\]/\\&/g; s/\.\.\./*/g' "$1")

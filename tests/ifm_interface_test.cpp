@@ -130,7 +130,7 @@ TEST_F(Interface, TypesFollowFromTheCode)
               "38 25 22, 6 11 14, 53 37 41, 0 0 0, 97 100 27, 98 101 82, 0 0 0, 86 90 70, "
               "58 41 43, 55 11 54, 58 41 43, 45 104 29, 82 105 66, 60 43 45, 39 26 23, "
               "100 103 72, 1 1 12, ");
-    // An explicit build replaces the table, and leaves the old one to whoever still reads it.
+    // An explicit build replaces the table, and does not free the old one: it may still be read.
     auto* const first = const_cast<BDS_IF_TYPE_INFO_S*>(TypeTable());
     EXPECT_EQ(BDS_InitIfTypeInfo(), 0U);
     EXPECT_NE(TypeTable(), first);

@@ -59,7 +59,7 @@ TEST(Shell, CallsEveryFunction)
     }
 }
 
-// A session as people see it. "@" stands for what differs from run to run.
+// A session with text output. "@" matches text that differs from run to run.
 TEST(Shell, ShowsWhatPeopleExpect)
 {
     const std::string session = root + "/tests/data/shell_session.txt";

@@ -70,7 +70,7 @@ void ExpectRefusal(const std::string& reason, const Action& action)
 TEST_F(ServersTest, WritesComeBackAsChangesOrAreRefused)
 {
     const OvsdbServer server(folder_);
-    writes::Write(writes::Insert, {Phy(99)});  // nobody's: it goes
+    writes::Write(writes::Insert, {Phy(99)});  // not on the server: deleted
     const Events events;
     OvsdbSource cluster(server.Remote(), brisk);
     cluster.Follow();
@@ -146,7 +146,7 @@ TEST_F(ServersTest, ASilentServerIsGivenUpAndTheTablesStay)
     first.Transact({NewRow("if_phy", {{"if_index", 1}, {"speed", 10}})});
     OvsdbSource cluster(first.Remote() + "," + second.Remote(), {300ms, 40ms, 10ms, 20ms});
     cluster.Follow();
-    std::this_thread::sleep_for(200ms);  // a server with nothing to tell answers
+    std::this_thread::sleep_for(200ms);  // an idle server replies to probes
     EXPECT_EQ(TakeLog().size(), 0U);
 
     second.Stop(SIGTERM);

@@ -161,7 +161,7 @@ private:
     uint32_t last_ = 0;  // insertion
     ORM_SESSION reading_ = 0;
     ORM_SESSION scanning_ = 0;
-    uint32_t read_ = none;  // the number of the row that the first session stands on
+    uint32_t read_ = none;  // number of the current row of the first session
 };
 
 TEST_F(StandinDatabase, RowsTakeOnlyWhatFits)

@@ -122,7 +122,7 @@ protected:
         OrmCloseSession(session_);
         standin::Reset();
     }
-    // What the callbacks were told.
+    // The deliveries that the callbacks received.
     Lines Deliver()
     {
         EXPECT_EQ(DbcHandleEvent(descriptor), 0U);

@@ -76,7 +76,7 @@ void Destroy(void* element)
     delete *static_cast<Owner*>(element);
 }
 
-// The statuses are nobody's business.
+// The list ignores the statuses.
 uint32_t Copy(void* element, const void* value)
 {
     *static_cast<Owner*>(element) = Make(ValueIn(value));

@@ -71,7 +71,7 @@ uint32_t Checked(uint32_t code)
     return code;
 }
 
-// What a call takes and gives, as far as its parameters' types don't tell.
+// Inputs and outputs of a call that don't follow from its parameter types.
 struct Manner {
     std::vector<Sort> takes = {};  // its handles, in order
     Sort gives = Sorts;            // a handle that it hands out

@@ -27,8 +27,8 @@ void AddNames(Texts& texts, const std::vector<Named>& named)
                            [](const Named& one) { return std::string(one.name); });
 }
 
-// But for what reaches for files, and what outlives a run: callbacks, the listener, and the table
-// that each call makes anew and none frees.
+// Excludes verbs that access files or outlive a run: callbacks, the listener, and the table that
+// each call allocates and none frees.
 Texts Verbs()
 {
     Texts leftOut = {"watch", "monitor", "publish", "load",

@@ -68,7 +68,7 @@ std::optional<uint32_t> Fault(std::string_view operation)
     return fault.code;
 }
 
-// malloc comes here too, and sanitizers allocate before they can watch anybody.
+// malloc is intercepted too, and sanitizers allocate before they are initialized.
 template <auto Operation>
 UNWATCHED auto Next(const char* name)
 {

@@ -27,7 +27,7 @@ enum class CleanUp { Works, FailsToo };
 
 // The nth call (from 1) of this operation, counted from now, does nothing and answers code; with
 // FailsToo, every later end of a scan or session answers it too, after having done its work. Also
-// "strcpy_s" and its kin, "malloc", "calloc" and "malloc_ex", which answer null, and
+// "strcpy_s" and its variants, "malloc", "calloc" and "malloc_ex", which return null, and
 // "pthread_create", "epoll_create", "epoll_ctl", "epoll_wait" and "close", whose error is code. Of
 // what belongs to the system only the library's own calls count.
 void FailCall(std::string_view operation, unsigned nth, uint32_t code,

@@ -135,7 +135,7 @@ public:
     }
 
 private:
-    // Of the database; false where nobody answers.
+    // State of the database; false if no server replies.
     bool StateOf(const char* column) const
     {
         try {

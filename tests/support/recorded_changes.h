@@ -1,4 +1,4 @@
-// Changes of the database, as a module of the daemon is told of them.
+// Records database changes as a module of the daemon receives them.
 #pragma once
 
 #include <algorithm>
@@ -40,7 +40,7 @@ struct Change {
     friend bool operator==(const Change&, const Change&) = default;
 };
 
-// Every change of two tables, as a module of the daemon is told of it.
+// Every change of two tables, as a module of the daemon receives it.
 class Events {
 public:
     Events()

@@ -1,4 +1,4 @@
-// Everything that the library tells its modules, in words; and how that comes to an end.
+// Records all events that the library delivers to its modules, as text; stops the listener.
 #pragma once
 
 #include <string>
@@ -26,15 +26,15 @@ void ForgetEvents();
 // What was called since the last time.
 Events TakeEvents();
 
-// The same, once everything is told that was committed before. Only in tests that are notified of
+// The same, after all earlier commits are delivered. Only in tests that are notified of
 // if_base: it writes a row there.
 Events AwaitEvents();
 
 // Closes the listener's session, stops and joins its thread, as a daemon would, and sets everything
-// back, so that a registration starts anew. Nothing where nothing runs.
+// back, so that a registration starts over. No effect if no listener runs.
 void StopListener();
 
-// Afterwards nobody listens, and nobody is registered.
+// After each test no listener runs and no callback is registered.
 class EventTest : public PlatformTest {
 protected:
     void TearDown() override;

@@ -1,4 +1,4 @@
-// Rows whose changes the library tells of, and how they come to be written.
+// Rows whose changes the library publishes, and helpers that write them.
 #pragma once
 
 #include <string>
