@@ -1,9 +1,9 @@
 // What following a server costs. bench/cluster starts the server and runs this against it:
 //
-//   fill COUNT   puts rows there: COUNT routes, and an interface to ask for
-//   start        how long it takes until they are here, beside only receiving them
-//   storm        how many changes a second come, and what queries cost meanwhile
-//   delay        how long a change takes to its callback, beside ovsdb-client monitor
+//   fill COUNT   puts rows there: COUNT routes, and an interface to query
+//   start        time until all rows are stored, beside only receiving them
+//   storm        changes received a second, and the cost of queries meanwhile
+//   delay        time from a change to its callback, beside ovsdb-client monitor
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -43,7 +43,7 @@ double ThreadSeconds()
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
-// A client without any of ours: requests out, answers in.
+// A client that only sends requests and receives answers.
 class BareClient {
 public:
     explicit BareClient(const std::string& path) : socket_(socket(AF_UNIX, SOCK_STREAM, 0))
@@ -131,7 +131,7 @@ void Subscribe()
 
 void Fill(const std::string& path, uint64_t count)
 {
-    constexpr uint64_t atOnce = 10'000;
+    constexpr uint64_t ROWS_AT_ONCE = 10'000;
     OvsdbSource cluster("unix:" + path);
     cluster.Follow();
     std::vector<RowWrite> writes = {
@@ -142,7 +142,7 @@ void Fill(const std::string& path, uint64_t count)
                                                  .Set("destAddr", 0x0a000000 + (i << 8))
                                                  .Set("prefixLen", 24)
                                                  .Set("nhpGroupId", i % 1000)});
-        if (writes.size() >= atOnce || i + 1 == count) {
+        if (writes.size() >= ROWS_AT_ONCE || i + 1 == count) {
             cluster.Commit(std::exchange(writes, {}));
         }
     }
@@ -181,7 +181,7 @@ struct QueryCost {
 };
 
 // By queries until the flag rises; the worst is that of 999 in 1000.
-QueryCost AskWhile(const std::atomic<bool>& goOn)
+QueryCost QueryWhile(const std::atomic<bool>& goOn)
 {
     char name[64];
     std::vector<double> walls;
@@ -202,15 +202,15 @@ void Print(const char* when, const QueryCost& cost)
                 when, cost.wall, cost.worst, cost.own);
 }
 
-constexpr uint64_t stormChanges = 20'000;
+constexpr uint64_t STORM_CHANGES = 20'000;
 
-// So many changes, as fast as the server takes them.
-void Blow(const std::string& path)
+// Sends all changes as fast as the server takes them.
+void SendChanges(const std::string& path)
 {
-    constexpr uint64_t inFlight = 64;
+    constexpr uint64_t IN_FLIGHT = 64;
     BareClient client(path);
-    for (uint64_t sent = 0, done = 0; done < stormChanges; ++done) {
-        for (; sent < stormChanges && sent < done + inFlight; ++sent) {
+    for (uint64_t sent = 0, done = 0; done < STORM_CHANGES; ++done) {
+        for (; sent < STORM_CHANGES && sent < done + IN_FLIGHT; ++sent) {
             client.SetSpeed(sent + 1);
         }
         client.Receive();
@@ -223,24 +223,24 @@ void Storm(const std::string& path)
     Subscribe();
     for (int round = 0; round < 5; ++round) {
         auto begin = Clock::now();
-        Blow(path);
-        alone = std::max(alone, stormChanges / SecondsSince(begin));
+        SendChanges(path);
+        alone = std::max(alone, STORM_CHANGES / SecondsSince(begin));
 
         OvsdbSource cluster("unix:" + path);
         cluster.Follow();
         callbacks = 0;
         lastSpeed = 0;
         begin = Clock::now();
-        Blow(path);
-        while (lastSpeed != stormChanges) {
+        SendChanges(path);
+        while (lastSpeed != STORM_CHANGES) {
             std::this_thread::yield();
         }
-        followed = std::max(followed, stormChanges / SecondsSince(begin));
+        followed = std::max(followed, STORM_CHANGES / SecondsSince(begin));
     }
     std::printf(
-        "changes: %.0f a second to %lu callbacks of %lu; %.0f a second with nobody "
-        "following; ratio %.2f\n",
-        followed, callbacks.load(), stormChanges, alone, followed / alone);
+        "changes: %.0f a second to %lu callbacks of %lu; %.0f a second without a "
+        "follower; ratio %.2f\n",
+        followed, callbacks.load(), STORM_CHANGES, alone, followed / alone);
 
     OvsdbSource cluster("unix:" + path);
     cluster.Follow();
@@ -249,14 +249,14 @@ void Storm(const std::string& path)
         std::this_thread::sleep_for(std::chrono::seconds(1));
         goOn = false;
     });
-    Print("in calm", AskWhile(goOn));
+    Print("without changes", QueryWhile(goOn));
     calm.join();
     goOn = true;
     std::jthread storm([&] {
-        Blow(path);
+        SendChanges(path);
         goOn = false;
     });
-    Print("in the storm", AskWhile(goOn));
+    Print("during the changes", QueryWhile(goOn));
 }
 
 // ---- delay ----
@@ -269,7 +269,8 @@ double Median(std::vector<double> values)
 
 void Delay(const std::string& path)
 {
-    constexpr uint32_t changes = 2000, first = 1'000'000;
+    constexpr uint32_t CHANGES = 2000;
+    constexpr uint32_t FIRST_SPEED = 1'000'000;
     OvsdbSource cluster("unix:" + path);
     Subscribe();
     cluster.Follow();
@@ -280,19 +281,19 @@ void Delay(const std::string& path)
     BareClient client(path);
     char line[512];
     std::vector<double> callback, printed, answered;
-    for (uint32_t i = 0; i < changes; ++i) {
+    for (uint32_t i = 0; i < CHANGES; ++i) {
         const auto begin = Clock::now();
-        client.SetSpeed(first + i);
+        client.SetSpeed(FIRST_SPEED + i);
         client.Receive();
         answered.push_back(SecondsSince(begin));
-        const std::string wanted = ',' + std::to_string(first + i) + '\n';
+        const std::string wanted = ',' + std::to_string(FIRST_SPEED + i) + '\n';
         do {
             if (fgets(line, sizeof line, monitor) == nullptr) {
                 throw std::runtime_error("ovsdb-client monitor ended");
             }
         } while (!std::string_view(line).ends_with(wanted));
         printed.push_back(SecondsSince(begin));
-        while (lastSpeed != first + i) {
+        while (lastSpeed != FIRST_SPEED + i) {
             std::this_thread::yield();
         }
         callback.push_back(

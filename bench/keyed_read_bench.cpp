@@ -9,9 +9,9 @@ namespace {
 
 using namespace bench;
 
-class StandIn {
+class StandInRead {
 public:
-    explicit StandIn(uint32_t rows) { Fill("if_base", rows, Interface); }
+    explicit StandInRead(uint32_t rows) { Fill("if_base", rows, Interface); }
     bool Read(uint32_t ifIndex, QRB_IF_BASE_S* record) const
     {
         return OrmgIfBaseReadInner(&ifIndex, sizeof(ifIndex), record, sizeof(*record)) == ORM_OK;
@@ -19,9 +19,9 @@ public:
 };
 
 // The same by a session's steps, for one field.
-class Session {
+class SessionRead {
 public:
-    explicit Session(uint32_t rows) { Fill("if_base", rows, Interface); }
+    explicit SessionRead(uint32_t rows) { Fill("if_base", rows, Interface); }
     bool Read(uint32_t ifIndex, QRB_IF_BASE_S* record) const
     {
         ORM_SESSION session = 0;
@@ -47,7 +47,7 @@ void KeyedRead(benchmark::State& state)
     if (state.thread_index() == 0) {
         store = &Filled<Store>(rows);
     }
-    RandomRows random(rows);
+    RandomOrder random(rows);
     QRB_IF_BASE_S record;
     for (auto _ : state) {
         if (!store->Read(random.Next(), &record)) {
@@ -64,17 +64,17 @@ void Sizes(benchmark::internal::Benchmark* benchmark)
     benchmark->RangeMultiplier(10)->Range(100, 1000000);
 }
 
-BENCHMARK(KeyedRead<StandIn>)->Name("keyed_read/stand_in")->Apply(Sizes);
+BENCHMARK(KeyedRead<StandInRead>)->Name("keyed_read/stand_in")->Apply(Sizes);
 BENCHMARK(KeyedRead<FlatHash>)->Name("keyed_read/flat_hash")->Apply(Sizes);
 BENCHMARK(KeyedRead<ChainedHash>)->Name("keyed_read/unordered_map")->Apply(Sizes);
 BENCHMARK(KeyedRead<Array>)->Name("keyed_read/array")->Apply(Sizes);
 BENCHMARK(KeyedRead<Lmdb>)->Name("keyed_read/lmdb")->Apply(Sizes);
 BENCHMARK(KeyedRead<Sqlite>)->Name("keyed_read/sqlite")->Apply(Sizes);
 
-BENCHMARK(KeyedRead<Session>)->Name("session_read/session")->Arg(10000);
-BENCHMARK(KeyedRead<StandIn>)->Name("session_read/one_shot")->Arg(10000);
+BENCHMARK(KeyedRead<SessionRead>)->Name("session_read/session")->Arg(10000);
+BENCHMARK(KeyedRead<StandInRead>)->Name("session_read/one_shot")->Arg(10000);
 
-BENCHMARK(KeyedRead<StandIn>)
+BENCHMARK(KeyedRead<StandInRead>)
     ->Name("two_readers/stand_in")
     ->Arg(10000)
     ->ThreadRange(1, 2)

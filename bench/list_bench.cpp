@@ -13,22 +13,22 @@
 
 namespace {
 
-struct Element {
+struct ListedRecord {
     uint64_t priority;
     uint64_t rest[3];
 };
 
-constexpr size_t waiting = 64;  // elements in the list while others come and go
-constexpr size_t sorted = 100;  // elements put in order
+constexpr size_t WAITING = 64;  // elements in the list while others come and go
+constexpr size_t SORTED = 100;  // elements put in order
 
-constexpr UTIL_LIST_TRAITS_S traits = {sizeof(Element), nullptr, nullptr, nullptr,
-                                       nullptr,         nullptr, nullptr};
+constexpr UTIL_LIST_TRAITS_S TRAITS = {
+    sizeof(ListedRecord), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr};
 
 // Whether an existing element stays ahead: the order of every list here.
 bool Ahead(const void* existing, const void* added, uint64_t /*context*/)
 {
-    return static_cast<const Element*>(existing)->priority >
-           static_cast<const Element*>(added)->priority;
+    return static_cast<const ListedRecord*>(existing)->priority >
+           static_cast<const ListedRecord*>(added)->priority;
 }
 
 int Compare(gconstpointer one, gconstpointer other, gpointer /*context*/)
@@ -41,12 +41,12 @@ public:
     OwnList()
     {
         MEM_EX_Init();
-        UTIL_LIST_Construct(&list_, &traits);
+        UTIL_LIST_Construct(&list_, &TRAITS);
     }
     ~OwnList() { UTIL_LIST_Destruct(&list_); }
-    void Push(const Element& element) { UTIL_LIST_PushBack(&list_, &element); }
+    void Push(const ListedRecord& element) { UTIL_LIST_PushBack(&list_, &element); }
     void Pop() { UTIL_LIST_PopFront(&list_); }
-    void Insert(const Element& element) { UTIL_LIST_SortedInsert(&list_, &element, Ahead, 0); }
+    void Insert(const ListedRecord& element) { UTIL_LIST_SortedInsert(&list_, &element, Ahead, 0); }
     void Clear() { UTIL_LIST_Clear(&list_); }
 
 private:
@@ -54,18 +54,18 @@ private:
 };
 
 // When the order is known.
-enum Known { atRunTime, whenCompiled };
+enum Known { AtRunTime, WhenCompiled };
 
 template <Known compare>
 class StdList {
 public:
-    void Push(const Element& element) { list_.push_back(element); }
+    void Push(const ListedRecord& element) { list_.push_back(element); }
     void Pop() { list_.pop_front(); }
-    void Insert(const Element& element)
+    void Insert(const ListedRecord& element)
     {
         auto position = list_.begin();
         auto ahead = Ahead;
-        if constexpr (compare == atRunTime) {
+        if constexpr (compare == AtRunTime) {
             benchmark::DoNotOptimize(ahead);
         }
         while (position != list_.end() && ahead(&*position, &element, 0)) {
@@ -76,24 +76,24 @@ public:
     void Clear() { list_.clear(); }
 
 private:
-    std::list<Element> list_;
+    std::list<ListedRecord> list_;
 };
 
 class Queue {
 public:
     ~Queue() { Clear(); }
-    void Push(const Element& element) { g_queue_push_tail(&queue_, Copy(element)); }
+    void Push(const ListedRecord& element) { g_queue_push_tail(&queue_, Copy(element)); }
     void Pop() { g_free(g_queue_pop_head(&queue_)); }
-    void Insert(const Element& element)
+    void Insert(const ListedRecord& element)
     {
         g_queue_insert_sorted(&queue_, Copy(element), Compare, nullptr);
     }
     void Clear() { g_queue_clear_full(&queue_, g_free); }
 
 private:
-    static Element* Copy(const Element& element)
+    static ListedRecord* Copy(const ListedRecord& element)
     {
-        auto* copy = g_new(Element, 1);
+        auto* copy = g_new(ListedRecord, 1);
         *copy = element;
         return copy;
     }
@@ -105,9 +105,9 @@ private:
 class Blocks {
 public:
     ~Blocks() { Clear(); }
-    void Push(const Element& element)
+    void Push(const ListedRecord& element)
     {
-        void* block = malloc(2 * sizeof(void*) + sizeof(Element));
+        void* block = malloc(2 * sizeof(void*) + sizeof(ListedRecord));
         memcpy(static_cast<char*>(block) + 2 * sizeof(void*), &element, sizeof(element));
         blocks_[pushed_++ % blocks_.size()] = block;
     }
@@ -120,7 +120,7 @@ public:
     }
 
 private:
-    std::array<void*, 2 * waiting> blocks_ = {};
+    std::array<void*, 2 * WAITING> blocks_ = {};
     size_t pushed_ = 0;
     size_t popped_ = 0;
 };
@@ -129,8 +129,8 @@ template <typename List>
 void PushPop(benchmark::State& state)
 {
     List list;
-    Element element = {};
-    for (size_t pushed = 0; pushed < waiting; pushed++) {
+    ListedRecord element = {};
+    for (size_t pushed = 0; pushed < WAITING; pushed++) {
         list.Push(element);
     }
     for (auto _ : state) {
@@ -141,27 +141,27 @@ void PushPop(benchmark::State& state)
 }
 BENCHMARK(PushPop<OwnList>)->Name("list_push_pop/util_list");
 BENCHMARK(PushPop<Blocks>)->Name("list_push_pop/malloc_copy_free");
-BENCHMARK(PushPop<StdList<whenCompiled>>)->Name("list_push_pop/std_list");
+BENCHMARK(PushPop<StdList<WhenCompiled>>)->Name("list_push_pop/std_list");
 BENCHMARK(PushPop<Queue>)->Name("list_push_pop/gqueue");
 
 template <typename List>
 void SortedInsert(benchmark::State& state)
 {
     List list;
-    std::array<Element, sorted> elements = {};
-    for (size_t element = 0; element < sorted; element++) {
-        elements[element].priority = element * 37 % sorted;
+    std::array<ListedRecord, SORTED> elements = {};
+    for (size_t element = 0; element < SORTED; element++) {
+        elements[element].priority = element * 37 % SORTED;
     }
     for (auto _ : state) {
-        for (const Element& element : elements) {
+        for (const ListedRecord& element : elements) {
             list.Insert(element);
         }
         list.Clear();
     }
 }
 BENCHMARK(SortedInsert<OwnList>)->Name("list_sorted_insert/util_list");
-BENCHMARK(SortedInsert<StdList<atRunTime>>)->Name("list_sorted_insert/std_list");
-BENCHMARK(SortedInsert<StdList<whenCompiled>>)->Name("list_sorted_insert/std_list_inlined");
+BENCHMARK(SortedInsert<StdList<AtRunTime>>)->Name("list_sorted_insert/std_list");
+BENCHMARK(SortedInsert<StdList<WhenCompiled>>)->Name("list_sorted_insert/std_list_inlined");
 BENCHMARK(SortedInsert<Queue>)->Name("list_sorted_insert/gqueue");
 
 }  // namespace

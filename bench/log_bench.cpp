@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr uint32_t suppressed = 6;
+constexpr uint32_t SUPPRESSED = 6;
 
 [[gnu::noinline]] void Compare(uint32_t priority, const char* /*function*/, uint32_t /*line*/,
                                const char* /*format*/, ...)
@@ -18,7 +18,7 @@ constexpr uint32_t suppressed = 6;
 void Log(benchmark::State& state, void (*log)(uint32_t, const char*, uint32_t, const char*, ...))
 {
     for (auto _ : state) {
-        log(suppressed, __func__, __LINE__, "orm read key[%d] failed, ret = %d.\n", 1, 2);
+        log(SUPPRESSED, __func__, __LINE__, "orm read key[%d] failed, ret = %d.\n", 1, 2);
     }
 }
 BENCHMARK_CAPTURE(Log, library, Tarn_QRB_Log_Printf)->Name("log_suppressed/library");

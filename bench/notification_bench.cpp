@@ -1,5 +1,5 @@
-// The road of a change: from a write to a module's callback on the listener thread, beside a bare
-// eventfd and epoll_wait; and what the library does with a change of nothing that it watches.
+// Time from a write to a module's callback on the listener thread, beside a bare eventfd and
+// epoll_wait; and the cost of an update that changes no watched field.
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -18,7 +18,7 @@
 #include <tarnd_qrb/memory_map.h>
 #include <tarnd_qrb/subscription.h>
 
-#include "rows.h"
+#include "bench_rows.h"
 
 namespace {
 
@@ -41,23 +41,23 @@ standin::Row Route(uint32_t ifIndex)
     return row.Set("if_index", ifIndex);
 }
 
-// When the other thread learnt of it. It tells by an eventfd, so that who waits sleeps.
+// When the other thread was notified. The waiting thread sleeps on an eventfd.
 class Arrival {
 public:
-    void Tell()
+    void Notify()
     {
         at_ = Clock::now();
-        eventfd_write(told_, 1);
+        eventfd_write(event_, 1);
     }
     Clock::time_point Wait()
     {
         eventfd_t count = 0;
-        eventfd_read(told_, &count);
+        eventfd_read(event_, &count);
         return at_;
     }
 
 private:
-    int told_ = eventfd(0, 0);
+    int event_ = eventfd(0, 0);
     Clock::time_point at_;
 };
 Arrival arrival;
@@ -88,7 +88,7 @@ private:
         eventfd_t count = 0;
         while (epoll_wait(epoll_, &event, 1, -1) == 1 && eventfd_read(signal_, &count) == 0 &&
                !ending_) {
-            arrival.Tell();
+            arrival.Notify();
         }
     }
 
@@ -109,7 +109,7 @@ void Bare(benchmark::State& state)
 }
 BENCHMARK(Bare)->Name("write_to_callback/bare")->UseManualTime();
 
-// How many changes the module expects; it tells of the last. The first can be held up.
+// How many changes the module expects; the last one notifies. The first can be held up.
 std::atomic<uint32_t> expected = 0;
 std::atomic<bool> held = false;
 
@@ -117,7 +117,7 @@ uint32_t OnChange()
 {
     held.wait(true);
     if (--expected == 0) {
-        arrival.Tell();
+        arrival.Notify();
     }
     return 0;
 }
@@ -134,7 +134,8 @@ uint32_t OnRouteState(uint32_t /*subId*/, uint32_t /*flag*/, uint32_t /*ifIndex*
     return OnChange();
 }
 
-// The library as the daemon starts it, with a module that hears of switch ports and routes.
+// The library as the daemon starts it, with a module that has callbacks for switch ports and
+// routes.
 void StartOnce()
 {
     static const bool started = [] {
@@ -196,12 +197,12 @@ BENCHMARK_CAPTURE(WriteToCallback, route, ToggleRoute)
 
 void Queued(benchmark::State& state)
 {
-    constexpr uint32_t changes = 10000;
+    constexpr uint32_t CHANGES = 10000;
     StartOnce();
     for (auto _ : state) {
-        expected = changes;
+        expected = CHANGES;
         held = true;
-        for (uint32_t change = 0; change < changes; change++) {
+        for (uint32_t change = 0; change < CHANGES; change++) {
             TogglePort().Commit();
         }
         const auto start = Clock::now();
@@ -209,11 +210,11 @@ void Queued(benchmark::State& state)
         held.notify_all();
         state.SetIterationTime(SecondsSince(start, arrival.Wait()));
     }
-    state.SetItemsProcessed(state.iterations() * changes);
+    state.SetItemsProcessed(state.iterations() * CHANGES);
 }
 BENCHMARK(Queued)->Name("write_to_callback/queued_10000")->UseManualTime();
 
-// What a handler at the least does with an update.
+// The least that a handler does with an update.
 void CompareByHand(ORM_MESSAGE message, uint32_t /*eventType*/)
 {
     QRB_PORT_S before;
@@ -246,22 +247,22 @@ int32_t Watch(uint32_t descriptor, uint32_t /*operation*/)
 // One message with many rows, dispatched on this thread.
 void Unchanged(benchmark::State& state, ORM_SUB_CALLBACK callback)
 {
-    constexpr char definition[] = R"({"name": "bench", "label_name": "port", "events":
+    constexpr char DEFINITION[] = R"({"name": "bench", "label_name": "port", "events":
         [{"type": "update", "msgTypes": ["new object", "old object"]}]})";
-    constexpr uint32_t ports = 256;
+    constexpr uint32_t PORTS = 256;
 
-    bench::Fill("port", ports, Port);
+    bench::Fill("port", PORTS, Port);
     ORM_SESSION_PARAM param = 0;
     ORM_SESSION session = 0;
     OrmCreateSessionParam("channel:", "osc", &param);
     if (OrmOpenSubSession(param, Watch, &session) != 0 ||
-        OrmSubscribe(session, "bench", definition, callback, nullptr, "bench") != 0) {
+        OrmSubscribe(session, "bench", DEFINITION, callback, nullptr, "bench") != 0) {
         state.SkipWithError("no subscription");
     }
     OrmDestroySessionParam(param);
     for (auto _ : state) {
         standin::Transaction transaction;
-        for (uint32_t port = 1; port <= ports; port++) {
+        for (uint32_t port = 1; port <= PORTS; port++) {
             transaction.Update(Port(port));
         }
         transaction.Commit();
@@ -269,7 +270,7 @@ void Unchanged(benchmark::State& state, ORM_SUB_CALLBACK callback)
         DbcHandleEvent(watched);
         state.SetIterationTime(SecondsSince(start));
     }
-    state.SetItemsProcessed(state.iterations() * ports);
+    state.SetItemsProcessed(state.iterations() * PORTS);
     OrmCloseSession(session);
 }
 BENCHMARK_CAPTURE(Unchanged, library, QRB_EVENT_PortTableCallback)

@@ -1,4 +1,4 @@
-// An event told to 1, 8 and 64 callbacks, beside an array of their addresses and GLib's list.
+// Publishing an event to 1, 8 and 64 callbacks, beside an array of their addresses and GLib's list.
 #include <glib.h>
 
 #include <vector>
@@ -10,9 +10,9 @@
 
 namespace {
 
-constexpr uint32_t event = L2IF_EVT_PORT_ADD;
-constexpr char module[] = "bench";
-constexpr uint16_t priority = 100;
+constexpr uint32_t EVENT = L2IF_EVT_PORT_ADD;
+constexpr char MODULE[] = "bench";
+constexpr uint16_t PRIORITY = 100;
 uint64_t callsMade = 0;
 
 uint32_t Callback(const void* /*data*/, uint32_t /*value*/, void* /*argument*/, uint64_t* /*word*/)
@@ -21,25 +21,27 @@ uint32_t Callback(const void* /*data*/, uint32_t /*value*/, void* /*argument*/, 
     return 0;
 }
 
-class Registry {
+class EventRegistry {
 public:
-    explicit Registry(int64_t callbacks)
+    explicit EventRegistry(int64_t callbacks)
     {
         MEM_EX_Init();
         for (int64_t registered = 0; registered < callbacks; registered++) {
-            L2IF_SH_EvtCbFuncReg(module, event, priority, Callback);
+            L2IF_SH_EvtCbFuncReg(MODULE, EVENT, PRIORITY, Callback);
         }
     }
-    ~Registry() { L2IF_SH_EvtCbRegTbl_Deinit(); }
-    void Publish() { L2IF_SH_EvtPublishEvent(event, &row_, 0, row_.vlan_bitmap_2); }
+    ~EventRegistry() { L2IF_SH_EvtCbRegTbl_Deinit(); }
+    void Publish() { L2IF_SH_EvtPublishEvent(EVENT, &row_, 0, row_.vlan_bitmap_2); }
 
 private:
     QRB_PORT_S row_ = {};
 };
 
-class Array {
+class CallbackArray {
 public:
-    explicit Array(int64_t callbacks) : callbacks_(static_cast<size_t>(callbacks), Callback) {}
+    explicit CallbackArray(int64_t callbacks) : callbacks_(static_cast<size_t>(callbacks), Callback)
+    {
+    }
     void Publish()
     {
         uint64_t word = 0;
@@ -53,15 +55,16 @@ private:
 };
 
 // A list of entries, as they would be registered.
-class List {
+class CallbackList {
 public:
-    explicit List(int64_t callbacks) : entries_(static_cast<size_t>(callbacks), {Callback, 0, {}})
+    explicit CallbackList(int64_t callbacks)
+        : entries_(static_cast<size_t>(callbacks), {Callback, 0, {}})
     {
         for (L2IF_SH_EVT_CB_S& entry : entries_) {
             list_ = g_list_prepend(list_, &entry);
         }
     }
-    ~List() { g_list_free(list_); }
+    ~CallbackList() { g_list_free(list_); }
     void Publish()
     {
         uint64_t word = 0;
@@ -93,8 +96,8 @@ void Callbacks(benchmark::internal::Benchmark* benchmark)
     benchmark->RangeMultiplier(8)->Range(1, 64);
 }
 
-BENCHMARK(Publish<Registry>)->Name("publish/registry")->Apply(Callbacks);
-BENCHMARK(Publish<Array>)->Name("publish/array")->Apply(Callbacks);
-BENCHMARK(Publish<List>)->Name("publish/glist")->Apply(Callbacks);
+BENCHMARK(Publish<EventRegistry>)->Name("publish/registry")->Apply(Callbacks);
+BENCHMARK(Publish<CallbackArray>)->Name("publish/array")->Apply(Callbacks);
+BENCHMARK(Publish<CallbackList>)->Name("publish/glist")->Apply(Callbacks);
 
 }  // namespace

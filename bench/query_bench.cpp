@@ -7,17 +7,17 @@
 #include <tarnd_qrb/ipv4_address.h>
 #include <tarnd_qrb/route.h>
 
+#include "bench_rows.h"
 #include "by_hand.h"
-#include "rows.h"
 
 namespace {
 
 using bench::Fill;
 using standin::Row;
 
-constexpr uint32_t rows = 64;
-constexpr uint32_t addresses = 4;  // of an interface
-constexpr uint32_t network = 0x0A000000;
+constexpr uint32_t ROWS = 64;
+constexpr uint32_t ADDRESSES = 4;  // of an interface
+constexpr uint32_t NETWORK = 0x0A000000;
 
 Row Physical(uint32_t ifIndex)
 {
@@ -29,8 +29,8 @@ Row Addresses(uint32_t ifIndex)
 {
     Row row("am_ipv4_address");
     row.Set("if_index", ifIndex);
-    for (uint32_t host = 1; host <= addresses; host++) {
-        const uint64_t values[] = {network + ifIndex * 256 + host, 24, 1};
+    for (uint32_t host = 1; host <= ADDRESSES; host++) {
+        const uint64_t values[] = {NETWORK + ifIndex * 256 + host, 24, 1};
         row.AddItem("ipv4_address_list", values);
     }
     return row;
@@ -45,28 +45,28 @@ Row Group(uint32_t id)
 Row Route(uint32_t number)
 {
     Row row("Fib.ConfigIpv4Fwd");
-    return row.Set("destAddr", network + number * 256)
+    return row.Set("destAddr", NETWORK + number * 256)
         .Set("prefixLen", 24)
         .Set("nhpGroupId", number);
 }
 
-// Each call asks about the next row.
+// Each call queries the next row.
 template <typename Query>
-void Ask(benchmark::State& state, std::string_view table, Row (*row)(uint32_t), Query query)
+void QueryEach(benchmark::State& state, std::string_view table, Row (*row)(uint32_t), Query query)
 {
-    Fill(table, rows, row);
-    uint32_t asked = 0;
+    Fill(table, ROWS, row);
+    uint32_t queried = 0;
     for (auto _ : state) {
-        asked = asked % rows + 1;
-        benchmark::DoNotOptimize(query(asked));
+        queried = queried % ROWS + 1;
+        benchmark::DoNotOptimize(query(queried));
     }
 }
 
 void OneShot(benchmark::State& state, uint32_t (*query)(char*, uint32_t))
 {
     char name[QRB_IF_NAME_SIZE];
-    Ask(state, "if_base", bench::Interface, [&](uint32_t asked) {
-        const uint32_t ret = query(name, asked);
+    QueryEach(state, "if_base", bench::Interface, [&](uint32_t queried) {
+        const uint32_t ret = query(name, queried);
         benchmark::DoNotOptimize(name);
         return ret;
     });
@@ -78,7 +78,8 @@ BENCHMARK_CAPTURE(OneShot, by_hand, by_hand::IF_INTF_GetIfNameByIfIndex)
 void Session(benchmark::State& state, uint32_t (*query)(uint32_t, uint8_t*))
 {
     uint8_t up = 0;
-    Ask(state, "if_phy", Physical, [&](uint32_t asked) { return query(asked, &up) + up; });
+    QueryEach(state, "if_phy", Physical,
+              [&](uint32_t queried) { return query(queried, &up) + up; });
 }
 BENCHMARK_CAPTURE(Session, library, BDS_IfnetGetIfPhyState)->Name("query_session/library");
 BENCHMARK_CAPTURE(Session, by_hand, by_hand::BDS_IfnetGetIfPhyState)->Name("query_session/by_hand");
@@ -86,8 +87,8 @@ BENCHMARK_CAPTURE(Session, by_hand, by_hand::BDS_IfnetGetIfPhyState)->Name("quer
 void List(benchmark::State& state, uint32_t (*query)(uint32_t, uint32_t, uint32_t*))
 {
     uint32_t mask = 0;
-    Ask(state, "am_ipv4_address", Addresses, [&](uint32_t asked) {
-        return query(asked, network + asked * 256 + addresses, &mask) + mask;
+    QueryEach(state, "am_ipv4_address", Addresses, [&](uint32_t queried) {
+        return query(queried, NETWORK + queried * 256 + ADDRESSES, &mask) + mask;
     });
 }
 BENCHMARK_CAPTURE(List, library, IP_GetMask)->Name("query_list/library");
@@ -97,8 +98,8 @@ void Condition(benchmark::State& state,
                uint32_t (*query)(uint16_t, uint16_t, uint32_t, const char*, uint32_t*))
 {
     uint32_t id = 0;
-    Ask(state, "acl_group", Group,
-        [&](uint32_t asked) { return query(0, 0, 2000 + asked, nullptr, &id) + id; });
+    QueryEach(state, "acl_group", Group,
+              [&](uint32_t queried) { return query(0, 0, 2000 + queried, nullptr, &id) + id; });
 }
 BENCHMARK_CAPTURE(Condition, library, ACL_IsExist)->Name("query_condition/library");
 BENCHMARK_CAPTURE(Condition, by_hand, by_hand::ACL_IsExist)->Name("query_condition/by_hand");
@@ -106,8 +107,8 @@ BENCHMARK_CAPTURE(Condition, by_hand, by_hand::ACL_IsExist)->Name("query_conditi
 void Scan(benchmark::State& state, uint32_t (*query)(uint32_t, uint32_t*))
 {
     uint32_t group = 0;
-    Ask(state, "Fib.ConfigIpv4Fwd", Route,
-        [&](uint32_t asked) { return query(network + asked * 256 + 1, &group) + group; });
+    QueryEach(state, "Fib.ConfigIpv4Fwd", Route,
+              [&](uint32_t queried) { return query(NETWORK + queried * 256 + 1, &group) + group; });
 }
 BENCHMARK_CAPTURE(Scan, library, FIB_ScanIp4Forward)->Name("query_scan/library");
 BENCHMARK_CAPTURE(Scan, by_hand, by_hand::FIB_ScanIp4Forward)->Name("query_scan/by_hand");

@@ -1,4 +1,4 @@
-// A forwarding table of up to a million entries: loaded from JSON, and asked about its last entry.
+// A forwarding table of up to a million entries: loaded from JSON, and queried for its last entry.
 #include <sources/json/json_file.h>
 #include <unistd.h>
 
@@ -10,17 +10,17 @@
 
 #include <tarnd_qrb/route.h>
 
+#include "bench_rows.h"
 #include "by_hand.h"
-#include "rows.h"
 
 namespace {
 
-constexpr uint32_t firstDestination = 0x0A000000;
+constexpr uint32_t FIRST_DESTINATION = 0x0A000000;
 
 standin::Row Route(uint32_t number)
 {
     standin::Row row("Fib.ConfigIpv4Fwd");
-    return row.Set("destAddr", firstDestination + number)
+    return row.Set("destAddr", FIRST_DESTINATION + number)
         .Set("prefixLen", 32)
         .Set("nhpGroupId", number);
 }
@@ -31,7 +31,7 @@ void LastEntry(benchmark::State& state, uint32_t (*query)(uint32_t, uint32_t*))
     bench::Fill("Fib.ConfigIpv4Fwd", rows, Route);
     for (auto _ : state) {
         uint32_t group = 0;
-        query(firstDestination + rows, &group);
+        query(FIRST_DESTINATION + rows, &group);
         if (group != rows) {
             state.SkipWithError("another entry");
             break;

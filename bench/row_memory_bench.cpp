@@ -5,7 +5,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "rows.h"
+#include "bench_rows.h"
 
 namespace {
 
@@ -15,7 +15,7 @@ using standin::List;
 using standin::Row;
 using standin::Table;
 
-constexpr uint32_t rows = 100000;
+constexpr uint32_t ROWS = 100000;
 
 // Every key its own, and one item in every list.
 Row RowOf(const Table& table, uint32_t number)
@@ -56,8 +56,8 @@ void RowMemory(benchmark::State& state, const Table& table)
     for (auto _ : state) {
         standin::Reset();
         const size_t before = InUse();
-        bench::Fill(table.name, rows, [&](uint32_t number) { return RowOf(table, number); });
-        state.counters["bytes_a_row"] = static_cast<double>(InUse() - before) / rows;
+        bench::Fill(table.name, ROWS, [&](uint32_t number) { return RowOf(table, number); });
+        state.counters["bytes_a_row"] = static_cast<double>(InUse() - before) / ROWS;
         state.counters["record_and_lists"] = static_cast<double>(RecordAndLists(table));
     }
     standin::Reset();

@@ -9,12 +9,12 @@ namespace {
 
 using namespace bench;
 
-constexpr uint32_t fieldIfIndex = 0;
-constexpr uint32_t fieldIfType = 4;
+constexpr uint32_t FIELD_IF_INDEX = 0;
+constexpr uint32_t FIELD_IF_TYPE = 4;
 
-class StandIn {
+class StandInScan {
 public:
-    explicit StandIn(uint32_t rows) { Fill("if_base", rows, Interface); }
+    explicit StandInScan(uint32_t rows) { Fill("if_base", rows, Interface); }
     template <typename OnRow>
     void Scan(OnRow onRow) const
     {
@@ -27,8 +27,8 @@ public:
         while (OrmScanNext(session, scan, &end) == ORM_OK && end == 0) {
             uint32_t ifIndex = 0;
             uint16_t ifType = 0;
-            OrmGetFieldById(session, fieldIfIndex, &ifIndex, sizeof(ifIndex));
-            OrmGetFieldById(session, fieldIfType, &ifType, sizeof(ifType));
+            OrmGetFieldById(session, FIELD_IF_INDEX, &ifIndex, sizeof(ifIndex));
+            OrmGetFieldById(session, FIELD_IF_TYPE, &ifType, sizeof(ifType));
             onRow(ifIndex, ifType);
         }
         OrmScanEnd(session, scan);
@@ -62,7 +62,7 @@ void Sizes(benchmark::internal::Benchmark* benchmark)
     benchmark->RangeMultiplier(10)->Range(100, 1000000);
 }
 
-BENCHMARK(Scan<StandIn>)->Name("scan/stand_in")->Apply(Sizes);
+BENCHMARK(Scan<StandInScan>)->Name("scan/stand_in")->Apply(Sizes);
 BENCHMARK(Scan<Array>)->Name("scan/array")->Apply(Sizes);
 BENCHMARK(Scan<Lmdb>)->Name("scan/lmdb")->Apply(Sizes);
 BENCHMARK(Scan<Sqlite>)->Name("scan/sqlite")->Apply(Sizes);

@@ -37,8 +37,8 @@ using standin::Row;
 using standin::Transaction;
 using Clock = std::chrono::steady_clock;
 
-constexpr uint32_t writerCount = 2;
-constexpr size_t mostAwaited = 1000;  // notifications of one writer that are under way
+constexpr uint32_t WRITER_COUNT = 2;
+constexpr size_t MOST_AWAITED = 1000;  // notifications of one writer that are under way
 
 std::atomic<bool> running = true;
 std::atomic<uint64_t> writes = 0;
@@ -48,7 +48,7 @@ std::atomic<uint64_t> walks = 0;
 std::atomic<uint64_t> wrong = 0;  // answers
 
 // The listener's, until it has ended.
-uint64_t told = 0;
+uint64_t notified = 0;
 uint64_t unexpected = 0;
 Clock::duration longest = {};  // from write to callback
 
@@ -65,7 +65,7 @@ Row Base(uint32_t ifIndex)
     return Row("if_base").Set("if_index", ifIndex).Set("if_name", NameOf(ifIndex));
 }
 
-// One value stands in two places, so that half a write would be seen.
+// One value is stored in two fields, so that a reader could detect half a write.
 Row Physical(uint32_t ifIndex, uint32_t state, uint32_t value)
 {
     return Row("if_phy")
@@ -87,7 +87,7 @@ void Fill()
     }
 }
 
-// What a writer's changes are to be told as, in order.
+// The notifications that a writer's changes cause, in order.
 class Awaited {
 public:
     void Add(uint32_t ifIndex, uint32_t command)
@@ -95,7 +95,7 @@ public:
         const std::lock_guard lock(mutex_);
         pending_.push_back({ifIndex, command, Clock::now()});
     }
-    void Tell(uint32_t ifIndex, uint32_t command)
+    void Receive(uint32_t ifIndex, uint32_t command)
     {
         const std::lock_guard lock(mutex_);
         if (pending_.empty() || pending_.front().ifIndex != ifIndex ||
@@ -103,7 +103,7 @@ public:
             unexpected++;
             return;
         }
-        told++;
+        notified++;
         longest = std::max(longest, Clock::now() - pending_.front().when);
         pending_.pop_front();
     }
@@ -114,21 +114,21 @@ public:
     }
 
 private:
-    struct Change {
+    struct AwaitedChange {
         uint32_t ifIndex;
         uint32_t command;
         Clock::time_point when;
     };
 
     std::mutex mutex_;
-    std::deque<Change> pending_;
+    std::deque<AwaitedChange> pending_;
 };
-Awaited awaited[writerCount];
+Awaited awaited[WRITER_COUNT];
 
 // A writer's interfaces are those that leave its number.
 uint32_t Notified(uint32_t ifIndex, uint32_t command, uint32_t, uint32_t)
 {
-    awaited[ifIndex % writerCount].Tell(ifIndex, command);
+    awaited[ifIndex % WRITER_COUNT].Receive(ifIndex, command);
     return 0;
 }
 
@@ -145,13 +145,13 @@ void WriteFor(uint32_t writer)
     std::vector<bool> up(interfaces);
     const uint32_t visitor = interfaces + writer;
     for (uint32_t round = 0; running; round++) {
-        while (awaited[writer].Size() >= mostAwaited) {
+        while (awaited[writer].Size() >= MOST_AWAITED) {
             std::this_thread::sleep_for(100us);
         }
         Transaction transaction;
         for (uint32_t left = 1 + round % 8; left > 0; left--) {
             const auto chosen = static_cast<uint32_t>(random() % interfaces);
-            const uint32_t ifIndex = chosen - chosen % writerCount + writer;
+            const uint32_t ifIndex = chosen - chosen % WRITER_COUNT + writer;
             up[ifIndex] = !up[ifIndex];
             awaited[writer].Add(ifIndex, up[ifIndex] ? IF_NOTIFY_UP : IF_NOTIFY_DOWN);
             transaction.Update(Physical(ifIndex, up[ifIndex] ? 1 : 0, round));
@@ -184,7 +184,7 @@ void ReadFor(uint32_t reader)
     }
 }
 
-// Each walk meets every interface once, in order; the first stays open for the first half of the
+// Each walk returns every interface once, in order; the first stays open for the first half of the
 // time.
 void WalkFor(Clock::duration half)
 {
@@ -213,7 +213,7 @@ double ResidentMegabytes()
     return pages * 4096 / 1e6;
 }
 
-// As a daemon does, once everything has been told that will be.
+// As a daemon does, once every notification has arrived.
 void StopListener()
 {
     for (int left = 1000; left > 0 && awaited[0].Size() + awaited[1].Size() > 0; left--) {
@@ -233,7 +233,7 @@ int Report(std::chrono::seconds seconds, double before, double after)
         std::printf("%-14s %12" PRIu64 "\n", what, count);
     };
     print("transactions", writes);
-    print("notifications", told);
+    print("notifications", notified);
     print("  lost", lost);
     print("  unexpected", unexpected);
     print("reads", reads);
@@ -254,7 +254,7 @@ int main(int count, char** words)
 {
     const auto seconds = std::chrono::seconds(count > 1 ? std::strtoul(words[1], nullptr, 10) : 60);
     const auto rows = count > 2 ? std::strtoul(words[2], nullptr, 10) : 1000000;
-    interfaces = static_cast<uint32_t>(rows / 2 / writerCount * writerCount);
+    interfaces = static_cast<uint32_t>(rows / 2 / WRITER_COUNT * WRITER_COUNT);
 
     MEM_EX_Init();
     Fill();
@@ -263,7 +263,7 @@ int main(int count, char** words)
         return 1;
     }
     std::vector<std::thread> threads;
-    for (uint32_t number = 0; number < writerCount; number++) {
+    for (uint32_t number = 0; number < WRITER_COUNT; number++) {
         threads.emplace_back(WriteFor, number);
         threads.emplace_back(ReadFor, number);
     }

@@ -13,7 +13,7 @@
 
 #include <tsl/robin_map.h>
 
-#include "rows.h"
+#include "bench_rows.h"
 
 namespace bench {
 

@@ -55,10 +55,7 @@ int memset_s(void* destination, size_t destinationSize, int value, size_t count)
 
 int strcpy_s(char* destination, size_t destinationSize, const char* source)
 {
-    if (destination == nullptr || source == nullptr) {
-        return Refuse(destination, destinationSize, EINVAL);
-    }
-    return PutText(destination, destinationSize, 0, source, strnlen(source, destinationSize));
+    return strncpy_s(destination, destinationSize, source, destinationSize);
 }
 
 int strncpy_s(char* destination, size_t destinationSize, const char* source, size_t count)

@@ -9,12 +9,35 @@
 
 namespace standin {
 
-// Passes the session to action, or refuses the handle.
+// No exception leaves the library.
 template <typename Action>
-uint32_t OnSession(uint64_t handle, Action action)
+uint32_t Guarded(Action action)
 {
-    Session* session = FindSession(HandleKind::Session, handle);
-    return session == nullptr ? Refusal::UnknownHandle : action(*session);
+    try {
+        return action();
+    } catch (const std::exception&) {
+        return Refusal::OutOfResources;
+    }
+}
+
+// Passes the open session of this kind to action, or refuses the handle.
+template <typename Action>
+uint32_t OnSession(uint64_t handle, Action action, HandleKind kind = HandleKind::Session)
+{
+    Session* session = FindSession(kind, handle);
+    if (session == nullptr) {
+        return Refusal::UnknownHandle;
+    }
+    return Guarded([&] { return action(*session); });
+}
+
+// The same for a session in this state only.
+template <typename Action>
+uint32_t OnSessionIn(SessionState state, uint64_t handle, Action action)
+{
+    return OnSession(handle, [&](Session& session) -> uint32_t {
+        return session.state == state ? action(session) : Refusal::WrongOrder;
+    });
 }
 
 // Passes the current row of a session or message to action, or returns why there is none.
@@ -27,17 +50,6 @@ uint32_t OnCurrentRow(uint64_t handle, Action action)
         return Refusal::UnknownHandle;
     }
     return session->current.IsSet() ? action(session->current) : Refusal::WrongOrder;
-}
-
-// No exception leaves the library.
-template <typename Action>
-uint32_t Guarded(Action action)
-{
-    try {
-        return action();
-    } catch (const std::exception&) {
-        return Refusal::OutOfResources;
-    }
 }
 
 template <typename... Pointer>

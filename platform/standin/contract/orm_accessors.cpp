@@ -63,10 +63,8 @@ uint32_t SetKey(const TableStore& store, ORM_SESSION session, std::string_view n
     if (key == nullptr) {
         return Refusal::NullArgument;
     }
-    return OnSession(session, [&](Session& open) -> uint32_t {
-        ReadKey* read = open.Key();
-        return read == nullptr || !read->IsOf(store) ? Refusal::WrongOrder
-                                                     : read->SetWholeKey(name, key, keyLength);
+    return OnSessionIn(SessionState::Read, session, [&](Session& open) -> uint32_t {
+        return open.store == &store ? open.key.SetWhole(name, key, keyLength) : Refusal::WrongOrder;
     });
 }
 

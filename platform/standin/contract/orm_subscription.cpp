@@ -47,16 +47,9 @@ uint32_t OpenSubscriptionSession(ORM_FD_CONTROL control, ORM_SESSION* session)
     return ORM_OK;
 }
 
-template <typename Action>
-uint32_t OnMessage(ORM_MESSAGE message, Action action)
-{
-    Session* session = FindSession(HandleKind::Message, message);
-    return session == nullptr ? Refusal::UnknownHandle : action(*session);
-}
-
 uint32_t SelectObject(Session& message, uint32_t object)
 {
-    const auto& changes = message.delivery->Changes();
+    const auto& changes = message.delivery->changes;
     if (message.fetched == 0 || message.fetched > changes.size()) {
         return Refusal::WrongOrder;
     }
@@ -89,18 +82,15 @@ uint32_t OrmSubscribe(ORM_SESSION session, const char* name, const char* definit
     if (AnyNull(name, definition, owner) || callback == nullptr) {
         return Refusal::NullArgument;
     }
-    Session* open = FindSession(HandleKind::Subscription, session);
-    if (open == nullptr) {
-        return Refusal::UnknownHandle;
-    }
-    return Guarded([&]() -> uint32_t {
+    const auto subscribe = [=](Session& open) -> uint32_t {
         const auto parsed = ParseDefinition(definition);
         if (!parsed) {
             return Refusal::BadDefinition;
         }
-        open->subscriber->Subscribe(*parsed, callback);
+        open.subscriber->Subscribe(*parsed, callback);
         return ORM_OK;
-    });
+    };
+    return OnSession(session, subscribe, HandleKind::Subscription);
 }
 
 uint32_t OrmSubFetchNext(ORM_MESSAGE message, uint8_t* end)
@@ -108,15 +98,16 @@ uint32_t OrmSubFetchNext(ORM_MESSAGE message, uint8_t* end)
     if (end == nullptr) {
         return Refusal::NullArgument;
     }
-    return OnMessage(message, [=](Session& open) -> uint32_t {
-        const size_t rows = open.delivery->Changes().size();
+    const auto fetch = [=](Session& open) -> uint32_t {
+        const size_t rows = open.delivery->changes.size();
         open.current.Clear();
         open.fetched = std::min(open.fetched + 1, rows + 1);
         if (open.fetched > rows) {
             *end = 1;
         }
         return ORM_OK;
-    });
+    };
+    return OnSession(message, fetch, HandleKind::Message);
 }
 
 uint32_t OrmSubExtractData(ORM_MESSAGE message, uint32_t object, uint32_t flags)
@@ -124,7 +115,8 @@ uint32_t OrmSubExtractData(ORM_MESSAGE message, uint32_t object, uint32_t flags)
     if (object > ORM_OBJECT_NEW || flags != 0) {
         return Refusal::UnknownMode;
     }
-    return OnMessage(message, [=](Session& open) { return SelectObject(open, object); });
+    const auto select = [=](Session& open) { return SelectObject(open, object); };
+    return OnSession(message, select, HandleKind::Message);
 }
 
 uint32_t DbcHandleEvent(int32_t descriptor)

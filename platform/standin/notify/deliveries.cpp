@@ -5,23 +5,34 @@
 #include <vector>
 
 #include "notify/subscriber.h"
-#include "session/orm_session.h"
 #include "session/session_pool.h"
 
 namespace standin {
 
+namespace {
+
+// The session of the message whose callback runs on this thread, or null.
+const Session* RunningSession()
+{
+    return FindSession(HandleKind::Message, Subscriber::RunningMessage());
+}
+
+}  // namespace
+
 std::chrono::steady_clock::time_point CommitTime()
 {
-    return Delivery::Running();
+    const Session* message = RunningSession();
+    return message != nullptr ? message->delivery->committed
+                              : std::chrono::steady_clock::time_point();
 }
 
 std::optional<RowChange> CurrentChange()
 {
-    const Session* message = FindSession(HandleKind::Message, Delivery::RunningMessage());
+    const Session* message = RunningSession();
     if (message == nullptr) {
         return std::nullopt;
     }
-    const auto& changes = message->delivery->Changes();
+    const auto& changes = message->delivery->changes;
     if (message->fetched == 0 || message->fetched > changes.size()) {
         return std::nullopt;
     }

@@ -21,6 +21,8 @@ std::vector<std::shared_ptr<Subscriber>>& OpenSubscribers()
     return subscribers;
 }
 
+thread_local ORM_MESSAGE running = 0;
+
 }  // namespace
 
 std::shared_ptr<Subscriber> Subscriber::Open(ORM_FD_CONTROL control)
@@ -69,7 +71,7 @@ Deliveries Subscriber::DeliveriesOf(std::span<const std::span<const Change>> run
     for (const auto& run : runs) {
         for (const Subscription& subscription : subscriptions_) {
             if (subscription.definition.Covers(*run.front().store, run.front().event)) {
-                deliveries.emplace_back(subscription.callback, run, now);
+                deliveries.push_back({subscription.callback, {run.begin(), run.end()}, now});
             }
         }
     }
@@ -141,11 +143,19 @@ bool Subscriber::DeliverFirst()
     }
     const Deliveries first = TakeFirst();
     if (!first.empty()) {  // a callback may have closed the subscriber
-        session->delivery = &first.front();
-        first.front().Run(message);
+        const Delivery& delivery = first.front();
+        session->delivery = &delivery;
+        const auto outer = std::exchange(running, message);
+        delivery.callback(message, delivery.changes.front().event);
+        running = outer;
     }
     CloseSession(*session);
     return true;
+}
+
+ORM_MESSAGE Subscriber::RunningMessage()
+{
+    return running;
 }
 
 bool Subscriber::AwaitQuiet(std::chrono::steady_clock::time_point deadline)
@@ -201,6 +211,47 @@ void Subscriber::StopServing()
         server_.detach();  // a callback closes: its thread ends after it
     } else if (server_.joinable()) {
         server_.join();
+    }
+}
+
+namespace {
+
+// Neighbours of one table and one operation.
+std::vector<std::span<const Change>> RunsOf(std::span<const Change> changes)
+{
+    std::vector<std::span<const Change>> runs;
+    while (!changes.empty()) {
+        const auto end = std::ranges::find_if(changes, [&](const Change& change) {
+            return change.store != changes.front().store || change.event != changes.front().event;
+        });
+        runs.push_back(changes.first(static_cast<size_t>(end - changes.begin())));
+        changes = changes.subspan(runs.back().size());
+    }
+    return runs;
+}
+
+}  // namespace
+
+Announcement Announce(std::span<const Change> changes)
+{
+    Announcement announcement;
+    const auto subscribers = Subscriber::All();
+    if (subscribers.empty()) {
+        return announcement;
+    }
+    const auto runs = RunsOf(changes);
+    for (const auto& subscriber : subscribers) {
+        if (auto deliveries = subscriber->DeliveriesOf(runs); !deliveries.empty()) {
+            announcement.emplace_back(subscriber, std::move(deliveries));
+        }
+    }
+    return announcement;
+}
+
+void Post(Announcement& announcement)
+{
+    for (auto& [subscriber, deliveries] : announcement) {
+        subscriber->Append(std::move(deliveries));
     }
 }
 

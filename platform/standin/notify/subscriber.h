@@ -31,6 +31,9 @@ public:
     // Runs the callbacks of what is pending now.
     uint32_t Dispatch();
 
+    // The message whose callback runs on this thread; 0 where there is none.
+    static ORM_MESSAGE RunningMessage();
+
     // Waits until nothing is pending and no callback runs; false where that takes until the
     // deadline.
     bool AwaitQuiet(std::chrono::steady_clock::time_point deadline);
@@ -73,5 +76,11 @@ private:
     Deliveries pending_;
     bool closed_ = false;
 };
+
+// The messages of one transaction. Made while the transaction can still be undone, since that takes
+// memory. Posting takes none, so every committed change is announced.
+using Announcement = std::vector<std::pair<std::shared_ptr<Subscriber>, Deliveries>>;
+Announcement Announce(std::span<const Change> changes);
+void Post(Announcement& announcement);  // in the order of the transactions
 
 }  // namespace standin

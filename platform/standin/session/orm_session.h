@@ -12,44 +12,30 @@
 namespace standin {
 
 class Subscriber;
-class Delivery;
+struct Delivery;
 
-class Session {
-public:
+enum class SessionState : uint8_t { Open, Read, Scan, Scanning };
+
+struct Session {
     explicit Session(uint32_t numberInPool) : number(numberInPool) {}
-
-    uint32_t Prepare(std::string_view table, uint32_t operation);
-    uint32_t Execute();
-    uint32_t SetCondition(std::string_view text);
-    uint32_t StartScan(uint64_t* scanHandle);
-    uint32_t MoveToNext(uint64_t scanHandle, uint8_t* end);
-    uint32_t EndScan(uint64_t scanHandle);
-
-    // Null unless the session was prepared for a keyed read.
-    ReadKey* Key() { return state_ == State::Read ? &read_ : nullptr; }
 
     const uint32_t number;
     std::atomic<uint64_t> handle = 0;  // the valid one; 0: closed
     uint64_t uses = 0;                 // handles made with this number
     CurrentRow current;
 
+    // What was prepared.
+    SessionState state = SessionState::Open;
+    const TableStore* store = nullptr;
+    ReadKey key;
+    ScanCondition condition;
+    TableScan scan;
+    uint64_t scanHandle = 0;
+
     // Only a subscription session has a subscriber, only a message has a delivery.
     std::shared_ptr<Subscriber> subscriber;
     const Delivery* delivery = nullptr;
     size_t fetched = 0;  // rows of the delivery moved to so far
-
-    // Releases whatever was prepared or read.
-    void Reset();
-
-private:
-    enum class State : uint8_t { Open, Read, Scan, Scanning };
-
-    State state_ = State::Open;
-    ReadKey read_;
-    ScanCondition condition_;
-    TableScan scan_;
-    uint64_t scanHandle_ = 0;
-    const TableStore* store_ = nullptr;
 };
 
 }  // namespace standin

@@ -13,7 +13,7 @@ void ReadKey::Prepare(const TableStore& store)
     key_.reset();
 }
 
-uint32_t ReadKey::ChooseKey(std::string_view name)
+uint32_t ReadKey::Choose(std::string_view name)
 {
     const auto keys = store_->Description().keys;
     const auto found = std::ranges::find(keys, name, &Key::name);
@@ -45,9 +45,9 @@ uint32_t ReadKey::SetMember(uint32_t member, uint32_t valueType, const void* val
     return ORM_OK;
 }
 
-uint32_t ReadKey::SetWholeKey(std::string_view name, const void* bytes, uint32_t size)
+uint32_t ReadKey::SetWhole(std::string_view name, const void* bytes, uint32_t size)
 {
-    const uint32_t chosen = ChooseKey(name);
+    const uint32_t chosen = Choose(name);
     if (chosen != ORM_OK) {
         return chosen;
     }

@@ -11,11 +11,10 @@ class ReadKey {
 public:
     void Prepare(const TableStore& store);
 
-    uint32_t ChooseKey(std::string_view name);
+    uint32_t Choose(std::string_view name);
     uint32_t SetMember(uint32_t member, uint32_t valueType, const void* value, uint32_t size);
-    uint32_t SetWholeKey(std::string_view name, const void* bytes, uint32_t size);
+    uint32_t SetWhole(std::string_view name, const void* bytes, uint32_t size);
 
-    bool IsOf(const TableStore& store) const { return store_ == &store; }
     bool IsComplete() const { return store_ != nullptr && key_ && missing_ == 0; }
     const StoredRow* Find() const { return store_->Find(*key_, bytes_.data()); }
 

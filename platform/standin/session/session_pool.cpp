@@ -20,49 +20,47 @@ std::vector<Session*>& Closed()
     return closed;
 }
 
-Session* AddSession()
+// Adds a closed session, unless there are too many, or no memory.
+void AddSession()
 {
-    if (sessionCount == sessions.size()) {
-        return nullptr;
+    if (sessionCount < sessions.size()) {
+        try {
+            Closed().reserve(sessionCount + 1);  // so that closing never fails
+            Closed().push_back(new Session(sessionCount));
+            sessions[sessionCount++].store(Closed().back(), std::memory_order_release);
+        } catch (const std::bad_alloc&) {
+            return;
+        }
     }
-    Closed().reserve(sessionCount + 1);  // so that closing never fails
-    auto* session = new Session(sessionCount);
-    sessions[sessionCount++].store(session, std::memory_order_release);
-    return session;
-}
-
-Session* TakeSession()
-{
-    const std::lock_guard lock(mutex);
-    if (Closed().empty()) {
-        return AddSession();
-    }
-    Session* session = Closed().back();
-    Closed().pop_back();
-    return session;
 }
 
 }  // namespace
 
 Session* OpenSession(HandleKind kind, uint64_t* handle)
 {
-    Session* session = nullptr;
-    try {
-        session = TakeSession();
-    } catch (const std::bad_alloc&) {
+    const std::lock_guard lock(mutex);
+    if (Closed().empty()) {
+        AddSession();
+    }
+    if (Closed().empty()) {
         return nullptr;
     }
-    if (session != nullptr) {
-        *handle = MakeHandle(kind, session->number, ++session->uses);
-        session->handle.store(*handle, std::memory_order_relaxed);
-    }
+    Session* session = Closed().back();
+    Closed().pop_back();
+    *handle = MakeHandle(kind, session->number, ++session->uses);
+    session->handle.store(*handle, std::memory_order_relaxed);
     return session;
 }
 
 void CloseSession(Session& session)
 {
     session.handle.store(0, std::memory_order_relaxed);
-    session.Reset();
+    session.current.Clear();
+    session.scan.Stop();
+    session.condition.Clear();
+    session.state = SessionState::Open;
+    session.delivery = nullptr;
+    session.fetched = 0;
     const std::lock_guard lock(mutex);
     Closed().push_back(&session);
 }

@@ -28,6 +28,7 @@ void TableScan::Fetch()
     while (rows_.empty() && next_) {
         const ReadGuard guard;
         const auto run = store_->Order().RunFrom(*next_);
+        rows_.reserve(run.rows.size());
         for (const RowReference& row : run.rows) {
             __builtin_prefetch(row.Get());
         }

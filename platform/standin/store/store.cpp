@@ -3,7 +3,7 @@
 
 #include <mutex>
 
-#include "notify/announcement.h"
+#include "notify/subscriber.h"
 #include "session/table_scan.h"
 #include "store/reader_writer_lock.h"
 #include "store/table_store.h"
@@ -114,7 +114,7 @@ void Transaction::Commit()
                 Apply(change);
                 changes.push_back(std::move(change));
             }
-            announcement = Announcement(changes);
+            announcement = Announce(changes);
         } catch (...) {
             for (; !changes.empty(); changes.pop_back()) {
                 Undo(changes.back());
@@ -122,7 +122,7 @@ void Transaction::Commit()
             throw;
         }
     }
-    announcement.Post();
+    Post(announcement);
     writes_.clear();
 }
 

@@ -19,19 +19,15 @@ const Table& TableNamed(std::string_view name)
     return table != nullptr ? *table : throw Error("no table " + std::string(name));
 }
 
-bool IsNumber(Kind kind)
-{
-    return kind == Kind::Number || kind == Kind::Ipv4;
-}
-
-const Field& FieldNamed(const Table& table, std::string_view name, bool (*hasKind)(Kind),
-                        std::string_view otherwise)
+// The field with this name, which must be of one of the kinds.
+const Field& FieldNamed(const Table& table, std::string_view name,
+                        std::initializer_list<Kind> kinds, std::string_view otherwise)
 {
     const Field* field = FindField(table.fields, name);
     if (field == nullptr) {
         Refuse(table, name, "no such field");
     }
-    if (!hasKind(field->kind)) {
+    if (std::ranges::find(kinds, field->kind) == kinds.end()) {
         Refuse(table, name, otherwise);
     }
     return *field;
@@ -39,13 +35,12 @@ const Field& FieldNamed(const Table& table, std::string_view name, bool (*hasKin
 
 const Field& NumberField(const Table& table, std::string_view name)
 {
-    return FieldNamed(table, name, IsNumber, "not a number");
+    return FieldNamed(table, name, {Kind::Number, Kind::Ipv4}, "not a number");
 }
 
 const Field& TextField(const Table& table, std::string_view name)
 {
-    return FieldNamed(
-        table, name, [](Kind kind) { return kind == Kind::Text; }, "not a text");
+    return FieldNamed(table, name, {Kind::Text}, "not a text");
 }
 
 size_t ListNamed(const Table& table, std::string_view name)
@@ -96,9 +91,8 @@ Row& Row::Set(std::string_view field, std::string_view text)
 
 Row& Row::SetBytes(std::string_view field, std::span<const uint8_t> bytes)
 {
-    const Field& found = FieldNamed(
-        *table_, field, [](Kind kind) { return kind == Kind::Mac || kind == Kind::Set; },
-        "neither a MAC address nor a set");
+    const Field& found =
+        FieldNamed(*table_, field, {Kind::Mac, Kind::Set}, "neither a MAC address nor a set");
     if (bytes.size() != found.width) {
         Refuse(*table_, field, "not " + std::to_string(found.width) + " bytes");
     }
@@ -108,8 +102,7 @@ Row& Row::SetBytes(std::string_view field, std::span<const uint8_t> bytes)
 
 Row& Row::AddToSet(std::string_view field, uint32_t first, uint32_t last)
 {
-    const Field& found = FieldNamed(
-        *table_, field, [](Kind kind) { return kind == Kind::Set; }, "not a set");
+    const Field& found = FieldNamed(*table_, field, {Kind::Set}, "not a set");
     if (first > last || last >= 8 * found.width) {
         Refuse(*table_, field,
                std::to_string(first) + "-" + std::to_string(last) + " is out of range");

@@ -1,4 +1,4 @@
-#include "rows.h"
+#include "bench_rows.h"
 
 #include <cstring>
 
@@ -6,14 +6,14 @@ namespace bench {
 
 standin::Row Interface(uint32_t ifIndex)
 {
-    constexpr uint32_t types = 17;
+    constexpr uint32_t TYPES = 17;
 
     standin::Row row("if_base");
     const std::string number = std::to_string(ifIndex);
     row.Set("if_index", ifIndex)
         .Set("if_name", "GigabitEthernet0/0/" + number)
         .Set("simple_name", "GE0/0/" + number)
-        .Set("if_type", ifIndex % types);
+        .Set("if_type", ifIndex % TYPES);
     return row;
 }
 
@@ -26,7 +26,7 @@ QRB_IF_BASE_S InterfaceRecord(uint32_t ifIndex)
 
 void Fill(std::string_view table, uint32_t count, const std::function<standin::Row(uint32_t)>& row)
 {
-    constexpr uint32_t rowsAtOnce = 10000;
+    constexpr uint32_t ROWS_AT_ONCE = 10000;
 
     if (standin::CountRows(*standin::FindTable(table)) == count) {
         return;
@@ -34,7 +34,7 @@ void Fill(std::string_view table, uint32_t count, const std::function<standin::R
     standin::Reset();
     for (uint32_t next = 1; next <= count;) {
         standin::Transaction transaction;
-        for (uint32_t rows = 0; rows < rowsAtOnce && next <= count; rows++, next++) {
+        for (uint32_t rows = 0; rows < ROWS_AT_ONCE && next <= count; rows++, next++) {
             transaction.Insert(row(next));
         }
         transaction.Commit();

@@ -1,4 +1,4 @@
-// The rows that benchmarks look at.
+// The rows that benchmarks read.
 #pragma once
 
 #include <cstdint>
@@ -17,10 +17,10 @@ QRB_IF_BASE_S InterfaceRecord(uint32_t ifIndex);
 // already.
 void Fill(std::string_view table, uint32_t count, const std::function<standin::Row(uint32_t)>& row);
 
-// Row numbers 1 to count in an order that no cache foresees, the same for everybody.
-class RandomRows {
+// Row numbers 1 to count in an order that no cache foresees, the same for all contenders.
+class RandomOrder {
 public:
-    explicit RandomRows(uint32_t count) : count_(count) {}
+    explicit RandomOrder(uint32_t count) : count_(count) {}
 
     uint32_t Next()
     {
