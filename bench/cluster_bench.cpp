@@ -86,7 +86,7 @@ public:
     void SetSpeed(uint64_t speed)
     {
         const Json where = Json::array({Json::array({"if_index", "==", 1})});
-        Send("transact", Json::array({sources::ovsdb::database,
+        Send("transact", Json::array({sources::ovsdb::DATABASE_NAME,
                                       {{"op", "update"},
                                        {"table", "if_phy"},
                                        {"where", where},
@@ -95,7 +95,8 @@ public:
 
 private:
     int socket_;
-    sources::ovsdb::Framing framing_;
+    sources::OvsdbLimits limits_;
+    sources::ovsdb::Framing framing_{limits_};
 };
 
 // ---- callbacks ----
@@ -156,7 +157,7 @@ void Start(const std::string& path)
         tables[sources::ovsdb::ColumnsOf(table).name] = Json::array({Json::object()});
     }
     const auto bareBegin = Clock::now();
-    bare.Send("monitor_cond", Json::array({sources::ovsdb::database, "bare", tables}));
+    bare.Send("monitor_cond", Json::array({sources::ovsdb::DATABASE_NAME, "bare", tables}));
     const size_t size = bare.Receive();
     const double bareSeconds = SecondsSince(bareBegin);
 
@@ -276,7 +277,7 @@ void Delay(const std::string& path)
     cluster.Follow();
     const std::string command =
         "exec ovsdb-client --no-headings --format=csv monitor unix:" + path + " " +
-        sources::ovsdb::database + " if_phy speed 2>/dev/null";
+        sources::ovsdb::DATABASE_NAME + " if_phy speed 2>/dev/null";
     FILE* const monitor = popen(command.c_str(), "r");
     BareClient client(path);
     char line[512];
