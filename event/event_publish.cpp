@@ -2,7 +2,7 @@
 #include <tarnd_qrb/event_publish.h>
 
 #include "db/probes.h"
-#include "event/registry_walk.h"
+#include "event/entry_removal.h"
 
 using namespace qrb;
 

@@ -4,8 +4,8 @@
 #include <tarnd_qrb/event_publish.h>
 
 #include "db/probes.h"
+#include "event/entry_removal.h"
 #include "event/interface_event_tree.h"
-#include "event/registry_walk.h"
 
 using namespace qrb;
 

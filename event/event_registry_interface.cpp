@@ -6,8 +6,8 @@
 #include <tarnd_platform/bounded.h>
 #include <tarnd_qrb/event_registry.h>
 
+#include "event/entry_removal.h"
 #include "event/interface_event_tree.h"
-#include "event/registry_walk.h"
 
 using namespace qrb;
 

@@ -4,7 +4,7 @@
 #include <tarnd_platform/bounded.h>
 #include <tarnd_qrb/event_registry.h>
 
-#include "event/registry_walk.h"
+#include "event/entry_removal.h"
 
 using namespace qrb;
 

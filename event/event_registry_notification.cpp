@@ -1,7 +1,7 @@
 // Callbacks for interface notifications: one list.
 #include <tarnd_qrb/event_registry.h>
 
-#include "event/registry_walk.h"
+#include "event/entry_removal.h"
 
 using namespace qrb;
 

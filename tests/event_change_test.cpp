@@ -19,7 +19,7 @@ using support::AwaitEvents;
 using support::Events;
 using namespace support::writes;
 
-class Change : public support::EventTest {
+class ChangeDetection : public support::EventTest {
 protected:
     void SetUp() override
     {
@@ -55,7 +55,7 @@ const struct {
     {Member(1, 1, 8), Update, Member(2, 2, 8), {"11 if 7 pvid 2 bitmap 0"}},
 };
 
-TEST_F(Change, BecomesTheEventsOfItsTable)
+TEST_F(ChangeDetection, BecomesTheEventsOfItsTable)
 {
     for (const auto& [before, write, row, events] : cases) {
         SCOPED_TRACE(testing::PrintToString(events) + " are to come");
@@ -69,7 +69,7 @@ TEST_F(Change, BecomesTheEventsOfItsTable)
     }
 }
 
-TEST_F(Change, IsSubscribedToByTheseTexts)
+TEST_F(ChangeDetection, IsSubscribedToByTheseTexts)
 {
     std::string texts;
     for (const std::string& text : support::PlatformTexts()) {
@@ -78,7 +78,7 @@ TEST_F(Change, IsSubscribedToByTheseTexts)
     EXPECT_EQ(texts, support::TextOf(TARND_PROJECT_ROOT "/tests/data/subscription_texts.txt"));
 }
 
-TEST_F(Change, RowsOfOneDeliveryAnswerForThemselves)
+TEST_F(ChangeDetection, RowsOfOneDeliveryAnswerForThemselves)
 {
     Write(Insert, {Phy(2, 1)});
     AwaitEvents();
@@ -89,7 +89,7 @@ TEST_F(Change, RowsOfOneDeliveryAnswerForThemselves)
 }
 
 // Entries that have no callback stand ahead of all others, and there is no list of notifications.
-TEST_F(Change, AFailedPublicationIsReportedAndTheRestGoesOn)
+TEST_F(ChangeDetection, AFailedPublicationIsReportedAndTheRestGoesOn)
 {
     IF_NotifyFuncRegTbl_Deinit();
     g_isIFNotifyInited = 0;
@@ -128,7 +128,7 @@ TEST_F(Change, AFailedPublicationIsReportedAndTheRestGoesOn)
 }
 
 // Against a slow model: bitmaps that share their first bytes, compared whole and in part.
-TEST_F(Change, OfAVlanBitmapIsDecidedByTheFirstDifference)
+TEST_F(ChangeDetection, OfAVlanBitmapIsDecidedByTheFirstDifference)
 {
     std::mt19937 random(20261124);
     for (int round = 0; round < 3000; round++) {
@@ -188,7 +188,7 @@ void FollowTheKernel()
     }
 }
 
-TEST_F(Change, OfTheKernelIsToldAsItHappens)
+TEST_F(ChangeDetection, OfTheKernelIsToldAsItHappens)
 {
     IN_OWN_NETWORK(FollowTheKernel);
 }

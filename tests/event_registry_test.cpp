@@ -120,7 +120,7 @@ protected:
     static constexpr size_t CALLBACKS = 8;
 
     // Works on the callbacks' numbers.
-    struct Registry {
+    struct ModelRegistry {
         uint32_t (*add)(size_t number);
         uint32_t (*remove)(size_t number);
         void (*tearDown)();
@@ -218,7 +218,7 @@ protected:
         return 0;
     }
 
-    static void Run(const Registry& registry)
+    static void Run(const ModelRegistry& registry)
     {
         registry_ = registry;
         for (unsigned seed = 20261124; seed < 20261174 && !HasFailure(); seed++) {
@@ -232,7 +232,7 @@ protected:
     }
 
     static inline std::mt19937 random_;
-    static inline Registry registry_;
+    static inline ModelRegistry registry_;
     static inline std::vector<size_t> entries_;  // in the order of their calls
     static inline Counts changes_;               // to these, by number
     static inline std::vector<size_t> calls_;    // of the publication under way

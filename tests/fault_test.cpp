@@ -113,7 +113,7 @@ public:
     unsigned Injected() const { return injected_; }
 
 private:
-    struct Row {
+    struct OutcomeRow {
         std::string code;
         std::string outcome;
         Steps steps;
@@ -169,8 +169,9 @@ private:
     void Add(const std::string& code, const std::string& outcome, const std::string& operation,
              unsigned number)
     {
-        auto row = std::ranges::find_if(
-            rows_, [&](const Row& one) { return one.code == code && one.outcome == outcome; });
+        auto row = std::ranges::find_if(rows_, [&](const OutcomeRow& one) {
+            return one.code == code && one.outcome == outcome;
+        });
         if (row == rows_.end()) {
             row = rows_.insert(row, {code, outcome, {}});
         }
@@ -180,7 +181,7 @@ private:
     const Call& call_;
     const Lines good_;
     std::map<std::string, unsigned> performed_;  // operations, so far
-    std::vector<Row> rows_;
+    std::vector<OutcomeRow> rows_;
     unsigned injected_ = 0;
 };
 

@@ -81,7 +81,7 @@ TEST_F(ServersTest, WritesComeBackAsChangesOrAreRefused)
     cluster.Commit({{Replace, Phy(2, 20)}});
     cluster.Commit({{Delete, Phy(1)}, {Insert, Phy(3, 30)}, {Replace, Phy(3, 31)}});
     EXPECT_TRUE(Eventually([] { return Events::Count("if_phy") >= 7; }));
-    const std::vector<Change> expected = {
+    const std::vector<RecordedChange> expected = {
         {"if_phy", 99, 0, {}}, {"if_phy", 1, {}, 10}, {"if_phy", 1, 10, 11}, {"if_phy", 1, 11, 12},
         {"if_phy", 2, {}, 20}, {"if_phy", 1, 12, {}}, {"if_phy", 3, {}, 31}};
     EXPECT_EQ(Events::Take(), expected);
@@ -234,11 +234,11 @@ std::vector<Wire> NumberedWrites(uint64_t number)
 }
 
 // Row 1 went through speeds that only grow, each from the last; and each row came once, in order.
-void ExpectEveryChangeOnce(const std::vector<Change>& changes, uint64_t last)
+void ExpectEveryChangeOnce(const std::vector<RecordedChange>& changes, uint64_t last)
 {
     uint32_t speed = 0;
     uint64_t rows = 0;
-    for (const Change& change : changes) {
+    for (const RecordedChange& change : changes) {
         if (change.table == "if_base") {
             EXPECT_EQ(change.index, ++rows);
             EXPECT_FALSE(change.before);

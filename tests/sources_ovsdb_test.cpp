@@ -127,7 +127,7 @@ TEST_F(ClusterTest, ARowDeletedAndMadeAgainUnderItsKeyHasChanged)
         replica, "if_phy",
         {{"d", {{"delete", nullptr}}}, {"e", {{"insert", {{"if_index", 1}, {"speed", 6}}}}}});
     EXPECT_TRUE(Eventually([] { return Events::Count("if_phy") >= 2; }));
-    EXPECT_EQ(Events::Take().back(), (Change{"if_phy", 1, 5, 6}));
+    EXPECT_EQ(Events::Take().back(), (RecordedChange{"if_phy", 1, 5, 6}));
 }
 
 TEST_F(ClusterTest, ServersAreNamedInManyWays)

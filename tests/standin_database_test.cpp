@@ -23,7 +23,7 @@ constexpr uint32_t none = UINT32_MAX;
 // its key. Numbers are in table order: the rank, then a count of insertions.
 constexpr int RANK_SHIFT = 24;
 
-struct Entry {
+struct ModelRow {
     uint32_t index;
     std::string name;
     uint32_t number;
@@ -33,7 +33,7 @@ struct Entry {
         return support::writes::Base(index).Set("if_name", name).Set("mtu", number);
     }
 };
-using Model = std::vector<Entry>;  // in table order
+using Model = std::vector<ModelRow>;  // in table order
 
 class StandinDatabase : public testing::Test {
 protected:
@@ -70,8 +70,8 @@ protected:
     // Asks by each key. What a session has read it keeps, whatever was written since.
     void ReadSome()
     {
-        const Entry asked = AnyEntry();
-        const auto there = std::ranges::find(model_, asked.index, &Entry::index);
+        const ModelRow asked = AnyEntry();
+        const auto there = std::ranges::find(model_, asked.index, &ModelRow::index);
         ASSERT_EQ(standin::Find(asked.AsRow()),
                   there == model_.end() ? std::nullopt : std::optional(there->AsRow()));
 
@@ -80,7 +80,7 @@ protected:
         ASSERT_EQ(kept, read_);
         std::array<char, 68> key{};
         asked.name.copy(key.data() + 4, asked.name.size());
-        const auto named = std::ranges::find(model_, asked.name, &Entry::name);
+        const auto named = std::ranges::find(model_, asked.name, &ModelRow::name);
         read_ = named == model_.end() ? none : named->number;
         ASSERT_EQ(OrmPrepare(reading_, "if_base", QRB_ORM_OP_READ), 0U);
         ASSERT_EQ(OrmgIfBaseSetKeyLocalKeyInner(reading_, key.data(), key.size()), 0U);
@@ -117,11 +117,11 @@ private:
     Numbers InModel() const
     {
         Numbers numbers;
-        std::ranges::transform(model_, std::back_inserter(numbers), &Entry::number);
+        std::ranges::transform(model_, std::back_inserter(numbers), &ModelRow::number);
         return numbers;
     }
 
-    Entry AnyEntry() { return {Below(300), "eth" + std::to_string(Below(600)), 0}; }
+    ModelRow AnyEntry() { return {Below(300), "eth" + std::to_string(Below(600)), 0}; }
 
     // What is to be said of the write; empty where it can be done.
     std::string AddWrite(Transaction& transaction, Model& model)
@@ -129,9 +129,9 @@ private:
         using namespace support::writes;
         constexpr Writing kinds[] = {Insert, Insert, Replace, Update, Delete};
         const Writing kind = kinds[Below(std::size(kinds))];
-        Entry entry = AnyEntry();
-        const auto there = std::ranges::find(model, entry.index, &Entry::index);
-        const auto named = std::ranges::find(model, entry.name, &Entry::name);
+        ModelRow entry = AnyEntry();
+        const auto there = std::ranges::find(model, entry.index, &ModelRow::index);
+        const auto named = std::ranges::find(model, entry.name, &ModelRow::name);
         const bool isThere = there != model.end();
         const std::string key = "if_base: if_index " + std::to_string(entry.index);
         const uint32_t rank = Below(3);  // of a row that is there, it changes nothing
@@ -151,7 +151,8 @@ private:
         } else if (isThere) {
             *there = entry;
         } else {
-            model.insert(std::ranges::upper_bound(model, entry.number, {}, &Entry::number), entry);
+            model.insert(std::ranges::upper_bound(model, entry.number, {}, &ModelRow::number),
+                         entry);
         }
         return "";
     }

@@ -148,12 +148,12 @@ void Replica::TakeContents(const std::vector<RowUpdate>& updates)
 
 void Replica::TakeChanges(const std::vector<RowUpdate>& updates)
 {
-    std::vector<RowChange> changes;
+    std::vector<ReplicaChange> changes;
     for (const RowUpdate& update : updates) {
         changes.push_back(ChangeOf(update));
     }
     const bool isCommitted = CommitChanges(changes);
-    for (RowChange& change : changes) {
+    for (ReplicaChange& change : changes) {
         if (change.after) {
             rows_.insert_or_assign(change.id, std::move(*change.after));
         } else {
@@ -165,7 +165,7 @@ void Replica::TakeChanges(const std::vector<RowUpdate>& updates)
     }
 }
 
-Replica::RowChange Replica::ChangeOf(const RowUpdate& update)
+Replica::ReplicaChange Replica::ChangeOf(const RowUpdate& update)
 {
     const std::string name = std::string(update.table->name) + ": row " + update.id.Text();
     const auto known = rows_.find(update.id);
@@ -184,7 +184,7 @@ Replica::RowChange Replica::ChangeOf(const RowUpdate& update)
     const ServerRow& before = known->second;
     Json columns = before.columns.is_null() ? RowToWire(*before.row) : before.columns;
     Modify(*update.table, columns, update.columns);
-    RowChange change{update.id, NewRow(*update.table, columns)};
+    ReplicaChange change{update.id, NewRow(*update.table, columns)};
     if (!update.columns.contains(PLACE_COLUMN)) {
         change.after->place = before.place;
     }
@@ -209,11 +209,11 @@ Replica::ServerRow Replica::NewRow(const Table& table, const Json& columns)
 
 // The common case, with as many writes as there are changes. False, and nothing is written, if keys
 // are in conflict.
-bool Replica::CommitChanges(const std::vector<RowChange>& changes)
+bool Replica::CommitChanges(const std::vector<ReplicaChange>& changes)
 {
     KeyTransitions transitions;
     bool allFree = !anyShadowed_;
-    for (const RowChange& change : changes) {
+    for (const ReplicaChange& change : changes) {
         const auto before = rows_.find(change.id);
         if (before != rows_.end() && before->second.row) {
             transitions.From(*before->second.row);
@@ -230,13 +230,13 @@ bool Replica::CommitChanges(const std::vector<RowChange>& changes)
     } catch (const standin::Error&) {
         return false;
     }
-    for (const RowChange& change : changes) {
+    for (const ReplicaChange& change : changes) {
         const auto before = rows_.find(change.id);
         if (before != rows_.end() && before->second.row) {
             index_.Remove(*before->second.row);
         }
     }
-    for (const RowChange& change : changes) {
+    for (const ReplicaChange& change : changes) {
         if (change.after && change.after->row) {
             index_.Add(*change.after->row, change.id);
         }

@@ -11,7 +11,7 @@
 #include <standin/store.h>
 
 #include "sources/ovsdb/ovsdb_row.h"
-#include "sources/ovsdb/ovsdb_update.h"
+#include "sources/ovsdb/ovsdb_update_parser.h"
 
 namespace sources::ovsdb {
 
@@ -60,14 +60,14 @@ private:
     };
     using ServerRows = std::unordered_map<RowId, ServerRow, IdHash>;
 
-    struct RowChange {
+    struct ReplicaChange {
         RowId id;
         std::optional<ServerRow> after;  // none: the row is deleted
     };
 
     ServerRow NewRow(const standin::Table& table, const Json& columns);
-    RowChange ChangeOf(const RowUpdate& update);
-    bool CommitChanges(const std::vector<RowChange>& changes);
+    ReplicaChange ChangeOf(const RowUpdate& update);
+    bool CommitChanges(const std::vector<ReplicaChange>& changes);
     void MirrorAll();
     void NotePlace(int64_t place);
 

@@ -111,11 +111,11 @@ bool IsAtLeast(const void* element, uint64_t context)
     return ValueIn(element) >= context;
 }
 
-enum class Place { Front, Back, Before, Sorted };
+enum class InsertPlace { Front, Back, Before, Sorted };
 
 // The ways into a place: a value, copied or moved, or a node that was made of one beforehand.
 struct Way {
-    Place place;
+    InsertPlace place;
     uint32_t (*copy)(List* list, Node at, Owner* value, uint64_t order);
     uint32_t (*move)(List* list, Node at, Owner* value, uint64_t order);
     void (*link)(List* list, Node at, Node node, uint64_t order);
@@ -124,10 +124,10 @@ struct Way {
 // clang-format off
 #define BY(...) [](List* l, [[maybe_unused]] Node at, auto* v, [[maybe_unused]] uint64_t order) { return __VA_ARGS__; }
 constexpr Way ways[] = {
-    {Place::Front, BY(UTIL_LIST_PushFront(l, v)), BY(UTIL_LIST_PushFrontMove(l, v)), BY(UTIL_LIST_PushFrontImpl(l, v))},
-    {Place::Back, BY(UTIL_LIST_PushBack(l, v)), BY(UTIL_LIST_PushBackMove(l, v)), BY(UTIL_LIST_PushBackImpl(l, v))},
-    {Place::Before, BY(UTIL_LIST_InsertBefore(l, at, v)), BY(UTIL_LIST_InsertBeforeMove(l, at, v)), BY(UTIL_LIST_InsertBeforeImpl(l, at, v))},
-    {Place::Sorted, BY(UTIL_LIST_SortedInsert(l, v, StaysAhead, order)), BY(UTIL_LIST_SortedInsertMove(l, v, StaysAhead, order)),
+    {InsertPlace::Front, BY(UTIL_LIST_PushFront(l, v)), BY(UTIL_LIST_PushFrontMove(l, v)), BY(UTIL_LIST_PushFrontImpl(l, v))},
+    {InsertPlace::Back, BY(UTIL_LIST_PushBack(l, v)), BY(UTIL_LIST_PushBackMove(l, v)), BY(UTIL_LIST_PushBackImpl(l, v))},
+    {InsertPlace::Before, BY(UTIL_LIST_InsertBefore(l, at, v)), BY(UTIL_LIST_InsertBeforeMove(l, at, v)), BY(UTIL_LIST_InsertBeforeImpl(l, at, v))},
+    {InsertPlace::Sorted, BY(UTIL_LIST_SortedInsert(l, v, StaysAhead, order)), BY(UTIL_LIST_SortedInsertMove(l, v, StaysAhead, order)),
      BY(UTIL_LIST_SortedInsertImpl(l, v, StaysAhead, order))},
 };
 // clang-format on
@@ -198,11 +198,11 @@ void Insert()
     const uint64_t order = Below(2);
     const uint32_t value = Below(10);
     auto place = model.end();
-    if (way.place == Place::Front) {
+    if (way.place == InsertPlace::Front) {
         place = model.begin();
-    } else if (way.place == Place::Before) {
+    } else if (way.place == InsertPlace::Before) {
         place = model.begin() + Below(model.size() + 1);
-    } else if (way.place == Place::Sorted) {
+    } else if (way.place == InsertPlace::Sorted) {
         place = std::ranges::find_if(model, [=](auto one) { return one + order <= value; });
     }
     Owner given = Make(value);

@@ -30,13 +30,13 @@ enum Sort : uint32_t { Session, Subscription, Parameter, Message, Scan, List, It
 using Texts = std::vector<std::string>;
 
 // The run under way: callbacks go on with its input.
-struct Run {
+struct ModelRun {
     fuzz::Input* input;
     std::vector<uint64_t> handles[Sorts];
     std::vector<int> descriptors;
     std::thread::id thread;
 };
-Run run;
+ModelRun run;
 
 uint32_t Small(uint32_t most)
 {

@@ -31,13 +31,13 @@ inline uint64_t Speed(uint64_t index)
     return row ? row->Number("speed") : UINT64_MAX;
 }
 
-struct Change {
+struct RecordedChange {
     std::string table;
     uint32_t index;
     std::optional<uint32_t> before;  // of field 1: a speed
     std::optional<uint32_t> after;
 
-    friend bool operator==(const Change&, const Change&) = default;
+    friend bool operator==(const RecordedChange&, const RecordedChange&) = default;
 };
 
 // Every change of two tables, as a module of the daemon receives it.
@@ -53,7 +53,7 @@ public:
     Events(const Events&) = delete;
     Events& operator=(const Events&) = delete;
 
-    static std::vector<Change> Take()
+    static std::vector<RecordedChange> Take()
     {
         const std::lock_guard lock(mutex);
         return std::exchange(changes, {});
@@ -61,7 +61,7 @@ public:
     static size_t Count(std::string_view table)
     {
         const std::lock_guard lock(mutex);
-        return static_cast<size_t>(std::ranges::count(changes, table, &Change::table));
+        return static_cast<size_t>(std::ranges::count(changes, table, &RecordedChange::table));
     }
 
 private:
@@ -88,7 +88,7 @@ private:
     }
 
     static inline std::mutex mutex;
-    static inline std::vector<Change> changes;
+    static inline std::vector<RecordedChange> changes;
     const ORM_SESSION session_ = OpenSubscriptions(nullptr);
 };
 

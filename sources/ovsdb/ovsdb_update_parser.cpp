@@ -1,4 +1,4 @@
-#include "sources/ovsdb/ovsdb_update.h"
+#include "sources/ovsdb/ovsdb_update_parser.h"
 
 #include <algorithm>
 #include <array>

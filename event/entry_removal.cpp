@@ -1,5 +1,5 @@
 // Walks under way, and removals that wait for them.
-#include "event/registry_walk.h"
+#include "event/entry_removal.h"
 
 #include "bal/util_list/list_node.h"
 
