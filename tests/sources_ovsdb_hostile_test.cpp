@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <functional>
 #include <future>
+#include <optional>
 #include <random>
 #include <thread>
 
@@ -454,10 +455,10 @@ TEST_F(HostileTest, HungServersDoNotHoldUpAGoodOne)
         remotes += server.Remote() + ",";
     }
     const auto begin = Clock::now();
+    std::optional<ScriptedPeer> peer;  // connected until the source is closed
     std::jthread good([&] {
-        ScriptedPeer peer(server_.Accept());
-        EXPECT_TRUE(Lead(peer, 2));
-        peer.IsAlive();
+        peer.emplace(server_.Accept());
+        EXPECT_TRUE(Lead(*peer, 2));
     });
     OvsdbLimits limits;
     limits.attemptDelay = 100ms;
