@@ -166,7 +166,9 @@ bool Subscriber::AwaitQuiet(std::chrono::steady_clock::time_point deadline)
             return false;
         }
     }
-    return std::unique_lock(dispatching_, deadline).owns_lock();
+    // By the system clock: GCC 12's thread sanitizer doesn't follow locks by the steady clock.
+    const auto remaining = deadline - std::chrono::steady_clock::now();
+    return std::unique_lock(dispatching_, std::chrono::system_clock::now() + remaining).owns_lock();
 }
 
 void Subscriber::Close()
