@@ -39,6 +39,7 @@ int64_t IntegerOf(const Json& value, int64_t lowest, int64_t highest, const std:
 std::string ReasonIn(const Json& answer);
 
 // A request or notification has a method and parameters, a reply has a result or a refusal.
+// NOLINTNEXTLINE(bugprone-exception-escape): moving a JSON value does not throw
 struct RpcMessage {
     Json id;
     std::string method;  // empty: a reply

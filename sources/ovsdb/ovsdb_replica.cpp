@@ -149,6 +149,7 @@ void Replica::TakeContents(const std::vector<RowUpdate>& updates)
 void Replica::TakeChanges(const std::vector<RowUpdate>& updates)
 {
     std::vector<ReplicaChange> changes;
+    changes.reserve(updates.size());
     for (const RowUpdate& update : updates) {
         changes.push_back(ChangeOf(update));
     }

@@ -137,7 +137,7 @@ void ServerSession::CheckDeadlines() const
     }
 }
 
-void ServerSession::Send(std::shared_ptr<Request> request)
+void ServerSession::Send(const std::shared_ptr<Request>& request)
 {
     const uint64_t id = ++lastRequest_;
     const std::string& parameters = request->parameters;

@@ -73,7 +73,7 @@ public:
     bool IsFollowing() const { return stage_ == Stage::Following; }
 
     // Only while following.
-    void Send(std::shared_ptr<Request> request);
+    void Send(const std::shared_ptr<Request>& request);
 
 private:
     enum class Stage : uint8_t { Judging, Loading, Following };

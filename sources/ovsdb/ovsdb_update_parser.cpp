@@ -102,7 +102,7 @@ void CheckColumns(const Table& table, const Json& columns, const std::string& ro
 {
     RequireObject(columns, row);
     for (const auto& [name, value] : columns.items()) {
-        const std::string what = row + ": " + name;
+        const std::string what = std::string(row).append(": ").append(name);
         if (name == PLACE_COLUMN) {
             CheckPlace(value, what);
         } else if (name == LISTS_COLUMN && !table.lists.empty()) {
