@@ -20,6 +20,7 @@ target_link_options(tarnd_qrb PRIVATE -Wl,--as-needed -Wl,--version-script=${exp
 target_link_options(tarnd_qrb PRIVATE -Wl,-z,nodelete)
 set_target_properties(tarnd_qrb PROPERTIES
   LINKER_LANGUAGE C
+  UNITY_BUILD OFF  # its files are small, and each must compile alone
   LINK_DEPENDS ${exports}
   VERSION ${PROJECT_VERSION}
   SOVERSION ${PROJECT_VERSION_MAJOR})

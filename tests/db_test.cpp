@@ -9,7 +9,7 @@ namespace calls {
 
 namespace {
 
-constexpr uint32_t IF_INDEX = 1;
+constexpr uint32_t KNOWN_IF_INDEX = 1;
 
 uint32_t SetIfIndex(ORM_SESSION in, const void* key)
 {
@@ -36,9 +36,9 @@ Calls DatabaseCalls()
         {CALL(Tarn_QRB_Log_Printf, 3U, "Tarn_QRB_Log_Printf", 1U, "%u\n", 5U), R"(done | 5\n)"},
         {CALL(QRB_DB_InitOrm), "0"},
         {CALL(QRB_CreatDbSession, "if_base", QRB_ORM_OP_SCAN, OutSession()), "1 open", {}, Closed},
-        {CALL(QRB_DB_SESSION_SetKey, session, QRB_ORM_OP_READ, "if_phy", &IF_INDEX, SetIfIndex), "0", Opened, Closed},
-        {CALL(QRB_DB_SESSION_Get, session, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), "0 1.2.3.4", Opened, Closed},
-        {CALL(QRB_DB_Get, "if_phy", &IF_INDEX, Out32(), SetIfIndex, GetSlot), "0 1.2.3.4"},
+        {CALL(QRB_DB_SESSION_SetKey, session, QRB_ORM_OP_READ, "if_phy", &KNOWN_IF_INDEX, SetIfIndex), "0", Opened, Closed},
+        {CALL(QRB_DB_SESSION_Get, session, "if_phy", &KNOWN_IF_INDEX, Out32(), SetIfIndex, GetSlot), "0 1.2.3.4", Opened, Closed},
+        {CALL(QRB_DB_Get, "if_phy", &KNOWN_IF_INDEX, Out32(), SetIfIndex, GetSlot), "0 1.2.3.4"},
         {CALL_AS(", condition given", QRB_DB_SESSION_Scan, session, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(),
               "vlan_scope0 = 0", nullptr), "0 10 2", Opened, Closed},
         {CALL_AS(", condition set by a callback", QRB_DB_SESSION_Scan, session, "vlan", Out16(), 10U, L2IF_DB_ScanVlanId, Out32(),

@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr uint32_t EVENT = L2IF_EVT_COUNT - 1;
+constexpr uint32_t THREAD_EVENT = L2IF_EVT_COUNT - 1;
 constexpr size_t NUMBERS = 16;
 
 // Called by the callbacks of every registry, with the callback's number.
@@ -49,13 +49,15 @@ struct Registry {
 
 const Registry LAYER2 = {
     "Layer2",
-    [](size_t n) { return L2IF_SH_EvtCbFuncReg("m", EVENT, 1, Callback<L2IF_SH_EVT_CB_FUNC>(n)); },
     [](size_t n) {
-        return L2IF_SH_EvtCbFuncUnReg("m", EVENT, 1, Callback<L2IF_SH_EVT_CB_FUNC>(n));
+        return L2IF_SH_EvtCbFuncReg("m", THREAD_EVENT, 1, Callback<L2IF_SH_EVT_CB_FUNC>(n));
+    },
+    [](size_t n) {
+        return L2IF_SH_EvtCbFuncUnReg("m", THREAD_EVENT, 1, Callback<L2IF_SH_EVT_CB_FUNC>(n));
     },
     L2IF_SH_EvtCbRegTbl_Deinit,
-    [] { L2IF_SH_EvtPublishEvent(EVENT, nullptr, 0, nullptr); },
-    [] { return g_qrbL2IFEventCallbacks[EVENT].count; },
+    [] { L2IF_SH_EvtPublishEvent(THREAD_EVENT, nullptr, 0, nullptr); },
+    [] { return g_qrbL2IFEventCallbacks[THREAD_EVENT].count; },
 };
 
 // Published by the library when a route state rises.

@@ -37,12 +37,12 @@ Calls RouteCalls()
 
 namespace {
 
-using Route = DeviceTest;
+using RouteInquiry = DeviceTest;
 using support::writes::Insert;
 using support::writes::Write;
 
 // clang-format off
-TEST_F(Route, EndsAndNullAreLoggedAndMembersGatheredBehindThoseThere)
+TEST_F(RouteInquiry, EndsAndNullAreLoggedAndMembersGatheredBehindThoseThere)
 {
     for (uint64_t member = 201; member < 209; member++) {
         Write(Insert, {standin::Row("Fib.ConfigNhpGroupNode").Set("nhpGroupId", 2).Set("primaryNhpId", member)});

@@ -11,7 +11,7 @@
 namespace shell {
 namespace {
 
-using Kind = sources::WriteKind;
+using sources::WriteKind;
 using standin::Row;
 using standin::Table;
 
@@ -30,11 +30,11 @@ Status Do(Shell& shell, std::vector<sources::RowWrite> writes, const char* done)
     return Status::Success;
 }
 
-Status WriteNew(Shell& shell, Words& words, Kind kind)
+Status WriteNew(Shell& shell, Words& words, WriteKind kind)
 {
     const Table& table = KnownTable(words.Take("table"));
     return Do(shell, {{kind, NewRow(table, TakeAssignments(table, words))}},
-              kind == Kind::Insert ? "inserted" : "replaced");
+              kind == WriteKind::Insert ? "inserted" : "replaced");
 }
 
 // Returns the rows that match. Fails if there are none.
@@ -66,7 +66,7 @@ Status Update(Shell& shell, Words& words)
     if (rest == changes.end()) {
         throw UsageError("missing FIELD=VALUE to change");
     }
-    return Do(shell, {{Kind::Update, Changed(rows[0], {rest, changes.end()})}}, "updated");
+    return Do(shell, {{WriteKind::Update, Changed(rows[0], {rest, changes.end()})}}, "updated");
 }
 
 Status Delete(Shell& shell, Words& words)
@@ -74,7 +74,7 @@ Status Delete(Shell& shell, Words& words)
     const Table& table = KnownTable(words.Take("table"));
     std::vector<sources::RowWrite> writes;
     for (const Row& row : Chosen(shell, table, TakeAssignments(table, words))) {
-        writes.push_back({Kind::Delete, row});
+        writes.push_back({WriteKind::Delete, row});
     }
     return Do(shell, std::move(writes), "deleted");
 }
@@ -105,8 +105,8 @@ Status Abort(Shell& shell, Words& words)
 // clang-format off
 std::vector<Command> WriteCommands()
 {
-    const auto insert  = [](Shell& shell, Words& words) { return WriteNew(shell, words, Kind::Insert); };
-    const auto replace = [](Shell& shell, Words& words) { return WriteNew(shell, words, Kind::Replace); };
+    const auto insert  = [](Shell& shell, Words& words) { return WriteNew(shell, words, WriteKind::Insert); };
+    const auto replace = [](Shell& shell, Words& words) { return WriteNew(shell, words, WriteKind::Replace); };
     return {
         {"insert", "TABLE FIELD=VALUE...", "Adds a row; what is left out is zero or empty.", insert},
         {"update", "TABLE FIELD=VALUE...", "Changes a row: the key's fields say which, the others what. Sets also take += and -=.", Update},

@@ -24,10 +24,29 @@ void PushEvent(const MakeEvent& makeEvent) noexcept
     }
 }
 
+void PushLayer2Event(size_t place, const void* data, uint32_t value, const void* argument)
+{
+    PushEvent([&] { return Layer2Event(Layer2Callbacks().Of(place), data, value, argument); });
+}
+
+void PushInterfaceEvent(size_t place, uint32_t flag, uint32_t ifIndex, const void* first)
+{
+    PushEvent([&] { return InterfaceEvent(InterfaceCallbacks().Of(place), flag, ifIndex, first); });
+}
+
+void PushNotificationEvent(size_t place, uint32_t ifIndex, uint32_t command, uint32_t value1,
+                           uint32_t value2)
+{
+    PushEvent([&] {
+        return NotificationEvent(NotificationCallbacks().Of(place), ifIndex, command, value1,
+                                 value2);
+    });
+}
+
 template <size_t place>
 uint32_t OnLayer2(const void* data, uint32_t value, void* argument, uint64_t* /*word*/)
 {
-    PushEvent([&] { return Layer2Event(Layer2Callbacks().Of(place), data, value, argument); });
+    PushLayer2Event(place, data, value, argument);
     return 0;
 }
 
@@ -35,17 +54,14 @@ template <size_t place>
 uint32_t OnInterface(uint32_t /*sub*/, uint32_t flag, uint32_t ifIndex, void* first,
                      void* /*second*/)
 {
-    PushEvent([&] { return InterfaceEvent(InterfaceCallbacks().Of(place), flag, ifIndex, first); });
+    PushInterfaceEvent(place, flag, ifIndex, first);
     return 0;
 }
 
 template <size_t place>
 uint32_t OnNotification(uint32_t ifIndex, uint32_t command, uint32_t value1, uint32_t value2)
 {
-    PushEvent([&] {
-        return NotificationEvent(NotificationCallbacks().Of(place), ifIndex, command, value1,
-                                 value2);
-    });
+    PushNotificationEvent(place, ifIndex, command, value1, value2);
     return 0;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <stdexcept>
+#include <vector>
 
 #include <standin/deliveries.h>
 #include <tarnd_platform/orm_subscription.h>
@@ -112,11 +113,12 @@ Json MemberOf(const Json& row, const std::string& name)
 // Returns the fields that are not zero or empty.
 std::string RowText(const standin::Table& table, const Json& row, const Json& key)
 {
+    static const std::vector<Json> EMPTY_VALUES = {0, "", Json::array(), "0.0.0.0",
+                                                   "00:00:00:00:00:00"};
     std::string text;
     for (const auto& member : row.items()) {
         const Json& value = member.value();
-        const bool isEmpty = value == 0 || value == "" || value == Json::array() ||
-                             value == "0.0.0.0" || value == "00:00:00:00:00:00";
+        const bool isEmpty = std::ranges::find(EMPTY_VALUES, value) != EMPTY_VALUES.end();
         if (!isEmpty && !key.contains(member.key())) {
             text += " " + member.key() + "=" + ValueText(table, member.key(), value);
         }

@@ -8,7 +8,7 @@
 namespace shell {
 namespace {
 
-constexpr uint32_t MOST = 64;  // maximum number of addresses per call
+constexpr uint32_t MOST_ADDRESSES = 64;  // maximum number of addresses per call
 
 // The record stays open during the call.
 uint32_t OpenRecord(uint32_t ifIndex)
@@ -37,8 +37,8 @@ uint32_t ReadItem(uint32_t ifIndex, uint32_t number, BDS_IPV4_ADDR_ITEM_S* item)
     return ret;
 }
 
-constexpr Argument ADDRESSES{.name = "addresses", .form = Form::Ipv4, .size = MOST};
-constexpr Argument CAPACITY{.name = "capacity", .highest = MOST, .fallback = "64"};
+constexpr Argument ADDRESSES{.name = "addresses", .form = Form::Ipv4, .size = MOST_ADDRESSES};
+constexpr Argument CAPACITY{.name = "capacity", .highest = MOST_ADDRESSES, .fallback = "64"};
 constexpr Argument INSTANCE_ID{
     .name = "instanceId", .table = "am_ipv4_address", .field = "instance_id", .fallback = "0"};
 constexpr Argument PEER{.name = "peer", .form = Form::Ipv4};

@@ -10,7 +10,7 @@ namespace {
 
 // Static, because callbacks and control functions receive no context argument.
 int descriptor = -1;
-MessagePosition wanted = MessagePosition::OnRow;
+MessagePosition requestedPosition = MessagePosition::OnRow;
 const std::function<void(ORM_MESSAGE)>* onMessage = nullptr;
 
 int32_t TakeDescriptor(uint32_t watched, uint32_t /*operation*/)
@@ -22,7 +22,7 @@ int32_t TakeDescriptor(uint32_t watched, uint32_t /*operation*/)
 void Run(ORM_MESSAGE message, uint32_t /*eventType*/)
 {
     uint8_t end = 0;
-    if (wanted == MessagePosition::OnRow) {
+    if (requestedPosition == MessagePosition::OnRow) {
         OrmSubFetchNext(message, &end);
     }
     (*onMessage)(message);
@@ -51,7 +51,7 @@ void OnMessage(const char* table, uint32_t ifIndex, MessagePosition position,
         throw standin::Error(std::string(table) + ": if_index " + std::to_string(ifIndex) +
                              ": there is no such row");
     }
-    wanted = position;
+    requestedPosition = position;
     onMessage = &action;
     const ORM_SESSION session = Subscribe(table);
     standin::Transaction write;

@@ -17,6 +17,7 @@ inline constexpr Argument MAC{.name = "mac", .form = Form::Mac, .size = 6};
 inline constexpr Argument LINE_STATE{.name = "state", .names = LINE_STATES};
 inline constexpr Argument PHY_STATE{.name = "state", .names = STORED_STATES};
 inline constexpr Argument COUNT{.name = "count"};
+inline constexpr Argument TEXT_SIZE{.name = "size", .highest = 64, .fallback = "64"};
 inline constexpr Argument CONDITION{.name = "condition", .fallback = NULL_WORD, .rest = true};
 
 // The same argument under another name.

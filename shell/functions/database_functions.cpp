@@ -81,7 +81,7 @@ void Log(uint32_t priority, const char* function, uint32_t line, const char* tex
 
 constexpr Argument TABLE{.name = "table", .table = "tables"};
 constexpr Argument SOME_TABLE = arguments::NeverNull(TABLE);
-constexpr Argument KEY{.name = "key", .rest = true};
+constexpr Argument KEY_VALUES{.name = "key", .rest = true};
 constexpr Argument RECORD{.name = "record"};
 constexpr Argument RECORDS{.name = "records"};
 constexpr Argument OPERATION{.name = "operation", .fallback = "7"};
@@ -99,9 +99,9 @@ std::vector<Function> DatabaseFunctions()
         Define("Tarn_QRB_Log_Printf", Log, VALUE, "", "Writes a line to the system log; priorities above 3 are dropped.", Number("priority"), Number("function"), Number("line"), MESSAGE),
         FUNCTION(QRB_DB_InitOrm, OK_OR1, "", "Initialises the access layer. Done at start-up."),
         Define("QRB_CreatDbSession", CreateSession, ONE_IS_OK, "", "Opens a session and prepares it for a table: operation 4 a read, 7 a scan. Here, closes it too.", TABLE, OPERATION),
-        Define("QRB_DB_SESSION_SetKey", SetKey, OK_OR_DATABASE, "", "Sets the primary key on an open session and reads the row.", SOME_TABLE, KEY),
-        Define("QRB_DB_SESSION_Get", SessionGet, OK_OR_DATABASE, "", "The row with a primary key, on an open session.", SOME_TABLE, KEY, RECORD),
-        Define("QRB_DB_Get", Get, OK_OR_DATABASE, "", "The row with a primary key.", SOME_TABLE, KEY, RECORD),
+        Define("QRB_DB_SESSION_SetKey", SetKey, OK_OR_DATABASE, "", "Sets the primary key on an open session and reads the row.", SOME_TABLE, KEY_VALUES),
+        Define("QRB_DB_SESSION_Get", SessionGet, OK_OR_DATABASE, "", "The row with a primary key, on an open session.", SOME_TABLE, KEY_VALUES, RECORD),
+        Define("QRB_DB_Get", Get, OK_OR_DATABASE, "", "The row with a primary key.", SOME_TABLE, KEY_VALUES, RECORD),
         Define("QRB_DB_SESSION_Scan", SessionScan, OK_OR1, "", "The rows that a condition matches, on an open session.", SOME_TABLE, CONDITION, COUNT, RECORDS),
         Define("QRB_DB_Scan", Scan, OK_OR1, "", "The rows that a condition matches, such as: pvid = 10 and switch_port = 1", SOME_TABLE, CONDITION, COUNT, RECORDS),
         FUNCTION(QRB_DB_TransStringToHexNumString, OK_OR1, "", "A text, cut or padded to a size, as a literal for conditions.", NeverNull(Number("text")), HEX_TEXT, HEX_SIZE),

@@ -70,7 +70,7 @@ constexpr Argument VSYSID{.name = "vsysid", .table = "acl_group", .field = "vsys
 constexpr Argument ACL_NUMBER{.name = "aclNumber", .table = "acl_group", .field = "acl_number"};
 constexpr Argument ACL_NAME{
     .name = "name", .table = "acl_group_id", .field = "name", .fallback = NULL_WORD};
-constexpr Argument GROUP_ID{.name = "groupId", .table = "acl_group", .field = "acl_group_id"};
+constexpr Argument ACL_GROUP_ID{.name = "groupId", .table = "acl_group", .field = "acl_group_id"};
 constexpr Argument GROUP_NAME{.name = "name", .size = ACL_GROUP_NAME_SIZE};
 constexpr Argument RULE_COUNT{.name = "count", .fallback = "0"};
 constexpr Argument KIND{.name = "kind", .table = "acl_group_id", .field = "kind", .fallback = "0"};
@@ -87,15 +87,15 @@ std::vector<Function> FilterFunctions()
     using namespace arguments;
     constexpr auto QOS = "qos_integration";
     return {
-        FUNCTION(ACL_IsACLNodeExistByNumber, ONE_IS_YES, "acl_group", "Whether an IPv4 ACL with a number exists, and its group.", VSID, VSYSID, ACL_NUMBER, GROUP_ID),
-        FUNCTION(ACLIPv6_IsACLNodeExistByNumber, ONE_IS_YES, "acl_group", "Whether an IPv6 ACL could be looked for, and its group.", VSID, VSYSID, ACL_NUMBER, GROUP_ID),
-        FUNCTION(ACL_IsExist, ONE_IS_YES, "acl_group", "Whether an IPv4 ACL could be looked for, by name or, without one, by number.", VSID, VSYSID, ACL_NUMBER, ACL_NAME, GROUP_ID),
-        FUNCTION(ACLIPv6_IsExist, ONE_IS_YES, "acl_group", "Whether an IPv6 ACL could be looked for, by name or, without one, by number.", VSID, VSYSID, ACL_NUMBER, ACL_NAME, GROUP_ID),
-        Define("ACL_DB_ScanAclGroupId", ScanGroupIds, OK_OR1, "acl_group", "The row step of a scan of ACL groups: the group of the last row that a condition matches.", CONDITION, GROUP_ID),
+        FUNCTION(ACL_IsACLNodeExistByNumber, ONE_IS_YES, "acl_group", "Whether an IPv4 ACL with a number exists, and its group.", VSID, VSYSID, ACL_NUMBER, ACL_GROUP_ID),
+        FUNCTION(ACLIPv6_IsACLNodeExistByNumber, ONE_IS_YES, "acl_group", "Whether an IPv6 ACL could be looked for, and its group.", VSID, VSYSID, ACL_NUMBER, ACL_GROUP_ID),
+        FUNCTION(ACL_IsExist, ONE_IS_YES, "acl_group", "Whether an IPv4 ACL could be looked for, by name or, without one, by number.", VSID, VSYSID, ACL_NUMBER, ACL_NAME, ACL_GROUP_ID),
+        FUNCTION(ACLIPv6_IsExist, ONE_IS_YES, "acl_group", "Whether an IPv6 ACL could be looked for, by name or, without one, by number.", VSID, VSYSID, ACL_NUMBER, ACL_NAME, ACL_GROUP_ID),
+        Define("ACL_DB_ScanAclGroupId", ScanGroupIds, OK_OR1, "acl_group", "The row step of a scan of ACL groups: the group of the last row that a condition matches.", CONDITION, ACL_GROUP_ID),
         FUNCTION(ACL_GetRuleCount, OK_OR1, "acl_group, acl_adv", "How many rules an IPv4 ACL has.", VSID, VSYSID, ACL_NUMBER, RULE_COUNT),
         FUNCTION(ACLIPv6_GetRuleCount, OK_OR1, "acl_group, acl_rule_id", "How many rules an IPv6 ACL has.", VSID, VSYSID, ACL_NUMBER, RULE_COUNT),
-        FUNCTION(ACL_GetNameByGroupId, OK_OR1, "acl_group_id", "The name of an ACL group.", GROUP_ID, GROUP_NAME),
-        FUNCTION(ACLIPv6_GetNameByGroupId, OK_OR1, "acl_group_id", "The name of an ACL group.", GROUP_ID, GROUP_NAME),
+        FUNCTION(ACL_GetNameByGroupId, OK_OR1, "acl_group_id", "The name of an ACL group.", ACL_GROUP_ID, GROUP_NAME),
+        FUNCTION(ACLIPv6_GetNameByGroupId, OK_OR1, "acl_group_id", "The name of an ACL group.", ACL_GROUP_ID, GROUP_NAME),
         FUNCTION(BDS_AclGetAclNumberByName, OK_OR1, "acl_group_id", "The number of the ACL with a name.", Required(ACL_NAME), KIND, UNUSED, UNUSED, ACL_NUMBER),
 
         FUNCTION(QOS_GetProfileIdByName, OK_OR_QOS, QOS, "The index of the last profile with a name.", UNUSED, PROFILE, INDEX),

@@ -54,7 +54,6 @@ constexpr Argument INPUT_NAME{
 constexpr Argument INPUT_COPY{.name = "output", .size = 1024};
 constexpr Argument TYPE_CODE{.name = "type", .table = "if_base", .field = "if_type"};
 constexpr Argument NUMBER_TEXT{.name = "output", .size = 64};
-constexpr Argument TEXT_SIZE{.name = "size", .highest = 64, .fallback = "64"};
 constexpr Argument TYPE_TABLE{.name = "table", .size = QRB_IF_TYPE_COUNT};
 
 }  // namespace

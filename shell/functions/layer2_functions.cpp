@@ -28,7 +28,6 @@ constexpr Argument PVID{.name = "pvid"};
 constexpr Argument DESCRIPTION{.name = "description", .size = 81};
 constexpr Argument VLAN_NAME{.name = "name", .table = "vlan", .field = "name", .neverNull = true};
 constexpr Argument DIGITS{.name = "output", .size = 64};
-constexpr Argument TEXT_SIZE{.name = "size", .highest = 64, .fallback = "64"};
 constexpr Argument CURSOR{.name = "handle", .form = Form::Hex};
 
 }  // namespace

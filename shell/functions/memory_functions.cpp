@@ -8,7 +8,7 @@
 namespace shell {
 namespace {
 
-constexpr uint32_t MOST = 64;
+constexpr uint32_t MOST_MODULES = 64;
 
 void ModuleMap(Json* modules)
 {
@@ -17,9 +17,9 @@ void ModuleMap(Json* modules)
     }
 }
 
-constexpr Argument MODULE{.name = "module"};
-constexpr Argument ENTRIES{.name = "entries", .size = MOST};
-constexpr Argument ENTRY_COUNT{.name = "count", .highest = MOST, .fallback = "32"};
+constexpr Argument MODULE_ID{.name = "module"};
+constexpr Argument USAGE_ENTRIES{.name = "entries", .size = MOST_MODULES};
+constexpr Argument ENTRY_COUNT{.name = "count", .highest = MOST_MODULES, .fallback = "32"};
 
 }  // namespace
 
@@ -30,11 +30,11 @@ std::vector<Function> MemoryFunctions()
     return {
         Define("g_memExModuleMap", ModuleMap, VALUE, "", "The daemon's modules, by module id.", Number("modules")),
         FUNCTION(MEM_EX_Init, VALUE, "", "Asks the accounting service for every handle."),
-        FUNCTION(MEM_EX_GetHandle, VALUE, "", "The handle of a module; 0 where there is none.", MODULE),
+        FUNCTION(MEM_EX_GetHandle, VALUE, "", "The handle of a module; 0 where there is none.", MODULE_ID),
         FUNCTION(MEM_EX_GetModule, VALUE, "", "The id of a module; 32 where no module has the name.", NeverNull(Number("name"))),
         FUNCTION(MEM_EX_GetDetailedInfoSize, OK_OR1, "", "How many entries a usage report has.", COUNT),
-        FUNCTION(MEM_EX_GetDetailedInfo, OK_OR_MEMORY, "", "What each module has in use.", ENTRIES, ENTRY_COUNT),
-        FUNCTION(MEM_EX_CopyDetailedInfo, OK_OR_MEMORY, "", "What the first modules have in use.", ENTRIES, ENTRY_COUNT),
+        FUNCTION(MEM_EX_GetDetailedInfo, OK_OR_MEMORY, "", "What each module has in use.", USAGE_ENTRIES, ENTRY_COUNT),
+        FUNCTION(MEM_EX_CopyDetailedInfo, OK_OR_MEMORY, "", "What the first modules have in use.", USAGE_ENTRIES, ENTRY_COUNT),
     };
 }
 // clang-format on

@@ -1,14 +1,10 @@
-// Defines the log functions of the C library, so that the library's calls resolve to them.
 #include "shell/output/log_capture.h"
 
-#include <syslog.h>
-
-#include <array>
-#include <cstdarg>
-#include <cstdio>
 #include <iostream>
 #include <mutex>
 #include <utility>
+
+#include "shell/output/system_log.h"
 
 namespace shell {
 namespace {
@@ -20,12 +16,10 @@ std::function<void(const std::string&)> sink = [](const std::string& line) {
     std::cerr << line << '\n';
 };
 
-// Called by C code, so no exception may leave it. If memory is exhausted, the line is dropped.
-void Capture(const char* format, va_list arguments) noexcept
+// If memory is exhausted, the line is dropped.
+void Capture(int /*priority*/, const char* text) noexcept
 try {
-    std::array<char, 1024> text{};
-    std::vsnprintf(text.data(), text.size(), format, arguments);
-    std::string line = text.data();
+    std::string line = text;
     line.erase(line.find_last_not_of('\n') + 1);
     if (caught != nullptr) {
         caught->push_back(std::move(line));
@@ -35,6 +29,8 @@ try {
     }
 } catch (const std::exception&) {
 }
+
+[[maybe_unused]] const bool isReceiving = (SetSystemLogReceiver(Capture), true);
 
 }  // namespace
 
@@ -60,27 +56,3 @@ void SetLogSink(std::function<void(const std::string& line)> newSink)
 }
 
 }  // namespace shell
-
-#define EXPORTED extern "C" __attribute__((visibility("default")))
-
-EXPORTED void vsyslog(int /*priority*/, const char* format, va_list arguments)
-{
-    shell::Capture(format, arguments);
-}
-
-EXPORTED void syslog(int /*priority*/, const char* format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    shell::Capture(format, arguments);
-    va_end(arguments);
-}
-
-// Called in place of syslog in a build with _FORTIFY_SOURCE.
-EXPORTED void __syslog_chk(int /*priority*/, int /*flag*/, const char* format, ...)  // NOLINT
-{
-    va_list arguments;
-    va_start(arguments, format);
-    shell::Capture(format, arguments);
-    va_end(arguments);
-}

@@ -1,37 +1,32 @@
-// The system log, caught: its functions are defined in the test program.
-#include <syslog.h>
-
-#include <cstdarg>
-#include <cstdio>
+// Captures the system log.
 #include <mutex>
 #include <regex>
 #include <utility>
 
+#include "shell/output/system_log.h"
 #include "support/fault_injection.h"
 
 namespace support {
 
 namespace {
 
-std::mutex mutex;
-std::vector<LogLine> lines;
+std::mutex linesMutex;
+std::vector<LogLine> logLines;
 
-void Catch(int priority, const char* format, va_list arguments)
+void Capture(int priority, const char* text) noexcept
 {
-    char text[1024];
-    const int length = vsnprintf(text, sizeof(text), format, arguments);
-    if (length >= 0) {
-        const std::lock_guard lock(mutex);
-        lines.push_back({priority, text});
-    }
+    const std::lock_guard lock(linesMutex);
+    logLines.push_back({priority, text});
 }
+
+[[maybe_unused]] const bool isReceiving = (SetSystemLogReceiver(Capture), true);
 
 }  // namespace
 
 std::vector<LogLine> TakeLog()
 {
-    const std::lock_guard lock(mutex);
-    return std::exchange(lines, {});
+    const std::lock_guard lock(linesMutex);
+    return std::exchange(logLines, {});
 }
 
 std::vector<std::string> TakeMessages()
@@ -54,24 +49,3 @@ std::vector<std::string> TakeComplaints()
 }
 
 }  // namespace support
-
-extern "C" {
-
-void syslog(int priority, const char* format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    support::Catch(priority, format, arguments);
-    va_end(arguments);
-}
-
-// What a fortified build turns syslog into.
-void __syslog_chk(int priority, int /*flag*/, const char* format, ...)  // NOLINT
-{
-    va_list arguments;
-    va_start(arguments, format);
-    support::Catch(priority, format, arguments);
-    va_end(arguments);
-}
-
-}  // extern "C"
