@@ -43,10 +43,10 @@ void ServerSelection::Advance()
     }
 }
 
-void ServerSelection::Send(std::shared_ptr<Request> request)
+void ServerSelection::Send(const std::shared_ptr<Request>& request)
 {
     try {
-        followed_->session->Send(std::move(request));
+        followed_->session->Send(request);
     } catch (const std::exception& error) {
         Fail(*followed_, error.what());
     }

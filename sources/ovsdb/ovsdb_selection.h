@@ -25,7 +25,7 @@ public:
 
     bool IsFollowing() const { return followed_ != nullptr; }
     // Only while following. The outcome of the request is set in any case.
-    void Send(std::shared_ptr<Request> request);
+    void Send(const std::shared_ptr<Request>& request);
     // The name of the server; empty while none is followed.
     std::string FollowedName() const;
     // Why each server that was tried since the last one was followed can't be.
