@@ -12,6 +12,11 @@ class JsonSource final : public Source {
 public:
     // Loads the file. onRow is called for each row that is read.
     JsonSource(const std::filesystem::path& file, const std::function<void()>& onRow);
+
+    SourceState State() const override;
+
+private:
+    const SourceState::Time loaded_;
 };
 
 }  // namespace sources

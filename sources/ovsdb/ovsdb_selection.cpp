@@ -57,6 +57,11 @@ std::string ServerSelection::FollowedName() const
     return followed_ != nullptr ? followed_->server->name : "";
 }
 
+std::string ServerSelection::FollowedRole() const
+{
+    return followed_ != nullptr ? followed_->session->Role() : "";
+}
+
 std::string ServerSelection::Failures() const
 {
     std::string all;

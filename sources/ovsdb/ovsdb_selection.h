@@ -28,6 +28,10 @@ public:
     void Send(const std::shared_ptr<Request>& request);
     // The name of the server; empty while none is followed.
     std::string FollowedName() const;
+    // "leader", "follower" or, outside of a cluster, "standalone"; empty while none is followed.
+    std::string FollowedRole() const;
+    // When the last server that was followed became it.
+    Clock::time_point FollowedSince() const { return followedSince_; }
     // Why each server that was tried since the last one was followed can't be.
     std::string Failures() const;
     // Whether every server has refused what was requested, so that waiting is of no use.

@@ -262,6 +262,14 @@ void ServerSession::JudgeServer()
     }
 }
 
+const char* ServerSession::Role() const
+{
+    if (!server_.isClustered) {
+        return "standalone";
+    }
+    return server_.isLeader ? "leader" : "follower";
+}
+
 void ServerSession::TakeContents(Json& result)
 {
     const std::string what = "the contents";

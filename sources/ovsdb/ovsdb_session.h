@@ -71,6 +71,8 @@ public:
     bool IsLoading() const { return stage_ == Stage::Loading; }
     // Whether the replica has taken the server's contents.
     bool IsFollowing() const { return stage_ == Stage::Following; }
+    // Of the server: "leader", "follower" or, outside of a cluster, "standalone".
+    const char* Role() const;
 
     // Only while following.
     void Send(const std::shared_ptr<Request>& request);

@@ -43,8 +43,9 @@ OvsdbSource::OvsdbSource(const std::string& servers, const OvsdbLimits& limits,
     bool isReported = false;
     while (Server().empty()) {
         if (selection_.AllRefuse() || Clock::now() >= deadline) {
-            throw standin::Error("no server can be followed: " +
-                                 (failures_.empty() ? "none has answered yet" : failures_));
+            throw standin::Error("no server can be followed: " + (state_.lastError.empty()
+                                                                      ? "none has answered yet"
+                                                                      : state_.lastError));
         }
         if (!isReported && Clock::now() >= begin + SHORT_WAIT) {
             ReportWait();
@@ -79,7 +80,7 @@ void OvsdbSource::Commit(const std::vector<RowWrite>& writes)
         outcome.wait_for(servers_.limits.requestTimeout - shortWait);
         if (Withdraw(request)) {
             const std::lock_guard lock(mutex_);
-            throw standin::Error("no server can be followed: " + failures_);
+            throw standin::Error("no server can be followed: " + state_.lastError);
         }
     }
     const std::string refusal = outcome.get();  // the session limits the time to an answer
@@ -91,7 +92,13 @@ void OvsdbSource::Commit(const std::vector<RowWrite>& writes)
 std::string OvsdbSource::Server() const
 {
     const std::lock_guard lock(mutex_);
-    return followed_;
+    return state_.server;
+}
+
+SourceState OvsdbSource::State() const
+{
+    const std::lock_guard lock(mutex_);
+    return state_;
 }
 
 void OvsdbSource::Run(const std::stop_token& stop)
@@ -124,8 +131,21 @@ void OvsdbSource::Step(Clock::time_point until)
 void OvsdbSource::PublishState()
 {
     const std::lock_guard lock(mutex_);
-    followed_ = selection_.FollowedName();
-    failures_ = selection_.Failures();
+    const std::string server = selection_.FollowedName();
+    if (server.empty() && !state_.server.empty()) {
+        state_.lost = std::chrono::system_clock::now();
+        state_.connected.reset();
+    }
+    if (!server.empty()) {
+        if (selection_.FollowedSince() != followedSince_) {
+            state_.connected = std::chrono::system_clock::now();
+        }
+        state_.lost.reset();
+    }
+    followedSince_ = selection_.FollowedSince();
+    state_.server = server;
+    state_.role = selection_.FollowedRole();
+    state_.lastError = selection_.Failures();
 }
 
 void OvsdbSource::SendRequests()
@@ -165,10 +185,10 @@ void OvsdbSource::ReportWait() const
     std::string what;
     {
         const std::lock_guard lock(mutex_);
-        if (!followed_.empty()) {
-            what = followed_ + " to carry out a transaction";
+        if (!state_.server.empty()) {
+            what = state_.server + " to carry out a transaction";
         } else {
-            what = "a server" + (failures_.empty() ? "" : " (" + failures_ + ")");
+            what = "a server" + (state_.lastError.empty() ? "" : " (" + state_.lastError + ")");
         }
     }
     onWait_(what);

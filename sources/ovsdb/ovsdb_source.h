@@ -48,6 +48,8 @@ public:
     // The server that is followed; empty while there is none. Any thread.
     std::string Server() const;
 
+    SourceState State() const override;
+
 private:
     using SharedRequest = std::shared_ptr<ovsdb::Request>;
 
@@ -69,8 +71,8 @@ private:
 
     mutable std::mutex mutex_;  // for the rest
     std::deque<SharedRequest> requests_;
-    std::string followed_;
-    std::string failures_;
+    SourceState state_;
+    ovsdb::Clock::time_point followedSince_;  // of state_.server
 
     std::jthread follower_;  // last: it stops before the members that it uses are destroyed
 };

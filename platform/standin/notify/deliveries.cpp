@@ -54,6 +54,19 @@ void BetweenDeliveries(const std::function<void()>& action)
     action();
 }
 
+PendingMessages CountPendingMessages()
+{
+    PendingMessages all;
+    for (const auto& subscriber : Subscriber::All()) {
+        const PendingMessages pending = subscriber->Pending();
+        if (all.count == 0 || (pending.count > 0 && pending.oldest < all.oldest)) {
+            all.oldest = pending.oldest;
+        }
+        all.count += pending.count;
+    }
+    return all;
+}
+
 bool AwaitDeliveries(std::chrono::milliseconds longest)
 {
     const auto deadline = std::chrono::steady_clock::now() + longest;

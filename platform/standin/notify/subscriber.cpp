@@ -92,6 +92,17 @@ void Subscriber::Append(Deliveries deliveries)
     }
 }
 
+PendingMessages Subscriber::Pending()
+{
+    const std::lock_guard lock(mutex_);
+    PendingMessages pending;
+    if (!pending_.empty()) {
+        pending.count = pending_.size();
+        pending.oldest = pending_.front().committed;
+    }
+    return pending;
+}
+
 size_t Subscriber::PendingCount()
 {
     const std::lock_guard lock(mutex_);

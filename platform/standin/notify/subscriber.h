@@ -8,6 +8,7 @@
 
 #include "notify/delivery.h"
 #include "notify/subscription_definition.h"
+#include "standin/deliveries.h"
 #include "standin/event_descriptor.h"
 
 namespace standin {
@@ -33,6 +34,8 @@ public:
 
     // The message whose callback runs on this thread; 0 where there is none.
     static ORM_MESSAGE RunningMessage();
+
+    PendingMessages Pending();
 
     // Waits until nothing is pending and no callback runs; false where that takes until the
     // deadline.

@@ -27,6 +27,13 @@ std::optional<RowChange> CurrentChange();
 // at once.
 void BetweenDeliveries(const std::function<void()>& action);
 
+// Messages that wait for their callbacks.
+struct PendingMessages {
+    size_t count = 0;
+    std::chrono::steady_clock::time_point oldest;  // commit time of the oldest, if there are any
+};
+PendingMessages CountPendingMessages();
+
 // Waits until the callbacks for everything that is committed have returned; false where that takes
 // longer.
 bool AwaitDeliveries(std::chrono::milliseconds longest);
