@@ -130,11 +130,6 @@ std::unique_ptr<sources::Source> OpenSource(const std::string& name)
     return sources::OpenSource(name, {[&] { progress.Step(); }, ReportWait});
 }
 
-bool IsFile(const std::string& source)
-{
-    return source != "host" && !source.starts_with("ovsdb:");
-}
-
 Status Run(const Options& options)
 {
     shell::EventQueue& events = shell::Events();  // created before any thread can log
@@ -145,7 +140,7 @@ Status Run(const Options& options)
     source->Follow();
     BlockInterrupts(SIG_UNBLOCK);
     shell::Printer printer(std::cout, StyleFor(options));
-    shell::Shell shell(*source, printer, IsFile(options.source) ? options.source : "");
+    shell::Shell shell(*source, printer, options.source);
     shell.PrintEvents();
     const Status worst = RunLines(shell, options);
     return std::max(worst, shell.Finish());

@@ -1,11 +1,13 @@
 #include "shell/shell.h"
 
 #include <chrono>
+#include <cmath>
 #include <new>
 
 #include <standin/deliveries.h>
 
 #include "shell/commands/command.h"
+#include "shell/events/event_json.h"
 #include "shell/events/event_queue.h"
 #include "shell/nearest_name.h"
 
@@ -16,6 +18,7 @@ using namespace std::chrono_literals;
 
 constexpr auto LONGEST_WAIT = 3s;  // maximum wait for the callbacks of a write
 constexpr auto PRINT_INTERVAL = 10ms;
+constexpr size_t RECENT_LINES = 5;
 
 // Appends the usage of the function to a UsageError.
 CallResult CallWith(const Function& function, Words& words)
@@ -102,14 +105,41 @@ Status Shell::Finish()
 void Shell::PrintEvents()
 {
     while (const auto event = Events().Pop()) {
+        if ((*event)["event"] == "log") {
+            recentLog_.push_back(
+                {{"time", TimeText(std::chrono::system_clock::now())}, {"line", (*event)["line"]}});
+            if (recentLog_.size() > RECENT_LINES) {
+                recentLog_.erase(0);
+            }
+        }
         printer_.PrintEvent(*event);
     }
     printer_.Flush();
 }
 
+std::string Shell::File() const
+{
+    return sources::IsFile(sourceName_) ? sourceName_ : "";
+}
+
+// No value while the data are current.
+std::optional<double> Shell::SecondsStale() const
+{
+    const auto lost = source_.State().lost;
+    if (!lost) {
+        return std::nullopt;
+    }
+    const std::chrono::duration<double> since = std::chrono::system_clock::now() - *lost;
+    return std::round(since.count() * 10) / 10;
+}
+
 Status Shell::Dispatch(const std::string& name, Words& words)
 {
+    printer_.SetStale(SecondsStale());
     if (const Command* command = FindCommand(name)) {
+        if (command->readsTables) {
+            printer_.PrintStale();
+        }
         return command->run(*this, words);
     }
     const Function* function = FindFunction(name);

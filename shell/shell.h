@@ -1,6 +1,7 @@
 // Executes command lines in order.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -22,9 +23,9 @@ enum class Status : uint8_t {
 
 class Shell {
 public:
-    // file: path of the JSON file that is the source; empty for other sources.
-    Shell(sources::Source& source, Printer& printer, std::string file = "")
-        : writes_(source), printer_(printer), file_(std::move(file))
+    // sourceName: as for sources::OpenSource; empty for a source that has none.
+    Shell(sources::Source& source, Printer& printer, std::string sourceName = "")
+        : source_(source), writes_(source), printer_(printer), sourceName_(std::move(sourceName))
     {
     }
 
@@ -43,16 +44,25 @@ public:
     void End() { ended_ = true; }
     void Continue() { ended_ = false; }
 
-    const std::string& File() const { return file_; }
+    const sources::Source& Source() const { return source_; }
+    const std::string& SourceName() const { return sourceName_; }
+    // Path of the JSON file that is the source; empty for other sources.
+    std::string File() const;
+    // The last log lines that were printed as events, an array of {"time", "line"}.
+    const Json& RecentLog() const { return recentLog_; }
     Printer& Out() { return printer_; }
     PendingWrites& Writes() { return writes_; }
 
 private:
     Status Dispatch(const std::string& name, Words& words);
 
+    std::optional<double> SecondsStale() const;
+
+    const sources::Source& source_;
     PendingWrites writes_;
     Printer& printer_;
-    const std::string file_;
+    const std::string sourceName_;
+    Json recentLog_ = Json::array();
     bool ended_ = false;
 };
 

@@ -38,6 +38,13 @@ constexpr SourceKind SOURCE_KINDS[] = {
     {"", false, OpenJson},
 };
 
+const SourceKind& KindOf(const std::string& name)
+{
+    return *std::ranges::find_if(SOURCE_KINDS, [&](const SourceKind& kind) {
+        return kind.isWholeName ? name == kind.prefix : name.starts_with(kind.prefix);
+    });
+}
+
 }  // namespace
 
 void Source::Commit(const std::vector<RowWrite>& writes)
@@ -64,11 +71,13 @@ void Source::Commit(const std::vector<RowWrite>& writes)
 
 std::unique_ptr<Source> OpenSource(const std::string& name, const SourceProgress& progress)
 {
-    const auto isOfKind = [&](const SourceKind& kind) {
-        return kind.isWholeName ? name == kind.prefix : name.starts_with(kind.prefix);
-    };
-    const auto& kind = *std::ranges::find_if(SOURCE_KINDS, isOfKind);
+    const SourceKind& kind = KindOf(name);
     return kind.open(name.substr(kind.prefix.size()), progress);
+}
+
+bool IsFile(const std::string& name)
+{
+    return !name.empty() && KindOf(name).prefix.empty();
 }
 
 }  // namespace sources

@@ -186,6 +186,51 @@ TEST(Shell, ShowSelectsSortsAndLimits)
     EXPECT_EQ(none, Json::array());
 }
 
+TEST(Shell, StatusShowsHowCurrentTheDataAre)
+{
+    const std::string input = "printf 'begin\\ndelete if_base if_index=1\\nstatus\\nabort\\n'";
+    std::istringstream lines(RunShell("--json " + device, input).output);
+    std::string line;
+    std::getline(lines >> std::ws, line);  // waiting for commit
+    std::getline(lines, line);
+    const Json status = Json::parse(line);
+    EXPECT_EQ(status["source"], root + "/data/access-switch.json");
+    EXPECT_EQ(status["data"], "loaded");
+    EXPECT_EQ(status["transaction"], 1);
+    EXPECT_EQ(status["waiting"]["messages"], 0);
+    EXPECT_EQ(status["rows"]["vlan"], 9);
+}
+
+// A server is killed while a shell follows it.
+TEST(Shell, AnswersFromStaleDataSaySo)
+{
+    if (support::Run("command -v ovsdb-server ovsdb-tool").status != 0) {
+        GTEST_SKIP() << "ovsdb-server and ovsdb-tool are not installed";
+    }
+    const std::string script = R"(d=$(mktemp -d)
+ovsdb-tool create $d/db )" + root +
+                               R"(/data/tarnd_qrb.ovsschema
+ovsdb-server --detach --no-chdir --pidfile=$d/pid --unixctl=$d/ctl --remote=punix:$d/socket $d/db
+{
+    echo tables; sleep 1; kill -9 $(cat $d/pid); sleep 1
+    echo show vlan; echo IP_GetMainIpAddr 3; echo status
+} | )" TARND_SHELL R"( $1 ovsdb:unix:$d/socket 2>&1
+rm -r $d)";
+    const auto outputOf = [&](const std::string& option) {
+        return support::Run("bash -c '" + script + "' - " + option).output;
+    };
+    const std::string text = outputOf("");
+    EXPECT_TRUE(std::regex_search(
+        text, std::regex("stale: no server has been followed for [0-9.]+ s\n[^]*"
+                         "stale: no server has been followed for [0-9.]+ s\nresult +1[^]*"
+                         "data +stale for [0-9.]+ s, no server is followed\nerror +unix:")))
+        << text;
+    const std::string json = outputOf("--json");
+    EXPECT_TRUE(std::regex_search(
+        json, std::regex("\\{\"stale\":[0-9.]+\\}\n\\[\\]\n\\{\"function\"[^\n]*\"stale\":")))
+        << json;
+}
+
 TEST(Shell, OutputThatCannotBeWrittenIsAnError)
 {
     const std::string call = TARND_SHELL " " + device + "functions ";

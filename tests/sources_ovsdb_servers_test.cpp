@@ -146,6 +146,8 @@ TEST_F(ServersTest, ASilentServerIsGivenUpAndTheTablesStay)
     first.Transact({NewRow("if_phy", {{"if_index", 1}, {"speed", 10}})});
     OvsdbSource cluster(first.Remote() + "," + second.Remote(), {300ms, 40ms, 10ms, 20ms});
     cluster.Follow();
+    EXPECT_EQ(cluster.State().role, "standalone");
+    EXPECT_TRUE(cluster.State().connected && !cluster.State().lost);
     std::this_thread::sleep_for(200ms);  // an idle server replies to probes
     EXPECT_EQ(TakeLog().size(), 0U);
 
@@ -154,6 +156,7 @@ TEST_F(ServersTest, ASilentServerIsGivenUpAndTheTablesStay)
     ExpectRefusal("is not known", [&] { cluster.Commit({{Insert, Phy(2)}}); });
     EXPECT_EQ(Speed(1), 10U);
     EXPECT_TRUE(Eventually([&] { return cluster.Server().empty(); }));
+    EXPECT_TRUE(cluster.State().lost && !cluster.State().connected);
     ExpectRefusal("no server can be followed", [&] { cluster.Commit({{Insert, Phy(2)}}); });
     EXPECT_NE(TakeLogText().find(first.Remote() + ": the server has been silent for too long: the "
                                                   "tables stay as they are"),
@@ -162,6 +165,7 @@ TEST_F(ServersTest, ASilentServerIsGivenUpAndTheTablesStay)
     // The next one has other contents: the difference is written.
     second.Start();
     EXPECT_TRUE(Eventually([&] { return cluster.Server() == second.Remote(); }));
+    EXPECT_TRUE(cluster.State().connected && !cluster.State().lost);
     EXPECT_EQ(standin::CountRows(*standin::FindTable("if_phy")), 0U);
     EXPECT_NE(TakeLogText().find(second.Remote() + " is followed"), std::string::npos);
 }

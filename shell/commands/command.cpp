@@ -8,8 +8,8 @@ namespace {
 std::vector<Command> Assemble()
 {
     std::vector<Command> all;
-    for (const auto& subject :
-         {TableCommands, WriteCommands, FileCommands, EventCommands, HelpCommands}) {
+    for (const auto& subject : {TableCommands, WriteCommands, FileCommands, EventCommands,
+                                StatusCommands, HelpCommands}) {
         std::ranges::move(subject(), std::back_inserter(all));
     }
     return all;

@@ -15,6 +15,7 @@ struct Command {
     std::string_view arguments;  // in the notation of the help text
     std::string_view does;
     std::function<Status(Shell&, Words&)> run;
+    bool readsTables = false;  // prints data of the source, which may be stale
 };
 
 const std::vector<Command>& Commands();
@@ -26,6 +27,7 @@ std::vector<std::string> CallableNames();
 
 // The tables of commands, one per source file.
 std::vector<Command> HelpCommands();
+std::vector<Command> StatusCommands();
 std::vector<Command> TableCommands();
 std::vector<Command> WriteCommands();
 std::vector<Command> FileCommands();

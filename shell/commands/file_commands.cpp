@@ -193,9 +193,9 @@ std::vector<Command> FileCommands()
 {
     return {
         {"load", "FILE", "Inserts the rows of a JSON file, all or none.", Load},
-        {"dump", "[FILE]", "Writes the whole database as JSON, to the output or to a file.", Dump},
+        {"dump", "[FILE]", "Writes the whole database as JSON, to the output or to a file.", Dump, true},
         {"save", "[FILE]", "Writes the whole database back to the file it was read from, or to another.", Save},
-        {"diff", "FILE [FILE]", "Compares a file with another, or with the database.", Diff},
+        {"diff", "FILE [FILE]", "Compares a file with another, or with the database.", Diff, true},
     };
 }
 // clang-format on

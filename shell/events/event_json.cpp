@@ -19,22 +19,6 @@
 namespace shell {
 namespace {
 
-// Formats local time with the UTC offset, as in RFC 3339.
-std::string TimeText(std::chrono::system_clock::time_point time)
-{
-    using namespace std::chrono;
-    const std::time_t seconds = system_clock::to_time_t(time);
-    std::tm local{};
-    localtime_r(&seconds, &local);
-    std::ostringstream text;
-    text << std::put_time(&local, "%FT%T.") << std::setfill('0') << std::setw(6)
-         << duration_cast<microseconds>(time.time_since_epoch()).count() % 1'000'000;
-    const long minutes = local.tm_gmtoff / 60;
-    text << (minutes < 0 ? '-' : '+') << std::setw(2) << std::abs(minutes) / 60 << ':'
-         << std::setw(2) << std::abs(minutes) % 60;
-    return text.str();
-}
-
 void AddInterface(Json& event, uint32_t ifIndex)
 {
     event["ifIndex"] = ifIndex;
@@ -123,6 +107,21 @@ void AddLayer2Data(Json& event, uint32_t id, const void* data, const void* argum
 }
 
 }  // namespace
+
+std::string TimeText(std::chrono::system_clock::time_point time)
+{
+    using namespace std::chrono;
+    const std::time_t seconds = system_clock::to_time_t(time);
+    std::tm local{};
+    localtime_r(&seconds, &local);
+    std::ostringstream text;
+    text << std::put_time(&local, "%FT%T.") << std::setfill('0') << std::setw(6)
+         << duration_cast<microseconds>(time.time_since_epoch()).count() % 1'000'000;
+    const long minutes = local.tm_gmtoff / 60;
+    text << (minutes < 0 ? '-' : '+') << std::setw(2) << std::abs(minutes) / 60 << ':'
+         << std::setw(2) << std::abs(minutes) % 60;
+    return text.str();
+}
 
 void AddTime(Json& event)
 {

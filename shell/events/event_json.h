@@ -8,6 +8,8 @@
 // docs/shell.md describes every member.
 #pragma once
 
+#include <chrono>
+
 #include "shell/events/callback_pool.h"
 #include "shell/output/json_text.h"
 
@@ -19,6 +21,9 @@ Json InterfaceEvent(const Registration& registration, uint32_t flag, uint32_t if
                     const void* first);
 Json NotificationEvent(const Registration& registration, uint32_t ifIndex, uint32_t command,
                        uint32_t value1, uint32_t value2);
+
+// Local time with the UTC offset, as in RFC 3339.
+std::string TimeText(std::chrono::system_clock::time_point time);
 
 // Adds "time", and "microseconds" in a callback of a change.
 void AddTime(Json& event);

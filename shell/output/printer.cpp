@@ -110,6 +110,7 @@ std::string EscapeLines(const std::string& text)
 void Printer::Print(const Function& function, const CallResult& result)
 {
     if (!IsJson()) {
+        PrintStale();
         PrintReadable(function, result);
         return;
     }
@@ -123,7 +124,25 @@ void Printer::Print(const Function& function, const CallResult& result)
     if (Json words = WordsOf(function, result); !words.empty()) {
         line["words"] = std::move(words);
     }
+    if (stale_) {
+        line["stale"] = *stale_;
+    }
     PrintLine(line);
+}
+
+void Printer::PrintStale()
+{
+    if (!stale_) {
+        return;
+    }
+    if (IsJson()) {
+        PrintLine({{"stale", *stale_}});
+        return;
+    }
+    Flush();
+    std::cerr << Coloured(YELLOW,
+                          "stale: no server has been followed for " + OneLine(Json(*stale_)) + " s")
+              << '\n';
 }
 
 void Printer::PrintReadable(const Function& function, const CallResult& result)

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <iosfwd>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -30,6 +31,13 @@ public:
     // The number of the input line that errors refer to; 0: input is not a file.
     void SetInputLine(size_t number) { inputLine_ = number; }
 
+    // For how many seconds the data have been stale; no value: they are current.
+    void SetStale(std::optional<double> seconds) { stale_ = seconds; }
+    // Says that the answer that follows is from stale data; nothing if they are current. As JSON
+    // {"stale": SECONDS}.
+    void PrintStale();
+
+    // As JSON, the object has "stale" if the data are.
     void Print(const Function& function, const CallResult& result);
     // A table; as JSON the array.
     void PrintRows(const Json& rows);
@@ -64,6 +72,7 @@ private:
     std::ostream& output_;
     Style style_;
     size_t inputLine_ = 0;
+    std::optional<double> stale_;
 };
 
 }  // namespace shell
