@@ -13,11 +13,11 @@ namespace bench {
 standin::Row Interface(uint32_t ifIndex);
 QRB_IF_BASE_S InterfaceRecord(uint32_t ifIndex);
 
-// Replaces whatever the database holds by rows 1 to count of one table, unless it holds them
-// already.
+// Replaces the contents of the database by rows 1 to count of one table. Does nothing if it has
+// them already.
 void Fill(std::string_view table, uint32_t count, const std::function<standin::Row(uint32_t)>& row);
 
-// Row numbers 1 to count in an order that no cache foresees, the same for all contenders.
+// Row numbers 1 to count, shuffled to defeat prefetching; the same order for all contenders.
 class RandomOrder {
 public:
     explicit RandomOrder(uint32_t count) : count_(count) {}

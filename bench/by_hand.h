@@ -1,5 +1,5 @@
-// Queries written out by hand: the platform calls that the library's function of the same name
-// makes, the same buffers zeroed, the same result copied, and nothing else.
+// Queries written by hand: the same platform calls, zeroed buffers and copied result as in the
+// library's function of the same name, and nothing else.
 #pragma once
 
 #include <cstdint>

@@ -1,9 +1,9 @@
-// What following a server costs. bench/cluster starts the server and runs this against it:
+// Cost of following an ovsdb-server. bench/cluster starts the server and runs these steps:
 //
-//   fill COUNT   puts rows there: COUNT routes, and an interface to query
-//   start        time until all rows are stored, beside only receiving them
-//   storm        changes received a second, and the cost of queries meanwhile
-//   delay        time from a change to its callback, beside ovsdb-client monitor
+//   fill COUNT   inserts COUNT routes and one interface, which is queried later
+//   start        time until all rows are stored, compared with only receiving them
+//   storm        changes received per second, and the cost of queries at the same time
+//   delay        time from a change to its callback, compared with ovsdb-client monitor
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -43,7 +43,7 @@ double ThreadSeconds()
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
-// A client that only sends requests and receives answers.
+// A client that only sends requests and receives responses.
 class BareClient {
 public:
     explicit BareClient(const std::string& path) : socket_(socket(AF_UNIX, SOCK_STREAM, 0))
@@ -52,7 +52,7 @@ public:
         address.sun_family = AF_UNIX;
         path.copy(address.sun_path, sizeof(address.sun_path) - 1);
         if (connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
-            throw std::runtime_error(path + " does not answer");
+            throw std::runtime_error("cannot connect to " + path);
         }
     }
     ~BareClient() { close(socket_); }
@@ -63,11 +63,11 @@ public:
     {
         const std::string text = Json{{"id", 1}, {"method", method}, {"params", parameters}}.dump();
         if (write(socket_, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
-            throw std::runtime_error("a request was not sent");
+            throw std::runtime_error("cannot send a request");
         }
     }
 
-    // The size of the next message.
+    // Returns the size of the next message.
     size_t Receive()
     {
         for (;;) {
@@ -77,7 +77,7 @@ public:
             char bytes[1 << 16];
             const ssize_t size = read(socket_, bytes, sizeof bytes);
             if (size <= 0) {
-                throw std::runtime_error("the server ended the connection");
+                throw std::runtime_error("the server closed the connection");
             }
             framing_.Add({bytes, static_cast<size_t>(size)});
         }
@@ -103,7 +103,7 @@ private:
 
 std::atomic<uint64_t> callbacks;
 std::atomic<uint32_t> lastSpeed;
-std::atomic<int64_t> lastCallback;  // of the steady clock
+std::atomic<int64_t> lastCallback;  // ticks of the steady clock
 
 void OnChange(ORM_MESSAGE message, uint32_t)
 {
@@ -167,8 +167,8 @@ void Start(const std::string& path)
     const double seconds = SecondsSince(begin);
     const double spent = ThreadSeconds() - own;
     std::printf(
-        "start with %zu routes: %.2f s, %.2f s of them here; only receiving the %zu MB: %.2f s; "
-        "ratio %.2f\n",
+        "start with %zu routes: %.2f s, CPU time of the client %.2f s; only receiving the %zu MB: "
+        "%.2f s; ratio %.2f\n",
         standin::CountRows(*standin::FindTable("Fib.ConfigIpv4Fwd")), seconds, spent, size >> 20,
         bareSeconds, seconds / bareSeconds);
 }
@@ -177,11 +177,11 @@ void Start(const std::string& path)
 
 struct QueryCost {
     double wall;  // nanoseconds
-    double own;   // of the thread's processor time
+    double own;   // CPU time of the thread
     double worst;
 };
 
-// By queries until the flag rises; the worst is that of 999 in 1000.
+// Queries until goOn is false. The worst time is the 99.9th percentile.
 QueryCost QueryWhile(const std::atomic<bool>& goOn)
 {
     char name[64];
@@ -199,8 +199,8 @@ QueryCost QueryWhile(const std::atomic<bool>& goOn)
 
 void Print(const char* when, const QueryCost& cost)
 {
-    std::printf("a query %s: median %.0f ns, 999 in 1000 below %.0f ns, processor time %.0f ns\n",
-                when, cost.wall, cost.worst, cost.own);
+    std::printf("query %s: median %.0f ns, 99.9th percentile %.0f ns, CPU time %.0f ns\n", when,
+                cost.wall, cost.worst, cost.own);
 }
 
 constexpr uint64_t STORM_CHANGES = 20'000;
@@ -220,7 +220,7 @@ void SendChanges(const std::string& path)
 
 void Storm(const std::string& path)
 {
-    double alone = 0, followed = 0;  // the best of several rounds, in changes a second
+    double alone = 0, followed = 0;  // the best of several rounds, in changes per second
     Subscribe();
     for (int round = 0; round < 5; ++round) {
         auto begin = Clock::now();
@@ -239,7 +239,7 @@ void Storm(const std::string& path)
         followed = std::max(followed, STORM_CHANGES / SecondsSince(begin));
     }
     std::printf(
-        "changes: %.0f a second to %lu callbacks of %lu; %.0f a second without a "
+        "changes: %.0f per second, %lu callbacks for %lu changes; %.0f per second without a "
         "follower; ratio %.2f\n",
         followed, callbacks.load(), STORM_CHANGES, alone, followed / alone);
 
@@ -281,12 +281,12 @@ void Delay(const std::string& path)
     FILE* const monitor = popen(command.c_str(), "r");
     BareClient client(path);
     char line[512];
-    std::vector<double> callback, printed, answered;
+    std::vector<double> callback, printed, responded;
     for (uint32_t i = 0; i < CHANGES; ++i) {
         const auto begin = Clock::now();
         client.SetSpeed(FIRST_SPEED + i);
         client.Receive();
-        answered.push_back(SecondsSince(begin));
+        responded.push_back(SecondsSince(begin));
         const std::string wanted = ',' + std::to_string(FIRST_SPEED + i) + '\n';
         do {
             if (fgets(line, sizeof line, monitor) == nullptr) {
@@ -301,10 +301,10 @@ void Delay(const std::string& path)
             Seconds(Clock::duration(lastCallback.load()) - begin.time_since_epoch()).count());
     }
     std::printf(
-        "from a request: %.0f us to its answer, %.0f us to the callback, %.0f us to the line "
+        "from a request: %.0f us to its response, %.0f us to the callback, %.0f us to the line "
         "of ovsdb-client monitor\n",
-        Median(answered) * 1e6, Median(callback) * 1e6, Median(printed) * 1e6);
-    // The monitor ends with its server; to wait for it here would be to wait for ever.
+        Median(responded) * 1e6, Median(callback) * 1e6, Median(printed) * 1e6);
+    // pclose would block: the monitor does not exit before its server.
 }
 
 int Run(int count, char** words)

@@ -1,5 +1,5 @@
-// Makes every query once, each a section of its own for callgrind; bench/instructions.py reads
-// them.
+// Calls every query once, each as a section of its own for callgrind. bench/instructions.py reads
+// the sections.
 #include <valgrind/callgrind.h>
 
 #include "support/example_calls.h"
@@ -26,13 +26,13 @@ int main()
     const Device device;
     support::WatchPlatform(false);
     for (const calls::Call& call : calls::AllCalls()) {
-        // The first time, functions are looked up and tables built.
+        // The first call is not counted: it resolves symbols and builds tables.
         for (const bool counted : {false, true}) {
             Maybe(call.before);
             CALLGRIND_ZERO_STATS;
             call.run();
             if (counted) {
-                const std::string name = call.Function();  // the request is a statement of its own
+                const std::string name = call.Function();  // the macro must be the only call in its statement
                 CALLGRIND_DUMP_STATS_AT(name.c_str());
             }
             Maybe(call.after);

@@ -1,10 +1,9 @@
 #!/usr/bin/python3
-"""Prints, for every query, the instructions that the library itself adds to the platform's.
+"""Prints the number of instructions that each query executes in the library and in the platform.
 
     instructions.py PROGRAM
 
-Counted by callgrind in one call with example arguments: those in libtarnd_qrb.so, and those in the
-platform beneath. What the C library does for either is in neither.
+Callgrind counts one call with example arguments. Instructions of the C library are not included.
 """
 
 import pathlib
@@ -14,7 +13,7 @@ import tempfile
 
 
 def section(file):
-    """The name of a section, and its instructions by library."""
+    """The name of a section and its instruction count for each library."""
     name, library, is_call, counts = None, None, False, {}
     for line in file.read_text(encoding="utf-8").splitlines():
         if line.startswith("desc: Trigger: Client Request: "):

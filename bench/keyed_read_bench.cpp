@@ -1,4 +1,4 @@
-// One 387-byte record by its 4-byte key, copied out.
+// Keyed read: one 387-byte record by its 4-byte key, copied to the caller.
 #include <benchmark/benchmark.h>
 
 #include <tarnd_platform/orm_accessors.h>
@@ -18,7 +18,7 @@ public:
     }
 };
 
-// The same by a session's steps, for one field.
+// A keyed read of one field, with each step of a session.
 class SessionRead {
 public:
     explicit SessionRead(uint32_t rows) { Fill("if_base", rows, Interface); }

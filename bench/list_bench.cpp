@@ -1,4 +1,4 @@
-// The generic list beside memory taken and given back, the standard library's list and GLib's.
+// The generic list, compared with plain allocation, std::list and GQueue.
 #include <glib.h>
 
 #include <array>
@@ -18,13 +18,13 @@ struct ListedRecord {
     uint64_t rest[3];
 };
 
-constexpr size_t WAITING = 64;  // elements in the list while others come and go
-constexpr size_t SORTED = 100;  // elements put in order
+constexpr size_t WAITING = 64;  // elements in the list while others are pushed and popped
+constexpr size_t SORTED = 100;  // elements inserted in order
 
 constexpr UTIL_LIST_TRAITS_S TRAITS = {
     sizeof(ListedRecord), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr};
 
-// Whether an existing element stays ahead: the order of every list here.
+// Whether an existing element precedes the new one: the order of every list here.
 bool Ahead(const void* existing, const void* added, uint64_t /*context*/)
 {
     return static_cast<const ListedRecord*>(existing)->priority >
@@ -53,7 +53,7 @@ private:
     UTIL_LIST_S list_;
 };
 
-// When the order is known.
+// The same comparator, inlined.
 enum Known { AtRunTime, WhenCompiled };
 
 template <Known compare>
@@ -101,7 +101,7 @@ private:
     GQueue queue_ = G_QUEUE_INIT;
 };
 
-// A list without the links: what its memory costs.
+// The allocation and the copy of a list node, without linking it.
 class Blocks {
 public:
     ~Blocks() { Clear(); }

@@ -1,4 +1,4 @@
-// Loading the library into a process that has its platform already, beside an empty library.
+// Loading the library into a process that has loaded its platform, compared with an empty library.
 #include <dlfcn.h>
 
 #include <benchmark/benchmark.h>

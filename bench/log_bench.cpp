@@ -1,4 +1,4 @@
-// A log call whose priority is not written, beside a function that compares and returns.
+// A log call whose priority is not written, compared with a function that compares and returns.
 #include <benchmark/benchmark.h>
 
 #include <tarnd_qrb/log.h>

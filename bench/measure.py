@@ -1,9 +1,9 @@
 #!/usr/bin/python3
-"""Runs the benchmarks, subject by subject, and keeps every repetition's figure.
+"""Runs the benchmarks, subject by subject, and stores the figure of every repetition.
 
 Benchmarks are named subject/contender[/size...]. The contenders of one subject and size run in one
-process, in short repetitions that are interleaved at random, so that whatever else the machine does
-falls on all of them.
+process, in short repetitions that are interleaved at random, so that other load on the machine affects
+all of them alike.
 
     measure.py PROGRAM... RESULTS [--quick] [--only REGEX]
 """
@@ -41,7 +41,7 @@ def run(program, group, repetitions, seconds):
 
 
 def figure(result):
-    """Nanoseconds for one item, or bytes: a row's, and those of them that are its contents."""
+    """Nanoseconds per item. For memory: bytes of a row, and how many of them are its contents."""
     if "error_occurred" in result:
         sys.exit(f"{result['name']}: {result['error_message']}")
     if "bytes_a_row" in result:
@@ -57,8 +57,8 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("programs", nargs="+")
     parser.add_argument("results")
-    parser.add_argument("--quick", action="store_true", help="few and short repetitions")
-    parser.add_argument("--only", default="", help="only these, by regular expression; others keep their figures")
+    parser.add_argument("--quick", action="store_true", help="fewer and shorter repetitions")
+    parser.add_argument("--only", default="", help="measure only benchmarks that match; figures of the others are kept")
     arguments = parser.parse_args()
     repetitions, seconds = (5, 0.01) if arguments.quick else (31, 0.03)
 

@@ -1,4 +1,4 @@
-// Time from a write to a module's callback on the listener thread, beside a bare eventfd and
+// Time from a write to a module's callback on the listener thread, compared with a bare eventfd and
 // epoll_wait; and the cost of an update that changes no watched field.
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
@@ -41,7 +41,7 @@ standin::Row Route(uint32_t ifIndex)
     return row.Set("if_index", ifIndex);
 }
 
-// When the other thread was notified. The waiting thread sleeps on an eventfd.
+// The time at which the listener was notified. The measuring thread sleeps on an eventfd.
 class Arrival {
 public:
     void Notify()
@@ -62,7 +62,7 @@ private:
 };
 Arrival arrival;
 
-// A thread that waits for an eventfd.
+// The reference: a thread that waits for an eventfd.
 class BareListener {
 public:
     BareListener()
@@ -109,7 +109,8 @@ void Bare(benchmark::State& state)
 }
 BENCHMARK(Bare)->Name("write_to_callback/bare")->UseManualTime();
 
-// How many changes the module expects; the last one notifies. The first can be held up.
+// Number of changes that are expected; the last one notifies. While held is set, the callback
+// blocks.
 std::atomic<uint32_t> expected = 0;
 std::atomic<bool> held = false;
 
@@ -134,8 +135,7 @@ uint32_t OnRouteState(uint32_t /*subId*/, uint32_t /*flag*/, uint32_t /*ifIndex*
     return OnChange();
 }
 
-// The library as the daemon starts it, with a module that has callbacks for switch ports and
-// routes.
+// Starts the library as the daemon does, with callbacks for switch ports and route states.
 void StartOnce()
 {
     static const bool started = [] {
@@ -156,7 +156,7 @@ void StartOnce()
     }
 }
 
-// The next write, which is a change every time.
+// A write that inverts the field, so that every write is a change.
 standin::Transaction Toggle(standin::Row row, std::string_view field, uint64_t& state)
 {
     state = 1 - state;
@@ -214,7 +214,7 @@ void Queued(benchmark::State& state)
 }
 BENCHMARK(Queued)->Name("write_to_callback/queued_10000")->UseManualTime();
 
-// The least that a handler does with an update.
+// The minimal work of a handler for an update: read both rows and compare the VLAN sets.
 void CompareByHand(ORM_MESSAGE message, uint32_t /*eventType*/)
 {
     QRB_PORT_S before;

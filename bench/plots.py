@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Draws cost against size out of what measure.py measured.
+"""Plots cost against size from the results of measure.py.
 
     plots.py RESULTS FOLDER
 """
@@ -12,13 +12,13 @@ import sys
 import matplotlib
 
 matplotlib.use("svg")
-matplotlib.rcParams["svg.hashsalt"] = "tarnd_qrb"  # the same figures give the same file
+matplotlib.rcParams["svg.hashsalt"] = "tarnd_qrb"  # reproducible output
 import matplotlib.pyplot as pyplot  # noqa: E402
 
 PLOTS = {
     "keyed_read": ("Keyed read of a 387-byte record", "rows", "ns"),
-    "scan": ("Scan, two fields read of each row", "rows", "ns a row"),
-    "last_route": ("Inquiry that matches the last route", "routes", "ns a route"),
+    "scan": ("Scan, two fields read of each row", "rows", "ns per row"),
+    "last_route": ("Inquiry that matches the last route", "routes", "ns per route"),
     "publish": ("Publishing an event", "callbacks", "ns"),
 }
 

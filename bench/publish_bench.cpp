@@ -1,4 +1,5 @@
-// Publishing an event to 1, 8 and 64 callbacks, beside an array of their addresses and GLib's list.
+// Publishing an event to 1, 8 and 64 callbacks, compared with an array of their addresses and
+// GList.
 #include <glib.h>
 
 #include <vector>
@@ -54,7 +55,7 @@ private:
     std::vector<L2IF_SH_EVT_CB_FUNC*> callbacks_;
 };
 
-// A list of entries, as they would be registered.
+// The callbacks as a GList.
 class CallbackList {
 public:
     explicit CallbackList(int64_t callbacks)

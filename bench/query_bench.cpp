@@ -1,4 +1,4 @@
-// One query of each shape beside the same written out by hand.
+// One query of each kind, compared with the same platform calls written by hand.
 #include <benchmark/benchmark.h>
 
 #include <tarnd_qrb/acl.h>
@@ -16,7 +16,7 @@ using bench::Fill;
 using standin::Row;
 
 constexpr uint32_t ROWS = 64;
-constexpr uint32_t ADDRESSES = 4;  // of an interface
+constexpr uint32_t ADDRESSES = 4;  // per interface
 constexpr uint32_t NETWORK = 0x0A000000;
 
 Row Physical(uint32_t ifIndex)
@@ -50,7 +50,7 @@ Row Route(uint32_t number)
         .Set("nhpGroupId", number);
 }
 
-// Each call queries the next row.
+// Every call queries another row.
 template <typename Query>
 void QueryEach(benchmark::State& state, std::string_view table, Row (*row)(uint32_t), Query query)
 {

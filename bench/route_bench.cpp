@@ -1,4 +1,5 @@
-// A forwarding table of up to a million entries: loaded from JSON, and queried for its last entry.
+// A forwarding table of up to a million entries: loading it from JSON, and a query for its last
+// entry.
 #include <sources/json/json_file.h>
 #include <unistd.h>
 

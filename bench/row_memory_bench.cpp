@@ -1,4 +1,4 @@
-// What a row of each table takes in memory, keys and order included.
+// Memory of a row of each table, including keys and order.
 #include <malloc.h>
 
 #include <functional>
@@ -17,7 +17,7 @@ using standin::Table;
 
 constexpr uint32_t ROWS = 100000;
 
-// Every key its own, and one item in every list.
+// A row with unique keys and one item in every list.
 Row RowOf(const Table& table, uint32_t number)
 {
     Row row(table);

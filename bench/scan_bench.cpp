@@ -1,4 +1,4 @@
-// Every row of a table, two of its fields read.
+// Scan of a table that reads two fields of every row.
 #include <benchmark/benchmark.h>
 
 #include <tarnd_platform/orm.h>

@@ -1,8 +1,8 @@
-// A device under load for a given time: writers, readers, a walk that is held open, and callbacks
-// through the library's listener. Reports what was done, and fails where a notification is lost or
-// out of order, a reader sees half a write, or memory grows.
+// Load test of a given duration: writers, readers, a walk that is kept open, and callbacks on the
+// listener thread. Prints counters; fails if a notification is lost or out of order, if a reader
+// sees a partial write, or if memory grows.
 //
-//   soak [SECONDS [ROWS]]     a minute, a million rows
+//   soak [SECONDS [ROWS]]     default: a minute, a million rows
 #include <sys/eventfd.h>
 
 #include <algorithm>
@@ -38,21 +38,21 @@ using standin::Transaction;
 using Clock = std::chrono::steady_clock;
 
 constexpr uint32_t WRITER_COUNT = 2;
-constexpr size_t MOST_AWAITED = 1000;  // notifications of one writer that are under way
+constexpr size_t MAX_PENDING = 1000;  // notifications of one writer that have not arrived
 
 std::atomic<bool> running = true;
 std::atomic<uint64_t> writes = 0;
 std::atomic<uint64_t> reads = 0;
 std::atomic<uint64_t> steps = 0;  // of walks
 std::atomic<uint64_t> walks = 0;
-std::atomic<uint64_t> wrong = 0;  // answers
+std::atomic<uint64_t> wrong = 0;  // query results
 
-// The listener's, until it has ended.
+// Written by the listener thread, read after it has ended.
 uint64_t notified = 0;
 uint64_t unexpected = 0;
 Clock::duration longest = {};  // from write to callback
 
-// Half of the rows are interfaces, the other half their physical sides.
+// Each interface has two rows: one in "if_base" and one in "if_phy".
 uint32_t interfaces = 0;
 
 std::string NameOf(uint32_t ifIndex)
@@ -65,7 +65,7 @@ Row Base(uint32_t ifIndex)
     return Row("if_base").Set("if_index", ifIndex).Set("if_name", NameOf(ifIndex));
 }
 
-// One value is stored in two fields, so that a reader could detect half a write.
+// The value is stored in two fields, so that a reader can detect a partial write.
 Row Physical(uint32_t ifIndex, uint32_t state, uint32_t value)
 {
     return Row("if_phy")
@@ -87,7 +87,7 @@ void Fill()
     }
 }
 
-// The notifications that a writer's changes cause, in order.
+// The notifications expected from one writer's changes, in order.
 class Awaited {
 public:
     void Add(uint32_t ifIndex, uint32_t command)
@@ -125,7 +125,7 @@ private:
 };
 Awaited awaited[WRITER_COUNT];
 
-// A writer's interfaces are those that leave its number.
+// Writer N changes the interfaces whose index modulo WRITER_COUNT is N.
 uint32_t Notified(uint32_t ifIndex, uint32_t command, uint32_t, uint32_t)
 {
     awaited[ifIndex % WRITER_COUNT].Receive(ifIndex, command);
@@ -138,14 +138,14 @@ void Commit(Transaction transaction)
     writes++;
 }
 
-// Turns interfaces up and down, and has others come and go.
+// Turns random interfaces up and down, and repeatedly creates and deletes one more interface.
 void WriteFor(uint32_t writer)
 {
     std::mt19937 random(writer);
     std::vector<bool> up(interfaces);
     const uint32_t visitor = interfaces + writer;
     for (uint32_t round = 0; running; round++) {
-        while (awaited[writer].Size() >= MOST_AWAITED) {
+        while (awaited[writer].Size() >= MAX_PENDING) {
             std::this_thread::sleep_for(100us);
         }
         Transaction transaction;
@@ -184,8 +184,8 @@ void ReadFor(uint32_t reader)
     }
 }
 
-// Each walk returns every interface once, in order; the first stays open for the first half of the
-// time.
+// Each walk must return every interface once, in order. The first walk stays open for half of the
+// test's duration.
 void WalkFor(Clock::duration half)
 {
     const auto until = Clock::now() + half;
@@ -213,7 +213,7 @@ double ResidentMegabytes()
     return pages * 4096 / 1e6;
 }
 
-// As a daemon does, once every notification has arrived.
+// Waits until every notification has arrived, then stops the thread in the way a daemon does.
 void StopListener()
 {
     for (int left = 1000; left > 0 && awaited[0].Size() + awaited[1].Size() > 0; left--) {
@@ -221,11 +221,11 @@ void StopListener()
     }
     OrmCloseSession(g_dbListenerSubSession);
     std::atomic_ref(g_epollDbListenerThreadExit).store(1, std::memory_order_release);
-    DbListenerEpollCtrl(static_cast<uint32_t>(eventfd(1, EFD_CLOEXEC)), 0);  // it may be asleep
+    DbListenerEpollCtrl(static_cast<uint32_t>(eventfd(1, EFD_CLOEXEC)), 0);  // wakes the thread
     pthread_join(g_epollDbListenerThreadId, nullptr);
 }
 
-// 1 where something went wrong.
+// Returns the exit status: 1 after any error.
 int Report(std::chrono::seconds seconds, double before, double after)
 {
     const size_t lost = awaited[0].Size() + awaited[1].Size();
@@ -239,11 +239,11 @@ int Report(std::chrono::seconds seconds, double before, double after)
     print("reads", reads);
     print("steps of walks", steps);
     print("walks", walks);
-    print("wrong answers", wrong);
+    print("wrong results", wrong);
     std::printf("longest time from write to callback: %.3f ms\n",
                 std::chrono::duration<double, std::milli>(longest).count());
     std::printf("memory: %.1f MB, at the end %.1f MB\n", before, after);
-    // A short run ends before everything has its size.
+    // In a short run, caches and pools may still grow to their final size.
     const bool flat = seconds < 30s || after <= before * 1.01;
     return lost + unexpected + wrong == 0 && flat ? 0 : 1;
 }
@@ -259,7 +259,7 @@ int main(int count, char** words)
     MEM_EX_Init();
     Fill();
     if (IF_RegNotifyFunc(1, Notified) != 0 || BDS_InitStart() != 0) {
-        std::puts("The library does not start.");
+        std::puts("The library failed to start.");
         return 1;
     }
     std::vector<std::thread> threads;
@@ -269,7 +269,7 @@ int main(int count, char** words)
     }
     threads.emplace_back(WalkFor, seconds / 2);
 
-    // What is kept for good has been taken after a while.
+    // Memory that is allocated once is in use after a fifth of the time.
     std::this_thread::sleep_for(seconds / 5);
     const double before = ResidentMegabytes();
     std::this_thread::sleep_for(seconds - seconds / 5);

@@ -30,9 +30,9 @@ Lmdb::Lmdb(uint32_t rows)
 {
     constexpr size_t MAP_SIZE = size_t{1} << 30;
 
-    // In memory: /dev/shm is. The file is gone from its folder before it is used.
+    // /dev/shm is in memory. The file is unlinked before it is used.
     char folder[] = "/dev/shm/tarnd_bench.XXXXXX";
-    Check(mkdtemp(folder) != nullptr, "no folder for LMDB");
+    Check(mkdtemp(folder) != nullptr, "cannot create a directory for LMDB");
     Check(mdb_env_create(&environment_) == 0 && mdb_env_set_mapsize(environment_, MAP_SIZE) == 0 &&
               mdb_env_open(environment_, folder, MDB_NOSYNC | MDB_NOTLS, 0600) == 0,
           "LMDB does not open");

@@ -1,7 +1,7 @@
-// What a user would keep the "if_base" rows in instead of the stand-in.
+// Other stores for the "if_base" rows, with which the stand-in is compared.
 //
-// Each is used in its quickest way: LMDB and SQLite in one read transaction throughout, which sees
-// no later write.
+// Each is used in its fastest way: LMDB and SQLite with one read transaction for the whole
+// measurement.
 #pragma once
 
 #include <lmdb.h>
@@ -118,7 +118,7 @@ private:
     sqlite3_stmt* scan_ = nullptr;
 };
 
-// The store with this many rows. One of each kind is kept at a time.
+// Returns the store with this number of rows. Only one store of each kind exists at a time.
 template <typename Store>
 Store& Filled(uint32_t rows)
 {

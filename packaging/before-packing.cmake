@@ -1,5 +1,5 @@
-# Run by cpack on what is going to be packed: adds a Debian changelog to each package, and compresses
-# it and the manual pages, as Debian's policy asks.
+# Run by cpack before packing: adds a Debian changelog to each package, and compresses it and the manual
+# pages, as required by Debian policy.
 file(GLOB copyrights ${CPACK_TEMPORARY_DIRECTORY}/*/usr/share/doc/*/copyright)
 foreach(copyright ${copyrights})
   cmake_path(GET copyright PARENT_PATH folder)

@@ -27,7 +27,7 @@ set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_DEPENDS "libtarnd-platform0")
 set(CPACK_DEBIAN_LIBRARY_DESCRIPTION
 "query and notification interfaces over a device's configuration database
-Answers queries of a daemon's modules from the database, and calls them back
+Provides the modules of a daemon with queries of the database and with callbacks
 when it changes: interfaces, layer-2 ports and VLANs, IPv4 addresses, routes,
 access lists, QoS profiles.")
 
@@ -57,7 +57,8 @@ set(CPACK_DEBIAN_SHELL_DESCRIPTION
 Calls the library's functions by name, on a device from a file, this host or a
 cluster.")
 
-# dpkg-shlibdeps reads the packages of the machine that builds. Of another, the same is stated here.
+# dpkg-shlibdeps reads the packages of the build machine only. In a cross-build the dependencies are
+# listed here instead.
 if(CMAKE_CROSSCOMPILING)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS OFF)
   string(APPEND CPACK_DEBIAN_LIBRARY_PACKAGE_DEPENDS ", libc6 (>= 2.34)")
