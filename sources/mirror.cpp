@@ -20,10 +20,10 @@ std::string_view PrimaryKey(const Row& row)
     return KeyBytes(row, row.Description().keys.front());
 }
 
-void MirrorTable(Transaction& transaction, const Table& table, const Rows& wanted)
+void MirrorTable(Transaction& transaction, const Table& table, const Rows& desired)
 {
     std::unordered_map<std::string_view, const Row*> missing;
-    for (const Row& row : wanted) {
+    for (const Row& row : desired) {
         missing.emplace(PrimaryKey(row), &row);
     }
 
@@ -45,20 +45,20 @@ void MirrorTable(Transaction& transaction, const Table& table, const Rows& wante
     for (const Row& row : changed) {
         transaction.Update(row);
     }
-    for (const Row& row : wanted) {
+    for (const Row& row : desired) {
         if (missing.contains(PrimaryKey(row))) {
             transaction.Insert(row);
         }
     }
 }
 
-void MirrorRow(Transaction& transaction, const Row& wanted)
+void MirrorRow(Transaction& transaction, const Row& desired)
 {
-    const auto row = standin::Find(wanted);
+    const auto row = standin::Find(desired);
     if (!row) {
-        transaction.Insert(wanted);
-    } else if (*row != wanted) {
-        transaction.Update(wanted);
+        transaction.Insert(desired);
+    } else if (*row != desired) {
+        transaction.Update(desired);
     }
 }
 

@@ -1,4 +1,4 @@
-// Makes tables of the database equal to given rows, by as few writes as that takes.
+// Makes tables of the database equal to given rows, with as few writes as possible.
 #pragma once
 
 #include <string_view>
@@ -10,18 +10,19 @@ namespace sources {
 
 using Rows = std::vector<standin::Row>;
 
-// A view of the key's bytes in the row.
+// Returns a view of the key's bytes in the row.
 std::string_view KeyBytes(const standin::Row& row, const standin::Key& key);
 std::string_view PrimaryKey(const standin::Row& row);
 
-// Makes the table hold the wanted rows and no others; new ones are added in the order given. A row
-// that gets another name, or another of its further keys, never stays: keys may have changed hands,
-// and no two rows may have one even for a moment.
+// Adds the writes after which the table holds exactly the desired rows. New rows are inserted in
+// the given order. A row whose secondary key (such as its name) changes is deleted and inserted
+// instead of updated: keys may have been swapped between rows, and every key must be unique after
+// each write.
 void MirrorTable(standin::Transaction& transaction, const standin::Table& table,
-                 const Rows& wanted);
+                 const Rows& desired);
 
-// The same for rows of many tables, each alone: its table's other rows stay as they are.
-void MirrorRow(standin::Transaction& transaction, const standin::Row& wanted);
+// The same for a single row. The other rows of its table are unchanged.
+void MirrorRow(standin::Transaction& transaction, const standin::Row& desired);
 void RemoveRow(standin::Transaction& transaction, const standin::Row& key);
 
 }  // namespace sources

@@ -31,7 +31,7 @@ struct SourceKind {
     std::unique_ptr<Source> (*open)(const std::string& rest, const SourceProgress& progress);
 };
 
-// The first whose prefix the name begins with, or is.
+// The first entry that matches the name is used.
 constexpr SourceKind SOURCE_KINDS[] = {
     {"host", true, OpenHost},
     {"ovsdb:", false, OpenOvsdb},

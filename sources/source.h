@@ -1,4 +1,4 @@
-// Where the database's contents come from, and where writes go.
+// The interface of data sources: they fill the database, follow changes and execute writes.
 #pragma once
 
 #include <chrono>
@@ -40,21 +40,23 @@ public:
     Source& operator=(const Source&) = delete;
     virtual ~Source() = default;
 
-    // Starts a thread that writes each change of what the source mirrors. Nothing by default.
+    // Starts a thread that mirrors each later change into the database. Does nothing by default.
     virtual void Follow() {}
 
-    // Carries out several writes, all or none. Throws standin::Error, and has then changed nothing.
-    // By default the writes go to this process's database.
+    // Executes the writes as one transaction. Throws standin::Error if it fails; nothing has
+    // changed then. By default the transaction is executed on the stand-in database of this
+    // process.
     virtual void Commit(const std::vector<RowWrite>& writes);
 
     // Any thread. By default the data are current.
     virtual SourceState State() const { return {}; }
 };
 
-// What a source reports while its caller waits.
+// Progress callbacks for the time in which the caller is blocked.
 struct SourceProgress {
     std::function<void()> onRow;  // a row was read from a file
-    // A wait for this, such as a server, has taken a second. Also from Commit, on its thread.
+    // A wait has taken a second; what names the thing that is waited for. Called on the thread that
+    // waits, also during Commit.
     std::function<void(const std::string& what)> onWait;
 };
 

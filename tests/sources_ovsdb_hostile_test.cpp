@@ -387,7 +387,7 @@ TEST_F(HostileTest, LimitsOfSizeAndTimeEndTheConnection)
              }
              peer.Send(values);
          }},
-        {BRISK, "does not read the answers",
+        {BRISK, "does not read the replies",
          [](ScriptedPeer& peer) {
              const std::string echo =
                  R"({"id":1,"method":"echo","params":[")" + std::string(10'000, 'x') + "\"]}";

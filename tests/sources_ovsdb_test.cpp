@@ -185,7 +185,7 @@ TEST_F(ClusterTest, NonsenseIsReportedAndChangesNothing)
         {R"({"id":"server","result":{},"error":null})", "no database"},
         {R"({"id":7,"result":[],"error":null})", "not sent"},
         {R"({"id":"contents","result":7,"error":null})", "not sent"},
-        {R"({"method":"steal","params":["server"],"id":null})", "without having been asked"},
+        {R"({"method":"steal","params":["server"],"id":null})", "sends an unexpected steal"},
         {here + R"({"id":"contents","error":null,"result":[]})", "not an array"},
         {here, "silent"},
     };

@@ -177,8 +177,8 @@ Status Publish(Shell& shell, Words& words)
 std::vector<Command> EventCommands()
 {
     return {
-        {"watch", "[SECONDS|on|off] [event=NAME...] [interface=INDEX|NAME...]", "Prints events and notifications as they come, until Ctrl-C or for so many seconds; on and off: beside other commands. Names may be patterns with * and ?.", Watch},
-        {"monitor", "TABLE|off [SECONDS|on] [FIELD=VALUE...]", "Prints the old and the new row of each change of a table, until Ctrl-C or for so many seconds; on and off: beside other commands. The conditions are those of show.", MonitorRows},
+        {"watch", "[SECONDS|on|off] [event=NAME...] [interface=INDEX|NAME...]", "Prints events and notifications as they arrive, until Ctrl-C or for the given number of seconds; on: in the background, until off. Names may be patterns with * and ?.", Watch},
+        {"monitor", "TABLE|off [SECONDS|on] [FIELD=VALUE...]", "Prints the old and the new row of each change of a table, until Ctrl-C or for the given number of seconds; on: in the background, until off. The conditions are the same as for show.", MonitorRows},
         {"publish", "EVENT SUB IFINDEX [FLAG]", "Publishes an interface event. For other events: L2IF_SH_EvtPublishEvent, IF_NotifyAll.", Publish},
     };
 }

@@ -19,7 +19,7 @@ std::string FormText(const Argument& argument)
                 std::string(argument.field);
     }
     if (!argument.fallback.empty() && argument.fallback != NULL_WORD) {
-        text += (text.empty() ? "" : ", ") + ("else " + std::string(argument.fallback));
+        text += (text.empty() ? "" : ", ") + ("default " + std::string(argument.fallback));
     }
     return text;
 }
@@ -66,7 +66,7 @@ std::string Short(std::string_view does)
 
 std::string Overview()
 {
-    std::string text = "Commands, more about each with help NAME:\n";
+    std::string text = "Commands; help NAME describes one:\n";
     for (const Command& command : Commands()) {
         std::string line = "  " + std::string(command.name) + " " + std::string(command.arguments);
         line.resize(std::max<size_t>(line.size() + 2, 36), ' ');
@@ -74,8 +74,8 @@ std::string Overview()
     }
     return text +
            "\nA function is called by its name with its inputs: IF_INTF_GetIfNameByIfIndex 2\n"
-           "  functions         lists them all, functions vlan those that have to do with VLANs\n"
-           "  help FUNCTION     tells its arguments, its result and what it answers\n";
+           "  functions         lists all of them; functions vlan: those related to VLANs\n"
+           "  help FUNCTION     describes its arguments, its result and its outputs\n";
 }
 
 Status Help(Shell& shell, Words& words)
@@ -112,7 +112,7 @@ Status ShowFunctions(Shell& shell, Words& words)
             Mentions(function.tables, word)) {
             rows.push_back({{"function", function.name},
                             {"arguments", function.Usage()},
-                            {"answers", function.purpose}});
+                            {"purpose", function.purpose}});
         }
     }
     shell.Out().PrintRows(rows);
@@ -141,9 +141,9 @@ Status Quit(Shell& shell, Words& /*words*/)
 std::vector<Command> HelpCommands()
 {
     return {
-        {"functions", "[WORD]", "Lists the library's functions, or those that have to do with a word.", ShowFunctions},
-        {"help", "[NAME]", "Tells about a command or a function.", Help},
-        {"complete", "'LINE'", "Lists what could stand where a line breaks off; Tab does so at the prompt.", ListCompletions},
+        {"functions", "[WORD]", "Lists the library's functions, or those related to a word.", ShowFunctions},
+        {"help", "[NAME]", "Describes a command or a function.", Help},
+        {"complete", "'LINE'", "Lists the completions of an unfinished line, like Tab at the prompt.", ListCompletions},
         {"quit", "", "Ends the shell.", Quit},
         {"exit", "", "Ends the shell.", Quit},
         {"?", "[NAME]", "The same as help.", Help},

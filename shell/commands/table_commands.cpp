@@ -178,7 +178,7 @@ std::vector<Command> TableCommands()
 {
     return {
         {"tables", "", "Lists the tables with their numbers of rows and their fields.", ListTables, true},
-        {"show", "TABLE [FIELD=VALUE...] [columns FIELD,...] [sort [-]FIELD] [limit N] [lines]", "Shows the rows of a table that meet all conditions. Texts may be patterns with * and ?; for sets, += selects rows that contain ids, -= rows that do not. lines: one field per line.", Show, true},
+        {"show", "TABLE [FIELD=VALUE...] [columns FIELD,...] [sort [-]FIELD] [limit N] [lines]", "Shows the rows of a table that match all conditions. Texts may be patterns with * and ?; for sets, += selects rows that contain ids, -= rows that do not. lines: one field per line.", Show, true},
         {"walk", "if_base|port|vlan", "Walks a table from the first to the last row with the functions of the library.", WalkTable, true},
     };
 }

@@ -108,13 +108,13 @@ std::vector<Command> WriteCommands()
     const auto insert  = [](Shell& shell, Words& words) { return WriteNew(shell, words, WriteKind::Insert); };
     const auto replace = [](Shell& shell, Words& words) { return WriteNew(shell, words, WriteKind::Replace); };
     return {
-        {"insert", "TABLE FIELD=VALUE...", "Adds a row; what is left out is zero or empty.", insert},
-        {"update", "TABLE FIELD=VALUE...", "Changes a row: the key's fields say which, the others what. Sets also take += and -=.", Update},
-        {"replace", "TABLE FIELD=VALUE...", "Adds a row, or puts it in the place of the one with its key.", replace},
-        {"delete", "TABLE FIELD=VALUE...", "Deletes the rows that have these values.", Delete},
-        {"begin", "", "Begins a transaction: writes wait for commit.", Begin},
-        {"commit", "", "Carries out the writes that wait, all or none.", Commit},
-        {"abort", "", "Forgets the writes that wait.", Abort},
+        {"insert", "TABLE FIELD=VALUE...", "Inserts a row. Fields that are not given are zero or empty.", insert},
+        {"update", "TABLE FIELD=VALUE...", "Updates the other given fields of the row that the key fields select. += adds ids to a set, -= removes them.", Update},
+        {"replace", "TABLE FIELD=VALUE...", "Inserts a row, or replaces the row with the same key.", replace},
+        {"delete", "TABLE FIELD=VALUE...", "Deletes the rows that match all conditions.", Delete},
+        {"begin", "", "Begins a transaction: later writes are executed by commit.", Begin},
+        {"commit", "", "Executes the writes of the transaction, all or none.", Commit},
+        {"abort", "", "Discards the writes of the transaction.", Abort},
     };
 }
 // clang-format on

@@ -54,20 +54,20 @@ std::vector<Function> AddressFunctions()
     using namespace arguments;
     constexpr auto TABLE = "am_ipv4_address";
     return {
-        Define("BDS_IPGetIpv4AddrTblByIfIndex", OpenRecord, OK_OR_ALL_ONES, TABLE, "Opens a session on the address record of an interface; here, closes it too.", IF_INDEX),
+        Define("BDS_IPGetIpv4AddrTblByIfIndex", OpenRecord, OK_OR_ALL_ONES, TABLE, "Opens a session on the address record of an interface; the shell closes it again.", IF_INDEX),
         Define("BDS_IPGetIpv4AddrTblItem", ReadItem, OK_OR_ALL_ONES, TABLE, "One item of an interface's address list, counted from 0.", IF_INDEX, Number("number"), Number("item")),
         FUNCTION(BDS_IPGetMainIpByIfIndex, OK_OR_ALL_ONES, TABLE, "The main address: the first that is not of type 6.", IF_INDEX, ADDRESS, MASKLEN),
         FUNCTION(IP_GetMainIpAddr, OK_OR1, TABLE, "The main address: the first of type 1.", IF_INDEX, ADDRESS, MASKLEN),
-        FUNCTION(SYSAPI_GetIp4AddrNumByIf, VALUE, TABLE, "How many addresses an interface has.", IF_INDEX),
+        FUNCTION(SYSAPI_GetIp4AddrNumByIf, VALUE, TABLE, "The number of addresses of an interface.", IF_INDEX),
         FUNCTION(SYSAPI_GetIp4AllAddrByIf, OK_OR1, TABLE, "The addresses of an interface.", IF_INDEX, ADDRESSES, CAPACITY),
         FUNCTION(BDS_IPIFIsThisIfIpAddr, ONE_IS_YES, TABLE, "Whether an address is one of an interface's.", IF_INDEX, ADDRESS),
         FUNCTION(BDS_IPIFGetThisIfIpAddr, OK_OR1, TABLE, "The addresses of an interface, without prefix lengths.", IF_INDEX, ADDRESSES, CAPACITY, COUNT),
         FUNCTION(BDS_IPGetFirstIpByIfIndex, OK_OR1, TABLE, "The first address of an interface.", IF_INDEX, ADDRESS),
-        FUNCTION(BDS_IPGetIFBestMatchIpAddr, OK_OR1, TABLE, "The address of an interface that fits a peer.", IF_INDEX, PEER, MASKLEN, NETWORK, ADDRESS),
+        FUNCTION(BDS_IPGetIFBestMatchIpAddr, OK_OR1, TABLE, "The address of an interface that is in the same network as a peer.", IF_INDEX, PEER, MASKLEN, NETWORK, ADDRESS),
         FUNCTION(IP_GetMask, OK_OR1, TABLE, "The mask of one of an interface's addresses.", IF_INDEX, ADDRESS, MASK),
         FUNCTION(IP_GetIfindexbyIpAddr, OK_OR1, TABLE, "The interface that owns an address.", ADDRESS, INSTANCE_ID, IF_INDEX),
         FUNCTION(BDS_IPGetIfindexbyIpAddr, OK_OR1, TABLE, "The interface that owns an address.", ADDRESS, INSTANCE_ID, IF_INDEX),
-        FUNCTION(BDS_IPIsLocalIfAddr, ONE_IS_YES, TABLE, "Whether an address has an owner.", ADDRESS, INSTANCE_ID),
+        FUNCTION(BDS_IPIsLocalIfAddr, ONE_IS_YES, TABLE, "Whether an interface owns an address.", ADDRESS, INSTANCE_ID),
         FUNCTION(BDS_IPv6GetValidGlobalAddrByIfIndex, OK_OR1, "", "A global IPv6 address of an interface: always a failure.", IF_INDEX, ADDRESS6),
         FUNCTION(IP6_Addr_GetValidGlobalAddrOnIf, OK_OR1, "", "A global IPv6 address of an interface: always 0, and none.", IF_INDEX, ADDRESS6),
     };

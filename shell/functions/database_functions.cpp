@@ -98,7 +98,7 @@ std::vector<Function> DatabaseFunctions()
     return {
         Define("Tarn_QRB_Log_Printf", Log, VALUE, "", "Writes a line to the system log; priorities above 3 are dropped.", Number("priority"), Number("function"), Number("line"), MESSAGE),
         FUNCTION(QRB_DB_InitOrm, OK_OR1, "", "Initialises the access layer. Done at start-up."),
-        Define("QRB_CreatDbSession", CreateSession, ONE_IS_OK, "", "Opens a session and prepares it for a table: operation 4 a read, 7 a scan. Here, closes it too.", TABLE, OPERATION),
+        Define("QRB_CreatDbSession", CreateSession, ONE_IS_OK, "", "Opens a session and prepares it for a table: operation 4 a read, 7 a scan. The shell closes it again.", TABLE, OPERATION),
         Define("QRB_DB_SESSION_SetKey", SetKey, OK_OR_DATABASE, "", "Sets the primary key on an open session and reads the row.", SOME_TABLE, KEY_VALUES),
         Define("QRB_DB_SESSION_Get", SessionGet, OK_OR_DATABASE, "", "The row with a primary key, on an open session.", SOME_TABLE, KEY_VALUES, RECORD),
         Define("QRB_DB_Get", Get, OK_OR_DATABASE, "", "The row with a primary key.", SOME_TABLE, KEY_VALUES, RECORD),

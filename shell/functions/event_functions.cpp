@@ -241,12 +241,12 @@ std::vector<Function> EventFunctions()
 
         Define("IF_INTF_RegEvtCb", RegisterInterface, OK_OR1, "", "Registers a printing callback for an interface event (0 to 75) or one of its sub-events.", EVENT, SUB, PRIORITY),
         Define("IF_INTF_UnRegEvtCb", UnregisterInterface, OK_OR1, "", "Unregisters the newest printing callback for an interface event.", EVENT, SUB),
-        Define("IF_EvtRegCbf", RegisterVariable, OK_OR1, "", "The same registration with a count of ids: 2 where a sub-event follows, else 1.", Required(PRIORITY), ID_COUNT, EVENT, SUB),
+        Define("IF_EvtRegCbf", RegisterVariable, OK_OR1, "", "The same registration with a count of ids: 2 if a sub-event follows, else 1.", Required(PRIORITY), ID_COUNT, EVENT, SUB),
         Define("IF_EvtUnRegCbf", UnregisterVariable, OK_OR1, "", "The same unregistration with a count of ids.", ID_COUNT, EVENT, SUB),
         FUNCTION(IF_EvtInit, VALUE, "", "Builds the tree of interface callbacks. Done at start-up."),
         Define("IF_EvtDeInit", EmptyInterface, VALUE, "", "Frees the tree of interface callbacks."),
-        Define("IF_CBF_Create_Child", CreateChildren, VALUE, "", "Gives a node of the tree children; here, a node of its own, which is freed again.", Number("count"), Number("childCount")),
-        Define("IF_CBF_Free_Child", CreateChildren, VALUE, "", "Frees the children of a node; here, of a node of its own.", Number("count"), Number("childCount")),
+        Define("IF_CBF_Create_Child", CreateChildren, VALUE, "", "Creates children of a node of the tree. The shell passes a temporary node.", Number("count"), Number("childCount")),
+        Define("IF_CBF_Free_Child", CreateChildren, VALUE, "", "Frees the children of a node. The shell passes a temporary node.", Number("count"), Number("childCount")),
         Define("IF_EventPriorityComparator", ComparePriorities<IF_EVT_CB_S, IF_EventPriorityComparator>, ONE_IS_YES, "", "Whether an existing priority comes before an added one.", EXISTING, ADDED),
 
         Define("IF_RegNotifyFunc", RegisterNotification, OK_OR1, "", "Registers a printing callback for interface notifications.", KEY),
@@ -255,7 +255,7 @@ std::vector<Function> EventFunctions()
         Define("IF_NotifyFuncRegTbl_Deinit", EmptyNotifications, VALUE, "", "Unregisters every notification callback."),
 
         Define("L2IF_SH_EvtPublishEvent", PublishLayer2, OK_OR1, "port", "Publishes a layer-2 event about a port, with the same data as the library.", LAYER2_EVENT, IF_INDEX, Optional("value", "0")),
-        Define("IF_SH_EvtPublishEventGetEventNode", GetEventNode, OK_OR1, "", "How many callbacks an interface event has; publish calls them.", EVENT, SUB, COUNT),
+        Define("IF_SH_EvtPublishEventGetEventNode", GetEventNode, OK_OR1, "", "The number of callbacks of an interface event; publish calls them.", EVENT, SUB, COUNT),
         FUNCTION(IF_NotifyAll, OK_OR1, "", "Publishes an interface notification: command 0 created, 1 deleted, 3 up, 4 down.", IF_INDEX, COMMAND, Optional("value1", "0"), Optional("value2", "0")),
 
         Define("g_qrbL2IFEventCallbacks", Layer2Entries, VALUE, "", "The layer-2 callbacks, in the order of calls.", ENTRIES),
@@ -264,9 +264,9 @@ std::vector<Function> EventFunctions()
         Define("g_isL2IFEvtInited", Flag<&g_isL2IFEvtInited>, ONE_IS_YES, "", "Whether the table of layer-2 callbacks is built."),
         Define("g_isIFEvtInited", Flag<&g_isIFEvtInited>, ONE_IS_YES, "", "Whether the tree of interface callbacks is built."),
         Define("g_isIFNotifyInited", Flag<&g_isIFNotifyInited>, ONE_IS_YES, "", "Whether the list of notification callbacks is built."),
-        Define("g_qrbEventHandlerTraits", ElementSize<&g_qrbEventHandlerTraits>, VALUE, "", "What the lists of layer-2 callbacks hold.", Number("elemSize")),
-        Define("g_qrbBilevelEventHandlerTraits", ElementSize<&g_qrbBilevelEventHandlerTraits>, VALUE, "", "What the lists of interface callbacks hold.", Number("elemSize")),
-        Define("g_pstIfNotifyFuncHandlerTraits", ElementSize<&g_pstIfNotifyFuncHandlerTraits>, VALUE, "", "What the list of notification callbacks holds.", Number("elemSize")),
+        Define("g_qrbEventHandlerTraits", ElementSize<&g_qrbEventHandlerTraits>, VALUE, "", "The element traits of the lists of layer-2 callbacks.", Number("elemSize")),
+        Define("g_qrbBilevelEventHandlerTraits", ElementSize<&g_qrbBilevelEventHandlerTraits>, VALUE, "", "The element traits of the lists of interface callbacks.", Number("elemSize")),
+        Define("g_pstIfNotifyFuncHandlerTraits", ElementSize<&g_pstIfNotifyFuncHandlerTraits>, VALUE, "", "The element traits of the list of notification callbacks.", Number("elemSize")),
     };
 }
 // clang-format on

@@ -68,7 +68,7 @@ std::vector<Function> InterfaceFunctions()
         FUNCTION(BDS_IfnetGetIfNameByIfIndex, OK_OR1, "if_base", "The full name of an interface.", IF_INDEX, IF_NAME),
         FUNCTION(BDS_IfnetIsIfExist, ONE_IS_YES, "if_base", "Whether an interface has a record.", IF_INDEX),
         FUNCTION(IF_INTF_GetIfByFullName, IF_INDEX_OR_ALL_ONES, "if_base", "The index of a full name, by a scan.", NeverNull(FULL_NAME)),
-        Define("IF_CmpIfBaseRecord", CompareRecords, ONE_IS_YES, "if_base", "Whether a record has a name: its full one, or with selector 0 its short one. Asked of each record until one has.", NeverNull(FULL_NAME), Optional("selector", "1"), Number("record")),
+        Define("IF_CmpIfBaseRecord", CompareRecords, ONE_IS_YES, "if_base", "Whether a record has a name: its full one, or with selector 0 its short one. The shell calls it for each record until one matches.", NeverNull(FULL_NAME), Optional("selector", "1"), Number("record")),
         FUNCTION(IF_INTF_GetIfIndexByFullName, IF_INDEX_OR_ALL_ONES, "if_base", "The index of a full name, by the local key.", FULL_NAME),
         FUNCTION(BDS_Ifname2IfGetIndexByname, OK_OR1, "if_base", "The index of a full name, by a scan with field reads.", FULL_NAME, IF_INDEX),
         FUNCTION(IF_INTF_GetSimpleName, OK_OR1, "if_base", "The short name of a full name.", FULL_NAME, IF_NAME),
@@ -83,7 +83,7 @@ std::vector<Function> InterfaceFunctions()
         FUNCTION(BDS_IfPortTypeSwitch, OK_OR1, "", "The port type of a type code.", TYPE_CODE, Number("portType")),
         FUNCTION(BDS_IfnetGetPortType, OK_OR1, "if_base", "The port type of an interface.", IF_INDEX, Number("portType")),
         FUNCTION(IFPDT_GetPortType, VALUE_OR_ALL_ONES, "if_base", "The port type of an interface.", IF_INDEX),
-        FUNCTION(IF_INTF_GetPhyTypeByIndex, VALUE, "if_base", "The physical type of an interface; 101 where there is none.", IF_INDEX),
+        FUNCTION(IF_INTF_GetPhyTypeByIndex, VALUE, "if_base", "The physical type of an interface; 101 if there is none.", IF_INDEX),
 
         FUNCTION(IF_INTF_GetIfLineState, OK_OR1, "if_link, if_route", "The line state: 1 up, 2 down.", IF_INDEX, LINE_STATE),
         FUNCTION(BDS_IfnetGetLineState, OK_OR1, "if_link, if_route", "The line state: 1 up, 2 down.", IF_INDEX, LINE_STATE),
@@ -104,7 +104,7 @@ std::vector<Function> InterfaceFunctions()
         FUNCTION(IF_INTF_IsTempIf, ONE_IS_YES, "", "Whether an interface is temporary: always no.", IF_INDEX),
         FUNCTION(BDS_TrunkIsPortInTrunk, ONE_IS_YES, "", "Whether a port is in a trunk: always no.", IF_INDEX),
         FUNCTION(BDS_TrunkGetTrunkIndex, OK_OR1, "", "The trunk of a port: always a failure.", IF_INDEX, Number("trunkIndex")),
-        FUNCTION(BDS_IfnetIsL3IF, ONE_IS_YES, "", "Whether an interface is one of layer 3: always no.", IF_INDEX),
+        FUNCTION(BDS_IfnetIsL3IF, ONE_IS_YES, "", "Whether an interface is a layer-3 interface: always no.", IF_INDEX),
         FUNCTION(BDS_QINQ_INTF_GetEthType, OK_OR1, "", "The Ethernet type of an interface: always a failure.", IF_INDEX, Number("etherType")),
     };
 }

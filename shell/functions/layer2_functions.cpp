@@ -52,7 +52,7 @@ std::vector<Function> Layer2Functions()
 
         FUNCTION(BDS_L2IF_VLAN_GetIfIndexByVlanId, OK_OR1, "", "The index of a VLAN's interface, by the fixed numbering.", VLAN_ID, IF_INDEX),
         FUNCTION(BDS_L2_VlanGetIfIndex, OK_OR1, "if_base", "The index of the interface with a VLAN's name.", VLAN_ID, IF_INDEX),
-        FUNCTION(BDS_L2IF_VLAN_GetVlanIfIndex, IF_INDEX_OR_ALL_ONES, "if_base", "The index of the interface with a VLAN's name; 1 where no name can be made.", VLAN_ID),
+        FUNCTION(BDS_L2IF_VLAN_GetVlanIfIndex, IF_INDEX_OR_ALL_ONES, "if_base", "The index of the interface with a VLAN's name; 1 if the name can't be formatted.", VLAN_ID),
         FUNCTION(BDS_IfnetGetVlanIdByIfName, OK_OR1, "", "The digits that end an interface's name.", FULL_NAME, DIGITS, TEXT_SIZE),
         FUNCTION(BDS_IfnetGetVlanIdByIfIndex, OK_OR1, "if_base", "The VLAN of a VLAN interface.", IF_INDEX, VLAN_ID),
 

@@ -29,12 +29,12 @@ std::vector<Function> MemoryFunctions()
     using namespace arguments;
     return {
         Define("g_memExModuleMap", ModuleMap, VALUE, "", "The daemon's modules, by module id.", Number("modules")),
-        FUNCTION(MEM_EX_Init, VALUE, "", "Asks the accounting service for every handle."),
-        FUNCTION(MEM_EX_GetHandle, VALUE, "", "The handle of a module; 0 where there is none.", MODULE_ID),
-        FUNCTION(MEM_EX_GetModule, VALUE, "", "The id of a module; 32 where no module has the name.", NeverNull(Number("name"))),
-        FUNCTION(MEM_EX_GetDetailedInfoSize, OK_OR1, "", "How many entries a usage report has.", COUNT),
-        FUNCTION(MEM_EX_GetDetailedInfo, OK_OR_MEMORY, "", "What each module has in use.", USAGE_ENTRIES, ENTRY_COUNT),
-        FUNCTION(MEM_EX_CopyDetailedInfo, OK_OR_MEMORY, "", "What the first modules have in use.", USAGE_ENTRIES, ENTRY_COUNT),
+        FUNCTION(MEM_EX_Init, VALUE, "", "Requests the handle of every module from the accounting service."),
+        FUNCTION(MEM_EX_GetHandle, VALUE, "", "The handle of a module; 0 if there is none.", MODULE_ID),
+        FUNCTION(MEM_EX_GetModule, VALUE, "", "The id of a module; 32 if no module has the name.", NeverNull(Number("name"))),
+        FUNCTION(MEM_EX_GetDetailedInfoSize, OK_OR1, "", "The number of entries of a usage report.", COUNT),
+        FUNCTION(MEM_EX_GetDetailedInfo, OK_OR_MEMORY, "", "The memory usage of each module.", USAGE_ENTRIES, ENTRY_COUNT),
+        FUNCTION(MEM_EX_CopyDetailedInfo, OK_OR_MEMORY, "", "The memory usage of the first modules.", USAGE_ENTRIES, ENTRY_COUNT),
     };
 }
 // clang-format on

@@ -48,11 +48,11 @@ std::vector<Function> RouteFunctions()
     constexpr auto ALL = "Fib.ConfigIpv4Fwd, Fib.ConfigNhpGroupNode, Fib.ConfigNhpStandard";
     return {
         FUNCTION(FIB_InquiryRoute, OK_OR1, ALL, "One next hop of a destination.", DESTINATION, NEXT_HOP),
-        FUNCTION(FIB_InquiryRoutes, OK_OR1, ALL, "The next hops of a destination; count: how many are wanted.", DESTINATION, NEXT_HOPS, HOP_COUNT),
+        FUNCTION(FIB_InquiryRoutes, OK_OR1, ALL, "The next hops of a destination; count: the maximum number.", DESTINATION, NEXT_HOPS, HOP_COUNT),
         Define("FIB6_InquiryRe6", Inquire6, OK_OR1, "", "The next hop of an IPv6 destination: a stub, always 0."),
-        FUNCTION(FIB_AM_PrefixMatch, ONE_IS_YES, "", "Whether a prefix covers another.", PREFIX, Named("probe", PREFIX)),
+        FUNCTION(FIB_AM_PrefixMatch, ONE_IS_YES, "", "Whether a prefix contains another.", PREFIX, Named("probe", PREFIX)),
         FUNCTION(FIB_ScanIp4Forward, OK_NONE_OR1, "Fib.ConfigIpv4Fwd", "The next-hop group of a destination.", DESTINATION, GROUP_ID),
-        Define("FIB_ScanNhpGroupNodeValidate", StartGroupScan, OK_OR1, "Fib.ConfigNhpGroupNode", "Starts a scan of group members; here, ends it too."),
+        Define("FIB_ScanNhpGroupNodeValidate", StartGroupScan, OK_OR1, "Fib.ConfigNhpGroupNode", "Starts a scan of group members; the shell ends it again."),
         FUNCTION(FIB_ScanNhpGroupNode, OK_NONE_OR1, "Fib.ConfigNhpGroupNode", "The next-hop indexes of a group: the first, or with multiple 1 all.", GROUP_ID, NHP_INDEXES, Optional("multiple", "1"), Optional("count", "0")),
         FUNCTION(FIB_ScanNhpStd, OK_NONE_OR1, "Fib.ConfigNhpStandard", "The address and the interface of a next hop.", NHP_INDEX, NEXT_HOP_ADDRESS, IF_INDEX),
     };

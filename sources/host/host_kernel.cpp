@@ -83,7 +83,7 @@ Address ReadAddress(nl_object* object)
             .prefixLength = static_cast<uint8_t>(rtnl_addr_get_prefixlen(address))};
 }
 
-// Each next hop once, without those that the kernel passes over.
+// The next hops without duplicates and without dead ones, which the kernel does not use.
 std::vector<NextHop> LiveNextHops(rtnl_route* route)
 {
     std::vector<NextHop> live;
@@ -108,7 +108,7 @@ bool Refuses(uint8_t routeType)
 void AppendRoute(std::vector<Route>& routes, nl_object* object)
 {
     auto* route = reinterpret_cast<rtnl_route*>(object);
-    // A route for one type of service does not answer for a destination as such.
+    // A route for one type of service does not apply to all packets to its destination.
     if (rtnl_route_get_table(route) != RT_TABLE_MAIN || rtnl_route_get_tos(route) != 0 ||
         (rtnl_route_get_flags(route) & RTM_F_CLONED) != 0) {
         return;
@@ -127,7 +127,8 @@ void AppendRoute(std::vector<Route>& routes, nl_object* object)
     }
 }
 
-// A bridge tells about its members in messages of its own family, which hold only a part.
+// Link messages of the bridge family describe bridge ports and have only some of a link's
+// attributes.
 bool IsOfBridge(nl_msg* message)
 {
     const auto* head = static_cast<const rtgenmsg*>(nlmsg_data(nlmsg_hdr(message)));
@@ -136,7 +137,7 @@ bool IsOfBridge(nl_msg* message)
 
 using OnObject = std::function<void(nl_object*)>;
 
-// Takes what has come, up to the end of an answer or of one notification.
+// Receives one reply or one notification and calls onObject for each object in it.
 int Receive(nl_sock* socket, OnObject onObject)
 {
     const auto onMessage = [](nl_msg* message, void* argument) noexcept -> int {
@@ -155,7 +156,8 @@ int Receive(nl_sock* socket, OnObject onObject)
     return nl_recvmsgs_default(socket);
 }
 
-// Everything of one kind; anew where the kernel says that a change came between.
+// Dumps all objects of one kind. Repeats the dump if the kernel reports that it was interrupted by
+// a change.
 template <typename Item>
 std::vector<Item> Dump(nl_sock* socket, int request, int family,
                        void (*append)(std::vector<Item>&, nl_object*), const char* what)
@@ -199,10 +201,10 @@ std::vector<Route> Kernel::Routes()
     return Dump(socket_.get(), RTM_GETROUTE, AF_INET, AppendRoute, "cannot read the routes");
 }
 
-void Kernel::Settle()
+void Kernel::WaitForPendingChanges()
 {
-    // A question about one link waits for the lock under which all such changes are made; those
-    // about addresses and routes don't.
+    // A query of a single link takes the RTNL lock, which is held during all such changes. Dumps of
+    // addresses and routes don't take it.
     constexpr int loopback = 1;
     rtnl_link* link = nullptr;
     Check(rtnl_link_get_kernel(socket_.get(), loopback, nullptr, &link), "cannot read the links");
@@ -228,7 +230,7 @@ int Notifications::Descriptor() const
 
 KernelChanges Notifications::Take()
 {
-    constexpr int limit = 1000;  // a flood must not keep what has come from being written
+    constexpr int limit = 1000;  // write received changes although more keep arriving
     KernelChanges changes;
     const auto onObject = [&](nl_object* object) {
         const int type = nl_object_get_msgtype(object);

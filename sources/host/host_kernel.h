@@ -32,7 +32,7 @@ struct Address {
 };
 
 struct NextHop {
-    uint32_t gateway = 0;  // 0 where the destination is on the link itself
+    uint32_t gateway = 0;  // 0: the destination is on the link
     uint32_t interface = 0;
 
     friend auto operator<=>(const NextHop&, const NextHop&) = default;
@@ -42,7 +42,7 @@ struct Route {
     uint32_t destination = 0;
     uint8_t prefixLength = 0;
     uint32_t metric = 0;
-    std::vector<NextHop> nextHops;  // none: the route refuses what it covers
+    std::vector<NextHop> nextHops;  // empty: a blackhole, unreachable, prohibit or throw route
 };
 
 struct SocketDeleter {
@@ -50,18 +50,19 @@ struct SocketDeleter {
 };
 using Socket = std::unique_ptr<nl_sock, SocketDeleter>;
 
-// Asks. Failures throw std::runtime_error with what was asked and why it failed.
+// Netlink queries. A failing query throws std::runtime_error with the query and the reason.
 class Kernel {
 public:
     Kernel();
 
     std::vector<Link> Links();
-    std::vector<Address> Addresses();  // in the kernel's order: an interface's primary first
-    std::vector<Route> Routes();       // only what the kernel would use now
+    std::vector<Address> Addresses();  // in the kernel's order: primary address of a link first
+    std::vector<Route> Routes();       // only routes that are in use
 
-    // Waits until the kernel has done what it was doing to links, addresses and routes. It takes
-    // routes away, untold, after it has told why, so ask for routes only after this.
-    void Settle();
+    // Waits until the kernel has completed changes that are in progress. When a link or an address
+    // is removed, the kernel notifies of that first and then removes routes without notifications.
+    // A query of routes before this call may therefore return routes that are about to go.
+    void WaitForPendingChanges();
 
 private:
     Socket socket_;
@@ -74,18 +75,19 @@ struct LinkChange {
 
 struct KernelChanges {
     std::vector<LinkChange> links;  // in the order in which they happened
-    bool any = false;               // of links, addresses, routes or next hops
-    bool overrun = false;           // some were lost
+    bool any = false;               // links, addresses, routes or next hops have changed
+    bool overrun = false;           // notifications were lost
 };
 
-// Listens.
+// Netlink notifications.
 class Notifications {
 public:
-    // receiveBuffer: bytes of changes that may wait before some are lost.
+    // receiveBuffer: size of the socket's receive buffer in bytes. If it is full, notifications are
+    // lost.
     explicit Notifications(int receiveBuffer);
 
-    int Descriptor() const;  // readable when there is something to take
-    KernelChanges Take();    // what has come so far, without waiting
+    int Descriptor() const;  // readable while notifications are pending
+    KernelChanges Take();    // the pending notifications; does not block
 
 private:
     Socket socket_;

@@ -6,15 +6,15 @@ using standin::Transaction;
 
 void MirrorLinks(Transaction& transaction, const std::vector<Link>& links)
 {
-    std::array<Rows, linkTables.size()> wanted;
+    std::array<Rows, linkTables.size()> desired;
     for (const Link& link : links) {
         const Rows rows = LinkRows(link);
-        for (size_t i = 0; i < wanted.size(); ++i) {
-            wanted[i].push_back(rows[i]);
+        for (size_t i = 0; i < desired.size(); ++i) {
+            desired[i].push_back(rows[i]);
         }
     }
-    for (size_t i = 0; i < wanted.size(); ++i) {
-        MirrorTable(transaction, *standin::FindTable(linkTables[i]), wanted[i]);
+    for (size_t i = 0; i < desired.size(); ++i) {
+        MirrorTable(transaction, *standin::FindTable(linkTables[i]), desired[i]);
     }
 }
 

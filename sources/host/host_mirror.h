@@ -1,4 +1,4 @@
-// Makes the host's tables equal to what the kernel says.
+// Writes the kernel's state into the tables.
 #pragma once
 
 #include "sources/host/host_rows.h"

@@ -10,8 +10,8 @@ namespace {
 
 using standin::Row;
 
-// The interface type table's first values are numbers of the registered interface types where they
-// are known at all: 6 is Ethernet, 53 a virtual interface, 1 any other.
+// ifType is an index into the library's interface type table. The first value of its entries is the
+// registered type number: 6 for Ethernet, 53 for a virtual interface, 1 for any other.
 struct TypeOfHardware {
     uint32_t hardware;
     uint32_t ifType;
@@ -40,7 +40,7 @@ Row RowOf(std::string_view table, uint32_t interface)
 
 constexpr uint32_t LONGEST_PREFIX = 32;
 
-// Of the routes to one destination, keeps only the one with the lowest metric.
+// Keeps only the route with the lowest metric for each destination.
 void KeepBest(std::vector<Route>& routes)
 {
     const auto place = [](const Route& route) {
@@ -95,7 +95,7 @@ Rows AddressRows(const std::vector<Address>& addresses)
 
 Rows Forwarding::ForwardRows(std::vector<Route> routes, Time now)
 {
-    constexpr uint32_t NO_GROUP = 0;  // a group without members: an inquiry fails
+    constexpr uint32_t NO_GROUP = 0;  // has no members, so an inquiry fails
     Rows rows;
     KeepBest(routes);
     for (const Route& route : routes) {

@@ -1,5 +1,5 @@
-// What the kernel's state looks like in the database: rows for links, addresses and routes.
-// docs/host-source.md tells the choices.
+// Converts the kernel's links, addresses and routes into rows. docs/host-source.md describes the
+// mapping.
 #pragma once
 
 #include <algorithm>
@@ -23,31 +23,32 @@ Rows LinkRows(const Link& link);
 // The rows of "am_ipv4_address": one for each interface that has an address.
 Rows AddressRows(const std::vector<Address>& addresses);
 
-// Numbers things: equal things have equal numbers, from 1, as long as they are in use. A thing that
-// is no longer in use keeps its number for a grace period, in which a reader that found the number
-// can still look it up. Numbers are never reused.
-template <typename Thing>
+// Assigns ids to values, starting from 1. A value keeps its id while it is in use, and for a grace
+// period afterwards, so that a reader that has found the id can still look it up. Ids are never
+// reused.
+template <typename Value>
 class Numbering {
 public:
     using Time = std::chrono::steady_clock::time_point;
 
     static constexpr std::chrono::seconds GRACE{1};
 
-    // The thing's number. It is in use until a round ends in which it was not asked for.
-    uint32_t Of(const Thing& thing)
+    // Returns the value's id; assigns one if there is none. The value is in use until a round ends
+    // in which Of was not called for it.
+    uint32_t Of(const Value& value)
     {
-        const auto [entry, isNew] = entries_.try_emplace(thing, Entry{last_ + 1});
+        const auto [entry, isNew] = entries_.try_emplace(value, Entry{last_ + 1});
         last_ += isNew ? 1 : 0;
         entry->second.round = round_;
         return entry->second.number;
     }
 
-    // The number of a thing that has one.
-    uint32_t NumberOf(const Thing& thing) const { return entries_.at(thing).number; }
+    // Returns the id of a value that has one.
+    uint32_t NumberOf(const Value& value) const { return entries_.at(value).number; }
 
     void EndRound(Time now)
     {
-        for (auto& [thing, entry] : entries_) {
+        for (auto& [value, entry] : entries_) {
             if (entry.round == round_) {
                 entry.unusedSince = IN_USE;
             } else if (entry.unusedSince == IN_USE) {
@@ -58,7 +59,7 @@ public:
         Expire(now);
     }
 
-    // Removes what has not been in use for the grace period.
+    // Removes values that have been unused for the grace period.
     void Expire(Time now)
     {
         std::erase_if(entries_,
@@ -71,12 +72,12 @@ public:
             entries_, [](const auto& entry) { return entry.second.unusedSince != IN_USE; });
     }
 
-    // Calls action(thing, number) for everything that has a number.
+    // Calls action(value, number) for every value that has an id.
     template <typename Action>
     void ForEach(Action&& action) const
     {
-        for (const auto& [thing, entry] : entries_) {
-            action(thing, entry.number);
+        for (const auto& [value, entry] : entries_) {
+            action(value, entry.number);
         }
     }
 
@@ -85,11 +86,11 @@ private:
 
     struct Entry {
         uint32_t number;
-        uint64_t round = 0;  // the last one in which it was asked for
+        uint64_t round = 0;  // the last one in which Of was called for the value
         Time unusedSince = IN_USE;
     };
 
-    std::map<Thing, Entry> entries_;
+    std::map<Value, Entry> entries_;
     uint32_t last_ = 0;
     uint64_t round_ = 1;
 };
@@ -99,12 +100,12 @@ class Forwarding {
 public:
     using Time = std::chrono::steady_clock::time_point;
 
-    // Takes the routes in place of those of the last call. Returns the rows of "Fib.ConfigIpv4Fwd":
-    // a scan meets longer prefixes first.
+    // Replaces the routes of the last call. Returns the rows of "Fib.ConfigIpv4Fwd", ranked so that
+    // a scan returns longer prefixes first.
     Rows ForwardRows(std::vector<Route> routes, Time now);
 
-    // The rows of "Fib.ConfigNhpGroupNode" and "Fib.ConfigNhpStandard". Those of a group that no
-    // route uses any more stay for Numbering::GRACE, so that an inquiry under way finds them.
+    // The rows of "Fib.ConfigNhpGroupNode" and "Fib.ConfigNhpStandard". Rows of a group that is no
+    // longer used stay for Numbering::GRACE, so that an inquiry in progress finds them.
     Rows GroupNodeRows() const;
     Rows NextHopRows() const;
 

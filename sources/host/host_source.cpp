@@ -10,7 +10,7 @@
 namespace sources {
 namespace {
 
-// Each change of a link has a transaction, and so its events, of its own.
+// Each change of a link is a transaction of its own, so that it has its own events.
 void MirrorChange(const LinkChange& change)
 {
     standin::Transaction transaction;
@@ -28,7 +28,7 @@ void MirrorChange(const LinkChange& change)
 
 HostSource::HostSource(int receiveBuffer) : notifications_(receiveBuffer)
 {
-    ReadEverything();
+    Resync();
 }
 
 void HostSource::Follow()
@@ -44,13 +44,13 @@ void HostSource::Run(const std::stop_token& stop)
     while (!stop.stop_requested()) {
         pollfd waitedFor[] = {{notifications_.Descriptor(), POLLIN, 0},
                               {stopEvent_.Descriptor(), POLLIN, 0}};
-        const bool hasWork = mustReadEverything_ || forwarding_.HasUnused();
+        const bool hasWork = needsResync_ || forwarding_.HasUnused();
         poll(waitedFor, std::size(waitedFor), hasWork ? retryAfter : forever);
         try {
             TakeChanges();
         } catch (const std::exception& error) {
             syslog(LOG_ERR, "following the host: %s\n", error.what());
-            mustReadEverything_ = true;
+            needsResync_ = true;
         }
     }
 }
@@ -58,10 +58,10 @@ void HostSource::Run(const std::stop_token& stop)
 void HostSource::TakeChanges()
 {
     const KernelChanges changes = notifications_.Take();
-    mustReadEverything_ |= changes.overrun;
+    needsResync_ |= changes.overrun;
     MirrorChanges(changes.links);
-    if (mustReadEverything_) {
-        ReadEverything();
+    if (needsResync_) {
+        Resync();
     } else if (changes.any) {
         standin::Transaction transaction;
         ReadAddressesAndRoutes(transaction);
@@ -79,33 +79,33 @@ void HostSource::RemoveUnusedNextHops()
     transaction.Commit();
 }
 
-// A change from before the last reading may not fit the rows any more: another link may have its
-// name by now.
+// A change that is older than the last resynchronisation may conflict with newer rows: another link
+// may have its name.
 void HostSource::MirrorChanges(const std::vector<LinkChange>& changes)
 {
     for (const LinkChange& change : changes) {
         try {
             MirrorChange(change);
         } catch (const standin::Error&) {
-            mustReadEverything_ = true;
+            needsResync_ = true;
         }
     }
 }
 
-void HostSource::ReadEverything()
+void HostSource::Resync()
 {
     standin::Transaction transaction;
     MirrorLinks(transaction, kernel_.Links());
     ReadAddressesAndRoutes(transaction);
     transaction.Commit();
-    mustReadEverything_ = false;
+    needsResync_ = false;
 }
 
-// Routes go without a word when their link or their source address does, so any change is a reason
-// to read them all.
+// The kernel removes routes without a notification when their link or source address is removed, so
+// every change requires reading all routes.
 void HostSource::ReadAddressesAndRoutes(standin::Transaction& transaction)
 {
-    kernel_.Settle();
+    kernel_.WaitForPendingChanges();
     MirrorTable(transaction, *standin::FindTable("am_ipv4_address"),
                 AddressRows(kernel_.Addresses()));
     MirrorRoutes(transaction, forwarding_, kernel_.Routes());

@@ -1,5 +1,5 @@
 // This host as a device: the kernel's links, addresses and IPv4 routes, mirrored into the database
-// and followed as they change. docs/host-source.md tells what goes where.
+// and followed as they change. docs/host-source.md describes the mapping.
 #pragma once
 
 #include <stop_token>
@@ -13,18 +13,18 @@
 
 namespace sources {
 
-// Mirrors the network namespace of the thread that makes it. The tables that it fills are its own:
-// rows that others put there go.
+// Mirrors the network namespace of the thread that constructs it. The source owns the tables that
+// it fills: rows that others write there are deleted.
 class HostSource final : public Source {
 public:
     static constexpr int defaultReceiveBuffer = 1 << 20;
 
-    // Fills the tables with what is there now. Throws std::runtime_error where the kernel can't be
-    // asked. receiveBuffer: bytes of changes that may wait. Where more come everything is read
-    // anew: what lies between may be lost, what comes of it is not.
+    // Fills the tables with the present state. Throws std::runtime_error if a netlink query fails.
+    // receiveBuffer: size in bytes of the buffer for notifications. If it overflows, the source
+    // resynchronises: intermediate states may be missed, the resulting state is not.
     explicit HostSource(int receiveBuffer = defaultReceiveBuffer);
 
-    // From here on a thread writes each change as it comes, until the host is destroyed.
+    // Starts a thread that writes each change, until the source is destroyed.
     void Follow() override;
 
 private:
@@ -32,15 +32,15 @@ private:
     void TakeChanges();
     void MirrorChanges(const std::vector<LinkChange>& changes);
     void RemoveUnusedNextHops();
-    void ReadEverything();
+    void Resync();
     void ReadAddressesAndRoutes(standin::Transaction& transaction);
 
-    Notifications notifications_;  // made before anything is read, so that no change falls between
+    Notifications notifications_;  // before the first read, so that no change is missed
     Kernel kernel_;
     Forwarding forwarding_;
-    bool mustReadEverything_ = false;
+    bool needsResync_ = false;
     standin::EventDescriptor stopEvent_;
-    std::jthread follower_;  // last: it ends before what it uses
+    std::jthread follower_;  // last: it stops before the members that it uses are destroyed
 };
 
 }  // namespace sources

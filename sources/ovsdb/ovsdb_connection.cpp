@@ -92,9 +92,9 @@ void Connection::Flush()
     echoBytes_ = 0;
 }
 
-// Whether more may be there: the number of reads is limited so that a server that sends without
-// pause does not block everything else. What arrived before the server closed the connection is
-// still processed.
+// Returns whether more data may be available. The number of reads is limited so that a server that
+// sends continuously does not block everything else. Messages that arrived before the server closed
+// the connection are still processed.
 bool Connection::Receive(const OnMessage& onMessage)
 {
     constexpr int MOST_READS = 64;
@@ -120,20 +120,20 @@ void Connection::Dispatch(const std::string& text, const OnMessage& onMessage)
 {
     RpcMessage message = ParseMessage(text);
     if (message.method == "echo") {
-        AnswerEcho(message);
+        ReplyToEcho(message);
     } else if (!message.method.empty() || message.id != PROBE_ID) {
         onMessage(std::move(message));
     }
 }
 
-void Connection::AnswerEcho(const RpcMessage& request)
+void Connection::ReplyToEcho(const RpcMessage& request)
 {
-    const std::string answer =
+    const std::string reply =
         Json{{"id", request.id}, {"result", request.params}, {"error", nullptr}}.dump();
-    echoBytes_ += answer.size();
-    Send(answer);
+    echoBytes_ += reply.size();
+    Send(reply);
     if (echoBytes_ > limits_.mostEchoBytes) {
-        throw std::runtime_error("the server sends echo requests but does not read the answers");
+        throw std::runtime_error("the server sends echo requests but does not read the replies");
     }
 }
 

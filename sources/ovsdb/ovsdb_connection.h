@@ -1,4 +1,4 @@
-// JSON-RPC messages to and from a server, over a connection that is watched for life.
+// JSON-RPC messages to and from a server. Detects a dead connection by echo requests.
 #pragma once
 
 #include <functional>
@@ -10,8 +10,8 @@
 
 namespace sources::ovsdb {
 
-// Every function throws where the connection has ended, a message is malformed, or a limit is
-// exceeded. Echo requests are answered here.
+// Every function throws if the connection is closed, a message is malformed, or a limit is
+// exceeded. Echo requests of the server are replied to here.
 class Connection {
 public:
     using OnMessage = std::function<void(RpcMessage)>;
@@ -19,14 +19,14 @@ public:
     // Begins to connect. The arguments must outlive the connection.
     Connection(const Server& server, const TlsContext& tls, const OvsdbLimits& limits);
 
-    // Queues the message; it is sent as soon as the connection takes it.
+    // Queues the message; it is sent as soon as the connection is writable.
     void Send(const std::string& message);
 
-    // What to wait for, and until when, before the next Advance.
-    pollfd Wanted() const { return stream_.Wanted(IsSending()); }
+    // The descriptor and events to poll for, and the timeout, before the next Advance.
+    pollfd PollEntry() const { return stream_.PollEntry(IsSending()); }
     Clock::time_point Due() const;
 
-    // Connects, sends and receives as far as that goes without waiting.
+    // Connects, sends and receives as far as possible without blocking.
     void Advance(const OnMessage& onMessage);
 
 private:
@@ -37,7 +37,7 @@ private:
     void Flush();
     bool Receive(const OnMessage& onMessage);
     void Dispatch(const std::string& text, const OnMessage& onMessage);
-    void AnswerEcho(const RpcMessage& request);
+    void ReplyToEcho(const RpcMessage& request);
 
     const OvsdbLimits& limits_;
     Stream stream_;
@@ -45,12 +45,12 @@ private:
     Framing framing_;
     std::string outgoing_;
     size_t sent_ = 0;       // of outgoing_
-    size_t echoBytes_ = 0;  // of answers in outgoing_
+    size_t echoBytes_ = 0;  // of echo replies in outgoing_
     Clock::time_point lastReceived_ = Clock::now();
     bool probeSent_ = false;
     size_t bytesSent_ = 0;  // since something was received
     bool mayHaveMore_ = false;
-    Clock::time_point messageDeadline_ = Clock::time_point::max();  // of one that has begun
+    Clock::time_point messageDeadline_ = Clock::time_point::max();  // of an incomplete message
 };
 
 }  // namespace sources::ovsdb

@@ -1,4 +1,4 @@
-// Splits a stream of bytes into JSON objects, one after another, within limits.
+// Splits a stream of bytes into JSON objects. Enforces the limits on a message's size.
 #pragma once
 
 #include <optional>
@@ -16,15 +16,15 @@ public:
 
     void Add(std::string_view bytes) { bytes_ += bytes; }
 
-    // The next whole message. Throws std::runtime_error for what is no object, and for a message
-    // that exceeds a limit.
+    // Returns the next complete message, if any. Throws std::runtime_error for input that is not an
+    // object, and for a message that exceeds a limit.
     std::optional<std::string> Next();
 
     // Whether the beginning of a message has arrived without its end.
     bool IsInsideMessage() const { return extent_.Depth() > 0; }
 
 private:
-    bool Scan(char c);  // whether the message ends with this character
+    bool Scan(char c);  // returns whether the message ends with this character
     void CheckLimits() const;
 
     const OvsdbLimits& limits_;

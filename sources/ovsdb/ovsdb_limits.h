@@ -9,12 +9,12 @@ namespace sources {
 struct OvsdbLimits {
     using Milliseconds = std::chrono::milliseconds;
 
-    // How long the first contents, and each write, wait for a server and its answer.
+    // How long the initial load, and each write, wait for a server and its reply.
     Milliseconds requestTimeout{10'000};
-    // After this long without a byte the server is sent an echo request; after three times as long
-    // the connection ends.
+    // An echo request is sent after this time without received data; the connection is closed after
+    // three times as long.
     Milliseconds probeInterval{5'000};
-    // The pause after an attempt on every server has failed. It doubles with each further round.
+    // The pause after the attempts on all servers have failed. It doubles with each further round.
     Milliseconds initialBackoff{100};
     Milliseconds longestBackoff{5'000};
 
@@ -36,12 +36,12 @@ struct OvsdbLimits {
         longestMessage = megabytes << 20;
     }
 
-    // Bytes of answers to echo requests that may wait to be sent.
+    // Bytes of echo replies that may be queued.
     size_t mostEchoBytes = size_t{1} << 20;
 };
 
-// A server that is busy with a large request sends nothing meanwhile: limits grow by a second for
-// each megabyte that was sent.
+// A server sends nothing while it processes a large request. Time limits therefore grow by a second
+// for each megabyte sent.
 inline std::chrono::milliseconds ExtraTime(size_t bytesSent)
 {
     return std::chrono::milliseconds(bytesSent >> 10);

@@ -71,17 +71,17 @@ int64_t IntegerOf(const Json& value, int64_t lowest, int64_t highest, const std:
     return value.get<int64_t>();
 }
 
-std::string ReasonIn(const Json& answer)
+std::string ReasonIn(const Json& reply)
 {
     constexpr size_t LONGEST = 1000;
-    const auto error = answer.is_object() ? answer.find("error") : answer.end();
-    if (error == answer.end() || error->is_null()) {
+    const auto error = reply.is_object() ? reply.find("error") : reply.end();
+    if (error == reply.end() || error->is_null()) {
         return {};
     }
     std::string reason = ReasonIn(*error);
     if (!error->is_object()) {
-        const auto details = answer.find("details");
-        const Json& words = details != answer.end() ? *details : *error;
+        const auto details = reply.find("details");
+        const Json& words = details != reply.end() ? *details : *error;
         reason = words.is_string() ? words.get<std::string>() : Shown(words);
     }
     return reason.empty() ? "unknown error" : reason.substr(0, LONGEST);

@@ -1,4 +1,4 @@
-// JSON-RPC messages (RFC 7047, 4) and the parts of them whose form is checked everywhere.
+// JSON-RPC messages (RFC 7047, 4), and checked access to parts of JSON values.
 #pragma once
 
 #include <stdexcept>
@@ -8,7 +8,7 @@
 
 namespace sources::ovsdb {
 
-// JSON on the wire: members in no order.
+// JSON on the wire; the order of members is not preserved.
 using Json = nlohmann::json;
 
 // The server sent something that the protocol or the schema does not allow.
@@ -17,13 +17,13 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-// A server's reply that refuses a request; asking again is of no use.
+// The server refused a request; repeating it would fail again.
 class ServerRefusal : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-// A value as an error shows it: short and printable.
+// A value as shown in error messages: short and printable.
 std::string Shown(const Json& value);
 
 // Each checks the form and throws ProtocolError, with "what" naming the value.
@@ -32,13 +32,13 @@ const Json& Element(const Json& array, size_t index, const std::string& what);
 const std::string& StringOf(const Json& value, const std::string& what);
 void RequireObject(const Json& value, const std::string& what);
 
-// From lowest to highest; a number that JSON writes with a fraction or an exponent is no integer.
+// Accepts integers from lowest to highest, without a fraction or an exponent.
 int64_t IntegerOf(const Json& value, int64_t lowest, int64_t highest, const std::string& what);
 
-// Why a request or an operation was refused, in the server's words; empty if it was not.
-std::string ReasonIn(const Json& answer);
+// The server's reason for refusing a request or an operation; empty if it was not refused.
+std::string ReasonIn(const Json& reply);
 
-// A request or notification has a method and parameters, a reply has a result or a refusal.
+// A request or notification has a method and parameters; a reply has a result or a refusal.
 // NOLINTNEXTLINE(bugprone-exception-escape): moving a JSON value does not throw
 struct RpcMessage {
     Json id;

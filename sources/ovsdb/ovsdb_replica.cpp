@@ -24,19 +24,19 @@ void Report(const Table& table, const Json& columns, const std::string& reason)
            reason.c_str());
 }
 
-// What a transaction does to the row with one key.
+// The row with one key before and after a transaction.
 struct KeyTransition {
     const Row* before = nullptr;
     const Row* after = nullptr;
     int64_t place = NO_PLACE;
 };
 
-// By table and primary key, so that all boards go through them in the same order. A row that is
-// deleted and inserted again with its key is one that changed.
+// Sorted by table and primary key, so that all clients write in the same order. A row that is
+// deleted and inserted again with the same key is an update.
 class KeyTransitions {
 public:
     void From(const Row& row) { TransitionOf(row).before = &row; }
-    // False if another row is to have this key.
+    // Returns false if another row already has this key after the transaction.
     bool To(const Row& row, int64_t place)
     {
         KeyTransition& transition = TransitionOf(row);
@@ -83,7 +83,7 @@ Transaction KeyTransitions::AsTransaction() const
 
 class TakenKeys {
 public:
-    // Takes all keys of the row; false, and nothing is taken, if another row has one.
+    // Records all keys of the row. Returns false, without recording any, if one is taken.
     bool Take(const Row& row)
     {
         const auto keys = row.Description().keys;
@@ -196,7 +196,7 @@ Replica::ServerRow Replica::NewRow(const Table& table, const Json& columns)
 {
     ServerRow made{
         .table = &table, .row = std::nullopt, .columns = nullptr, .place = PlaceOf(columns)};
-    NotePlace(made.place);
+    RecordPlace(made.place);
     try {
         made.row = RowFromWire(table, columns);
     } catch (const standin::Error& error) {
@@ -208,8 +208,7 @@ Replica::ServerRow Replica::NewRow(const Table& table, const Json& columns)
     return made;
 }
 
-// The common case, with as many writes as there are changes. False, and nothing is written, if keys
-// are in conflict.
+// The common case: one write per change. Returns false, without a write, if keys conflict.
 bool Replica::CommitChanges(const std::vector<ReplicaChange>& changes)
 {
     KeyTransitions transitions;
@@ -259,14 +258,14 @@ void Replica::MirrorAll()
         return std::tuple(server.table, server.place, PrimaryKey(*server.row), entry->first);
     });
     TakenKeys keys;
-    std::map<const Table*, std::vector<Row>> wanted;
+    std::map<const Table*, std::vector<Row>> desired;
     anyShadowed_ = false;
     index_.Clear();
     for (auto* entry : all) {
         ServerRow& server = entry->second;
         const bool isFirst = keys.Take(*server.row);
         if (isFirst) {
-            wanted[server.table].push_back(*server.row);
+            desired[server.table].push_back(*server.row);
             index_.Add(*server.row, entry->first);
         } else if (!server.isShadowed) {
             Report(*server.table, RowToWire(*server.row), "another row has its key");
@@ -276,14 +275,14 @@ void Replica::MirrorAll()
     }
     Transaction transaction;
     for (const Table& table : standin::Tables()) {
-        MirrorTable(transaction, table, wanted[&table]);
+        MirrorTable(transaction, table, desired[&table]);
     }
     transaction.Commit();
 }
 
-void Replica::NotePlace(int64_t place)
+void Replica::RecordPlace(int64_t place)
 {
-    // Beyond this a place is somebody's idea of "last" rather than the last of a count.
+    // Higher places are ignored: they mean "last" (such as INT64_MAX) and leave no higher place.
     constexpr int64_t HIGHEST_COUNTED = int64_t{1} << 62;
     const std::lock_guard lock(placeMutex_);
     if (place < HIGHEST_COUNTED) {

@@ -15,7 +15,7 @@
 
 namespace sources::ovsdb {
 
-// Which row of the servers a row of the database is the copy of. Any thread.
+// Maps rows of the database to the ids of the server rows that they are copies of. Thread-safe.
 class RowIndex {
 public:
     std::optional<RowId> Find(const standin::Row& key) const;
@@ -31,18 +31,18 @@ private:
 
 // The replica owns the tables: rows that others write there are deleted when contents are taken.
 //
-// The tables are a function of the servers' rows. A row that the database can't hold is reported to
-// the system log and left out; of rows that have a key in common only the first, in the order of
-// places, primary keys and ids, is there.
+// The contents of the tables depend only on the servers' rows, not on the order of updates. A row
+// that the database can't hold is reported to the system log and omitted. Of rows with a common key
+// only the first, in the order of places, primary keys and ids, is stored.
 //
-// Each function carries out the updates as one transaction. It throws ProtocolError for updates
-// that contradict what the servers sent before, and has then changed nothing.
+// Each function executes the updates as one transaction. It throws ProtocolError, without a change,
+// for updates that contradict earlier ones.
 class Replica {
 public:
-    void TakeContents(const std::vector<RowUpdate>& updates);  // every row there is
+    void TakeContents(const std::vector<RowUpdate>& updates);  // all rows
     void TakeChanges(const std::vector<RowUpdate>& updates);
 
-    // A place behind those of all rows, but for absurdly high ones. Any thread.
+    // A place after those of all rows, except places that are too high to count from. Any thread.
     int64_t NextPlace();
 
     const RowIndex& Index() const { return index_; }
@@ -69,7 +69,7 @@ private:
     ReplicaChange ChangeOf(const RowUpdate& update);
     bool CommitChanges(const std::vector<ReplicaChange>& changes);
     void MirrorAll();
-    void NotePlace(int64_t place);
+    void RecordPlace(int64_t place);
 
     ServerRows rows_;
     RowIndex index_;

@@ -16,14 +16,14 @@ struct Resolver::Lookup {
     std::string host;
     std::string port;
     standin::EventDescriptor finished;
-    std::atomic<bool> isDone = false;  // the rest is written before it
+    std::atomic<bool> isDone = false;  // set after the other members are written
     std::vector<SocketAddress> addresses;
     std::string failure;
 
     void Run(int flags);
 };
 
-// Sets the addresses, or why there are none.
+// Sets the addresses or the error.
 void Resolver::Lookup::Run(int flags)
 {
     addrinfo hints{};

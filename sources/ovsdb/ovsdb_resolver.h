@@ -1,4 +1,4 @@
-// The addresses of a host name, without blocking the caller.
+// Resolves a host name without blocking the caller.
 #pragma once
 
 #include <sys/socket.h>
@@ -14,7 +14,7 @@ struct SocketAddress {
     socklen_t size;
 };
 
-// getaddrinfo on a thread of its own, which outlives the resolver if the answer comes later.
+// Runs getaddrinfo on a thread of its own, which outlives the resolver if it takes longer.
 class Resolver {
 public:
     Resolver(const std::string& host, const std::string& port);

@@ -15,7 +15,7 @@ using standin::List;
 using standin::Row;
 using standin::Table;
 
-// A set of one element may be that element alone.
+// A set of one element may be written as the element itself.
 template <typename OnElement>
 void ForEachElement(const Json& set, const OnElement& onElement)
 {
@@ -65,7 +65,7 @@ std::optional<std::span<const uint8_t>> ItemsOf(const Row& row, const List& list
     return row.Items(static_cast<size_t>(&list - row.Description().lists.data()));
 }
 
-// An empty text is an address of zeros.
+// An empty text means an address of zeros.
 bool IsEmptyAddress(const Field& field, const Json& value)
 {
     const auto* text = value.get_ptr<const std::string*>();
@@ -87,7 +87,7 @@ void FieldFromWire(Row& row, const Field& field, const Json& value)
     }
 }
 
-// By position: the values of an item's fields.
+// The values of an item's fields, by position of the item.
 using Items = std::map<uint64_t, std::vector<uint64_t>>;
 
 void ListColumnFromWire(Items& items, const SchemaColumn& column, const Json& map)
@@ -116,7 +116,7 @@ void ListsFromWire(Row& row, const std::map<const List*, Items>& all, const Json
     }
 }
 
-// The set or map in that column, which becomes empty if it is missing.
+// Returns the set or map in the column; creates an empty one if it is missing.
 Json& Collection(Json& wire, const std::string& column, const char* kind)
 {
     return wire.emplace(column, Json::array({kind, Json::array()})).first.value();
@@ -160,7 +160,7 @@ void ModifyMap(Json& map, const Json& change)
     map = {"map", pairs};
 }
 
-// Maps as pairs in order, so that two can be compared.
+// Sorts the pairs of a map, so that two maps can be compared.
 std::map<Json, Json> PairsOf(const Json& columns, const std::string& column)
 {
     std::map<Json, Json> pairs;
@@ -178,7 +178,7 @@ Json::array_t PresentLists(const Json& columns)
     return present == columns.end() ? Json::array_t() : SortedElements(*present);
 }
 
-// The servers send the new value of a column that holds at most one element, not a difference.
+// For a column of at most one element the servers send the new value, not a difference.
 bool IsDifference(const Table& table)
 {
     return table.lists.size() > 1;

@@ -10,24 +10,25 @@
 
 namespace sources::ovsdb {
 
-// Every column but the place.
+// All columns except the place.
 Json RowToWire(const standin::Row& row);
 
-// columns: of the table, with values that the schema allows. Throws sources::JsonError for a value
-// that the field can't hold: an address or a text that the schema can't check.
+// columns: columns of the table, with values that the schema allows. Throws sources::JsonError for
+// a value that the field can't hold (addresses and texts, which the schema does not check).
 standin::Row RowFromWire(const standin::Table& table, const Json& columns);
 
-// Whether RowToWire(row) has the same lists as the columns that the row was made from, in the same
-// form. The form is free: lists may have gaps between positions, lack columns, or hold empty texts
-// for addresses of zeros. A modification is a difference to that form.
+// Whether RowToWire(row) represents lists in the same way as the columns from which the row was
+// made. A list has several representations: it may have gaps between positions, lack columns, or
+// have empty texts for addresses of zeros. A modification is relative to the server's
+// representation.
 bool KeepsForm(const standin::Row& row, const Json& columns);
 
-// The row's place, or NO_PLACE, behind all others.
+// The row's place; NO_PLACE, which sorts after all others, if it has none.
 inline constexpr int64_t NO_PLACE = INT64_MAX;
 int64_t PlaceOf(const Json& columns);
 
-// Applies what the servers call a modification: the new values of single values, and of sets and
-// maps the elements that only the old or only the new value has.
+// Applies a "modify" update: new values of scalars; for sets and maps, the symmetric difference of
+// the old and the new value.
 void Modify(const standin::Table& table, Json& columns, const Json& modification);
 
 // The condition that selects the row by its primary key.

@@ -1,8 +1,9 @@
 // The database on the servers: names of its tables and columns, and its schema.
 //
 // A field is a column. A list is one map per field of its items, from the item's position to the
-// value, so that the order is kept and a row with lists is one row there too; the column "lists"
-// names the lists that are present, empty or not. The column "place" orders the rows of a table.
+// value, which preserves the order and stores a row with lists as one row. The column "lists" has
+// the names of the lists that are present, empty or not. The column "place" orders the rows of a
+// table.
 #pragma once
 
 #include <cstdint>
@@ -34,7 +35,7 @@ struct TableColumns {
 // Throws std::out_of_range for a table that is not one of standin::Tables().
 const TableColumns& ColumnsOf(const standin::Table& table);
 
-// By names on the servers; null if there is none. Lists and place are no such columns.
+// Find by names on the servers; null if there is none. "lists" and "place" are not included.
 const standin::Table* FindTable(const std::string& name);
 const SchemaColumn* FindColumn(const standin::Table& table, std::string_view name);
 

@@ -17,12 +17,12 @@ ServerSelection::ServerSelection(const Servers& servers, Replica& replica, SyncP
     }
 }
 
-Clock::time_point ServerSelection::AddWanted(std::vector<pollfd>& wanted) const
+Clock::time_point ServerSelection::AddPollEntries(std::vector<pollfd>& entries) const
 {
     auto due = Clock::time_point::max();
     for (const Candidate& candidate : candidates_) {
         if (candidate.session) {
-            wanted.push_back(candidate.session->Wanted());
+            entries.push_back(candidate.session->PollEntry());
             due = std::min(due, candidate.session->Due());
         } else if (followed_ == nullptr) {
             due = std::min(due, std::max(candidate.retryAt, nextStart_));
@@ -73,7 +73,7 @@ std::string ServerSelection::Failures() const
     return all;
 }
 
-bool ServerSelection::AllRefuse() const
+bool ServerSelection::AllRefused() const
 {
     return std::ranges::all_of(candidates_, &Candidate::isRefusal);
 }
@@ -86,8 +86,8 @@ void ServerSelection::Close()
     }
 }
 
-// One attempt at a time, in turn. A server that is sending its contents gets more time before
-// another is tried, so that large contents are not requested twice.
+// Starts at most one attempt, on the next candidate. While a server is sending its contents, the
+// next attempt is delayed, so that large contents are not requested twice.
 void ServerSelection::StartAttempts()
 {
     constexpr int LOADING_FACTOR = 8;
@@ -158,7 +158,7 @@ void ServerSelection::Fail(Candidate& candidate, const std::string& reason)
     }
     candidate.session.reset();
 
-    // Boards that lose a server together should not all return at the same moment.
+    // Random, so that clients that lose a server together do not reconnect at the same moment.
     const Milliseconds pause = candidate.backoff;
     std::uniform_int_distribution spread(pause.count() / 2, pause.count());
     candidate.retryAt = Clock::now() + Milliseconds(spread(random_));
@@ -183,7 +183,7 @@ void ServerSelection::ReportLoss(Candidate& candidate, const std::string& reason
     }
 }
 
-// Reports that no server can be followed, unless the reasons are those of the last report.
+// Reports that no server can be followed, unless the reasons are the same as in the last report.
 void ServerSelection::ReportFailures()
 {
     const bool allFailed = std::ranges::none_of(

@@ -1,5 +1,5 @@
-// Which server is followed: attempts on several servers side by side, the first that can be
-// followed wins.
+// Selects the server to follow: tries several servers in parallel and follows the first suitable
+// one.
 #pragma once
 
 #include <chrono>
@@ -12,30 +12,30 @@
 
 namespace sources::ovsdb {
 
-// Each server is tried at once, attemptDelay after the one before it, and again after pauses that
-// grow. Once one is followed the attempts on others end. When it is lost, which is reported to the
-// system log, the others are tried again.
+// Attempts start attemptDelay apart, in turn, without waiting for earlier ones to fail, and are
+// repeated with exponential backoff. Once a server is followed, the other attempts end. When its
+// connection is lost, the loss is reported to the system log and the servers are tried again.
 class ServerSelection {
 public:
     ServerSelection(const Servers& servers, Replica& replica, SyncPosition& position);
 
-    // Adds what to wait for before the next Advance, and returns until when.
-    Clock::time_point AddWanted(std::vector<pollfd>& wanted) const;
+    // Adds the descriptors to poll before the next Advance; returns the time of the timeout.
+    Clock::time_point AddPollEntries(std::vector<pollfd>& entries) const;
     void Advance();
 
     bool IsFollowing() const { return followed_ != nullptr; }
-    // Only while following. The outcome of the request is set in any case.
+    // Only while following. The outcome of the request is set also on a failure.
     void Send(const std::shared_ptr<Request>& request);
     // The name of the server; empty while none is followed.
     std::string FollowedName() const;
     // "leader", "follower" or, outside of a cluster, "standalone"; empty while none is followed.
     std::string FollowedRole() const;
-    // When the last server that was followed became it.
+    // The time at which the last followed server was selected.
     Clock::time_point FollowedSince() const { return followedSince_; }
-    // Why each server that was tried since the last one was followed can't be.
+    // The reason of each server that failed since one was last followed.
     std::string Failures() const;
-    // Whether every server has refused what was requested, so that waiting is of no use.
-    bool AllRefuse() const;
+    // Whether every server has refused the request, so that repeating it is useless.
+    bool AllRefused() const;
 
     // Ends every connection.
     void Close();
@@ -65,10 +65,10 @@ private:
     std::vector<Candidate> candidates_;
     Candidate* followed_ = nullptr;
     Clock::time_point followedSince_;
-    Clock::time_point nextStart_;  // of another attempt
-    size_t next_ = 0;              // candidate, in turn
+    Clock::time_point nextStart_;  // time of the next attempt
+    size_t next_ = 0;              // index of the next candidate
     bool isLost_ = false;          // a server was followed, and none is now
-    std::string reported_;         // failures, last
+    std::string reported_;         // the failures that were last reported
     std::minstd_rand random_{std::random_device()()};
 };
 

@@ -10,7 +10,7 @@
 namespace sources::ovsdb {
 namespace {
 
-// The rest of the text if it begins with the prefix.
+// Returns the rest of the text if it begins with the prefix.
 std::optional<std::string> After(const std::string& prefix, const std::string& text)
 {
     return text.starts_with(prefix) ? std::optional(text.substr(prefix.size())) : std::nullopt;
@@ -120,7 +120,7 @@ Servers ParseServers(const std::string& text, const OvsdbLimits& limits)
         }
     }
     if (servers.all.empty()) {
-        throw standin::Error("no server is named");
+        throw standin::Error("no server is given");
     }
     const Credentials& given = servers.credentials;
     const bool anyTls = std::ranges::count(servers.all, Transport::Tls, &Server::transport) != 0;

@@ -1,4 +1,4 @@
-// The servers of a cluster, as a user names them:
+// Parses the specification of the servers of a cluster:
 // "unix:/run/a.sock,tcp:192.0.2.1:6641,ssl:[2001:db8::1]:6641,ca-certificate=/etc/ca.pem".
 #pragma once
 
@@ -12,7 +12,7 @@ namespace sources::ovsdb {
 enum class Transport : uint8_t { Unix, Tcp, Tls };
 
 struct Server {
-    std::string name;  // as it was written
+    std::string name;  // as specified
     Transport transport;
     std::string host;  // or the path of the socket
     std::string port;  // a number from 1 to 65535
@@ -31,8 +31,8 @@ struct Servers {
     OvsdbLimits limits;
 };
 
-// Limits that the text does not set are the given ones. Throws standin::Error for a part that has
-// none of these forms, and for TLS servers without all three credentials.
+// Limits that the text does not set are taken from the argument. Throws standin::Error for an
+// invalid part, and for TLS servers without all three credentials.
 Servers ParseServers(const std::string& text, const OvsdbLimits& limits = {});
 
 }  // namespace sources::ovsdb

@@ -11,7 +11,7 @@ namespace {
 constexpr const char* SERVER_MONITOR = "server";
 constexpr const char* CONTENTS_MONITOR = "contents";
 
-// The least number of transactions that a server remembers which was not restarted.
+// Number of transactions that a server keeps at least, unless it was restarted.
 constexpr int64_t REMEMBERED = 100;
 
 Json ServerRequest()
@@ -101,10 +101,10 @@ ServerSession::ServerSession(const Server& server, const TlsContext& tls, const 
 
 ServerSession::~ServerSession()
 {
-    for (const auto& [id, unanswered] : unanswered_) {
-        unanswered.request->outcome.set_value(
-            "the connection was lost before the server answered: whether the transaction was "
-            "carried out is not known");
+    for (const auto& [id, outstanding] : outstanding_) {
+        outstanding.request->outcome.set_value(
+            "the connection was lost before the server replied: whether the transaction was "
+            "committed is not known");
     }
 }
 
@@ -114,15 +114,15 @@ Clock::time_point ServerSession::Due() const
     if (!IsFollowing()) {
         due = std::min(due, loadDeadline_);
     }
-    if (!unanswered_.empty()) {
-        due = std::min(due, unanswered_.begin()->second.deadline);
+    if (!outstanding_.empty()) {
+        due = std::min(due, outstanding_.begin()->second.deadline);
     }
     return due;
 }
 
 void ServerSession::Advance()
 {
-    connection_.Advance([this](RpcMessage message) { Take(std::move(message)); });
+    connection_.Advance([this](RpcMessage message) { Handle(std::move(message)); });
     CheckDeadlines();
 }
 
@@ -130,10 +130,10 @@ void ServerSession::CheckDeadlines() const
 {
     const auto now = Clock::now();
     if (!IsFollowing() && now >= loadDeadline_) {
-        throw std::runtime_error("the server does not answer");
+        throw std::runtime_error("the server does not reply");
     }
-    if (!unanswered_.empty() && now >= unanswered_.begin()->second.deadline) {
-        throw std::runtime_error("the server does not answer a transaction");
+    if (!outstanding_.empty() && now >= outstanding_.begin()->second.deadline) {
+        throw std::runtime_error("the server does not reply to a transaction");
     }
 }
 
@@ -142,7 +142,7 @@ void ServerSession::Send(const std::shared_ptr<Request>& request)
     const uint64_t id = ++lastRequest_;
     const std::string& parameters = request->parameters;
     const auto deadline = Clock::now() + limits_.requestTimeout + ExtraTime(parameters.size());
-    unanswered_.emplace(id, Unanswered{request, deadline});
+    outstanding_.emplace(id, Outstanding{request, deadline});
     Call(id, "transact", parameters);
 }
 
@@ -152,59 +152,58 @@ void ServerSession::Call(const Json& id, const char* method, const std::string& 
                      parameters + "}");
 }
 
-void ServerSession::Take(RpcMessage message)
+void ServerSession::Handle(RpcMessage message)
 {
     if (message.method.empty()) {
-        TakeReply(std::move(message));
+        HandleReply(std::move(message));
     } else {
-        TakeUpdate(std::move(message));
+        HandleUpdate(std::move(message));
     }
 }
 
-void ServerSession::TakeUpdate(RpcMessage message)
+void ServerSession::HandleUpdate(RpcMessage message)
 {
     const Json& monitor = Element(message.params, 0, message.method);
     if (message.method == "update2" && monitor == SERVER_MONITOR) {
-        TakeServer(Element(message.params, 1, message.method));
+        HandleServerState(Element(message.params, 1, message.method));
     } else if (message.method == "update3" && monitor == CONTENTS_MONITOR && IsFollowing()) {
         const std::string upTo = TransactionOf(Element(message.params, 1, "update3"));
         Element(message.params, 2, "update3");
         const auto updates = ParseChanges(message.params[2]);
         position_.Take(upTo, [&] { replica_.TakeChanges(updates); });
     } else {
-        throw ProtocolError("the server sends " + message.method.substr(0, 80) +
-                            " without having been asked");
+        throw ProtocolError("the server sends an unexpected " + message.method.substr(0, 80));
     }
 }
 
-void ServerSession::TakeReply(RpcMessage message)
+void ServerSession::HandleReply(RpcMessage message)
 {
     if (message.id.is_number_unsigned()) {
-        TakeResults(message);
+        HandleResults(message);
         return;
     }
     if (!message.refusal.empty()) {
         throw ServerRefusal(message.refusal);
     }
-    if (message.id == SERVER_MONITOR && stage_ == Stage::Judging) {
+    if (message.id == SERVER_MONITOR && stage_ == Stage::Checking) {
         stage_ = Stage::Loading;
-        TakeServer(message.result);
+        HandleServerState(message.result);
         loadDeadline_ = Clock::now() + limits_.requestTimeout;
         Call(CONTENTS_MONITOR, "monitor_cond_since", ContentsRequest(position_.transaction).dump());
     } else if (message.id == CONTENTS_MONITOR && stage_ == Stage::Loading) {
-        TakeContents(message.result);
+        HandleContents(message.result);
     } else {
-        throw ProtocolError("the server answers a request that was not sent");
+        throw ProtocolError("the server replies to a request that was not sent");
     }
 }
 
-void ServerSession::TakeResults(const RpcMessage& message)
+void ServerSession::HandleResults(const RpcMessage& message)
 {
-    const auto asked = unanswered_.find(message.id.get<uint64_t>());
-    if (asked == unanswered_.end()) {
-        throw ProtocolError("the server answers a request that was not sent");
+    const auto entry = outstanding_.find(message.id.get<uint64_t>());
+    if (entry == outstanding_.end()) {
+        throw ProtocolError("the server replies to a request that was not sent");
     }
-    Request& request = *asked->second.request;
+    Request& request = *entry->second.request;
     std::string refusal = message.refusal;
     if (refusal.empty()) {
         try {
@@ -214,10 +213,10 @@ void ServerSession::TakeResults(const RpcMessage& message)
         }
     }
     request.outcome.set_value(refusal);
-    unanswered_.erase(asked);
+    outstanding_.erase(entry);
 }
 
-void ServerSession::TakeServer(const Json& tables)
+void ServerSession::HandleServerState(const Json& tables)
 {
     RequireObject(tables, "the server's state");
     const auto rows = tables.find("Database");
@@ -238,10 +237,10 @@ void ServerSession::TakeServer(const Json& tables)
             server_.hasDatabase = true;
         }
     }
-    JudgeServer();
+    CheckServer();
 }
 
-void ServerSession::JudgeServer()
+void ServerSession::CheckServer()
 {
     if (!server_.hasDatabase) {
         throw ServerRefusal(std::string("there is no database ") + DATABASE_NAME);
@@ -257,8 +256,8 @@ void ServerSession::JudgeServer()
     }
     if (IsFollowing()) {
         position_.index = server_.index;
-    } else if (IsOfKnownCluster() && server_.index < position_.index) {
-        throw std::runtime_error("the server is behind what is known already");
+    } else if (IsKnownCluster() && server_.index < position_.index) {
+        throw std::runtime_error("the server's data is older than the tables");
     }
 }
 
@@ -270,16 +269,16 @@ const char* ServerSession::Role() const
     return server_.isLeader ? "leader" : "follower";
 }
 
-void ServerSession::TakeContents(Json& result)
+void ServerSession::HandleContents(Json& result)
 {
     const std::string what = "the contents";
     const bool isResumed = BooleanOf(Element(result, 0, what), what);
     const std::string upTo = TransactionOf(Element(result, 1, what));
     Element(result, 2, what);
-    if (!isResumed && IsDoubtful()) {
+    if (!isResumed && MayRetryResume()) {
         position_.resumeRejected = true;
         throw std::runtime_error(
-            "the server does not know the last transaction; it will be asked again");
+            "the server does not have the last transaction; the request is repeated once");
     }
     const auto updates = isResumed ? ParseChanges(result[2]) : ParseContents(result[2]);
     position_.Take(upTo, [&] {
@@ -295,15 +294,15 @@ void ServerSession::TakeContents(Json& result)
     stage_ = Stage::Following;
 }
 
-// A server that has just become leader may not have committed its last transactions yet, and then
-// does not know ours. Its contents would take the tables back for a moment.
-bool ServerSession::IsDoubtful() const
+// A new leader that has not committed its last transactions yet does not have ours. Loading its
+// contents would revert the tables for a moment, so the request is repeated once.
+bool ServerSession::MayRetryResume() const
 {
-    return IsOfKnownCluster() && position_.transaction != SyncPosition::NONE &&
+    return IsKnownCluster() && position_.transaction != SyncPosition::NONE &&
            !position_.resumeRejected && server_.index < position_.index + REMEMBERED;
 }
 
-bool ServerSession::IsOfKnownCluster() const
+bool ServerSession::IsKnownCluster() const
 {
     return server_.isClustered && server_.cluster == position_.cluster;
 }

@@ -12,16 +12,16 @@
 
 namespace sources::ovsdb {
 
-// How far the replica has come. It outlives sessions: the next server continues from here.
+// The state of the replica. It outlives sessions: the next server continues from here.
 struct SyncPosition {
     static constexpr const char* NONE = "00000000-0000-0000-0000-000000000000";
 
-    std::string transaction = NONE;  // the last one that was taken
-    std::string cluster;             // empty: none, or a server that is not part of a cluster
-    int64_t index = 0;               // in the cluster's log, as far as it is known
-    bool resumeRejected = false;     // a server did not know the transaction, and was not believed
+    std::string transaction = NONE;  // the last one that was applied
+    std::string cluster;             // empty: none, or a standalone server
+    int64_t index = 0;               // last known index of the cluster's log
+    bool resumeRejected = false;     // a server did not have the transaction; one retry is allowed
 
-    // Takes what belongs to a transaction. If that fails, all contents have to be compared next.
+    // Applies the updates of a transaction. If that fails, the next session compares all contents.
     template <typename Action>
     void Take(const std::string& upTo, const Action& action)
     {
@@ -35,10 +35,10 @@ struct SyncPosition {
 struct Request {
     const Operations& operations;  // valid until the outcome is set
     std::string parameters;
-    std::promise<std::string> outcome = {};  // why it was refused; empty: carried out
+    std::promise<std::string> outcome = {};  // the reason for a refusal; empty: committed
 };
 
-// What the server says about itself and its copy of the database.
+// The server's state and that of its copy of the database.
 struct ServerState {
     bool hasDatabase = false;
     bool isClustered = false;
@@ -50,26 +50,26 @@ struct ServerState {
 
 class ServerSession {
 public:
-    // Begins to connect. onlyLeader: refuse a server of a cluster that is not its leader. All
+    // Begins to connect. onlyLeader: reject a clustered server that is not the leader. All
     // references must outlive the session.
     ServerSession(const Server& server, const TlsContext& tls, const OvsdbLimits& limits,
                   Replica& replica, SyncPosition& position, bool onlyLeader);
-    // Requests without an answer get the outcome that theirs is not known.
+    // Outstanding requests get an outcome that reports that their result is unknown.
     ~ServerSession();
     ServerSession(const ServerSession&) = delete;
     ServerSession& operator=(const ServerSession&) = delete;
 
-    // What to wait for, and until when, before the next Advance.
-    pollfd Wanted() const { return connection_.Wanted(); }
+    // The descriptor and events to poll for, and the timeout, before the next Advance.
+    pollfd PollEntry() const { return connection_.PollEntry(); }
     Clock::time_point Due() const;
 
-    // Does what is possible without waiting. Throws where the server can't be followed, or no
-    // longer; ServerRefusal, where trying again is of no use.
+    // Proceeds as far as possible without blocking. Throws if the server can't be followed or the
+    // connection is lost; ServerRefusal, if another attempt is useless.
     void Advance();
 
-    // Whether the server was found suitable and has been asked for its contents.
+    // Whether the server is suitable and its contents have been requested.
     bool IsLoading() const { return stage_ == Stage::Loading; }
-    // Whether the replica has taken the server's contents.
+    // Whether the replica has the server's contents.
     bool IsFollowing() const { return stage_ == Stage::Following; }
     // Of the server: "leader", "follower" or, outside of a cluster, "standalone".
     const char* Role() const;
@@ -78,22 +78,22 @@ public:
     void Send(const std::shared_ptr<Request>& request);
 
 private:
-    enum class Stage : uint8_t { Judging, Loading, Following };
-    struct Unanswered {
+    enum class Stage : uint8_t { Checking, Loading, Following };
+    struct Outstanding {
         std::shared_ptr<Request> request;
         Clock::time_point deadline;
     };
 
     void Call(const Json& id, const char* method, const std::string& parameters);
-    void Take(RpcMessage message);
-    void TakeReply(RpcMessage message);
-    void TakeUpdate(RpcMessage message);
-    void TakeResults(const RpcMessage& message);
-    void TakeServer(const Json& tables);
-    void JudgeServer();
-    void TakeContents(Json& result);
-    bool IsDoubtful() const;
-    bool IsOfKnownCluster() const;
+    void Handle(RpcMessage message);
+    void HandleReply(RpcMessage message);
+    void HandleUpdate(RpcMessage message);
+    void HandleResults(const RpcMessage& message);
+    void HandleServerState(const Json& tables);
+    void CheckServer();
+    void HandleContents(Json& result);
+    bool MayRetryResume() const;
+    bool IsKnownCluster() const;
     void CheckDeadlines() const;
 
     const OvsdbLimits& limits_;
@@ -101,11 +101,11 @@ private:
     SyncPosition& position_;
     const bool onlyLeader_;
     Connection connection_;
-    Stage stage_ = Stage::Judging;
+    Stage stage_ = Stage::Checking;
     ServerState server_;
     Clock::time_point loadDeadline_;
     uint64_t lastRequest_ = 0;
-    std::map<uint64_t, Unanswered> unanswered_;
+    std::map<uint64_t, Outstanding> outstanding_;
 };
 
 }  // namespace sources::ovsdb

@@ -42,9 +42,9 @@ OvsdbSource::OvsdbSource(const std::string& servers, const OvsdbLimits& limits,
     const auto deadline = begin + servers_.limits.requestTimeout;
     bool isReported = false;
     while (Server().empty()) {
-        if (selection_.AllRefuse() || Clock::now() >= deadline) {
+        if (selection_.AllRefused() || Clock::now() >= deadline) {
             throw standin::Error("no server can be followed: " + (state_.lastError.empty()
-                                                                      ? "none has answered yet"
+                                                                      ? "none has replied yet"
                                                                       : state_.lastError));
         }
         if (!isReported && Clock::now() >= begin + SHORT_WAIT) {
@@ -83,7 +83,7 @@ void OvsdbSource::Commit(const std::vector<RowWrite>& writes)
             throw standin::Error("no server can be followed: " + state_.lastError);
         }
     }
-    const std::string refusal = outcome.get();  // the session limits the time to an answer
+    const std::string refusal = outcome.get();  // the session limits the time to a reply
     if (!refusal.empty()) {
         throw standin::Error(refusal);
     }
@@ -109,19 +109,19 @@ void OvsdbSource::Run(const std::stop_token& stop)
             Step(NEVER);
         } catch (const std::exception& error) {
             syslog(LOG_ERR, "following the servers: %s\n", error.what());
-            std::this_thread::sleep_for(100ms);  // what is exhausted may become available
+            std::this_thread::sleep_for(100ms);  // a resource may be exhausted temporarily
         }
     }
     selection_.Close();
 }
 
-// Waits for the servers, a request or the time, and does what is then possible.
+// Waits for the servers, a request or the time, then proceeds as far as possible without blocking.
 void OvsdbSource::Step(Clock::time_point until)
 {
-    std::vector<pollfd> wanted = {{stopEvent_.Descriptor(), POLLIN, 0},
-                                  {requestEvent_.Descriptor(), POLLIN, 0}};
-    const auto due = std::min(selection_.AddWanted(wanted), until);
-    poll(wanted.data(), wanted.size(), MillisecondsUntil(due));
+    std::vector<pollfd> entries = {{stopEvent_.Descriptor(), POLLIN, 0},
+                                   {requestEvent_.Descriptor(), POLLIN, 0}};
+    const auto due = std::min(selection_.AddPollEntries(entries), until);
+    poll(entries.data(), entries.size(), MillisecondsUntil(due));
     requestEvent_.Lower();
     selection_.Advance();
     PublishState();
@@ -170,7 +170,7 @@ OvsdbSource::SharedRequest OvsdbSource::TakeRequest()
     return first;
 }
 
-// False if the request has been sent.
+// Returns false if the request has already been sent.
 bool OvsdbSource::Withdraw(const SharedRequest& request)
 {
     const std::lock_guard lock(mutex_);
@@ -186,7 +186,7 @@ void OvsdbSource::ReportWait() const
     {
         const std::lock_guard lock(mutex_);
         if (!state_.server.empty()) {
-            what = state_.server + " to carry out a transaction";
+            what = state_.server + " to commit a transaction";
         } else {
             what = "a server" + (state_.lastError.empty() ? "" : " (" + state_.lastError + ")");
         }

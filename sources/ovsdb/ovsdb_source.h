@@ -21,18 +21,18 @@ namespace sources {
 // The source owns the tables: rows that others write there are deleted.
 //
 // Of the servers of a cluster it follows the leader, which has every change first; a single server
-// is taken as it is. Each transaction of the servers becomes one of the database. Changes that
-// arrive together, after a loss or because this process was slow, are one transaction too, in which
-// a row that changed several times changes once.
+// is followed whether or not it is a leader. Each transaction of the servers becomes one of the
+// database. Changes that arrive together, after a reconnection or because this process was slow,
+// are one transaction, in which a row that changed several times changes once.
 //
-// If the connection is lost the tables stay as they are, the loss is reported to the system log,
-// and the servers are tried again. The next one sends the changes since the last transaction, or
-// all contents, which are then compared with the tables.
+// If the connection is lost, the tables keep their contents, the loss is reported to the system
+// log, and the servers are tried again. The next server sends the changes since the last
+// transaction, or all contents, which are then compared with the tables.
 class OvsdbSource final : public Source {
 public:
-    // servers: "unix:/run/a.sock,tcp:192.0.2.1:6641", see ovsdb_servers.h. onWait is called with
-    // what is being waited for once a wait has taken a second, here or in Commit. Fills the tables.
-    // Throws std::runtime_error if no server can be followed, or a file can't be used.
+    // Fills the tables. servers: "unix:/run/a.sock,tcp:192.0.2.1:6641", see ovsdb_servers.h. onWait
+    // is called when a wait, here or in Commit, has taken a second; its argument names what is
+    // waited for. Throws std::runtime_error if no server can be followed or a file can't be used.
     explicit OvsdbSource(const std::string& servers, const OvsdbLimits& limits = {},
                          std::function<void(const std::string&)> onWait = nullptr);
     ~OvsdbSource() override;
@@ -40,9 +40,9 @@ public:
     // Starts a thread that writes each change, until the source is destroyed.
     void Follow() override;
 
-    // Carries out the writes on the servers; only while following; any thread. When it returns, the
-    // tables have the changes. Throws standin::Error with the servers' reason if they refuse them,
-    // and if there is no server or no answer in time.
+    // Executes the writes on the servers; only after Follow; any thread. When it returns, the
+    // tables have the changes. Throws standin::Error if the servers refuse the writes (with their
+    // reason), if there is no server, and if there is no reply in time.
     void Commit(const std::vector<RowWrite>& writes) override;
 
     // The server that is followed; empty while there is none. Any thread.
@@ -65,11 +65,11 @@ private:
     const std::function<void(const std::string&)> onWait_;
     ovsdb::Replica replica_;
     ovsdb::SyncPosition position_;
-    ovsdb::ServerSelection selection_;  // of the follower
+    ovsdb::ServerSelection selection_;  // used by the follower thread only
     standin::EventDescriptor stopEvent_;
     standin::EventDescriptor requestEvent_;
 
-    mutable std::mutex mutex_;  // for the rest
+    mutable std::mutex mutex_;  // protects the next three members
     std::deque<SharedRequest> requests_;
     SourceState state_;
     ovsdb::Clock::time_point followedSince_;  // of state_.server

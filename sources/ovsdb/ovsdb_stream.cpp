@@ -29,7 +29,7 @@ Descriptor NewSocket(int family)
     return socket;
 }
 
-// 0 once connected, EINPROGRESS while that takes longer, otherwise why it fails.
+// Returns 0 once connected, EINPROGRESS while connecting, otherwise the error.
 int BeginToConnect(const Descriptor& socket, const SocketAddress& address)
 {
     const auto* plain = reinterpret_cast<const sockaddr*>(&address.storage);
@@ -49,7 +49,7 @@ SocketAddress AddressOfPath(const std::string& path)
     return result;
 }
 
-// A socket BIO whose writes raise no signal when the server has closed the connection.
+// A socket BIO whose writes don't raise SIGPIPE when the server has closed the connection.
 const BIO_METHOD* QuietSocket()
 {
     static BIO_METHOD* const METHOD = [] {
@@ -107,7 +107,7 @@ Stream::Stream(const Server& server, const TlsContext& tls, const OvsdbLimits& l
     }
 }
 
-pollfd Stream::Wanted(bool sends) const
+pollfd Stream::PollEntry(bool sends) const
 {
     if (resolver_) {
         return {resolver_->Descriptor(), POLLIN, 0};
@@ -134,7 +134,7 @@ bool Stream::Connect()
     if (resolver_) {
         if (!resolver_->IsDone()) {
             if (Clock::now() >= deadline_) {
-                throw std::runtime_error("the name can't be resolved in time");
+                throw std::runtime_error("resolving the name timed out");
             }
             return false;
         }
@@ -145,7 +145,7 @@ bool Stream::Connect()
     return ConnectToAddress();
 }
 
-// The result of connecting to the present address, or the next ones.
+// Returns the result of connecting to the present address or, if that fails, to the next ones.
 bool Stream::ConnectToAddress()
 {
     while (true) {
@@ -200,7 +200,7 @@ void Stream::Establish()
     bio_.reset(bio);
 }
 
-// Throws unless the call only has to be repeated later.
+// Throws unless the error means that the call must be repeated later.
 size_t Stream::Transferred(int result) const
 {
     if (result > 0) {
@@ -215,7 +215,7 @@ size_t Stream::Transferred(int result) const
         throw std::runtime_error(TlsFailure(connection));
     }
     if (result == 0 || errno == 0) {
-        throw std::runtime_error("the server ended the connection");
+        throw std::runtime_error("the server closed the connection");
     }
     Fail(errno);
 }

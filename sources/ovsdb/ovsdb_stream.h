@@ -38,26 +38,27 @@ private:
 
 class Stream {
 public:
-    // Begins to connect. server, tls and limits must outlive the stream. Throws where the server
-    // can't be reached at all.
+    // Begins to connect. server, tls and limits must outlive the stream. Throws if connecting fails
+    // immediately.
     Stream(const Server& server, const TlsContext& tls, const OvsdbLimits& limits);
 
-    // What to wait for before the next call; sends: whether there is something to write.
-    pollfd Wanted(bool sends) const;
+    // The descriptor and events to poll for before the next call. sends: there is data to write.
+    pollfd PollEntry(bool sends) const;
 
-    // Goes on connecting. True once connected; then bytes can be read and written. Tries all
-    // addresses of the server one after another. Throws what was wrong with the last one.
+    // Continues to connect, to one address of the server after another. Returns true once
+    // connected; bytes can be read and written then. Throws the error of the last address if all
+    // fail.
     bool Connect();
-    // When connecting to the present address fails; the end of time once connected.
+    // The timeout of connecting to the present address; time_point::max() once connected.
     Clock::time_point ConnectDeadline() const;
 
-    // As many bytes as can be read or written without waiting. Throw when the connection has ended.
+    // Transfer as many bytes as possible without blocking. Throw if the connection is closed.
     size_t Read(std::span<char> bytes);
     size_t Write(std::string_view bytes);
 
 private:
     bool ConnectToAddress();
-    int TryNextAddress();  // these two: 0, EINPROGRESS or an error
+    int TryNextAddress();  // both return 0, EINPROGRESS or an error
     int ResultOfConnecting() const;
     void Establish();
     size_t Transferred(int result) const;
@@ -68,12 +69,12 @@ private:
 
     // While connecting.
     std::optional<Resolver> resolver_;
-    std::vector<SocketAddress> untried_;  // last one first
+    std::vector<SocketAddress> untried_;  // in reverse order
     Descriptor socket_{-1};
     Clock::time_point deadline_;
 
     std::unique_ptr<BIO, decltype(&BIO_free_all)> bio_{nullptr, BIO_free_all};  // once connected
-    bool waitsToRead_ = false;                                                  // to write more
+    bool waitsToRead_ = false;  // a TLS write requires reading first
 };
 
 }  // namespace sources::ovsdb

@@ -16,7 +16,7 @@ namespace {
     throw std::runtime_error(what + TlsFailure(nullptr));
 }
 
-// The password of an encrypted key: there is none. Remembers that it was asked for.
+// The password callback for encrypted keys. Supplies no password and records that it was called.
 int RefusePassword(char*, int, int, void* wasAsked)
 {
     *static_cast<bool*>(wasAsked) = true;

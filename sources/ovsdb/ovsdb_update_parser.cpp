@@ -41,7 +41,7 @@ const Json& Collection(const Json& value, const char* kind, const std::string& w
     return value[1];
 }
 
-// Calls onElement for each element; a set of one element may be that element alone.
+// Calls onElement for each element; a set of one element may be written as the element itself.
 template <typename OnElement>
 void CheckSet(const Json& value, const std::string& what, const OnElement& onElement)
 {
@@ -66,7 +66,7 @@ void CheckMap(const SchemaColumn& column, const Json& value, const std::string& 
         CheckValue(*column.field, Element(pair, 1, what), what);
         if (pair.size() != 2 || !positions.insert(position).second) {
             throw ProtocolError(what + ": position " + std::to_string(position) +
-                                " occurs twice or is no pair");
+                                " occurs twice or is not a pair");
         }
     }
 }

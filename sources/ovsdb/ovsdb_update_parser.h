@@ -1,4 +1,4 @@
-// What a server reports about its rows: table updates, checked against the schema.
+// Parses table updates from a server and checks them against the schema.
 #pragma once
 
 #include <compare>
@@ -19,7 +19,7 @@ struct RowId {
     uint64_t high;
     uint64_t low;
 
-    // Nothing for a text that is not of the form "550e8400-e29b-41d4-a716-446655440000".
+    // Empty for a text that is not of the form "550e8400-e29b-41d4-a716-446655440000".
     static std::optional<RowId> Parse(std::string_view text);
     std::string Text() const;
 
@@ -32,14 +32,14 @@ struct RowUpdate {
     const standin::Table* table;
     RowId id;
     RowEvent event;
-    Json columns;  // of the schema, with values that it allows; not for Delete
+    Json columns;  // checked against the schema; null for Delete
 };
 
-// The updates of a <table-updates2> object (ovsdb-server(7), 4.1.14), whose columns are moved out.
-// Throws ProtocolError for a table, an event, a column or a value that the schema does not allow,
-// and where two updates are of one row.
+// Return the updates of a <table-updates2> object (ovsdb-server(7), 4.1.14); its columns are moved
+// out. Throw ProtocolError for a table, an event, a column or a value that the schema does not
+// allow, and for two updates of one row.
 //
-// Contents hold every row there is, as Initial; changes hold the other events.
+// Contents have all rows, with the event Initial; changes have the other events.
 std::vector<RowUpdate> ParseContents(Json& tables);
 std::vector<RowUpdate> ParseChanges(Json& tables);
 

@@ -10,7 +10,7 @@ namespace {
 
 using standin::Row;
 
-// The update or delete operation whose row the servers have to find.
+// The operation that checks whether the row of an update or delete exists.
 constexpr const char* WAIT = "wait";
 
 Json IdCondition(const Json& id)
@@ -68,8 +68,8 @@ void Operations::Insert(const Row& row)
     Add(row, {{"op", "insert"}, {"uuid-name", name}, {"row", std::move(columns)}});
 }
 
-// The servers carry out an operation on no row without an error, so a wait operation that does not
-// wait at all has to find the row first.
+// An operation that matches no row succeeds on the servers. A wait operation with timeout 0 before
+// it therefore checks that the row exists.
 void Operations::Change(const Row& row, Json operation)
 {
     const KeyState& state = StateOf(row);
@@ -99,12 +99,12 @@ std::string Operations::Parameters() const
     }
 }
 
-// There is a result for each operation up to the first that fails. A transaction that fails as a
-// whole has one more.
+// There is one result for each operation up to the first that fails. If the transaction fails at
+// commit, there is one more result with the error.
 void Operations::Check(const Json& results) const
 {
     if (!results.is_array()) {
-        throw ProtocolError("the answer to a transaction is not an array of results");
+        throw ProtocolError("the reply to a transaction is not an array of results");
     }
     for (size_t i = 0; i < results.size(); ++i) {
         const std::string reason = ReasonIn(results[i]);
@@ -120,7 +120,7 @@ void Operations::Check(const Json& results) const
                              (isAbsent ? "there is no such row" : reason));
     }
     if (results.size() != rows_.size()) {
-        throw ProtocolError("the answer to a transaction of " + std::to_string(rows_.size()) +
+        throw ProtocolError("the reply to a transaction of " + std::to_string(rows_.size()) +
                             " operations has " + std::to_string(results.size()) + " results");
     }
     for (size_t i = 0; i < results.size(); ++i) {

@@ -1,4 +1,4 @@
-// Several writes as one transaction of the servers.
+// Converts several writes into one transaction of the servers.
 #pragma once
 
 #include <functional>
@@ -16,7 +16,7 @@ namespace sources::ovsdb {
 
 class Operations {
 public:
-    // The writes must outlive the operations. Rows that the replica knows are selected by their
+    // The writes must outlive the operations. Rows that are in the replica are selected by their
     // ids, others by their keys.
     Operations(std::span<const RowWrite> writes, Replica& replica);
 
@@ -28,7 +28,7 @@ public:
     void Check(const Json& results) const;
 
 private:
-    // What the transaction so far does to the row with one key.
+    // The state of the row with one key after the operations so far.
     struct KeyState {
         bool isPresent;
         std::optional<Json> id;  // how operations refer to the row, if it is known
@@ -43,7 +43,7 @@ private:
     Replica& replica_;
     std::map<RowKey, KeyState> states_;
     Json operations_ = Json::array({DATABASE_NAME});
-    std::vector<const standin::Row*> rows_;  // of each operation
+    std::vector<const standin::Row*> rows_;  // the row of each operation
 };
 
 }  // namespace sources::ovsdb

@@ -119,8 +119,8 @@ public:
         connection.Send(Wire{{"id", 1}, {"method", "transact"}, {"params", parameters}}.dump());
         Wire results;
         while (results.is_null()) {
-            pollfd wanted = connection.Wanted();
-            poll(&wanted, 1, 100);
+            pollfd entry = connection.PollEntry();
+            poll(&entry, 1, 100);
             connection.Advance([&](const RpcMessage& message) {
                 results = message.refusal.empty() ? message.result
                                                   : throw std::runtime_error(message.refusal);
