@@ -1,11 +1,11 @@
-# What is installed, by component: library, standin, development, shell. Each component is a package.
+# Installation by component: library, standin, development, shell. Each component is a package.
 include(CMakePackageConfigHelpers)
 
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/tarnd_qrb)
 
-# Libraries. Outside the system's own folders, the library finds a stand-in beside it and the shell
-# finds both, wherever the installation is moved.
+# Libraries. Outside the system's directories, run paths are relative, so that the installation can be
+# moved.
 if(NOT CMAKE_INSTALL_PREFIX MATCHES "^/usr/?$")
   set_target_properties(tarnd_qrb PROPERTIES INSTALL_RPATH "$ORIGIN")
 endif()
@@ -64,7 +64,7 @@ if(TARND_HAS_SHELL)
   endif()
 endif()
 
-# What every package has.
+# Files of every package.
 set(package_library libtarnd-qrb0)
 set(package_standin libtarnd-platform0)
 set(package_development libtarnd-qrb-dev)

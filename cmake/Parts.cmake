@@ -1,6 +1,5 @@
-# Parts of the build beside the library itself. TARND_<PART> is AUTO, ON or OFF: with AUTO a part is
-# built where everything it needs is found, and the configuration reports why one is left out; with ON
-# a missing package is an error.
+# Optional parts of the build. TARND_<PART> is AUTO, ON or OFF: with AUTO a part is built if all its
+# packages are found, otherwise the missing ones are reported; with ON a missing package is an error.
 #
 #   tarnd_part(PART DESCRIPTION [DEFAULT ON|OFF|AUTO] [PARTS PART...]
 #              [PACKAGES CMAKE-PACKAGE DEBIAN-PACKAGE ...] [MODULES TARGET PKG-CONFIG-NAME DEBIAN-PACKAGE ...]
@@ -66,8 +65,8 @@ function(tarnd_part part description)
   endif()
   list(JOIN missing ", " missing)
   if(TARND_${part} STREQUAL "AUTO")
-    message(STATUS "Left out: ${description}. Missing: ${missing}. -DTARND_${part}=OFF leaves it out without this message.")
+    message(STATUS "Skipped: ${description}. Missing: ${missing}. -DTARND_${part}=OFF disables this message.")
   else()
-    message(SEND_ERROR "${description} can't be built: install ${missing}, or leave it out with -DTARND_${part}=OFF")
+    message(SEND_ERROR "${description} can't be built: install ${missing}, or disable it with -DTARND_${part}=OFF")
   endif()
 endfunction()

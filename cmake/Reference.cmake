@@ -1,4 +1,4 @@
-# The reference, made of the comments of the public headers: HTML by Doxygen, and manual pages from
+# The reference, generated from the comments of the public headers: HTML by Doxygen, and manual pages from
 # Doxygen's XML. An exported name, parameter or result that is not documented fails the build.
 if(NOT TARND_HAS_REFERENCE)
   return()
@@ -15,6 +15,6 @@ add_custom_command(OUTPUT ${reference_dir}/made
   COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/tools/manpages
     ${reference_dir}/xml ${reference_dir}/man ${PROJECT_VERSION} ${exports}
   COMMAND ${CMAKE_COMMAND} -E touch ${reference_dir}/made
-  DEPENDS Doxyfile tools/manpages ${exports} ${public_headers} docs/questions.md
+  DEPENDS Doxyfile tools/manpages ${exports} ${public_headers} docs/queries.md
   COMMENT "Writing the reference" VERBATIM)
 add_custom_target(reference ALL DEPENDS ${reference_dir}/made)

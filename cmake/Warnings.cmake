@@ -1,4 +1,4 @@
-# tarnd_warnings: what every target of ours is compiled with.
+# tarnd_warnings: the warning options of every target of the project.
 add_library(tarnd_warnings INTERFACE)
 target_compile_options(tarnd_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wcast-align -Wcast-qual

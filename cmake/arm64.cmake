@@ -1,4 +1,4 @@
-# Cross-builds for arm64 with Debian's g++-aarch64-linux-gnu, and runs what was built under qemu-user.
+# Cross-builds for arm64 with Debian's g++-aarch64-linux-gnu; programs run under qemu-user.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
