@@ -1,5 +1,5 @@
-// Access control lists: what each family takes for existence, rule counts, names and numbers.
-// Quality of service: profile names, slots, missing lists.
+// Access control lists: existence checks, rule counts, names and numbers. Quality of service:
+// profile names, slots, missing lists.
 #include <tarnd_qrb/acl.h>
 #include <tarnd_qrb/qos.h>
 
@@ -82,7 +82,7 @@ TEST_F(Acl, OnlyTheIpv4CheckByNumberReportsAbsence)
     Load(R"({"acl_group_id": [{"id": 4, "kind": 0, "name": ")" + longest + R"(", "acl_number": 3001}]})");
     Load(R"({"acl_rule_id": [{"groupId": 0, "rule_id": 1}]})");
     Expect({
-        {CALL(ACL_IsExist, VSID, VSYSID, 9U, "web", Out32()), "1 1"},  // a name goes before the number
+        {CALL(ACL_IsExist, VSID, VSYSID, 9U, "web", Out32()), "1 1"},  // the name takes precedence
         {CALL(ACL_IsExist, VSID, VSYSID, 3000U, "mail", Out32()), "1 -"},
         {CALL(ACL_IsExist, VSYSID, VSYSID, 3000U, nullptr, Out32()), "1 -"},
         {CALL(ACLIPv6_IsExist, VSID, VSYSID, 3000U, nullptr, Out32()), "1 2"},
@@ -90,12 +90,12 @@ TEST_F(Acl, OnlyTheIpv4CheckByNumberReportsAbsence)
         {CALL(ACLIPv6_IsACLNodeExistByNumber, VSID, VSYSID, 3001U, Out32()), "1 -"},
         {CALL(ACLIPv6_IsACLNodeExistByNumber, VSID, VSYSID, 3000U, nullptr), "0"},
         {CALL(ACL_IsACLNodeExistByNumber, VSID, VSYSID, 3001U, Out32()), R"(0 - | QRB_DB_Scan failed, ret = 0\n)"},
-        // A condition that doesn't fit is refused silently.
+        // A condition that doesn't fit into its buffer is refused without a log line.
         {CALL(ACL_IsExist, MAX, MAX, UINT32_MAX, nullptr, Out32()), "0 -"},
         {CALL(ACLIPv6_IsExist, MAX, MAX, UINT32_MAX, nullptr, Out32()), "0 -"},
         {CALL(ACL_IsACLNodeExistByNumber, MAX, MAX, UINT32_MAX, Out32()), "0 -"},
         {CALL(ACLIPv6_IsACLNodeExistByNumber, MAX, MAX, UINT32_MAX, Out32()), "1 -"},
-        // Rules are added to the count, where there is no group those of group 0.
+        // Rules are added to the count; without a group, those of group 0.
         {CALL(ACL_GetRuleCount, VSID, VSYSID, 3000U, Out32{5}), "0 7"},
         {CALL(ACLIPv6_GetRuleCount, VSID, VSYSID, 3000U, Out32{5}), "0 7"},
         {CALL(ACLIPv6_GetRuleCount, VSID, VSYSID, 3001U, Out32{5}), "0 6"},
@@ -103,15 +103,15 @@ TEST_F(Acl, OnlyTheIpv4CheckByNumberReportsAbsence)
         {CALL(ACL_GetNameByGroupId, 9U, OutText()), R"(1 - | QRB_DB_Scan failed, ret = 0\n)"},
         {CALL(BDS_AclGetAclNumberByName, longest.c_str(), uint8_t{0}, 0U, 0U, Out32()), "0 3001"},
         {CALL(ACL_GetNameByGroupId, 4U, OutText()), "0 " + longest},
-        // The condition of 64 bytes has room for a name of nine characters.
+        // The condition buffer of 64 bytes holds a name of up to nine characters.
         {CALL(ACL_IsExist, VSID, VSYSID, 0U, "123456789", Out32()), "1 -"},
         {CALL(ACL_IsExist, VSID, VSYSID, 0U, "1234567890", Out32()), "0 -"},
         {CALL(BDS_AclGetAclNumberByName, "web", uint8_t{3}, 0U, 0U, Out32()), "1 - | QRB_DB_SESSION_SetKey: Table: acl_group_id execute failed."},
     });
 }
 
-// Items 0 and 2 go to the first slot, item 1 to the second; nothing else is touched.
-TEST_F(Qos, LastProfileOfANameAndLastItemOfASlotWin)
+// Items 0 and 2 are written to the first slot, item 1 to the second; nothing else is changed.
+TEST_F(Qos, LastProfileOfANameAndLastItemOfASlotAreReturned)
 {
     static const std::string longest(63, 'q');
     static const std::string tooLong(64, 'q');

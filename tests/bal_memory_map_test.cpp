@@ -1,4 +1,4 @@
-// The daemon's modules, and the report of what they use.
+// The daemon's modules and the report of their memory usage.
 #include <algorithm>
 #include <random>
 #include <set>
@@ -39,7 +39,7 @@ TEST_F(MemoryMap, FindsEveryModuleByItsName)
     EXPECT_EQ(MEM_EX_GetHandle(MEM_EX_MODULE_COUNT), 0);
 }
 
-TEST_F(MemoryMap, ReportsTrueFiguresOrSaysWhereItStopped)
+TEST_F(MemoryMap, ReportsUsageOrTheFailingModule)
 {
     MEM_EX_Init();
     MEM_EX_DETAILED_INFO_S entries[33] = {};
@@ -52,7 +52,7 @@ TEST_F(MemoryMap, ReportsTrueFiguresOrSaysWhereItStopped)
     EXPECT_EQ(count++, 32U);
     EXPECT_EQ(MEM_EX_GetDetailedInfo(nullptr, &count), 1U);
     EXPECT_EQ(MEM_EX_GetDetailedInfo(entries, nullptr), 1U);
-    for (int again = 0; again < 2; again++) {  // with more room than is needed, and as much
+    for (int again = 0; again < 2; again++) {  // with a larger buffer than needed, and an exact one
         EXPECT_EQ(MEM_EX_GetDetailedInfo(entries, &count), 0U);
         EXPECT_EQ(count, 32U);
     }
@@ -69,14 +69,14 @@ TEST_F(MemoryMap, ReportsTrueFiguresOrSaysWhereItStopped)
     support::FailCall("strcpy_s", 3, 1);
     EXPECT_EQ(MEM_EX_CopyDetailedInfo(entries, 32), 3U);
     EXPECT_EQ(entries[2].name[0], '\0');
-    g_memExModuleMap[2].handle = 0xFFFF;  // which the service doesn't know
+    g_memExModuleMap[2].handle = 0xFFFF;  // unknown to the accounting service
     EXPECT_EQ(MEM_EX_CopyDetailedInfo(entries, 4), 4U);
     EXPECT_TRUE(entries[2].name[0] != '\0' && entries[3].name[0] == '\0');
     MEM_EX_Init();
 }
 
-// Blocks of all sizes, each full of its size, come and go on one thread after another.
-TEST_F(MemoryMap, HandsNoBlockOutTwice)
+// Allocates and frees blocks of all sizes on several threads and checks their contents.
+TEST_F(MemoryMap, NeverReturnsABlockTwice)
 {
     uint64_t inUse[4] = {};
     std::mt19937 random(1);

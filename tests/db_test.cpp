@@ -1,4 +1,4 @@
-// The frame: log lines, sessions, the generic keyed read and scan, literals.
+// Database access: log lines, sessions, the generic keyed read and scan, literals.
 #include <tarnd_qrb/database.h>
 #include <tarnd_qrb/log.h>
 #include <tarnd_qrb/vlan.h>
@@ -54,7 +54,7 @@ namespace {
 using Log = support::PlatformTest;
 using Database = support::PlatformTest;
 
-TEST_F(Log, WritesOnlyErrorsAndWorseThatFit)
+TEST_F(Log, WritesErrorsAndWorseUpToTheBufferSize)
 {
     for (uint32_t priority = 0; priority < 8; priority++) {
         Tarn_QRB_Log_Printf(priority, "Function", 7, "value %u\n", priority);
@@ -92,7 +92,7 @@ uint32_t ScopeOne(ORM_SESSION in, void* /*context*/)
 }
 
 // clang-format off
-TEST_F(Database, ScanDeliversWhatTheConditionAndTheLimitAllow)
+TEST_F(Database, ScanReturnsMatchingRowsUpToTheLimit)
 {
     using Kept = Out<uint32_t, 2>;
     Expect({{CALL(QRB_DB_Scan, "vlan", Kept(), 10U, Keep, Out32(), nullptr, nullptr), "0 - - 0"}});

@@ -1,5 +1,4 @@
-// The path of a change: a row is written, and the callbacks of the modules run in order on the
-// listener thread.
+// From a write to the callbacks on the listener thread.
 #include <algorithm>
 #include <random>
 
@@ -35,7 +34,7 @@ Row Member(uint64_t pvid, int bitmap, uint32_t vlan)
     return Port(7, pvid, 0).AddToSet("vlan_bitmap_" + std::to_string(bitmap), vlan, vlan);
 }
 
-// Besides those of calls/event.cpp, which has one for each table and kind of write.
+// In addition to the example calls, which have one for each table and kind of write.
 const struct {
     Row before;
     Writing write;
@@ -55,7 +54,7 @@ const struct {
     {Member(1, 1, 8), Update, Member(2, 2, 8), {"11 if 7 pvid 2 bitmap 0"}},
 };
 
-TEST_F(ChangeDetection, BecomesTheEventsOfItsTable)
+TEST_F(ChangeDetection, PublishesTheEventsOfTheTable)
 {
     for (const auto& [before, write, row, events] : cases) {
         SCOPED_TRACE(testing::PrintToString(events) + " are to come");
@@ -69,7 +68,7 @@ TEST_F(ChangeDetection, BecomesTheEventsOfItsTable)
     }
 }
 
-TEST_F(ChangeDetection, IsSubscribedToByTheseTexts)
+TEST_F(ChangeDetection, SubscribesWithTheRecordedDefinitions)
 {
     std::string texts;
     for (const std::string& text : support::PlatformTexts()) {
@@ -78,7 +77,7 @@ TEST_F(ChangeDetection, IsSubscribedToByTheseTexts)
     EXPECT_EQ(texts, support::TextOf(TARND_PROJECT_ROOT "/tests/data/subscription_texts.txt"));
 }
 
-TEST_F(ChangeDetection, RowsOfOneDeliveryAnswerForThemselves)
+TEST_F(ChangeDetection, RowsOfOneDeliveryAreIndependent)
 {
     Write(Insert, {Phy(2, 1)});
     AwaitEvents();
@@ -88,8 +87,8 @@ TEST_F(ChangeDetection, RowsOfOneDeliveryAnswerForThemselves)
                       "notify 3 if 3", "36 if 1 pvid 1", "14 if 1 use 0"}));
 }
 
-// Entries that have no callback stand ahead of all others, and there is no list of notifications.
-TEST_F(ChangeDetection, AFailedPublicationIsReportedAndTheRestGoesOn)
+// The first entries have no callback, and there is no notification list.
+TEST_F(ChangeDetection, ContinuesAfterAFailedPublication)
 {
     IF_NotifyFuncRegTbl_Deinit();
     g_isIFNotifyInited = 0;
@@ -117,7 +116,7 @@ TEST_F(ChangeDetection, AFailedPublicationIsReportedAndTheRestGoesOn)
     Events seen;
     support::Eventually([&] {
         for (const std::string& complaint : support::TakeComplaints()) {
-            if (complaint.starts_with("QRB_EVENT_")) {  // and not the publisher's own
+            if (complaint.starts_with("QRB_EVENT_")) {  // excludes lines of the publisher
                 seen.push_back(complaint.substr(10));
             }
         }
@@ -127,8 +126,8 @@ TEST_F(ChangeDetection, AFailedPublicationIsReportedAndTheRestGoesOn)
     EXPECT_EQ(support::TakeEvents(), Events{"9/8 flag 0 if 7"});
 }
 
-// Against a slow model: bitmaps that share their first bytes, compared whole and in part.
-TEST_F(ChangeDetection, OfAVlanBitmapIsDecidedByTheFirstDifference)
+// Compares with a model: bitmaps with equal first bytes, of full and of shorter lengths.
+TEST_F(ChangeDetection, FirstDifferingByteOfAVlanBitmapDecides)
 {
     std::mt19937 random(20261124);
     for (int round = 0; round < 3000; round++) {
@@ -188,7 +187,7 @@ void FollowTheKernel()
     }
 }
 
-TEST_F(ChangeDetection, OfTheKernelIsToldAsItHappens)
+TEST_F(ChangeDetection, PublishesChangesOfTheKernel)
 {
     IN_OWN_NETWORK(FollowTheKernel);
 }

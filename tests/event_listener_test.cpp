@@ -1,4 +1,4 @@
-// The listener: its start and its stop, what it does when a step fails, and what it leaves behind.
+// The listener: start, stop, failing steps, and released resources.
 #include <fcntl.h>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
@@ -53,7 +53,7 @@ auto OpenDescriptors()
 
 using Listener = support::EventTest;
 
-TEST_F(Listener, StartsOnceAndGoesOnAfterAFailure)
+TEST_F(Listener, StartsOnceAndContinuesAfterAFailure)
 {
     for (int i = 0; i < 4; i++) {
         EXPECT_EQ(Register(), 0U);
@@ -62,7 +62,7 @@ TEST_F(Listener, StartsOnceAndGoesOnAfterAFailure)
     const pthread_t thread = g_epollDbListenerThreadId;
     EXPECT_NE(pthread_equal(deliverer, thread), 0);
 
-    // A wait that is interrupted, and more descriptors than one takes, none of them the database's.
+    // An interrupted wait, and more descriptors than one wait returns, none of them the database's.
     FailCall("epoll_wait", 1, EINTR);
     std::array<int, 25> others;
     for (int& other : others) {
@@ -72,7 +72,7 @@ TEST_F(Listener, StartsOnceAndGoesOnAfterAFailure)
     EXPECT_TRUE(IsDelivered(2, 4));
     std::ranges::for_each(others, close);
 
-    // A subscription that fails takes the session along, but not the thread.
+    // A failing subscription closes the session; the thread continues.
     FailCall("OrmSubscribe", 1, 77);
     EXPECT_EQ(Register(), 77U);
     EXPECT_EQ(Register(), 0U);
@@ -93,8 +93,8 @@ TEST_F(Listener, StartsOnceAndGoesOnAfterAFailure)
                       ",exit=1\n"}));
 }
 
-// Neither the session's control function nor a second thread comes of one that can't be had.
-TEST_F(Listener, GoesOnWithoutAThread)
+// If the thread can't be created, registering succeeds and the session has no control function.
+TEST_F(Listener, ContinuesWithoutAThread)
 {
     FailCall("pthread_create", 1, EAGAIN);
     EXPECT_EQ(Register(), 0U);
@@ -113,7 +113,7 @@ TEST_F(Listener, GoesOnWithoutAThread)
               1);
 }
 
-TEST_F(Listener, UsesTheEpollInstanceThatIsThereAndNoneThatIsAnothers)
+TEST_F(Listener, UsesAnExistingEpollInstanceAndNoReusedDescriptor)
 {
     const int epollFd = epoll_create1(EPOLL_CLOEXEC);
     g_epollDbListenerFd = epollFd;
@@ -141,12 +141,12 @@ TEST_F(Listener, UsesTheEpollInstanceThatIsThereAndNoneThatIsAnothers)
     EXPECT_NE(pthread_equal(std::exchange(g_epollDbListenerThreadId, 0), thread), 0);
     support::StopListener();
 
-    g_epollDbListenerFd = 0;  // which is none
+    g_epollDbListenerFd = 0;  // not an epoll instance
     EXPECT_EQ(Register(), 0U);
     EXPECT_GT(g_epollDbListenerFd, 0);
 }
 
-TEST_F(Listener, ManyStartsAndStopsLeaveNothingBehind)
+TEST_F(Listener, ManyStartsAndStopsReleaseEverything)
 {
     const auto before = OpenDescriptors();
     for (int round = 0; round < 300; round++) {

@@ -1,4 +1,4 @@
-// Callbacks: registered and unregistered, called in their order, and what they may do meanwhile.
+// Registries: registration, order of calls, and changes made by callbacks.
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -17,7 +17,7 @@ constexpr uint32_t EVENT = L2IF_EVT_COUNT - 1;
 
 using EventRegistry = support::EventTest;
 
-TEST_F(EventRegistry, HandsEverythingThrough)
+TEST_F(EventRegistry, PassesAllArguments)
 {
     static const int data = 0;
     static int argument = 0;
@@ -40,7 +40,7 @@ TEST_F(EventRegistry, HandsEverythingThrough)
     EXPECT_EQ(calls, "0101 9 4 7 8");
 }
 
-TEST_F(EventRegistry, ServesThreadsAtTheSameTime)
+TEST_F(EventRegistry, ServesSeveralThreads)
 {
     static std::atomic<uint32_t> calls;
     calls = 0;
@@ -65,8 +65,8 @@ uint32_t RegisterAnew(uint32_t, uint32_t, uint32_t a, uint32_t)
     return IF_RegNotifyFunc(a, RegisterAnew);
 }
 
-// Each time the list's tail is another entry.
-TEST_F(EventRegistry, ComesToAnEndWhenCallbacksRegisterAnew)
+// Each registration adds a new tail to the list.
+TEST_F(EventRegistry, PublicationEndsIfCallbacksKeepRegistering)
 {
     for (int entries = 0; entries < 3; entries++) {
         IF_RegNotifyFunc(1, RegisterAnew);
@@ -75,7 +75,7 @@ TEST_F(EventRegistry, ComesToAnEndWhenCallbacksRegisterAnew)
     EXPECT_EQ(g_pstIfNotifyFunc.count, 3U);
 }
 
-TEST_F(EventRegistry, TheTreeHoldsEverySubEventAndNoOther)
+TEST_F(EventRegistry, TreeHasExactlyTheSubEvents)
 {
     std::string subEvents;
     IF_EvtInit();
@@ -96,7 +96,7 @@ TEST_F(EventRegistry, TheTreeHoldsEverySubEventAndNoOther)
     EXPECT_EQ(support::LibraryBlocks(), 0);
 }
 
-// As after a node's children could not be allocated.
+// The state after the children of a node could not be allocated.
 TEST_F(EventRegistry, ReportsASubEventWithoutANode)
 {
     IF_EvtInit();
@@ -113,24 +113,24 @@ TEST_F(EventRegistry, ReportsASubEventWithoutANode)
     event.children = children;
 }
 
-// Callbacks that do, at random, what callbacks may: register, unregister, tear down, publish. Held
-// against a vector.
+// Callbacks that randomly register, unregister, tear down and publish. The calls are compared with
+// a model.
 class Turmoil : public EventRegistry {
 protected:
     static constexpr size_t CALLBACKS = 8;
 
-    // Works on the callbacks' numbers.
+    // Functions of one registry, by the callback's number.
     struct ModelRegistry {
         uint32_t (*add)(size_t number);
         uint32_t (*remove)(size_t number);
         void (*tearDown)();
         uint32_t (*publish)();
-        bool byPriority;  // and the newest first; the oldest otherwise
+        bool byPriority;  // equal priorities: newest first; false: registration order
     };
 
     using Counts = std::array<ptrdiff_t, CALLBACKS>;
 
-    // One that knows its number.
+    // A callback with this number.
     template <typename Function>
     static Function* Callback(size_t number)
     {
@@ -140,7 +140,7 @@ protected:
         }(std::make_index_sequence<CALLBACKS>());
     }
 
-    // From the lowest to the highest.
+    // A random number in this range, both ends included.
     static uint16_t PriorityOf(size_t number) { return static_cast<uint16_t>(number / 2 * 0x5555); }
 
     static size_t Below(size_t limit) { return random_() % limit; }
@@ -190,7 +190,7 @@ protected:
         }
     }
 
-    // Who is registered all along is called once, and all in their order where nothing changes.
+    // An entry that stays registered is called once; without changes, all are called in order.
     static void Publish()
     {
         const Counts begun = changes_;
@@ -206,7 +206,7 @@ protected:
         }
     }
 
-    // Who is not registered is never called.
+    // An entry that is not registered is never called.
     static uint32_t Called(size_t number)
     {
         EXPECT_NE(std::ranges::count(entries_, number), 0) << number;
@@ -233,13 +233,13 @@ protected:
 
     static inline std::mt19937 random_;
     static inline ModelRegistry registry_;
-    static inline std::vector<size_t> entries_;  // in the order of their calls
-    static inline Counts changes_;               // to these, by number
-    static inline std::vector<size_t> calls_;    // of the publication under way
+    static inline std::vector<size_t> entries_;  // in the order of calls
+    static inline Counts changes_;               // per entry, by number
+    static inline std::vector<size_t> calls_;    // of the current publication
     static inline int depth_ = 0;
 };
 
-TEST_F(Turmoil, AmongLayer2Events)
+TEST_F(Turmoil, Layer2Events)
 {
     using Function = L2IF_SH_EVT_CB_FUNC;
     L2IF_SH_EvtCbRegTbl_Init();
@@ -253,8 +253,8 @@ TEST_F(Turmoil, AmongLayer2Events)
          [] { return L2IF_SH_EvtPublishEvent(EVENT, nullptr, 0, nullptr); }, true});
 }
 
-// Raised by the library itself: the layer 3 of an interface goes up.
-TEST_F(Turmoil, AmongInterfaceEvents)
+// Published by the library itself: the route state of an interface goes up.
+TEST_F(Turmoil, InterfaceEvents)
 {
     using Function = IF_EVT_CB_FUNC;
     constexpr uint32_t STATE = IF_EVT_STATE;
@@ -275,7 +275,7 @@ TEST_F(Turmoil, AmongInterfaceEvents)
          true});
 }
 
-TEST_F(Turmoil, AmongNotifications)
+TEST_F(Turmoil, Notifications)
 {
     IF_NotifyFuncRegTbl_Init();
     Run({[](size_t n) { return IF_RegNotifyFunc(1, Callback<IF_NOTIFY_FUNC>(n)); },

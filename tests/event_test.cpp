@@ -48,7 +48,7 @@ void Registered()
     EXPECT_EQ(IF_RegNotifyFunc(1, ON_NOTICE), 0U);
 }
 
-// Answers the number of callbacks, and whether there is a first.
+// Returns the number of callbacks, and whether there is a first one.
 std::string Found(uint32_t eventId, uint32_t subId)
 {
     UTIL_LIST_NODE_S* first = nullptr;
@@ -71,7 +71,7 @@ std::string TakeEvents()
     return text.empty() ? "-" : text;
 }
 
-// A subscription of the test's own, which hands its messages to onMessage.
+// A subscription whose messages are passed to onMessage.
 std::function<void(ORM_MESSAGE, uint32_t)> onMessage;
 int32_t descriptor = -1;
 std::string result;
@@ -104,7 +104,7 @@ Row Member(uint64_t index, uint64_t state)
     return Port(index, 1, state).AddToSet("vlan_bitmap_2", id, id);
 }
 
-// One delivery: rows that were there in state 1 are written in state 0, and new ones in state 1.
+// One delivery: existing rows change from state 1 to 0; new rows have state 1.
 Call Delivery(const char* name, std::function<void(ORM_MESSAGE, uint32_t)> function, Writing write,
               RowOf row, const char* expected)
 {
@@ -143,7 +143,7 @@ Call Delivery(const char* name, std::function<void(ORM_MESSAGE, uint32_t)> funct
 #define DELIVERY(function, write, row, expected) \
     Delivery(#function ", " #write, function, write, row, expected)
 
-// A function of one message, the first of a delivery. What it answers is noted behind the events.
+// Calls a function with the first message of a delivery. Its result follows the events.
 Call OfMessage(const char* name, std::string (*function)(ORM_MESSAGE), Writing write, RowOf row,
                const char* expected)
 {
@@ -157,7 +157,7 @@ Call OfMessage(const char* name, std::string (*function)(ORM_MESSAGE), Writing w
     return Delivery(name, first, write, row, expected);
 }
 
-// What a call that starts the listener answers, and whether the session is open.
+// The result of a call that starts the listener, and whether the session is open.
 template <uint32_t (*start)()>
 std::string Started()
 {

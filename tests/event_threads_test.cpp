@@ -1,5 +1,5 @@
-// The registries under several threads: registration, removal, teardown and publication side by
-// side, and what a removal waits for.
+// The registries under several threads: concurrent registration, removal, teardown and publication,
+// and the wait of a removal for running callbacks.
 #include <array>
 #include <atomic>
 #include <barrier>
@@ -60,7 +60,7 @@ const Registry LAYER2 = {
     [] { return g_qrbL2IFEventCallbacks[THREAD_EVENT].count; },
 };
 
-// Published by the library when a route state rises.
+// Published by the library when a route state goes up.
 const Registry INTERFACE = {
     "Interface",
     [](size_t n) {
@@ -125,7 +125,7 @@ protected:
     const Registry& registry = GetParam();
 };
 
-TEST_P(EventThreads, KeepEveryEntryThatTwoRegister)
+TEST_P(EventThreads, KeepAllEntriesOfTwoRegisteringThreads)
 {
     constexpr size_t EACH = 20000;
     const auto add = [&](size_t number) {
@@ -150,7 +150,7 @@ TEST_P(EventThreads, KeepEveryEntryThatTwoRegister)
 }
 
 // Two threads publish, two register and remove outside callbacks, and callbacks register, remove
-// and publish. A callback that was removed outside callbacks runs no more.
+// and publish. A callback that was removed outside callbacks is not called again.
 TEST_P(EventThreads, ShareARegistry)
 {
     constexpr size_t OUTSIDE = 8;  // numbers below are removed outside callbacks only
@@ -214,7 +214,7 @@ TEST_P(EventThreads, ShareARegistry)
     RunTogether({publish, publish, [&] { change(0); }, [&] { change(OUTSIDE / 2); }});
 }
 
-TEST_P(EventThreads, TearARegistryDownWhileOthersUseIt)
+TEST_P(EventThreads, TearDownARegistryInUse)
 {
     std::atomic<bool> stop = false;
     const auto use = [&](size_t number) {
@@ -261,7 +261,7 @@ TEST_P(EventThreads, ARemovalWaitsForItsRunningCallbackOnly)
         EXPECT_TRUE(returned);
         removed = true;
     });
-    // Once the entry is unlinked, a publication does not call it, and no one else waits for it.
+    // After the entry is unlinked, a publication does not call it, and other threads don't wait.
     EXPECT_TRUE(support::Eventually([&] {
         const int before = calls;
         registry.publish();
@@ -292,7 +292,7 @@ TEST_P(EventThreads, ACallbackMayWaitForAThreadThatRegistersAndRemovesOthers)
     };
     registry.add(1);  // called before 0 ...
     registry.add(0);
-    registry.add(1);  // ... and behind it, whatever the order
+    registry.add(1);  // ... and after it, in either order of calls
     registry.publish();
     EXPECT_TRUE(removed);
     EXPECT_EQ(registry.count(), 2U);
@@ -325,8 +325,8 @@ INSTANTIATE_TEST_SUITE_P(Of, EventThreads, testing::Values(LAYER2, INTERFACE, NO
 
 using StartUp = support::EventTest;
 
-// Several daemons' threads bring the library up: every change is delivered once, also after another
-// start and after the session was lost.
+// Several threads start the library: every change is delivered once, also after another start and
+// after the session was lost.
 TEST_F(StartUp, SubscribesOnceFromSeveralThreads)
 {
     using namespace support::writes;

@@ -1,4 +1,4 @@
-// The library stays loaded after dlclose: its listener thread goes on and can be stopped.
+// The library stays loaded after dlclose: its listener thread continues and can be stopped.
 #include <dlfcn.h>
 #include <pthread.h>
 
@@ -16,7 +16,7 @@ Name* Find(void* library, const char* name)
     return reinterpret_cast<Name*>(dlsym(library, name));
 }
 
-TEST(Unload, LeavesARunningListenerAlone)
+TEST(Unload, RunningListenerContinues)
 {
     void* library = dlopen(TARND_QRB_LIBRARY, RTLD_NOW);
     ASSERT_NE(library, nullptr) << dlerror();

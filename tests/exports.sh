@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Compares the exports, imports and dependencies of libtarnd_qrb with what is declared.
+# Compares the exports, imports and dependencies of libtarnd_qrb with the declared ones.
 #
 #   exports.sh LIBRARY MAP NEEDED-LIBRARIES CONTRACT-HEADERS...
 set -euo pipefail
@@ -24,10 +24,10 @@ contract=$(cat "$@" | grep -oE '\b(Orm|Dbc)[A-Za-z0-9]+|\b[a-z_]+_(s|ex|get)\b' 
 undefined=$("${NM:-nm}" -D --undefined-only "$library" | awk '{ print $NF }')
 foreign=$(grep -v '@GLIBC_' <<<"$undefined" | names \
     | grep -vE '^(__cxa_finalize|__gmon_start__|_ITM_.*)$' | comm -23 - <(echo "$contract"))
-expect_same "undefined names that nobody declares" "" "$foreign"
+expect_same "undefined names without a declaration" "" "$foreign"
 
 needed=$(readelf -d "$library" | sed -n 's/.*NEEDED.*\[\(.*\)\]/\1/p' | sort | paste -sd ' ')
 expect_same "libraries needed" "$expected_libraries" "$needed"
 runs_at_load=$(readelf -d "$library" | grep -cE 'INIT_ARRAYSZ +(1[0-9]|[2-9][0-9]|[0-9]{3,}) ' || true)
-expect_same "constructors beyond the compiler's own" 0 "$runs_at_load"
+expect_same "static constructors" 0 "$runs_at_load"
 exit "$failed"

@@ -49,7 +49,7 @@ std::string WithCode(const std::string& outcome, uint32_t code)
     return Replaced(sum, "%u", std::to_string(code));
 }
 
-// Log lines are formatted in memory of their own.
+// Log lines are formatted in allocated memory.
 bool IsLogging(const std::string& operation)
 {
     return operation == "malloc" || operation == "vsprintf_s";
@@ -94,7 +94,7 @@ public:
             const unsigned number = ++performed_[operation];
             if (IsLogging(operation)) {
                 FailLogging(operation, number);
-            } else if (operation != "epoll_wait") {  // of the listener's thread, at any time
+            } else if (operation != "epoll_wait") {  // called by the listener thread, at any time
                 FailStep(operation, number);
             }
         }
@@ -133,16 +133,16 @@ private:
     void FailLogging(const std::string& operation, unsigned number)
     {
         Lines expected = good_;
-        if (number < good_.size()) {  // else the listener's thread logs its start
+        if (number < good_.size()) {  // otherwise the listener thread logs its start
             expected.erase(expected.begin() + number);
             EXPECT_EQ(Inject(operation, number, ANY_CODE, CleanUp::Works), expected)
                 << call_.name << ", " << operation << "#" << number;
         }
     }
 
-    // Adds a row for any code, one for each special code with another outcome, and one for a step
-    // with another log where the clean-ups behind it fail too. A failing clean-up that changes
-    // nothing has no row.
+    // Adds a row for any code, one for each special code with another outcome, and one for failing
+    // clean-ups after the step if they change the log. A failing clean-up that changes nothing has
+    // no row.
     void FailStep(const std::string& operation, unsigned number)
     {
         const Lines any = Inject(operation, number, ANY_CODE, CleanUp::Works);
@@ -199,7 +199,7 @@ std::map<std::string, std::string> RecordedRows()
 class Faults : public DeviceTest {};
 
 // TARND_UPDATE=1 writes the file instead of comparing with it.
-TEST_F(Faults, OfEveryStepHaveTheRecordedOutcome)
+TEST_F(Faults, EveryStepHasTheRecordedOutcome)
 {
     unsigned injected = 0;
     std::string all;
@@ -226,7 +226,7 @@ TEST_F(Faults, OfEveryStepHaveTheRecordedOutcome)
     EXPECT_GT(injected, 4000U);
 }
 
-// Null in place of any of their pointers, one after the other.
+// Passes null for each pointer argument, one at a time.
 // clang-format off
 TEST_F(Faults, NullIsRefused)
 {
@@ -260,8 +260,8 @@ TEST_F(Faults, NullIsRefused)
 }
 // clang-format on
 
-// Without an example call: the list and the memory map, which have tests of their own; the
-// listener's thread and what it calls for one row of a message; the print hooks, which do nothing.
+// These have no example call: the list and the memory map, which have tests of their own; the
+// listener thread and the functions that it calls for one row; the print hooks, which do nothing.
 TEST(ExampleCalls, CoverEveryExportedFunction)
 {
     std::set<std::string> called;

@@ -42,7 +42,7 @@ using support::writes::Insert;
 using support::writes::Write;
 
 // clang-format off
-TEST_F(RouteInquiry, EndsAndNullAreLoggedAndMembersGatheredBehindThoseThere)
+TEST_F(RouteInquiry, LogsEndsAndNullAndAppendsMembers)
 {
     for (uint64_t member = 201; member < 209; member++) {
         Write(Insert, {standin::Row("Fib.ConfigNhpGroupNode").Set("nhpGroupId", 2).Set("primaryNhpId", member)});
@@ -64,8 +64,8 @@ TEST_F(RouteInquiry, EndsAndNullAreLoggedAndMembersGatheredBehindThoseThere)
 
 using RouteTables = support::PlatformTest;
 
-// Group 2 has ten members, of which eight are used; next hop 112 is missing. Of a prefix length only
-// the low byte counts.
+// Group 2 has ten members, of which eight are used; next hop 112 is missing. Only the low byte of a
+// prefix length is used.
 TEST_F(RouteTables, FirstCoveringEntryWins)
 {
     Load(R"({

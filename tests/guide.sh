@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Follows a guide as its reader would, in a copy of the tree.
+# Executes the commands of a guide in a copy of the tree.
 #
-#   guide.sh GUIDE [BUILD]     BUILD is installed for it; without one, the system's packages serve
+#   guide.sh GUIDE [BUILD]     installs BUILD first; without it, uses the installed packages
 #
-# Blocks are taken in order. One that is marked with a language and a file name, such as
-# "```c module.c", is written to that file. One marked "```sh" is run, and must succeed; a block
-# "```text" directly after it shows its output, where "..." matches any text.
+# Code blocks are processed in order. A block with a language and a file name, such as
+# "```c module.c", is written to that file. A block "```sh" is run and must succeed; a block "```text"
+# directly after it is compared with its output, where "..." matches any text.
 set -euo pipefail
 guide=$(realpath "$1")
 build=${2:+$(realpath "$2")}
@@ -33,8 +33,8 @@ if [ -n "$build" ]; then
     export PKG_CONFIG_PATH LD_LIBRARY_PATH
 fi
 
-# Each block becomes files that are numbered in order: 3.sh, to be run, and 3.expected, or what is to
-# be written, 4.text, and 4.sh, which does so.
+# Each block becomes numbered files: 3.sh with its expected output 3.expected; or 4.text, the contents
+# of a file, and 4.sh, which writes it.
 awk -v blocks="$scratch/blocks" '
     /^```/ && !inside { inside = 1; language = substr($1, 4); name = $2; body = ""; next }
     /^```/ {
@@ -54,7 +54,7 @@ awk -v blocks="$scratch/blocks" '
     /[^ ]/ { adjacent = 0 }
 ' "$guide"
 
-# Whether the text in file $2 matches that in $1, where "..." matches any text.
+# Returns whether the text in file $2 matches that in $1, where "..." matches any text.
 matches() {
     local pattern
     pattern=$(sed 's/[][*?\\]/\\&/g; s/\.\.\./*/g' "$1")
@@ -66,7 +66,7 @@ cd "$scratch/tree"
 for script in $(find "$scratch/blocks" -name '*.sh' | sort -V); do
     block=${script%.sh}
     # shellcheck disable=SC1090
-    . "$script" >"$block.printed" 2>&1 3>&- </dev/null  # what it leaves running holds nothing of ours
+    . "$script" >"$block.printed" 2>&1 3>&- </dev/null  # background processes must not inherit descriptor 3
     [ ! -f "$block.expected" ] || matches "$block.expected" "$block.printed"
 done
 block=

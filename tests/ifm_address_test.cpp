@@ -61,7 +61,7 @@ namespace {
 
 using Ipv4Address = DeviceTest;
 
-TEST_F(Ipv4Address, WhereNoneFitsIsSaid)
+TEST_F(Ipv4Address, NoMatchIsAFailure)
 {
     Load(R"({"am_ipv4_address": [
         {"if_index": 3, "ipv4_address_list": [{"address": "10.0.0.1", "masklen": 24, "type": 6}]}]})");
@@ -79,8 +79,8 @@ TEST_F(Ipv4Address, WhereNoneFitsIsSaid)
     });
 }
 
-// A match ends the walk over the list, and the scan one row later.
-TEST_F(Ipv4Address, OwnerIsTheFirst)
+// A match ends the iteration over the list, and the scan one row later.
+TEST_F(Ipv4Address, OwnerIsTheFirstMatch)
 {
     Load(R"({"am_ipv4_address": [{"if_index": 3, "ipv4_address_list": []}]})");
     Expect({{CALL(IP_GetIfindexbyIpAddr, 0x0A000001U, 0U, Out32()), "0 1"}});

@@ -27,7 +27,7 @@ const BDS_IF_TYPE_INFO_S* TypeTable()
     return __atomic_load_n(&g_pstBDSIfTypeInfo, __ATOMIC_ACQUIRE);
 }
 
-// As if the type table had not been built.
+// Restores the state before the type table was built.
 void ForgetTypes()
 {
     free(const_cast<BDS_IF_TYPE_INFO_S*>(TypeTable()));
@@ -93,7 +93,7 @@ namespace {
 using Interface = DeviceTest;
 
 // clang-format off
-TEST_F(Interface, NameIsComparedInTheFormThatIsAskedFor)
+TEST_F(Interface, NameIsComparedInTheSelectedForm)
 {
     static constexpr IF_NAME_KEY_S full  = {"Eth0/0/1", 1};
     static constexpr IF_NAME_KEY_S wrong = {"E1", 2};
@@ -130,7 +130,8 @@ TEST_F(Interface, TypesFollowFromTheCode)
               "38 25 22, 6 11 14, 53 37 41, 0 0 0, 97 100 27, 98 101 82, 0 0 0, 86 90 70, "
               "58 41 43, 55 11 54, 58 41 43, 45 104 29, 82 105 66, 60 43 45, 39 26 23, "
               "100 103 72, 1 1 12, ");
-    // An explicit build replaces the table, and does not free the old one: it may still be read.
+    // An explicit build replaces the table and does not free the old one, which may still be in
+    // use.
     auto* const first = const_cast<BDS_IF_TYPE_INFO_S*>(TypeTable());
     EXPECT_EQ(BDS_InitIfTypeInfo(), 0U);
     EXPECT_NE(TypeTable(), first);
@@ -144,13 +145,13 @@ TEST_F(Interface, TypesFollowFromTheCode)
         {CALL(BDS_IfPortTypeSwitch, 17U, Out32()), "1 -"},
         {CALL(IFPDT_GetPortType, 13U), "NONE"},
         {CALL(IF_INTF_GetPhyTypeByIndex, 10U), "38"},
-        {CALL(IF_INTF_GetPhyTypeByIndex, 13U), "101"},  // not 1, though its low byte is
+        {CALL(IF_INTF_GetPhyTypeByIndex, 13U), "101"},  // not 1, although its low byte is 1
         {CALL(IF_INTF_GetPhyTypeByIndex, 2U), "101"},
     });
 }
 
-// One build, and no one sees a table that isn't full. A second build would also show as a leak.
-TEST_F(Interface, TypesAreAskedForFirstByManyThreads)
+// The table is built once, and no thread sees an incomplete one. A second build would be a leak.
+TEST_F(Interface, TypeTableIsBuiltOnceByManyThreads)
 {
     support::WatchPlatform(false);
     for (int round = 0; round < 200; round++) {
@@ -172,7 +173,7 @@ TEST_F(Interface, TypesAreAskedForFirstByManyThreads)
     }
 }
 
-TEST_F(Interface, IsUpByItsLinkAndItsRouteAndOfAClassByItsIndex)
+TEST_F(Interface, StateFollowsLinkAndRouteAndClassFollowsIndex)
 {
     Load(R"({
         "if_link": [{"if_index": 10, "link_state": 1}, {"if_index": 11, "link_state": 0}, {"if_index": 12, "link_state": 2}],
@@ -194,7 +195,7 @@ TEST_F(Interface, IsUpByItsLinkAndItsRouteAndOfAClassByItsIndex)
         {CALL(IF_INIF_IsVapByIfIndex, 0x60FFFFFFU), "0"},
         {CALL(IF_INIF_IsVapByIfIndex, 0x61FFFFFFU), "1"},
         {CALL(IF_INIF_IsVapByIfIndex, 0x62000000U), "0"},
-        // Fixed answers don't mind null.
+        // Functions with a fixed result accept null.
         {CALL(IF_INTF_GetSlotByIfName, nullptr), "0"},
         {CALL(BDS_TrunkGetTrunkIndex, 1U, nullptr), "1"},
         {CALL(BDS_QINQ_INTF_GetEthType, 1U, nullptr), "1"},
@@ -203,7 +204,7 @@ TEST_F(Interface, IsUpByItsLinkAndItsRouteAndOfAClassByItsIndex)
 
 // Names of 63 characters fill the field, 64 do not fit. The last argument is the buffer's size.
 // clang-format off
-TEST_F(Interface, NamesUpToTheFieldsWidthAreFoundAndCopied)
+TEST_F(Interface, NamesUpToTheFieldSizeAreFoundAndCopied)
 {
     static const std::string longest(63, '7');
     static const std::string tooLong(64, '7');

@@ -11,30 +11,30 @@ namespace calls {
 
 namespace {
 
-// One step of a walk that this first step has begun, or of one that is not. A walk that is open has
-// a session and a scan.
+// One step of a walk, after this first step or without it. An open walk has a session and a scan.
 template <typename Function, typename... Arguments>
 Call StepOf(const char* name, const char* expected, uint32_t (*first)(uint32_t*), Function function,
             Arguments... arguments)
 {
-    return {name,
-            "",
-            [=] {
-                const std::string result = Run(function, arguments...);
-                return result + (support::OpenHandles() == 2 ? " open" : " closed");
-            },
-            expected,
-            [=] {
-                uint32_t value = 0;
-                EXPECT_EQ(first == nullptr ? 0 : first(&value), 0U);
-            },
-            [] {
-                if (support::OpenHandles() != 0) {  // else all must be as before the walk
-                    QRB_ScanIfIndexFinish();
-                    QRB_ScanPortFinish();
-                    QRB_ScanVlanFinish();
-                }
-            }};
+    return {
+        name,
+        "",
+        [=] {
+            const std::string result = Run(function, arguments...);
+            return result + (support::OpenHandles() == 2 ? " open" : " closed");
+        },
+        expected,
+        [=] {
+            uint32_t value = 0;
+            EXPECT_EQ(first == nullptr ? 0 : first(&value), 0U);
+        },
+        [] {
+            if (support::OpenHandles() != 0) {  // otherwise the state must be as before the walk
+                QRB_ScanIfIndexFinish();
+                QRB_ScanPortFinish();
+                QRB_ScanVlanFinish();
+            }
+        }};
 }
 #define STEP(expected, first, function, ...) \
     StepOf(#function, expected, first, function __VA_OPT__(, ) __VA_ARGS__)
@@ -94,7 +94,7 @@ namespace {
 using Vlan = support::PlatformTest;
 using Walks = DeviceTest;
 
-TEST_F(Vlan, IsActiveInAnyScopeUntilAnOddStateEndsTheSearch)
+TEST_F(Vlan, IsActiveInAnyScopeUntilAnUnknownStateEndsTheScan)
 {
     Load(R"({"vlan": [
         {"vlan_scope0": 0, "vlan_scope1": 0, "vlan_id": 10, "state": 0},
@@ -108,13 +108,13 @@ TEST_F(Vlan, IsActiveInAnyScopeUntilAnOddStateEndsTheSearch)
         EXPECT_EQ(BDS_L2IF_VLAN_IsActive(id), active ? 1U : 0U) << id;
     }
     EXPECT_TRUE(support::TakeLog().empty());
-    support::FailCall("OrmScanNext", 4, 9);  // behind the odd state
+    support::FailCall("OrmScanNext", 4, 9);  // after the unknown state
     EXPECT_EQ(VLAN_IsVlanActive(20), 1U);
     EXPECT_EQ(support::TakeMessages(),
               std::vector<std::string>{"VLAN_IsVlanActive: DB error: 9\n"});
 }
 
-// The position is the second byte of the port's index. Ports that are absent stand in position 0.
+// The position is the second byte of the port index. Absent ports have position 0.
 TEST_F(Vlan, PortIsAMemberByEitherSetOfTheVlanInItsOwnScope)
 {
     Load(R"({
@@ -140,7 +140,7 @@ TEST_F(Vlan, PortIsAMemberByEitherSetOfTheVlanInItsOwnScope)
     EXPECT_TRUE(support::TakeLog().empty());
 }
 
-TEST_F(Vlan, InterfaceIsFoundByNameAndNumberedByRule)
+TEST_F(Vlan, InterfaceIsFoundByNameOrByFixedNumbering)
 {
     Load(R"({"if_base": [
         {"if_index": 1, "if_name": "Vlanif4094", "if_type": 8},
@@ -187,10 +187,10 @@ TEST_F(Vlan, NameAndDescriptionMayFillTheirFields)
 }
 // clang-format on
 
-// 2002 is the stand-in's: no such handle. A walk over an empty table is over before it begins.
-TEST_F(Walks, InWrongStatesAnswerOne)
+// 2002 is the stand-in's code for an unknown handle. A walk over an empty table ends at once.
+TEST_F(Walks, InWrongStatesReturnOne)
 {
-    // A session that has ended behind the walk's back.
+    // A session that was closed during the walk.
     uint32_t value = 0;
     ASSERT_EQ(QRB_GetFirstVlan(&value), 0U);
     ASSERT_EQ(OrmScanEnd(g_ScanVlanSession, g_VlanScanHandle), 0U);

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The library describes every static probe of its sources in a note; gdb, where it is installed, stops
-# at one and reads its arguments.
+# Checks that every static probe of the sources has a note in the library; if gdb is installed, that it
+# stops at a probe and reads its arguments.
 #
 #   probes.sh SOURCE-DIRECTORY LIBRARY SHELL
 set -euo pipefail

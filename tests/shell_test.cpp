@@ -24,7 +24,7 @@ support::Outcome RunShell(const std::string& arguments, const std::string& input
     return support::Run(input + " | " TARND_SHELL " " + arguments + " 2>&1");
 }
 
-// What the documentation says of each call, in one process and in this order.
+// The calls of docs/calls.txt, in one process and in this order.
 TEST(Shell, CallsEveryFunction)
 {
     const std::string calls = "grep -v '^#' " + root + "/docs/calls.txt";
@@ -48,7 +48,7 @@ TEST(Shell, CallsEveryFunction)
     }
     EXPECT_EQ(called, known);
 
-    // Locks, and a thread's entry, are for threads.
+    // The exceptions are the thread's entry function and functions that lock.
     const std::regex byThreads(
         "DbListenerEpollThreadFunc|g_epollDbListenerCond(Lock)?|g_dbListenerRegLock");
     const std::string map = TextOf(root + "/cmake/tarnd_qrb.map");
@@ -60,7 +60,7 @@ TEST(Shell, CallsEveryFunction)
 }
 
 // A session with text output. "@" matches text that differs from run to run.
-TEST(Shell, ShowsWhatPeopleExpect)
+TEST(Shell, SessionPrintsTheRecordedText)
 {
     const std::string session = root + "/tests/data/shell_session.txt";
     const auto [status, output] = RunShell("--echo " + device, "sed -n 's/^> //p' " + session);
@@ -70,7 +70,7 @@ TEST(Shell, ShowsWhatPeopleExpect)
     EXPECT_EQ(status, 3);
 }
 
-TEST(Shell, ExitStatusTellsKindOfFailure)
+TEST(Shell, ExitStatusDependsOnKindOfFailure)
 {
     const std::pair<std::string, int> runs[] = {{device + "BDS_L2IF_VLAN_IsActive 10", 0},
                                                 {device + "BDS_L2IF_VLAN_IsActive 200", 1},
@@ -117,7 +117,7 @@ TEST(Shell, OrdinaryWritesLogNothing)
     EXPECT_EQ(RunShell(device, writes).output, "1 row updated\n1 row inserted\n1 row deleted\n");
 }
 
-// A co-process that reads each line as it comes, while the input stays open.
+// A co-process reads each line as it arrives, while the input stays open.
 TEST(Shell, ResultsAndEventsAreWrittenAtOnce)
 {
     const std::string script = "coproc SHELL { " TARND_SHELL " " + device + R"(; }
@@ -268,7 +268,7 @@ TEST(Shell, ControlCharactersArePrintedEscaped)
               std::string::npos);
 }
 
-// Whatever the limit is: from enough to too few for the loader (127), or for the redirection (1).
+// With every limit from sufficient to too few for the loader (127) or for the redirection (1).
 TEST(Shell, MissingDescriptorsEndInAMessage)
 {
 #ifdef __has_feature
@@ -315,7 +315,7 @@ await "saved to")");
     EXPECT_NE(output.find("saved to"), std::string::npos) << output;
 }
 
-// Bytes that are no character, Ctrl-C, and no home directory.
+// Invalid UTF-8, Ctrl-C, and no home directory.
 TEST(Shell, PromptSurvivesAnyKey)
 {
     const std::string output = AtTerminal("-u HOME LC_ALL=C", R"(type "\303\274\377\003"
@@ -325,7 +325,7 @@ await "Ethernet0/0/2"; await "qrb> "; type "exit\r")");
     EXPECT_EQ(output.find(".local"), std::string::npos) << output;
 }
 
-TEST(Shell, WatchPrintsTheEventsThatItsFilterAdmits)
+TEST(Shell, WatchPrintsEventsThatMatchTheFilter)
 {
     const std::string lines =
         "printf 'watch on event=VLAN_* interface=*/1\\n"

@@ -1,4 +1,4 @@
-// The kernel's state in the database, compared with what the operating system itself says.
+// The kernel's state in the database, compared with the output of the system's tools.
 #include <arpa/inet.h>
 #include <net/if.h>
 
@@ -31,7 +31,7 @@ using support::Ip;
 
 class HostTest : public support::PlatformTest {};
 
-// Null where it fails.
+// Null on failure.
 Json AskIp(const std::string& arguments)
 {
     const auto [status, output] = support::Run("ip -json " + arguments + " 2>/dev/null");
@@ -86,8 +86,8 @@ bool SameInterfaces()
            });
 }
 
-// Among the next hops that the library names is the one that the kernel would use now; it names
-// none where the kernel has no route.
+// The next hops that the library returns include the one that the kernel uses; it returns none if
+// the kernel has no route.
 bool SameRoute(const std::string& destination)
 {
     FIB_KEY_S key{};
@@ -130,7 +130,7 @@ std::set<uint64_t> Numbers(const char* table, const char* field)
     return numbers;
 }
 
-// Each group is that of a route, and each next hop that of a group.
+// Each group belongs to a route, and each next hop to a group.
 bool EveryNextHopIsUsed()
 {
     std::set<uint64_t> used = Numbers("Fib.ConfigIpv4Fwd", "nhpGroupId");
@@ -145,7 +145,7 @@ bool SameAsSystem()
     return SameInterfaces() && SameRoutes() && LongestPrefixesFirst();
 }
 
-TEST_F(HostTest, TellsOfThisMachine)
+TEST_F(HostTest, ReadsThisMachine)
 {
     const HostSource host;
     EXPECT_GT(RowsOf("if_base").size(), 0U);
@@ -178,8 +178,8 @@ TEST_F(HostTest, FollowsLinks)
     });
 }
 
-// Among the changes are some that take routes away without a word, and all kinds of competition:
-// longer prefixes after shorter ones, metrics, refusals, groups, dead next hops.
+// The changes include some that remove routes without a notification, and competing routes: longer
+// prefixes after shorter ones, metrics, unreachable routes, groups, dead next hops.
 TEST_F(HostTest, FollowsAddressesAndRoutes)
 {
     IN_OWN_NETWORK([] {
@@ -211,14 +211,14 @@ TEST_F(HostTest, FollowsAddressesAndRoutes)
     });
 }
 
-TEST_F(HostTest, AnOverrunLosesNothingThatLasts)
+TEST_F(HostTest, AnOverrunDoesNotLoseTheFinalState)
 {
     IN_OWN_NETWORK([] {
         constexpr int smallest = 1;
         Ip("link add one type veth peer name two; link add three type veth peer name four");
         HostSource host(smallest);
         sources::Notifications witness(smallest);
-        // Two links change names; others come, go and change.
+        // Two links swap names; others are created, deleted and changed.
         Ip("link set one name spare; link set two name one; link set spare name two;"
            "link set three up; link set four up; addr add 10.0.0.1/24 dev three;"
            "route add 10.2.0.0/16 via 10.0.0.3; link add br0 type bridge;"
@@ -231,7 +231,7 @@ TEST_F(HostTest, AnOverrunLosesNothingThatLasts)
     });
 }
 
-// A number outlives its thing by the grace period and is never given to another one.
+// An id outlives its value by the grace period and is never assigned to another one.
 TEST(HostNumbering, NumbersLastForTheGracePeriodAndAreNeverReused)
 {
     using std::chrono::milliseconds;
@@ -256,8 +256,8 @@ TEST(HostNumbering, NumbersLastForTheGracePeriodAndAreNeverReused)
     }
 }
 
-// Prefixes of every length that cover the destination come and go behind running inquiries.
-TEST_F(HostTest, InquiriesSucceedWhileOtherPrefixesComeAndGo)
+// Prefixes of every length that cover the destination are added and removed during inquiries.
+TEST_F(HostTest, InquiriesSucceedWhileOtherPrefixesChange)
 {
     IN_OWN_NETWORK([] {
         Ip("link add veth0 type veth peer name veth1; link set veth0 up; link set veth1 up;"
@@ -299,8 +299,8 @@ TEST_F(HostTest, InquiriesSucceedWhileOtherPrefixesComeAndGo)
     });
 }
 
-// Random routing tables, one after another, mirrored onto each other's rows.
-TEST_F(HostTest, TheFirstCoveringEntryIsAlwaysTheLongest)
+// Random routing tables, each mirrored onto the rows of the one before.
+TEST_F(HostTest, FirstCoveringEntryIsTheLongestPrefix)
 {
     std::mt19937 random(7);
     sources::Forwarding forwarding;

@@ -42,7 +42,7 @@ TEST_F(JsonTest, LoadingADumpGivesTheSameRows)
     EXPECT_EQ(sources::DumpJson(), dump);
 }
 
-TEST_F(JsonTest, APersonMayWriteASetInSeveralWaysAndADumpIsReadable)
+TEST_F(JsonTest, SetsHaveSeveralFormsAndADumpUsesRanges)
 {
     LoadText(R"({"port": [
         {"if_index": 1, "vlan_bitmap_1": [1, 10, 11, 12, 4095]},
@@ -58,7 +58,7 @@ TEST_F(JsonTest, APersonMayWriteASetInSeveralWaysAndADumpIsReadable)
 )");
 }
 
-TEST_F(JsonTest, ARefusalTellsThePlaceAndChangesNothing)
+TEST_F(JsonTest, AnErrorHasThePathAndChangesNothing)
 {
     LoadText(R"({"port": [{"if_index": 7, "pvid": 1}]})");
     const std::string before = sources::DumpJson();
@@ -79,8 +79,8 @@ TEST_F(JsonTest, ARefusalTellsThePlaceAndChangesNothing)
     refuses("{\"if_base\": [{\"if_index\": 1, \"if_name\": \"\xff\"}]}", "line 1, column 42");
 }
 
-// What the port says of its VLANs, the VLANs say of their ports.
-TEST_F(JsonTest, TheShippedDeviceFillsEveryTableAndAgreesWithItself)
+// The VLAN sets of the ports agree with the member sets of the VLANs.
+TEST_F(JsonTest, ShippedDeviceFillsEveryTableConsistently)
 {
     sources::LoadJson(projectRoot + "/data/access-switch.json");
     for (const Table& table : standin::Tables()) {
@@ -105,7 +105,7 @@ TEST_F(JsonTest, TheShippedDeviceFillsEveryTableAndAgreesWithItself)
     }
 }
 
-// ---- docs/json-format.md keeps up with the tables ----
+// ---- docs/json-format.md describes every table ----
 
 std::string LineOf(std::string_view list, const Field& field, const char* more = "")
 {
@@ -144,7 +144,7 @@ TEST_F(JsonTest, ThePageListsEveryTableAndField)
     EXPECT_EQ(listed, expected);
 }
 
-TEST_F(JsonTest, ThePagesExamplesLoad)
+TEST_F(JsonTest, ExamplesOfThePageLoad)
 {
     const std::string page = support::TextOf(projectRoot + "/docs/json-format.md");
     const std::regex example("```json\n([^`]*)```");

@@ -1,5 +1,4 @@
-// Servers that break the protocol, the schema or the time: nothing of it is believed, and the
-// tables stay as they were.
+// Servers that violate the protocol, the schema or a time limit: the tables must not change.
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
@@ -41,7 +40,7 @@ std::string Uuid(int number)
     return "00000000-0000-4000-8000-0000000001" + std::to_string(10 + number);
 }
 
-// ---- a conversation that a server leads correctly, a message for each stage ----
+// ---- a correct conversation, one server message for each stage ----
 
 Wire ServerState()
 {
@@ -114,7 +113,7 @@ Wire ContentsUpdate()
 const std::vector<std::function<Wire()>> STAGES = {ServerReply, ContentsReply, ServerUpdate,
                                                    ContentsUpdate};
 
-// ---- what is done to a message ----
+// ---- mutations of a message ----
 
 const Wire& HostileValues()
 {
@@ -189,7 +188,7 @@ std::vector<std::string> Mutations(const Wire& message)
 
 class HostileTest : public PlatformTest {
 protected:
-    // Leads a client to this stage; false where it gives up before.
+    // Brings a client to this stage; returns false if it closes the connection before.
     static bool Lead(ScriptedPeer& peer, size_t stages)
     {
         for (size_t stage = 0; stage < stages; ++stage) {
@@ -220,7 +219,7 @@ protected:
         return led;
     }
 
-    // A line for each loss, none of them in the words of a JSON library.
+    // One log line for each loss, without messages of the JSON library.
     static void ExpectClearLines(const std::string& message)
     {
         const std::string log = TakeLogText();
@@ -231,7 +230,7 @@ protected:
     const ScriptedServer server_;
 };
 
-// A quarter of the mutations, another one in each run, unless all are asked for.
+// A quarter of the mutations, a different one in each run, unless all are requested.
 std::vector<std::string> Chosen(std::vector<std::string> mutations, std::minstd_rand& random)
 {
     if (std::getenv("TARND_ALL_MUTATIONS") == nullptr) {
@@ -240,9 +239,9 @@ std::vector<std::string> Chosen(std::vector<std::string> mutations, std::minstd_
     return mutations;
 }
 
-// Each mutation of each message, at its stage of a conversation that is correct up to there. What
-// the client refuses leaves the tables as they were, and the next correct conversation works.
-TEST_F(HostileTest, WhatIsRefusedLeavesTheTablesAsTheyWere)
+// Each mutation of each message, after a correct conversation up to its stage. A refused message
+// does not change the tables, and the next correct conversation succeeds.
+TEST_F(HostileTest, RefusedMessagesDoNotChangeTheTables)
 {
     Led led = LeadNewClient(server_, BRISK);
     led.peer.reset();
@@ -307,12 +306,12 @@ TEST_F(HostileTest, ContradictingUpdatesAreRefused)
         EXPECT_NE(refusal.find(reason), std::string::npos) << refusal << "\n" << changes;
         EXPECT_EQ(AllRows(), expected) << changes;
     }
-    takeChanges(Changes());  // nothing of it was remembered
+    takeChanges(Changes());  // the refused updates have no effect
     EXPECT_EQ(Speed(1), 6U);
 }
 
-// Any place that the schema allows, and then places of our own are still to be had.
-TEST_F(HostileTest, AHighestPlaceDoesNotUseUpTheOthers)
+// With any place that the schema allows, new rows still get higher places.
+TEST_F(HostileTest, AHighestPlaceLeavesPlacesForNewRows)
 {
     Replica replica;
     for (const int64_t place : {INT64_MAX - 1, INT64_MAX}) {
@@ -322,9 +321,9 @@ TEST_F(HostileTest, AHighestPlaceDoesNotUseUpTheOthers)
     }
 }
 
-// ---- answers to transactions ----
+// ---- replies to transactions ----
 
-TEST_F(HostileTest, AnAnswerThatDoesNotFitIsNoSuccess)
+TEST_F(HostileTest, AReplyThatDoesNotMatchIsAFailure)
 {
     Led led = LeadNewClient(server_, BRISK);
     led.peer.reset();
@@ -431,7 +430,7 @@ TEST_F(HostileTest, LimitsOfSizeAndTimeEndTheConnection)
     }
 }
 
-TEST_F(HostileTest, AnUnansweredTransactionEndsThoughTheServerIsAlive)
+TEST_F(HostileTest, ATransactionWithoutReplyTimesOut)
 {
     OvsdbLimits limits = BRISK;
     limits.requestTimeout = 300ms;
@@ -446,8 +445,8 @@ TEST_F(HostileTest, AnUnansweredTransactionEndsThoughTheServerIsAlive)
     EXPECT_LT(Clock::now() - begin, 3s);
 }
 
-// Servers that accept and then say nothing, before one that works.
-TEST_F(HostileTest, HungServersDoNotHoldUpAGoodOne)
+// Servers that accept the connection and send nothing, before one that works.
+TEST_F(HostileTest, HungServersDoNotDelayAWorkingOne)
 {
     const ScriptedServer hung[3];
     std::string remotes;
@@ -467,8 +466,8 @@ TEST_F(HostileTest, HungServersDoNotHoldUpAGoodOne)
     EXPECT_LT(Clock::now() - begin, 2s);
 }
 
-// The pauses grow although each connection gets as far as the contents.
-TEST_F(HostileTest, AServerThatEndsEachConnectionSoonIsTriedLessAndLessOften)
+// The backoff grows although each connection receives the contents.
+TEST_F(HostileTest, BackoffGrowsIfAServerClosesEachConnectionSoon)
 {
     OvsdbLimits limits;
     limits.initialBackoff = 20ms;

@@ -1,4 +1,4 @@
-// The tables from real servers, which the tests start, stop and kill.
+// The ovsdb source with real servers, which the tests start, stop and kill.
 #include <algorithm>
 #include <csignal>
 #include <thread>
@@ -45,7 +45,7 @@ protected:
     const Folder folder_;
 };
 
-// The server's rows and the database's, whatever their order.
+// The server's rows and the database's, in any order.
 void ExpectSameAs(const OvsdbServer& server)
 {
     std::vector<Row> there;
@@ -59,7 +59,7 @@ void ExpectSameAs(const OvsdbServer& server)
     EXPECT_TRUE(std::ranges::is_permutation(AllRows(), there));
 }
 
-// The action ends in an exception for this reason, which its text has somewhere.
+// Expects the action to throw an exception whose text contains this reason.
 template <typename Action>
 void ExpectRefusal(const std::string& reason, const Action& action)
 {
@@ -101,7 +101,7 @@ TEST_F(ServersTest, WritesComeBackAsChangesOrAreRefused)
     ExpectSameAs(server);
 }
 
-// By transactions that know nothing of rows but their JSON, and a server that goes and comes.
+// With transactions in JSON by another client, and a server that stops and restarts.
 TEST_F(ServersTest, TheReplicaEqualsTheServerAfterEachRound)
 {
     OvsdbServer server(folder_);
@@ -139,7 +139,7 @@ TEST_F(ServersTest, TheReplicaEqualsTheServerAfterEachRound)
     }
 }
 
-TEST_F(ServersTest, ASilentServerIsGivenUpAndTheTablesStay)
+TEST_F(ServersTest, ASilentServerIsDroppedAndTheTablesStay)
 {
     OvsdbServer first(folder_);
     OvsdbServer second(folder_, "second");
@@ -207,7 +207,7 @@ TEST_F(ServersTest, OverTcpAndTls)
     }
 }
 
-TEST_F(ServersTest, RowsOfAnyContentsGoThereAndComeBackInTheirOrder)
+TEST_F(ServersTest, RowsOfAnyContentsAreStoredAndReadInOrder)
 {
     const OvsdbServer server(folder_);
     const auto rows = RandomRows(1).ForAllTables(10);
@@ -237,7 +237,8 @@ std::vector<Wire> NumberedWrites(uint64_t number)
                    {{"if_index", number}, {"if_name", std::to_string(number)}, {"place", number}})};
 }
 
-// Row 1 went through speeds that only grow, each from the last; and each row came once, in order.
+// The speed of row 1 only grows, each change starting from the last value; each row is inserted
+// once, in order.
 void ExpectEveryChangeOnce(const std::vector<RecordedChange>& changes, uint64_t last)
 {
     uint32_t speed = 0;
@@ -256,14 +257,14 @@ void ExpectEveryChangeOnce(const std::vector<RecordedChange>& changes, uint64_t 
     EXPECT_EQ(speed, last);
 }
 
-// While somebody writes through all three servers, whichever is there.
-TEST_F(ServersTest, EveryCommittedChangeIsOneEventThoughLeadersDie)
+// A client writes through all three servers while leaders are killed.
+TEST_F(ServersTest, EveryCommittedChangeIsOneEventWhileLeadersFail)
 {
     OvsdbServer first(folder_, "first", Role::First);
     OvsdbServer second(folder_, "second", Role::Further);
     OvsdbServer third(folder_, "third", Role::Further);
     OvsdbServer* const servers[] = {&first, &second, &third};
-    // Tries again where it fails, or the answer is lost: it can't be carried out twice.
+    // Retries after a failure or a lost reply; the transaction can't be committed twice.
     const auto write = [&](uint64_t number) {
         for (uint64_t attempt = number;; ++attempt) {
             const std::string refusal =

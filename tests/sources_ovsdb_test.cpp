@@ -1,4 +1,4 @@
-// The tables from servers, as far as it needs none, or one that talks nonsense.
+// The ovsdb source without a server, or with one that sends invalid messages.
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -22,7 +22,7 @@ using namespace std::chrono_literals;
 
 class ClusterTest : public PlatformTest {};
 
-TEST_F(ClusterTest, TheKeptSchemaIsUpToDate)
+TEST_F(ClusterTest, StoredSchemaIsUpToDate)
 {
     EXPECT_EQ(TextOf(TARND_PROJECT_ROOT "/data/tarnd_qrb.ovsschema"),
               sources::ovsdb::Schema().dump(2) + "\n")
@@ -72,7 +72,7 @@ std::string Names()
     return names;
 }
 
-// A row is there while the table can hold it.
+// A row is present while the table can hold it.
 TEST_F(ClusterTest, ARowThatTheTableCannotHoldIsReportedAndLeftOut)
 {
     Replica replica;
@@ -94,11 +94,11 @@ TEST_F(ClusterTest, ARowThatTheTableCannotHoldIsReportedAndLeftOut)
          "one - - ",
          "if_base: if_index 2: /description: "},
         {{{"b", {{"modify", {{"description", ""}, {"mtu", 9}}}}}}, "one zwei - ", ""},
-        // Keys change hands in one transaction.
+        // Rows swap keys in one transaction.
         {{{"a", {{"modify", {{"if_name", "zwei"}}}}}, {"b", {{"modify", {{"if_name", "one"}}}}}},
          "zwei one - ",
          ""},
-        // Of two rows with one key only the first is there, until it has another.
+        // Of two rows with one key only the first is present, until its key changes.
         {{{"c", {{"insert", Interface(3, "one")}}}},
          "zwei one - ",
          "if_base: if_index 3: another row has its key: the row is left out\n"},
@@ -118,7 +118,7 @@ TEST_F(ClusterTest, ARowThatTheTableCannotHoldIsReportedAndLeftOut)
         TakeLogText().starts_with("Fib.ConfigNhpStandard: nhpIndex 7: /next_hop: \"256\" is not"));
 }
 
-TEST_F(ClusterTest, ARowDeletedAndMadeAgainUnderItsKeyHasChanged)
+TEST_F(ClusterTest, ARowDeletedAndInsertedWithItsKeyIsAnUpdate)
 {
     Replica replica;
     const Events events;
@@ -130,7 +130,7 @@ TEST_F(ClusterTest, ARowDeletedAndMadeAgainUnderItsKeyHasChanged)
     EXPECT_EQ(Events::Take().back(), (RecordedChange{"if_phy", 1, 5, 6}));
 }
 
-TEST_F(ClusterTest, ServersAreNamedInManyWays)
+TEST_F(ClusterTest, ServerListsAreParsedOrRefused)
 {
     const auto servers = sources::ovsdb::ParseServers(
         "unix:/a,tcp:h:1,ssl:[::1]:2,private-key=k,certificate=c,ca-certificate=a");
@@ -145,7 +145,7 @@ TEST_F(ClusterTest, ServersAreNamedInManyWays)
         standin::Error);
 }
 
-// Why a server is no good that says these words to everybody, whatever it is asked.
+// The failure that is reported for a server that sends this text to every client.
 std::string FaultOfServer(const std::string& words, std::chrono::milliseconds patience)
 {
     const Folder folder;
@@ -171,7 +171,7 @@ std::string FaultOfServer(const std::string& words, std::chrono::milliseconds pa
     return fault;
 }
 
-TEST_F(ClusterTest, NonsenseIsReportedAndChangesNothing)
+TEST_F(ClusterTest, InvalidMessagesAreReportedAndChangeNothing)
 {
     const std::string here =
         R"({"id":"server","error":null,"result":{"Database":{"u":{"initial":{"name":"tarnd_qrb","model":"standalone","connected":true,"leader":true}}}}})";

@@ -1,5 +1,5 @@
-// The stand-in as a database, beside a model of one table: what is written is what is read,
-// whatever happens meanwhile, and what is refused changes nothing.
+// The stand-in as a database, compared with a model of one table: reads return what was written,
+// and refused writes change nothing.
 #include <algorithm>
 #include <array>
 #include <random>
@@ -52,7 +52,7 @@ protected:
 
     uint32_t Below(uint32_t limit) { return static_cast<uint32_t>(random_() % limit); }
 
-    // A transaction of a few writes, committed to both, or to neither where one can't be done.
+    // Commits a transaction of a few writes to both; to neither if one of the writes is invalid.
     void CommitSome()
     {
         Transaction transaction;
@@ -67,7 +67,7 @@ protected:
         }
     }
 
-    // Asks by each key. What a session has read it keeps, whatever was written since.
+    // Reads by each key. A session's current row does not change by later writes.
     void ReadSome()
     {
         const ModelRow asked = AnyEntry();
@@ -87,8 +87,8 @@ protected:
         ASSERT_EQ(OrmExecute(reading_), read_ == none ? ORM_NO_RECORD : 0U);
     }
 
-    // A scan, with transactions between its steps, returns rows once each, in table order: all that
-    // stay there, and none that came late.
+    // A scan with transactions between its steps returns each row at most once, in table order: all
+    // rows that remain in the table, and none that were inserted later.
     void ScanSome()
     {
         const Numbers before = InModel();
@@ -123,7 +123,7 @@ private:
 
     ModelRow AnyEntry() { return {Below(300), "eth" + std::to_string(Below(600)), 0}; }
 
-    // What is to be said of the write; empty where it can be done.
+    // The expected error of the write; empty if it is valid.
     std::string AddWrite(Transaction& transaction, Model& model)
     {
         using namespace support::writes;
@@ -134,7 +134,7 @@ private:
         const auto named = std::ranges::find(model, entry.name, &ModelRow::name);
         const bool isThere = there != model.end();
         const std::string key = "if_base: if_index " + std::to_string(entry.index);
-        const uint32_t rank = Below(3);  // of a row that is there, it changes nothing
+        const uint32_t rank = Below(3);  // no effect on an existing row
         entry.number = isThere ? there->number : rank << RANK_SHIFT | ++last_;
         kind(transaction, entry.AsRow().SetRank(rank));
         if (kind == Insert && isThere) {
@@ -165,7 +165,7 @@ private:
     uint32_t read_ = none;  // number of the current row of the first session
 };
 
-TEST_F(StandinDatabase, RowsTakeOnlyWhatFits)
+TEST_F(StandinDatabase, RowsAcceptOnlyValuesThatFit)
 {
     const auto refuses = [](std::string_view table, auto set) {
         Row row(table);
@@ -189,7 +189,7 @@ TEST_F(StandinDatabase, AgreesWithAModelThroughRandomTransactions)
         CommitSome();
         ReadSome();
         if (round % 200 == 0) {
-            std::thread([this] { ScanSome(); }).join();  // each in the place of the last
+            std::thread([this] { ScanSome(); }).join();  // each reuses the thread's slot
         }
         ASSERT_FALSE(HasFatalFailure());
     }

@@ -1,5 +1,5 @@
-// Subscriptions of the stand-in: every committed change that a definition covers comes once, in
-// order, with its rows before and after.
+// Subscriptions of the stand-in: every committed change that matches a definition is delivered
+// once, in order, with the rows before and after.
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -23,7 +23,7 @@
 
 namespace {
 
-thread_local unsigned allocationsLeft = 0;  // 0: all that there are
+thread_local unsigned allocationsLeft = 0;  // 0: no limit
 std::atomic<int> blocksInUse = 0;
 
 }  // namespace
@@ -90,7 +90,7 @@ std::string Object(ORM_MESSAGE message, uint32_t object)
     return std::to_string(index) + ":" + std::to_string(speed);
 }
 
-// A delivery in words: the operation's first letter, then each row's old and new object.
+// A delivery as text: the operation's first letter, then each row's old and new object.
 std::string Described(ORM_MESSAGE message, uint32_t event)
 {
     std::string text(1, "idur"[event]);
@@ -133,7 +133,7 @@ protected:
     Lines seen_;
 };
 
-TEST_F(StandinSubscription, TellsWhenAChangeWasCommittedAndWhenAllAreDelivered)
+TEST_F(StandinSubscription, ReportsCommitTimeAndCompletedDeliveries)
 {
     using namespace std::chrono_literals;
     using Clock = std::chrono::steady_clock;
@@ -154,7 +154,7 @@ TEST_F(StandinSubscription, TellsWhenAChangeWasCommittedAndWhenAllAreDelivered)
     EXPECT_EQ(standin::CommitTime(), Clock::time_point());
 }
 
-TEST_F(StandinSubscription, DeliversNeighboursTogetherAndEachChangeOnce)
+TEST_F(StandinSubscription, DeliversConsecutiveRowsTogetherAndEachChangeOnce)
 {
     EXPECT_FALSE(IsReadable());
     Transaction transaction;
@@ -173,13 +173,13 @@ TEST_F(StandinSubscription, DeliversNeighboursTogetherAndEachChangeOnce)
     EXPECT_EQ(Deliver(), (Lines{"i ->1:10 ->2:20", "i ->3:30", "u 1:10>1:11", "r 2:20>2:21 ->4:40",
                                 "d 3:30>-", "d 1:11>-"}));
     EXPECT_FALSE(IsReadable());
-    eventfd_write(descriptor, 1);  // late, for what has been taken
+    eventfd_write(descriptor, 1);  // after the deliveries were taken
     EXPECT_EQ(Deliver(), Lines());
     EXPECT_FALSE(IsReadable());
 }
 
-// Memory runs out at the first allocation, then at the second, and so on until there is enough.
-TEST_F(StandinSubscription, WithoutMemoryATransactionIsUndoneAndNotTold)
+// The first allocation fails, then the second, and so on until none fails.
+TEST_F(StandinSubscription, WithoutMemoryATransactionIsRolledBackAndNotDelivered)
 {
     Write(Insert, {Phy(1)});
     Deliver();
@@ -199,7 +199,7 @@ TEST_F(StandinSubscription, WithoutMemoryATransactionIsUndoneAndNotTold)
     EXPECT_GT(attempts, 10U);
 }
 
-TEST_F(StandinSubscription, GivesBackWhatDeliveredChangesTook)
+TEST_F(StandinSubscription, FreesTheMemoryOfDeliveredChanges)
 {
     int blocks[3];
     Write(Insert, {Phy(1)});
@@ -231,7 +231,7 @@ TEST_F(StandinSubscription, CallbackMayWriteAndMayClose)
     uint8_t end = 0;
     EXPECT_NE(OrmSubFetchNext(kept, &end), 0U);
 
-    // What waits is forgotten, the descriptor handed back.
+    // Pending deliveries are dropped, and the descriptor is removed.
     Write(Insert, {Phy(2)});
     EXPECT_EQ(Deliver(), Lines{"u 1:0>1:2"});
     EXPECT_EQ(operations, (std::vector<uint32_t>{0, 1}));

@@ -19,7 +19,7 @@ using standin::Transaction;
 
 using Threads = DeviceTest;
 
-// Inserts and deletes rows that no query reads, and replaces the others by themselves.
+// Inserts and deletes rows that no query reads, and replaces other rows by equal ones.
 void Write(const std::atomic<bool>& stop)
 {
     for (uint32_t round = 0; !stop; round++) {
@@ -49,7 +49,7 @@ void WalkInterfaces(const std::atomic<bool>& stop)
     }
 }
 
-TEST_F(Threads, ReturnTheSameWhileOthersWriteIterateAndListen)
+TEST_F(Threads, QueriesReturnTheSameDuringWritesWalksAndNotifications)
 {
     static std::atomic<uint32_t> notified;
     notified = 0;

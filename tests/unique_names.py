@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that names lead to their file: unique_names.py PROJECT-DIRECTORY
+"""Checks that file and type names are unique: unique_names.py PROJECT-DIRECTORY
 
 No two headers, no two sources and no two types share a name, and each exported name is defined in
 a source that is named after the header that declares it: STEM.cpp or STEM_PART.cpp.

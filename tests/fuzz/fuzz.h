@@ -1,4 +1,4 @@
-// What the fuzzing targets share.
+// Helpers shared by the fuzzing targets.
 #pragma once
 
 #include <fuzzer/FuzzedDataProvider.h>
@@ -12,7 +12,7 @@
 
 #include <standin/store.h>
 
-// A statement that must hold: the run stops, and the input is kept, where it doesn't.
+// Aborts the run if the condition is false; the fuzzer then stores the input.
 #define CHECK(statement)                                                                        \
     do {                                                                                        \
         if (!(statement)) {                                                                     \
@@ -25,7 +25,7 @@ namespace fuzz {
 
 using Input = FuzzedDataProvider;
 
-// A row whose key's numbers, and names, are this number, with some items in each list.
+// A row whose key fields and names are this number, with some items in each list.
 inline standin::Row PlainRow(const standin::Table& table, uint32_t number, uint32_t items)
 {
     standin::Row row(table);
@@ -43,7 +43,7 @@ inline standin::Row PlainRow(const standin::Table& table, uint32_t number, uint3
     return row;
 }
 
-// Nothing in the database but one such row in each table.
+// Resets the database to one such row in each table.
 inline void StartOver()
 {
     standin::Transaction transaction;

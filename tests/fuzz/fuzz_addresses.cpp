@@ -1,4 +1,4 @@
-// Addresses of interfaces: every query against the obvious reading of the lists.
+// Addresses of interfaces: every query is compared with a direct evaluation of the lists.
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -38,7 +38,7 @@ uint32_t MaskOf(uint8_t masklen)
     return mask;
 }
 
-// Few different bytes, so that addresses are equal, or lie in one subnet, often enough.
+// Few different bytes, so that addresses are often equal or in one subnet.
 uint32_t TakeAddress(fuzz::Input& input)
 {
     constexpr std::array<uint8_t, 4> bytes = {0, 1, 10, 255};

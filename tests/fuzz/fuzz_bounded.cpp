@@ -1,6 +1,5 @@
-// The bounded functions against the standard library's strings: what fits is there, whatever
-// doesn't is refused and leaves an empty text, and no byte outside is touched (the address
-// sanitizer watches).
+// The bounded functions, compared with the standard library's strings: a text that fits is copied,
+// any other is refused and leaves an empty text. The address sanitizer detects writes outside.
 #include <algorithm>
 #include <cstring>
 #include <numeric>
@@ -13,7 +12,7 @@
 
 namespace {
 
-// A destination of exactly its size, with the text that it should hold afterwards.
+// A destination of an exact size, and the text expected in it.
 void CheckText(int result, bool fits, const std::vector<char>& destination,
                const std::string& expected)
 {

@@ -1,5 +1,5 @@
-// Condition texts. What is accepted selects the rows that the text describes, by a second opinion
-// that compares texts; and a text that describes a row is accepted.
+// Condition texts. An accepted condition selects the same rows as an oracle that compares texts; a
+// condition rendered from a row is accepted.
 #include <algorithm>
 #include <cstring>
 #include <string>
@@ -35,7 +35,7 @@ Row MakeRow(const Table& table, uint64_t seed)
     return row;
 }
 
-// What a condition may say of a field.
+// The values that a condition may compare a field with.
 struct Value {
     std::string plain;
     std::string literal;
@@ -60,7 +60,7 @@ struct Described {
     std::vector<Value> values;  // by field
 };
 
-// Rows in the database, and what may be said of them.
+// Rows in the database, and possible values for conditions.
 std::vector<Described> MakeRows()
 {
     std::vector<Described> rows;

@@ -1,5 +1,5 @@
-// Subscription definitions. What is accepted hears of the writes that the text lists, and of no
-// others; what is refused hears of none.
+// Subscription definitions. An accepted definition receives exactly the writes that it lists; a
+// refused one receives none.
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -30,7 +30,7 @@ void Hear(ORM_MESSAGE /*message*/, uint32_t event)
     heard.push_back(event);
 }
 
-// The events that the writes of these tables, one of each kind, are to bring.
+// The events expected from one write of each kind to these tables.
 std::vector<uint32_t> WriteEachWay(const std::vector<Row>& rows, const json& listed)
 {
     constexpr struct {

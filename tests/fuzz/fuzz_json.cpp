@@ -1,4 +1,4 @@
-// JSON tables. What is loaded comes back from its own dump unchanged; what is refused changes
+// JSON tables. Loading the dump of loaded tables gives the same tables; a refused file changes
 // nothing.
 #include <sys/mman.h>
 
@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::string dump = sources::DumpJson();
     CHECK(loaded || dump == empty);
     if (dump != empty) {
-        CHECK(!Load(dump));  // every row is there already
+        CHECK(!Load(dump));  // every row exists already
         CHECK(sources::DumpJson() == dump);
         standin::Reset();
         CHECK(Load(dump));

@@ -1,5 +1,4 @@
-// List operations in any order, with memory that runs out and copies that fail now and then,
-// against vectors.
+// List operations in any order, with failing allocations and copies, compared with vectors.
 #include <algorithm>
 #include <cstring>
 #include <iterator>
@@ -15,7 +14,7 @@
 namespace {
 
 uint32_t blocks = 0;     // in use
-uint32_t stepsLeft = 0;  // to the one that fails; 0: none does
+uint32_t stepsLeft = 0;  // until the failing one; 0: none fails
 
 bool Fails()
 {
@@ -24,7 +23,7 @@ bool Fails()
 
 }  // namespace
 
-// Ahead of the platform's.
+// Interposes the platform's functions.
 extern "C" void* malloc_ex(uint16_t /*handle*/, const char* /*file*/, uint32_t /*line*/,
                            size_t size)
 {
@@ -56,7 +55,7 @@ using List = UTIL_LIST_S;
 using Node = UTIL_LIST_NODE_S*;
 using Model = std::vector<uint32_t>;
 
-// Elements that own memory, so that one destroyed twice, or not at all, is seen.
+// Elements that own memory, so that a double or missing destruction is detected.
 using Owner = uint32_t*;
 
 Owner Make(uint32_t value)
@@ -96,7 +95,7 @@ void Print(const void* element)
     printed.push_back(ValueIn(element));
 }
 
-// With every callback, and without those that may be left out.
+// With all callbacks, and without the optional ones.
 constexpr UTIL_LIST_TRAITS_S owners[] = {
     {sizeof(Owner), nullptr, Destroy, Copy, Move, nullptr, Print},
     {sizeof(Owner), nullptr, Destroy, Copy, nullptr, nullptr, nullptr}};
@@ -113,7 +112,7 @@ bool IsAtLeast(const void* element, uint64_t context)
 
 enum class InsertPlace { Front, Back, Before, Sorted };
 
-// The ways into a place: a value, copied or moved, or a node that was made of one beforehand.
+// The ways of insertion: a copied or moved value, or a node constructed from one.
 struct Way {
     InsertPlace place;
     uint32_t (*copy)(List* list, Node at, Owner* value, uint64_t order);
@@ -132,7 +131,7 @@ constexpr Way ways[] = {
 };
 // clang-format on
 
-// What is in a list, whose links and count agree.
+// Returns the contents of a list; checks its links and count.
 Model ValuesIn(const List& list)
 {
     Model values;
@@ -146,7 +145,7 @@ Model ValuesIn(const List& list)
     return values;
 }
 
-// Null behind the tail.
+// Null after the tail.
 Node NodeAt(const List& list, std::ptrdiff_t place)
 {
     Node node = list.head;
@@ -156,7 +155,7 @@ Node NodeAt(const List& list, std::ptrdiff_t place)
     return node;
 }
 
-// A list and what must be in it.
+// A list and its expected contents.
 struct Pair {
     List list;
     Model model;
@@ -175,7 +174,7 @@ Pair& Any()
     return pairs[Below(std::size(pairs))];
 }
 
-// False where that fails.
+// Returns false on failure.
 bool Put(const Way& way, bool moves, List& list, Node at, Owner* value, uint64_t order)
 {
     if (Below(2) == 0) {
@@ -216,7 +215,7 @@ void Insert()
     }
 }
 
-// Nothing, in a list of nothing, or as large as nothing can be.
+// Elements of size 0, and of the largest size.
 void Refuse()
 {
     UTIL_LIST_TRAITS_S absurd = owners[0];
@@ -250,7 +249,7 @@ void Remove()
     std::erase_if(model, [=](uint32_t value) { return value >= from; });
 }
 
-// And removes what is found.
+// Also removes the elements that are found.
 void Search()
 {
     auto& [list, model] = Any();
@@ -268,7 +267,7 @@ void Search()
     }
 }
 
-// From either end, erasing on the way, which goes on as the iterator's own methods say.
+// Iterates from either end and erases elements on the way, by the iterator's own methods.
 void Iterate()
 {
     constexpr UTIL_LIST_ITER_METHODS_S backwards = {UTIL_LIST_Prev, nullptr, UTIL_LIST_GetDataPtr,
@@ -313,7 +312,7 @@ void MoveWhole()
     target.model = std::exchange(source.model, {});
 }
 
-// Where memory runs out, what was copied so far stays.
+// If an allocation fails, the elements copied before stay.
 void CopyWhole()
 {
     Pair& source = Any();
@@ -338,7 +337,7 @@ void Concatenate()
     target.model.insert(target.model.end(), moved.begin(), moved.end());
 }
 
-// A list as an element, by value or by pointer: copied, moved, and copied when it has been moved.
+// A list as an element, by value or by pointer: copied, moved, and copied after a move.
 void Nest()
 {
     union Element {

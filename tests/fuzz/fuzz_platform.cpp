@@ -1,6 +1,6 @@
-// Platform calls in any order on handles of every sort: open, closed, of another kind, made up.
-// Each answers a code of the contract or a refusal, writes within its destination, and writes
-// nothing when it fails.
+// Platform calls in any order on handles of every kind: open, closed, of another type, invented.
+// Each returns a code of the contract, writes only within its destination, and writes nothing if it
+// fails.
 #include <algorithm>
 #include <array>
 #include <concepts>
@@ -29,7 +29,7 @@ enum Sort : uint32_t { Session, Subscription, Parameter, Message, Scan, List, It
 
 using Texts = std::vector<std::string>;
 
-// The run under way: callbacks go on with its input.
+// The current run; callbacks continue with its input.
 struct ModelRun {
     fuzz::Input* input;
     std::vector<uint64_t> handles[Sorts];
@@ -49,8 +49,8 @@ const auto& Any(const Things& things)
     return things[Small(static_cast<uint32_t>(std::size(things) - 1))];
 }
 
-// Mostly the youngest of its sort; or an older one, another sort's, one with a bit turned, or any
-// number.
+// Mostly the newest handle of its sort; or an older one, one of another sort, one with a flipped
+// bit, or any number.
 uint64_t Handle(Sort sort)
 {
     const uint32_t choice = Small(31);
@@ -74,14 +74,14 @@ uint32_t Checked(uint32_t code)
 // Inputs and outputs of a call that don't follow from its parameter types.
 struct Manner {
     std::vector<Sort> takes = {};  // its handles, in order
-    Sort gives = Sorts;            // a handle that it hands out
+    Sort gives = Sorts;            // a handle that it returns
     Texts texts = {""};            // one of them
     std::vector<uint32_t> numbers = {0, 0, 1, 2, 3, UINT32_MAX};
-    uint32_t size = 4;  // of what it fills; of a key that it reads
+    uint32_t size = 4;  // of its destination, or of the key that it reads
     uint32_t keySize = 4;
 };
 
-// The arguments of one call, to be taken in their order, and what became of them.
+// The arguments of one call, taken in order, and checks after the call.
 class Arguments {
 public:
     explicit Arguments(const Manner& manner) : manner_(manner) {}
@@ -195,7 +195,7 @@ int32_t Control(uint32_t descriptor, uint32_t operation)
     return 0;
 }
 
-// Sessions without a control function start a thread, which takes its time.
+// Sessions without a control function start a thread, which is slow.
 uint32_t OpenSubscription(ORM_SESSION_PARAM parameter, ORM_SESSION* session)
 {
     return OrmOpenSubSession(parameter, Small(255) == 255 ? nullptr : Control, session);
@@ -257,7 +257,7 @@ void ReadGroup()
     }
 }
 
-// Some way into what a caller would do, so that the steps after it find something.
+// Begins with some steps of a typical caller, so that later calls have open handles.
 void StandOnRow()
 {
     static const Texts tables = {"am_ipv4_address", "qos_integration", "if_base", "port"};
@@ -371,7 +371,7 @@ void Steps(uint32_t most)
     }
 }
 
-// Afterwards no handle is good for anything.
+// Closes everything and checks that no handle is valid afterwards.
 void CloseEverything()
 {
     std::vector<uint64_t> all;

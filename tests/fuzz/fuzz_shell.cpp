@@ -1,5 +1,5 @@
-// The shell's input lines: its verbs, with likely words and any others. Whatever is typed is
-// carried out or refused, in each style of output; for programs every line of output is JSON.
+// Input lines of the shell: commands with valid and random arguments. Every line is executed or
+// refused, in each style of output; with --json every line of output is JSON.
 #include <algorithm>
 #include <iostream>
 #include <iterator>
@@ -27,8 +27,8 @@ void AddNames(Texts& texts, const std::vector<Named>& named)
                            [](const Named& one) { return std::string(one.name); });
 }
 
-// Excludes verbs that access files or outlive a run: callbacks, the listener, and the table that
-// each call allocates and none frees.
+// Excludes commands that access files or have effects after a run: callbacks, the listener, and the
+// type table, which each call allocates and none frees.
 Texts Verbs()
 {
     Texts leftOut = {"watch", "monitor", "publish", "load",
@@ -76,7 +76,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     static const bool started = [] {
         MEM_EX_Init();
         shell::SetLogSink([](const std::string&) {});
-        std::cerr.rdbuf(nullptr);  // errors are for people to read
+        std::cerr.rdbuf(nullptr);  // error messages are not checked
         return true;
     }();
     CHECK(started);

@@ -81,7 +81,7 @@ void DeviceTest::SetUp()
 
 namespace {
 
-// A line of the log, "Function: text" or "text", as seen from this function.
+// A log line as recorded for a call of this function: "Function: text" or "text".
 std::string SeenFrom(const std::string& function, const std::string& line)
 {
     static const std::regex named(R"(^\w*(_|DbListener)\w*: )");

@@ -20,7 +20,7 @@ struct Call {
     std::string name;                   // the function; a suffix distinguishes several calls of one
     std::string arguments;              // as written in the source, for messages
     std::function<std::string()> run;   // returns the result and the outputs
-    std::string expected;               // "RESULT OUTPUTS | LOG LINE | ..." where no step fails
+    std::string expected;               // "RESULT OUTPUTS | LOG LINE | ..." if no step fails
     std::function<void()> before = {};  // prepares the call; not observed
     std::function<void()> after = {};
 
@@ -118,7 +118,7 @@ struct OutHandle {
 using OutSession = OutHandle<&session>;
 using OutScan = OutHandle<&scan>;
 
-// Run passes null for this pointer argument, counted from 1 and down; 0: for none.
+// Run passes null for this pointer argument, counted from 1; 0: for none.
 extern unsigned nullPointer;
 
 template <typename Pointer>

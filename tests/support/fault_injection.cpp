@@ -1,4 +1,4 @@
-// Every operation of the platform, defined in the test program ahead of the platform library's own.
+// Interposes every function of the platform: definitions in the program precede the library's.
 #include "support/fault_injection.h"
 
 #include <dlfcn.h>
@@ -25,7 +25,7 @@ namespace support {
 
 namespace {
 
-// A call that is going to fail: the nth from now of one operation.
+// A planned failure: the nth call from now of one operation.
 struct Planned {
     std::string operation;
     unsigned remaining = 0;
@@ -33,21 +33,21 @@ struct Planned {
     CleanUp cleanUp = CleanUp::Works;
 };
 
-bool watching = false;  // by atomic built-ins, as what malloc looks at
+bool watching = false;  // accessed by atomic built-ins, because malloc reads it
 std::mutex mutex;
 std::vector<std::string> points;
 std::vector<std::string> texts;
 std::optional<Planned> planned;
-std::optional<uint32_t> cleanUpCode;  // set once a fault is to be followed by failing clean-ups
+std::optional<uint32_t> cleanUpCode;  // set if clean-ups after the fault fail too
 std::atomic<int> openHandles = 0;
 
-// What does its work even where it is to fail, so that what stays open is the caller's doing.
+// Clean-up operations run even if they report a failure, so that only the caller can leak.
 bool IsCleanUp(std::string_view operation)
 {
     return operation == "OrmScanEnd" || operation == "OrmCloseSession";
 }
 
-// What an operation is to answer instead of its own answer.
+// The code that an operation returns instead of its own.
 std::optional<uint32_t> Fault(std::string_view operation)
 {
     if (!__atomic_load_n(&watching, __ATOMIC_RELAXED)) {
@@ -114,8 +114,8 @@ uint32_t Close(const char* name, Arguments... arguments)
     return fault.value_or(result);
 }
 
-// Everybody's malloc and calloc come to the test program, the library's by the address that they
-// return to.
+// All calls of malloc and calloc are intercepted. The library's are identified by the return
+// address.
 dl_find_object library = {};
 
 UNWATCHED bool IsLibrary(const void* returnAddress)
@@ -136,11 +136,11 @@ int PassSystem(const char* name, const void* returnAddress, Arguments... argumen
     return Next<Operation>(name)(arguments...);
 }
 
-// The library's blocks. They are few at a time, and keeping them must not allocate.
+// The library's blocks. There are few at a time, and recording them must not allocate.
 void* blocks[64];
 int blockCount = 0;
 
-// A block goes into an empty slot, or out of its own.
+// Stores a block in an empty slot, or removes it from its slot.
 UNWATCHED void* Exchange(void* before, void* after)
 {
     for (void*& slot : blocks) {
@@ -336,7 +336,7 @@ UNWATCHED void free(void* block)
     if (__atomic_load_n(&blockCount, __ATOMIC_RELAXED) != 0) {
         Exchange(block, nullptr);
     }
-    // Looking for the next one may free something itself, which is let go.
+    // dlsym may itself call free; that call is ignored.
     static thread_local bool looking = false;
     if (!looking) {
         looking = true;
@@ -350,7 +350,7 @@ UNWATCHED void free(void* block)
 {
     if (IsLibrary(__builtin_return_address(0))) {
         if (const auto error = Fault("pthread_create")) {
-            *thread = 1;  // as the system may leave it
+            *thread = 1;  // the system may do so on failure
             return static_cast<int>(*error);
         }
     }

@@ -24,7 +24,7 @@ namespace support {
 
 using Wire = sources::ovsdb::Json;
 
-// What was written to the system log since the last call.
+// The text written to the system log since the last call.
 inline std::string TakeLogText()
 {
     std::string text;
@@ -34,7 +34,7 @@ inline std::string TakeLogText()
     return text;
 }
 
-// A new folder below /tmp, which goes with the object.
+// A new directory below /tmp, removed by the destructor.
 class Folder {
 public:
     Folder() { EXPECT_NE(mkdtemp(path_.data()), nullptr); }
@@ -50,7 +50,7 @@ private:
 
 class OvsdbServer {
 public:
-    // A new database of its own, the first of a cluster, or one more of the first's; started.
+    // Starts a server with a standalone database, as the first of a cluster, or joining a cluster.
     // Options are those of the server's command line.
     enum class Role { Alone, First, Further };
     explicit OvsdbServer(const Folder& folder, const std::string& name = "first",
@@ -77,7 +77,7 @@ public:
     OvsdbServer(const OvsdbServer&) = delete;
     OvsdbServer& operator=(const OvsdbServer&) = delete;
 
-    // Returns once it answers, and is connected to its cluster.
+    // Returns when the server replies and is connected to its cluster.
     void Start()
     {
         const std::string command =
@@ -92,7 +92,7 @@ public:
         }
         EXPECT_TRUE(Eventually([&] { return StateOf("connected"); })) << base_;
     }
-    // And waits for its end.
+    // Also waits until the process has ended.
     void Stop(int signal)
     {
         Signal(signal);
@@ -105,8 +105,8 @@ public:
     bool IsLeader() const { return StateOf("leader"); }
     std::string Remote() const { return "unix:" + base_ + ".sock"; }
 
-    // The answers to the operations, each time over a connection of its own. The first refusal is
-    // an exception, and so is the loss of the connection.
+    // Returns the replies to the operations, using a new connection. Throws on the first error and
+    // on loss of the connection.
     Wire Transact(const std::vector<Wire>& operations,
                   const char* name = sources::ovsdb::DATABASE_NAME) const
     {

@@ -160,7 +160,7 @@ void StopListener()
     }
     if (g_epollDbListenerThreadId != 0) {
         std::atomic_ref(g_epollDbListenerThreadExit).store(1, std::memory_order_release);
-        // The thread may sleep for two seconds, and a hundred starts can't wait for that.
+        // Wakes the thread, which may sleep for two seconds.
         const int wake = eventfd(1, EFD_CLOEXEC);
         epoll_event readable = {EPOLLIN, {}};
         pthread_mutex_lock(&g_epollDbListenerCondLock);

@@ -10,7 +10,8 @@ namespace support {
 
 using Events = std::vector<std::string>;
 
-// Registers for every event that there is, named by the library or not. Each call becomes one text:
+// Registers for all event ids, with or without a name in the library. Each call is recorded as
+// text:
 //
 //   "36 if 7 pvid 1"              layer-2 event, from a port row
 //   "11 if 7 pvid 1 bitmap 0"     ... and what changed in its VLANs
@@ -20,10 +21,10 @@ using Events = std::vector<std::string>;
 //   "notify 3 if 7"               interface notification
 void RecordEvents();
 
-// Tears the registries down, those that others registered for included.
+// Tears down all registries, including entries of others.
 void ForgetEvents();
 
-// What was called since the last time.
+// The calls since the last call of this function.
 Events TakeEvents();
 
 // The same, after all earlier commits are delivered. Only in tests that are notified of

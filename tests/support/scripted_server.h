@@ -1,4 +1,4 @@
-// A server whose every byte the test decides: the test's thread accepts, reads and sends.
+// A server controlled by the test: the test's thread accepts, reads and sends.
 #pragma once
 
 #include <poll.h>
@@ -27,7 +27,7 @@ public:
     ScriptedPeer(const ScriptedPeer&) = delete;
     ScriptedPeer& operator=(const ScriptedPeer&) = delete;
 
-    // False where the client has closed the connection.
+    // Returns false if the client has closed the connection.
     bool Send(std::string_view bytes) const
     {
         while (!bytes.empty()) {
@@ -39,7 +39,7 @@ public:
         }
         return true;
     }
-    // As much as the client takes now.
+    // Sends as much as possible without blocking.
     size_t SendSome(std::string_view bytes) const
     {
         const ssize_t sent =
@@ -47,7 +47,7 @@ public:
         return sent > 0 ? static_cast<size_t>(sent) : 0;
     }
 
-    // The client's next message; nothing once it has closed the connection.
+    // The client's next message; empty after it has closed the connection.
     std::optional<Wire> Receive()
     {
         while (true) {
@@ -63,7 +63,7 @@ public:
         }
     }
 
-    // Whether the client still answers; false where it has closed the connection.
+    // Whether the client replies; false if it has closed the connection.
     bool IsAlive()
     {
         Send(R"({"id":"alive","method":"echo","params":[]})");

@@ -29,12 +29,12 @@ inline std::vector<standin::Row> AllRows()
     return rows;
 }
 
-// Rows by the description alone: whatever a table can hold.
+// Random rows with any contents that the table description allows.
 class RandomRows {
 public:
     explicit RandomRows(uint64_t seed) : random_(seed) {}
 
-    // So many of each.
+    // This number of rows of each table.
     std::vector<standin::Row> ForAllTables(int number)
     {
         std::vector<standin::Row> rows;

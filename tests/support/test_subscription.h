@@ -7,7 +7,7 @@
 
 namespace support {
 
-// A session for subscriptions; 0 where it is refused.
+// Opens a session for subscriptions; returns 0 on failure.
 inline ORM_SESSION OpenSubscriptions(ORM_FD_CONTROL control)
 {
     ORM_SESSION_PARAM param = 0;
@@ -18,7 +18,7 @@ inline ORM_SESSION OpenSubscriptions(ORM_FD_CONTROL control)
     return session;
 }
 
-// To every kind of change of a table.
+// Subscribes to every kind of change of a table.
 inline uint32_t SubscribeTo(ORM_SESSION session, const std::string& table,
                             ORM_SUB_CALLBACK callback)
 {

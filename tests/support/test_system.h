@@ -1,4 +1,4 @@
-// What a test does with the operating system, and waits for.
+// Helpers that use the operating system, and waits.
 #pragma once
 
 #include <sched.h>
@@ -22,7 +22,7 @@ inline std::string TextOf(const std::string& file)
     return text.str();
 }
 
-// The text of what the action throws; empty where it throws nothing.
+// The text of the exception that the action throws; empty if it throws none.
 template <typename Action>
 std::string RefusalOf(const Action& action)
 {
@@ -35,7 +35,7 @@ std::string RefusalOf(const Action& action)
 }
 
 struct Outcome {
-    int status;  // -1: it did not end by itself
+    int status;  // -1: ended by a signal
     std::string output;
 };
 
@@ -62,7 +62,7 @@ inline void Ip(const std::string& commands)
     EXPECT_EQ(done.status, 0) << "ip " << commands;
 }
 
-// Waits for a condition; false when it does not come true within ten seconds.
+// Waits for a condition; returns false if it is not true within ten seconds.
 template <typename Condition>
 bool Eventually(const Condition& condition)
 {
@@ -79,9 +79,8 @@ bool Eventually(const Condition& condition)
 
 }  // namespace support
 
-// For a test's body, which goes on in a new, empty network namespace, as do commands that it
-// starts; no traffic leaves it.
-#define IN_OWN_NETWORK(body)                                     \
-    if (unshare(CLONE_NEWNET) != 0)                              \
-        GTEST_SKIP() << "no network namespace can be made here"; \
+// Moves the test, and commands that it starts, into a new, empty network namespace.
+#define IN_OWN_NETWORK(body)                                 \
+    if (unshare(CLONE_NEWNET) != 0)                          \
+        GTEST_SKIP() << "cannot create a network namespace"; \
     (body)()
