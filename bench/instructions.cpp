@@ -32,7 +32,7 @@ int main()
             CALLGRIND_ZERO_STATS;
             call.run();
             if (counted) {
-                const std::string name = call.Function();  // the macro must be the only call in its statement
+                const std::string name = call.Function();  // not within the macro
                 CALLGRIND_DUMP_STATS_AT(name.c_str());
             }
             Maybe(call.after);

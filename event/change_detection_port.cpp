@@ -53,7 +53,7 @@ void QRB_EVENT_PortTableCallback(ORM_MESSAGE message, uint32_t eventType)
             break;
         }
         QRB_EVENT_PortUpdateSwitchPortUse(&oldRow, &newRow);
-        // At most one VLAN event: the first bitmap counts only if the second is unchanged.
+        // At most one VLAN event: the first bitmap is compared only if the second is unchanged.
         if (QRB_EVENT_PortCheckIsVlanBitMapChange(&newRow, &oldRow, QRB_VLAN_SET_SIZE,
                                                   QRB_VLAN_BITMAP_2) == BITMAP_UNCHANGED) {
             QRB_EVENT_PortCheckIsVlanBitMapChange(&newRow, &oldRow, QRB_VLAN_SET_SIZE,

@@ -1,4 +1,4 @@
-// Walks under way, and removals that wait for them.
+// Active walks, and removals that wait for them.
 #include "event/entry_removal.h"
 
 #include "bal/util_list/list_node.h"
@@ -43,7 +43,7 @@ const REMOVAL_S* FindRemoval(pthread_t thread)
 }
 
 // Whether a thread waits for a callback of another, directly or through further threads. A thread
-// waits for one callback at a time and never in a way that closes a cycle.
+// waits for one callback at a time, and no wait closes a cycle.
 bool WaitsFor(pthread_t thread, pthread_t other)
 {
     const REMOVAL_S* removal = FindRemoval(thread);

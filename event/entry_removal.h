@@ -1,12 +1,12 @@
-// Walks over the entries of a registry, and removal of entries while walks are under way.
+// Walks over the entries of a registry, and removal of entries during walks.
 //
-// One lock guards the three registries, with every list, tree node and flag of theirs, and the
-// walks over them. It is held for a registration, a removal, or the step of a publication from one
+// One lock guards the three registries, with all their lists, tree nodes and flags, and the walks
+// over them. It is held for a registration, a removal, or the step of a publication from one
 // callback to the next, and never while a callback runs or a line is logged.
 //
-// So a list may change while one of its callbacks runs. Every walk is therefore known to all
-// threads: removing a node advances the walks that would go to it next, and the removal waits until
-// no other thread runs its callback. Entries leave a registry through RemoveEntry only.
+// A list may therefore change while one of its callbacks runs. All walks are in a global chain:
+// removing a node advances the walks whose next node it is, and the removal waits until no other
+// thread runs the node's callback. Entries are removed from a registry only by RemoveEntry.
 #pragma once
 
 #include <pthread.h>
@@ -29,7 +29,7 @@ inline void UnlockRegistries()
     pthread_mutex_unlock(&registryLock);
 }
 
-// Entries own nothing: they are copied and freed as bytes.
+// Entries own no resources: they are copied and freed as bytes.
 template <typename Entry>
 constexpr UTIL_LIST_TRAITS_S EntryTraits()
 {
@@ -38,7 +38,7 @@ constexpr UTIL_LIST_TRAITS_S EntryTraits()
     return traits;
 }
 
-// A walk under way; lives on the stack of the thread that publishes.
+// An active walk, on the stack of the publishing thread.
 struct WALK_S {
     UTIL_LIST_NODE_S* next;           // called next; null at the end
     const UTIL_LIST_NODE_S* running;  // its callback runs; null if none does or it was removed
@@ -85,8 +85,8 @@ void RemoveEntries(UTIL_LIST_S* list, UTIL_LIST_S* removed);
 // Waits until no other thread runs the callback of a removed entry, releases the lock, and frees
 // the entries. The lock is held on entry and free while this waits.
 //
-// A callback on a thread that itself waits, directly or through others, for a callback of the
-// calling thread is not waited for: callbacks that remove each other would wait for ever.
+// Does not wait for a callback on a thread that itself waits, directly or through others, for a
+// callback of the calling thread: callbacks that remove each other would deadlock.
 void UnlockAndFree(UTIL_LIST_S* removed);
 
 // Removes the first entry that matches, and frees it as UnlockAndFree does. Returns FAIL if none

@@ -208,7 +208,7 @@ uint32_t FIB6_InquiryRe6(const void* /*pstFibKey*/, void* /*pstFibNhp*/)
 
 uint32_t FIB_AM_PrefixMatch(const FIB_PREFIX_S* prefix, const FIB_PREFIX_S* probe)
 {
-    // The number of leading bits that both addresses share; 32 if they are equal.
+    // The number of equal leading bits; 32 if the addresses are equal.
     return prefix->prefixLen <= probe->prefixLen &&
                    prefix->prefixLen <= std::countl_zero(prefix->address ^ probe->address)
                ? 1

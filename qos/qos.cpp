@@ -28,7 +28,7 @@ constexpr uint32_t FIELD_CAR_2 = 2;
 constexpr uint32_t FIELD_CAR_3 = 3;
 constexpr uint32_t FIELD_CAR_4 = 4;
 
-// Reads every row, also after a match: the last profile with the name counts.
+// Reads every row, also after a match: the last profile with the name is returned.
 uint32_t ScanRows(const char* function, ORM_SESSION session, ORM_SCAN scan, const char* name,
                   uint32_t* index)
 {

@@ -1,6 +1,5 @@
 /*
- * Prints what the library knows of one interface, as a module of the daemon would query it:
- * ask IFINDEX.
+ * A module in C that queries one interface and prints its name and line state: ask IFINDEX.
  *
  *     cc -std=c11 -o ask ask.c $(pkg-config --cflags --libs tarnd_qrb)
  */

@@ -31,7 +31,8 @@ void Report(const QRB_PORT_S& port, const char* what)
     seen.release();
 }
 
-// Runs on the library's listener thread. It returns soon, since every later change waits for it.
+// Runs on the library's listener thread. Must return quickly, because all later changes wait for
+// it.
 uint32_t OnVlanAddPort(const void* data, uint32_t, void*, uint64_t*)
 {
     Report(*static_cast<const QRB_PORT_S*>(data), "joined a VLAN");
@@ -76,7 +77,7 @@ int main()
     Write(standin::Row("if_base").Set("if_index", 7).Set("if_name", "Ethernet0/0/7"));
     Write(Port());
 
-    // Modules register before the changes that they wait for.
+    // Modules register before the start: earlier changes are not reported.
     MEM_EX_Init();
     if (!RegisterModule() || BDS_InitStart() != 0) {
         std::fputs("the library did not start; see the system log\n", stderr);

@@ -1,4 +1,4 @@
-// Memory and string functions that know their destination's size.
+// Memory and string functions with a bound for the destination.
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -7,7 +7,8 @@
 
 namespace {
 
-// A text that was refused must not leave half of itself, or what stood there before.
+// After a failure the destination is an empty text: neither a part of the source nor the old
+// contents.
 int Refuse(char* destination, size_t destinationSize, int code)
 {
     if (destination != nullptr && destinationSize > 0) {

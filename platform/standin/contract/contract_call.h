@@ -1,4 +1,4 @@
-// What the contract's functions have in common.
+// Helpers shared by the contract's functions.
 #pragma once
 
 #include <exception>
@@ -9,7 +9,7 @@
 
 namespace standin {
 
-// No exception leaves the library.
+// Converts exceptions into result codes: none may leave the library.
 template <typename Action>
 uint32_t Guarded(Action action)
 {
@@ -40,7 +40,7 @@ uint32_t OnSessionIn(SessionState state, uint64_t handle, Action action)
     });
 }
 
-// Passes the current row of a session or message to action, or returns why there is none.
+// Passes the current row of a session or message to action; returns a refusal if there is none.
 template <typename Action>
 uint32_t OnCurrentRow(uint64_t handle, Action action)
 {

@@ -1,9 +1,9 @@
 // Memory charged to modules.
 //
-// Every block has a header with what it is charged to. Each thread counts in counters of its own,
-// which only it writes, so that a charge costs plain loads and stores; a report adds all counters
-// up. One thread's counters may be negative, since a block may be freed by another thread than
-// allocated it: only the sum has a meaning.
+// Every block has a header with the handle that it is charged to. Each thread has its own counters,
+// which only it writes, so that a charge needs only plain loads and stores; a report adds up all
+// counters. The counters of one thread may be negative, because a block may be freed by another
+// thread than the one that allocated it: only the sum is meaningful.
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -21,10 +21,10 @@ namespace {
 
 constexpr uint32_t SELECTOR_IN_USE = 5;
 
-constexpr uint16_t UNKNOWN_MODULE = 0;  // charged for handles that were never given out
+constexpr uint16_t UNKNOWN_MODULE = 0;  // charged for unknown handles
 constexpr size_t HANDLE_COUNT = 256;    // handles are below
 
-// In front of every block. The handle that a block is freed under doesn't matter.
+// Precedes every block. The handle passed to a free is ignored.
 struct alignas(std::max_align_t) BlockHeader {
     size_t size;
     const char* file;
@@ -37,7 +37,7 @@ struct Usage {
     std::atomic<int64_t> blocks;
 };
 
-// On cache lines of their own.
+// Aligned to cache lines, to avoid false sharing.
 struct alignas(64) ThreadCounters {
     std::array<Usage, HANDLE_COUNT> usage;
     ThreadCounters* next;
@@ -46,7 +46,7 @@ struct alignas(64) ThreadCounters {
 
 constinit std::mutex mutex;  // guards the list of counters, their inUse, and the names of modules
 constinit ThreadCounters* allCounters = nullptr;
-// For a thread that has none: at its end, or for want of memory.
+// Shared by threads without counters of their own: during thread exit, or if out of memory.
 constinit ThreadCounters sharedCounters = {};
 constinit thread_local ThreadCounters* ownCounters = nullptr;
 
@@ -65,7 +65,7 @@ ThreadCounters* FindUnused()
     return added;
 }
 
-// Takes counters for a thread, and leaves them, with what they hold, to a thread that starts later.
+// Acquires counters for a thread. At its exit they are kept, with their values, for a later thread.
 class CountersOwner {
 public:
     CountersOwner()
@@ -88,7 +88,7 @@ public:
     CountersOwner& operator=(const CountersOwner&) = delete;
 };
 
-// A thread's first charge, and charges after its counters were left.
+// The slow path: a thread's first charge, and charges after its counters were released.
 [[gnu::noinline]] void ChargeFirst(uint16_t handle, int64_t bytes, int64_t blocks)
 {
     static thread_local const CountersOwner owner;
@@ -97,7 +97,7 @@ public:
     usage.blocks += blocks;
 }
 
-// Only the owning thread writes, so nothing is lost between the load and the store.
+// Only the owning thread writes, so no update is lost between the load and the store.
 void Add(std::atomic<int64_t>& counter, int64_t amount)
 {
     counter.store(counter.load(std::memory_order_relaxed) + amount, std::memory_order_relaxed);

@@ -154,7 +154,7 @@ uint32_t OrmgQosIntegrationSetKeyPrimaryKeyInner(ORM_SESSION session, const void
     return SetKey(StoreNamed<QOS_INTEGRATION>(), session, "primary_key", key, keyLength);
 }
 
-// The names of ACL groups are handed over by address: in the key the text, in the record a buffer
+// Names of ACL groups are passed by address: the key has a pointer to the text, the record a buffer
 // and its capacity.
 namespace {
 

@@ -1,5 +1,5 @@
-// The contract's lists inside a record. A node's handle names its session, the session's position,
-// the list and the item, so there is nothing to keep or to free.
+// The contract's lists inside a record. A node handle encodes the session, the session's current
+// row, the list and the item, so nodes need no storage.
 #include <algorithm>
 
 #include "contract/contract_call.h"
@@ -9,9 +9,9 @@ using namespace standin;
 
 namespace {
 
-// What a node's handle stands for, if its session still is where it was.
+// The list and item that a node handle refers to, if the session's current row is still the same.
 struct Node {
-    const List* list = nullptr;  // null: a stale handle, or none
+    const List* list = nullptr;  // null: an invalid or stale handle
     std::span<const uint8_t> items;
 };
 

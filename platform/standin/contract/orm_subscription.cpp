@@ -6,7 +6,7 @@
 
 using namespace standin;
 
-// There is one database, so the names in a parameter object choose nothing.
+// There is only one database, so the names in a parameter object are ignored.
 uint32_t OrmCreateSessionParam(const char* channel, const char* kind, ORM_SESSION_PARAM* param)
 {
     if (AnyNull(channel, kind, param)) {

@@ -1,4 +1,4 @@
-// What the stand-in answers when it refuses a call, beside the contract's own codes.
+// Result codes with which the stand-in refuses a call, in addition to the contract's codes.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,8 @@ namespace standin {
 
 enum Refusal : uint32_t {
     NullArgument = 2001,
-    UnknownHandle = 2002,  // null, closed, of another kind, or not ours at all
-    WrongOrder = 2003,     // a call that is not due in the state of its session
+    UnknownHandle = 2002,  // null, closed, of another kind, or invalid
+    WrongOrder = 2003,     // a call that is not allowed in the state of the session
     UnknownMode = 2004,    // OrmInit, OrmPrepare, OrmSubExtractData
     UnknownTable = 2005,
     UnknownKey = 2006,  // also a key member

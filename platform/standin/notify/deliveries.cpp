@@ -45,7 +45,8 @@ std::optional<RowChange> CurrentChange()
 
 void BetweenDeliveries(const std::function<void()>& action)
 {
-    const auto subscribers = Subscriber::All();  // the action may close them: not under our locks
+    const auto subscribers =
+        Subscriber::All();  // the action may close them, so the locks are not held
     std::vector<std::unique_lock<std::recursive_timed_mutex>> held;
     held.reserve(subscribers.size());
     for (const auto& subscriber : subscribers) {

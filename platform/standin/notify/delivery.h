@@ -1,5 +1,5 @@
-// One message of a subscription: neighbouring rows of one table that a transaction changed by the
-// same operation. Keeps the rows before and after alive.
+// One delivery of a subscription: consecutive rows of one table that a transaction changed by the
+// same operation. References the rows before and after the change.
 #pragma once
 
 #include <chrono>
@@ -17,7 +17,7 @@ struct Delivery {
     std::chrono::steady_clock::time_point committed;
 };
 
-// A list, since moving a delivery from one to another needs no memory.
+// A list, because splicing a delivery needs no memory.
 using Deliveries = std::list<Delivery>;
 
 }  // namespace standin

@@ -11,7 +11,7 @@ namespace standin {
 
 namespace {
 
-// Lock this before a subscriber's own.
+// Lock order: this lock before a subscriber's.
 std::mutex openMutex;
 
 // Never destroyed: other threads may still run when the process ends.
@@ -86,7 +86,7 @@ void Subscriber::Append(Deliveries deliveries)
     }
     const bool first = pending_.empty();
     pending_.splice(pending_.end(), deliveries);
-    lock.unlock();  // the thread that waits needs it as soon as it wakes
+    lock.unlock();  // the woken thread needs it immediately
     if (first) {
         ready_.Raise();
     }
@@ -106,7 +106,7 @@ PendingMessages Subscriber::Pending()
 size_t Subscriber::PendingCount()
 {
     const std::lock_guard lock(mutex_);
-    LowerWhenDrained();  // it may have been raised after its delivery was taken
+    LowerWhenDrained();  // it may have been raised after the delivery was taken
     return pending_.size();
 }
 
@@ -129,7 +129,8 @@ Deliveries Subscriber::TakeFirst()
     return first;
 }
 
-// Only what is pending now, so that a busy writer doesn't keep the caller for ever.
+// Delivers only what is pending at the call, so that a busy writer can't keep the caller in the
+// loop.
 uint32_t Subscriber::Dispatch()
 {
     const std::lock_guard lock(dispatching_);
@@ -221,7 +222,7 @@ void Subscriber::StopServing()
 {
     ready_.Raise();
     if (server_.get_id() == std::this_thread::get_id()) {
-        server_.detach();  // a callback closes: its thread ends after it
+        server_.detach();  // closed by a callback: the thread ends after the callback
     } else if (server_.joinable()) {
         server_.join();
     }
@@ -229,7 +230,7 @@ void Subscriber::StopServing()
 
 namespace {
 
-// Neighbours of one table and one operation.
+// Groups consecutive changes of one table by one operation.
 std::vector<std::span<const Change>> RunsOf(std::span<const Change> changes)
 {
     std::vector<std::span<const Change>> runs;

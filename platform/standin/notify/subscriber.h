@@ -15,39 +15,39 @@ namespace standin {
 
 class Subscriber : public std::enable_shared_from_this<Subscriber> {
 public:
-    // Null where the control function doesn't take the descriptor. Without a control function, a
-    // thread of the stand-in's own waits on it.
+    // Returns null if the control function refuses the descriptor. Without a control function, a
+    // thread of the stand-in waits on it.
     static std::shared_ptr<Subscriber> Open(ORM_FD_CONTROL control);
 
     static std::vector<std::shared_ptr<Subscriber>> All();
-    // The open one with this descriptor, or null.
+    // Returns the open subscriber with this descriptor, or null.
     static std::shared_ptr<Subscriber> Find(int descriptor);
 
     void Subscribe(const Definition& definition, ORM_SUB_CALLBACK callback);
 
-    // Its messages about changes, which come in runs: neighbours of one table and operation.
+    // Creates its deliveries for the changes, one for each run of changes of one table and
+    // operation.
     Deliveries DeliveriesOf(std::span<const std::span<const Change>> runs);
     void Append(Deliveries deliveries);
 
-    // Runs the callbacks of what is pending now.
+    // Runs the callbacks of the deliveries that are pending at the call.
     uint32_t Dispatch();
 
-    // The message whose callback runs on this thread; 0 where there is none.
+    // The message whose callback runs on this thread; 0 if there is none.
     static ORM_MESSAGE RunningMessage();
 
     PendingMessages Pending();
 
-    // Waits until nothing is pending and no callback runs; false where that takes until the
-    // deadline.
+    // Waits until nothing is pending and no callback runs; returns false at the deadline.
     bool AwaitQuiet(std::chrono::steady_clock::time_point deadline);
 
-    // No callback runs while this is held.
+    // While the returned lock is held, no callback runs.
     std::unique_lock<std::recursive_timed_mutex> HoldCallbacks()
     {
         return std::unique_lock(dispatching_);
     }
 
-    // No callback runs afterwards, and none is running, unless it is the one that closes.
+    // When it returns, no callback is running or will run, except the one that calls it.
     void Close();
 
 private:
@@ -60,8 +60,8 @@ private:
 
     size_t PendingCount();
     void LowerWhenDrained();  // under the lock
-    Deliveries TakeFirst();   // none or one
-    bool DeliverFirst();      // false where there is no handle for the message
+    Deliveries TakeFirst();   // at most one
+    bool DeliverFirst();      // false if no handle is available for the message
     bool IsClosed();
     void Serve();
     void StopServing();
@@ -74,14 +74,14 @@ private:
     bool isDispatching_ = false;
 
     std::condition_variable drained_;
-    std::mutex mutex_;  // of the variables below
+    std::mutex mutex_;  // protects the members below
     std::vector<Subscription> subscriptions_;
     Deliveries pending_;
     bool closed_ = false;
 };
 
-// The messages of one transaction. Made while the transaction can still be undone, since that takes
-// memory. Posting takes none, so every committed change is announced.
+// The deliveries of one transaction. They are allocated while the transaction can still be rolled
+// back. Posting allocates nothing, so every committed change is delivered.
 using Announcement = std::vector<std::pair<std::shared_ptr<Subscriber>, Deliveries>>;
 Announcement Announce(std::span<const Change> changes);
 void Post(Announcement& announcement);  // in the order of the transactions

@@ -11,7 +11,7 @@ namespace standin {
 
 namespace {
 
-// No event has this number.
+// Not the number of an event.
 constexpr uint32_t UNKNOWN_EVENT = UINT32_MAX;
 
 uint32_t EventNamed(std::string_view name)

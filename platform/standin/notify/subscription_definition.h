@@ -1,4 +1,4 @@
-// What a subscription covers, from its JSON definition.
+// Parses the JSON definition of a subscription: its table and operations.
 #pragma once
 
 #include <optional>
@@ -18,7 +18,7 @@ struct Definition {
     }
 };
 
-// Nothing where the text is no definition, or names a table or an operation that there isn't.
+// No value if the text is not a definition, or if its table or an operation is unknown.
 std::optional<Definition> ParseDefinition(std::string_view text);
 
 }  // namespace standin

@@ -40,7 +40,7 @@ uint32_t CopyField(const Field* field, const uint8_t* bytes, void* destination, 
 
 const Field* FieldOfNumber(std::span<const Field> fields, uint32_t number)
 {
-    // Where the numbers have no gaps, a field's number is its place.
+    // If the numbers have no gaps, a field's number is its index.
     if (number < fields.size() && fields[number].number == number) {
         return &fields[number];
     }

@@ -1,4 +1,4 @@
-// The current row of a session or message, and the reading of its fields.
+// The current row of a session or message, and access to its fields.
 #pragma once
 
 #include <atomic>
@@ -13,11 +13,11 @@ public:
     void Clear();
 
     bool IsSet() const { return static_cast<bool>(row_); }
-    // Only where it is set.
+    // Only if a row is set.
     const StoredRow& Row() const { return *row_; }
     const Table& Description() const { return store_->Description(); }
 
-    // Changes with every other row, which makes the handles of the former row's lists stale.
+    // Changes with each new row, which invalidates handles of the former row's lists.
     uint64_t Stamp() const;
 
 private:
@@ -26,7 +26,7 @@ private:
     std::atomic<uint32_t> stamp_ = 0;  // compared with stale handles, on any thread
 };
 
-// Copies one field out of a record or an item; null is an unknown field.
+// Copies one field of a record or an item; null means an unknown field.
 uint32_t CopyField(const Field* field, const uint8_t* bytes, void* destination, uint32_t size);
 
 const Field* FieldOfNumber(std::span<const Field> fields, uint32_t number);

@@ -1,4 +1,4 @@
-// One session: what was prepared on it, its current row, and its handle.
+// One session: its prepared operation, current row and handle.
 #pragma once
 
 #include <memory>
@@ -24,7 +24,7 @@ struct Session {
     uint64_t uses = 0;                 // handles made with this number
     CurrentRow current;
 
-    // What was prepared.
+    // The prepared operation.
     SessionState state = SessionState::Open;
     const TableStore* store = nullptr;
     ReadKey key;
@@ -32,7 +32,7 @@ struct Session {
     TableScan scan;
     uint64_t scanHandle = 0;
 
-    // Only a subscription session has a subscriber, only a message has a delivery.
+    // Only subscription sessions have a subscriber; only messages have a delivery.
     std::shared_ptr<Subscriber> subscriber;
     const Delivery* delivery = nullptr;
     size_t fetched = 0;  // rows of the delivery moved to so far

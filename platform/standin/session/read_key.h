@@ -22,8 +22,8 @@ private:
     const Key& Description() const { return store_->Description().keys[*key_]; }
 
     const TableStore* store_ = nullptr;
-    std::optional<size_t> key_;  // its place in Table::keys
-    uint32_t missing_ = 0;       // a bit for each member that is to be set
+    std::optional<size_t> key_;  // index in Table::keys
+    uint32_t missing_ = 0;       // a bit for each member that is not set yet
     std::array<uint8_t, LONGEST_KEY> bytes_;
 };
 

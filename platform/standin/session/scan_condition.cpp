@@ -8,7 +8,7 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-// All of the text, or nothing.
+// Parses the whole text as a number; no value if it is not one.
 std::optional<uint32_t> ParseNumber(std::string_view text, int base)
 {
     uint32_t number = 0;
@@ -29,7 +29,7 @@ std::optional<Bytes> NumberBytes(const Field& field, std::string_view text)
     return bytes;
 }
 
-// "0x" and two digits for each byte of the field.
+// Parses "0x" and two digits for each byte of the field.
 std::optional<Bytes> HexadecimalBytes(const Field& field, std::string_view text)
 {
     if (!text.starts_with("0x") || text.size() != 2 + 2 * size_t{field.width}) {
@@ -81,7 +81,7 @@ std::optional<ScanCondition> ScanCondition::Parse(const Table& table, std::strin
         }
         const std::string_view field = text.substr(0, sign);
         text.remove_prefix(sign + equals.size());
-        // A value has no blank, and may be "and" itself.
+        // A value contains no blank; the value may be "and".
         const std::string_view value = text.substr(0, text.find(' '));
         text.remove_prefix(value.size());
         if (!condition.AddTerm(table, field, value)) {

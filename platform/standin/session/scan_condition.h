@@ -1,4 +1,4 @@
-// The condition of a scan: every term's field has the term's bytes.
+// The condition of a scan. A row matches if the field of every term has the term's value.
 #pragma once
 
 #include <algorithm>
@@ -13,7 +13,7 @@ namespace standin {
 
 class ScanCondition {
 public:
-    // Terms "field = value" joined by " and "; nothing where the text is anything else.
+    // Parses terms "field = value" joined by " and "; no value for any other text.
     static std::optional<ScanCondition> Parse(const Table& table, std::string_view text);
 
     bool Matches(const uint8_t* record) const

@@ -10,7 +10,7 @@ constinit std::array<std::atomic<Session*>, size_t{1} << SESSION_BITS> sessions 
 
 namespace {
 
-std::mutex mutex;  // of the variables below
+std::mutex mutex;  // protects the variables below
 uint32_t sessionCount = 0;
 
 // Closed sessions. Never destroyed: other threads may still run when the process ends.
@@ -20,7 +20,7 @@ std::vector<Session*>& Closed()
     return closed;
 }
 
-// Adds a closed session, unless there are too many, or no memory.
+// Adds a closed session; fails at the maximum number, or if out of memory.
 void AddSession()
 {
     if (sessionCount < sessions.size()) {

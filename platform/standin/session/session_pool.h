@@ -1,5 +1,5 @@
-// All sessions. They are used again and never freed, so a stale handle can be looked up on any
-// thread.
+// The pool of all sessions. Sessions are reused and never freed, so that any thread can check a
+// stale handle.
 #pragma once
 
 #include <array>
@@ -9,13 +9,13 @@
 
 namespace standin {
 
-// Opens a session and stores its handle; null where there are too many, or no memory.
+// Opens a session and stores its handle; returns null at the maximum number, or if out of memory.
 Session* OpenSession(HandleKind kind, uint64_t* handle);
 void CloseSession(Session& session);
 
 extern std::array<std::atomic<Session*>, size_t{1} << SESSION_BITS> sessions;
 
-// The session with the number that a handle contains, open or not; null where there is none yet.
+// The session with the number that a handle contains, open or not; null if it does not exist yet.
 inline Session* SessionAt(uint64_t handle)
 {
     return sessions[SessionNumberOf(handle)].load(std::memory_order_acquire);

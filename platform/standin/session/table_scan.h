@@ -1,8 +1,7 @@
-// A scan of the rows that a table has when it starts, in the order of the table.
+// A scan of the rows that a table has when the scan starts, in the order of the table.
 //
-// It takes references to a short run of rows at a time. Between two runs it keeps nothing of the
-// table but the place to go on from, so writers don't wait for it, and what they write meanwhile
-// changes no other row's turn.
+// It references a small batch of rows at a time. Between batches it has only the place to continue
+// from, so writers don't wait for it, and inserted or removed rows don't affect the position.
 #pragma once
 
 #include "session/scan_condition.h"
@@ -32,8 +31,8 @@ private:
     const ScanCondition* condition_ = nullptr;
     std::vector<RowReference> rows_;
     size_t returned_ = 0;        // of these rows
-    std::optional<Place> next_;  // place to go on from; nothing at the end
-    uint64_t end_ = 0;           // sequence of the first row that came after the start
+    std::optional<Place> next_;  // place to continue from; no value at the end
+    uint64_t end_ = 0;           // sequence number of the first row inserted after the start
 };
 
 }  // namespace standin

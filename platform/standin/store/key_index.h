@@ -1,4 +1,4 @@
-// Finds rows by one of their keys.
+// A hash index over one key of a table's rows.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +22,7 @@ public:
 
     const Key& Description() const { return *rows_.hash_function().key; }
 
-    // The row whose key has these bytes, or null.
+    // Returns the row whose key has these bytes, or null.
     const StoredRow* Find(const uint8_t* bytes) const
     {
         const auto found = rows_.find(bytes);
@@ -33,7 +33,7 @@ public:
         return Find(row.Record() + Description().offset);
     }
 
-    // Makes room for another row, or gives back the memory of an index that is nearly empty.
+    // Reserves space for another row, or shrinks an index that is nearly empty.
     void Reserve()
     {
         const size_t needed = (rows_.size() + 1) * 5 / 4 + 1;  // buckets, at most 0.8 of them used
@@ -41,7 +41,7 @@ public:
             rows_.rehash(needed);
         }
     }
-    // Room was made, and no row has the key.
+    // Requires reserved space, and that no row has the key.
     // NOLINTNEXTLINE(bugprone-exception-escape)
     void Insert(const StoredRow& row) noexcept { rows_.insert(&row); }
     void Erase(const StoredRow& row) noexcept { rows_.erase(&row); }
@@ -49,7 +49,7 @@ public:
 private:
     static constexpr uint64_t GOLDEN_RATIO = 0x9E3779B97F4A7C15;  // of 2^64
 
-    // The bytes of the key, of a row or given as they are.
+    // The bytes of the key: of a row, or given directly.
     struct KeyBytes {
         const Key* key;
 
@@ -61,7 +61,7 @@ private:
         size_t operator()(Keyed keyed) const
         {
             const uint8_t* bytes = Of(keyed);
-            if (key->width == sizeof(uint32_t)) {  // most keys: a multiplication spreads these
+            if (key->width == sizeof(uint32_t)) {  // most keys: Fibonacci hashing
                 uint32_t number = 0;
                 std::memcpy(&number, bytes, sizeof(number));
                 return number * GOLDEN_RATIO >> 32;
@@ -80,7 +80,7 @@ private:
         }
     };
 
-    // The hash is kept beside the row, which spares looking at most rows with another key.
+    // The hash is stored with the pointer, which avoids most accesses to rows with another key.
     static constexpr bool STORE_HASH = true;
     tsl::robin_set<const StoredRow*, Hash, Equal, std::allocator<const StoredRow*>, STORE_HASH>
         rows_;

@@ -8,12 +8,12 @@ namespace standin {
 
 namespace {
 
-// Each on a cache line of its own.
+// Aligned to cache lines, to avoid false sharing.
 struct alignas(64) Shard {
     std::shared_mutex mutex;
 };
 
-// With more reading threads than shards some share one, which costs speed only.
+// If there are more reading threads than shards, some share a shard, which only costs speed.
 constexpr size_t SHARDS = 16;
 constinit std::array<Shard, SHARDS> shards;
 

@@ -1,19 +1,18 @@
-// The reader-writer lock of the tables: any number of readers at a time, or one writer alone.
+// The reader-writer lock of the tables: several readers, or one writer.
 //
-// How a reader and a writer of the same row are kept apart:
-// The lock is an array of locks, and each thread is given one of them when it first reads.
-// A reader looks a row up under a ReadGuard, which holds its own thread's lock shared.
-// A writer changes the tables under a WriteGuard, which holds all of those locks exclusively.
-// So no reader is inside the tables while a row is inserted, replaced or removed, and a reader that
-// enters afterwards finds the whole transaction.
-// Readers on different cores lock different cache lines, which is the only reason for the array.
-// The contents of a stored row never change: an update puts a new row in the old one's place.
-// A one-shot read copies the record before it leaves the guard.
-// A session or a scan takes a counted reference to the row before it leaves the guard, and reads
-// the row without a lock from then on.
-// The writer drops the table's reference to a row that it replaced or removed, and whoever drops
-// the last reference frees the row, so a row is never freed while a session reads it.
-// No code of a caller runs under a guard, so a guard is held briefly and never taken twice.
+// The lock is an array of locks. Each thread is assigned one of them on its first read, so that
+// readers on different cores use different cache lines.
+//
+// A reader looks up rows under a ReadGuard, which locks its thread's lock shared. A writer changes
+// the tables under a WriteGuard, which locks all locks exclusively. No reader accesses the tables
+// while a transaction is applied, and later readers see all of it.
+//
+// Stored rows are immutable: an update replaces the row by a new one. A one-shot read copies the
+// record under the guard. A session or a scan takes a counted reference under the guard and reads
+// the row without a lock afterwards. The writer releases the table's reference to a replaced or
+// removed row; the last release frees the row, so a row is not freed while a session reads it.
+//
+// No code of a caller runs under a guard, so guards are held briefly and are not nested.
 #pragma once
 
 #include <mutex>

@@ -47,8 +47,8 @@ void RowOrder::Insert(RowReference row)
     rowCount_++;
 }
 
-// The new block begins with the place that is about to be filled, so rows that come in ascending
-// order leave full blocks behind.
+// The new block begins at the place of the row to insert, so that ascending insertions leave full
+// blocks.
 RowOrder::Block& RowOrder::SplitBefore(Place place, Block& block)
 {
     Block& added = blocks_.emplace(place, EmptyBlock()).first->second;
@@ -74,7 +74,7 @@ void RowOrder::Erase(Place place)
     }
 }
 
-// Where both have few rows, so that memory follows the number of rows.
+// Merges two blocks with few rows, so that memory is proportional to the number of rows.
 void RowOrder::MergeWithNext(Blocks::iterator block)
 {
     const auto next = std::next(block);

@@ -1,4 +1,4 @@
-// The rows of a table in the order of their places, and the table's references to them.
+// The table's references to its rows, ordered by place.
 //
 // A sorted list in blocks: a map from places to short sorted arrays. Inserting, replacing and
 // erasing take logarithmic time.
@@ -22,8 +22,8 @@ public:
     void Erase(Place place);
     size_t RowCount() const { return rowCount_; }
 
-    // The rows at a place and behind it, as far as they lie side by side, and where the others
-    // begin.
+    // The rows at a place and after it that are contiguous in memory, and the place of the next
+    // row.
     struct Run {
         std::span<const RowReference> rows;
         std::optional<Place> next;
@@ -42,8 +42,8 @@ private:
     Block& SplitBefore(Place place, Block& block);
     void MergeWithNext(Blocks::iterator block);
 
-    // A block holds the places from its key up to the next block's. There is always one, at the
-    // first place.
+    // A block has the places from its key up to the next block's key. There is always a block at
+    // the first place.
     Blocks blocks_;
     size_t rowCount_ = 0;
 };

@@ -1,4 +1,4 @@
-// Transactions, and the plain ways to read what was written.
+// Transactions, and direct reads for sources and tests.
 #include "standin/store.h"
 
 #include <mutex>
@@ -33,7 +33,7 @@ void Transaction::Delete(const Row& key)
 
 namespace {
 
-// One transaction at a time; also orders the messages about them.
+// Serialises transactions and the posting of their deliveries.
 std::mutex writer;
 
 const uint8_t* PrimaryKeyOf(const Row& row)
@@ -46,7 +46,7 @@ const uint8_t* PrimaryKeyOf(const Row& row)
     throw Error(RowName(row, key) + ": " + std::string(reason));
 }
 
-// What a write changes. Throws Error where it is refused. made: nothing for a deletion.
+// The change made by a write. Throws Error if it is refused. made: null for a deletion.
 Change Examine(uint32_t event, const Row& row, const RowReference& made)
 {
     TableStore& store = StoreOf(row.Description());
@@ -77,7 +77,7 @@ void Apply(const Change& change)
     }
 }
 
-// Ends the process where memory runs out, rather than leave half a transaction.
+// Terminates the process if out of memory: a partly applied transaction can't be rolled back.
 void Undo(const Change& change) noexcept  // NOLINT(bugprone-exception-escape): that ends it
 {
     if (!change.before) {
@@ -93,7 +93,7 @@ void Undo(const Change& change) noexcept  // NOLINT(bugprone-exception-escape): 
 
 void Transaction::Commit()
 {
-    // Whatever needs no lock comes before it; rows that are replaced are freed after it.
+    // Checks and allocations precede the lock; replaced rows are freed after it.
     std::vector<RowReference> made;
     made.reserve(writes_.size());
     for (const Write& write : writes_) {
@@ -153,7 +153,7 @@ size_t CountRows(const Table& table)
 void Reset()
 {
     const std::lock_guard lock(writer);
-    std::vector<RowOrder> removed;  // freed after readers are let in
+    std::vector<RowOrder> removed;  // freed after the lock is released
     const WriteGuard guard;
     for (const Table& table : Tables()) {
         if (StoreOf(table).Order().RowCount() > 0) {

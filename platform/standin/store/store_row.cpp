@@ -1,4 +1,4 @@
-// Building and looking at rows outside the database.
+// Construction and inspection of rows outside the database.
 #include <algorithm>
 #include <cstring>
 

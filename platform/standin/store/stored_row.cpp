@@ -9,7 +9,7 @@ namespace {
 
 using ListBytes = std::optional<std::span<const uint8_t>>;
 
-constexpr uint32_t ABSENT = UINT32_MAX;  // in the place of a list's size in bytes
+constexpr uint32_t ABSENT = UINT32_MAX;  // stored instead of a list's size in bytes
 
 size_t StoredSize(const ListBytes& items)
 {

@@ -1,4 +1,4 @@
-// A row in the database. Its contents never change: a write puts a new row in its place.
+// A row in the database. Its contents never change: a write replaces it by a new row.
 #pragma once
 
 #include <atomic>
@@ -12,8 +12,8 @@
 
 namespace standin {
 
-// Where a row is in the order of its table. The rank is chosen by the writer; the sequence counts
-// insertions.
+// A row's place in the order of its table. The rank is chosen by the writer; the sequence number
+// counts insertions.
 struct Place {
     uint32_t rank = 0;
     uint64_t sequence = 0;
@@ -23,7 +23,7 @@ struct Place {
 
 class StoredRow;
 
-// A counted reference: the last one that goes frees the row.
+// A counted reference. Releasing the last one frees the row.
 class RowReference {
 public:
     RowReference() = default;
@@ -46,19 +46,18 @@ private:
     const StoredRow* row_ = nullptr;
 };
 
-// The header; the record follows, and behind it each list as a count and its items. One block of
-// memory for each row.
+// The header of a row. The record and the lists, each with its size, follow in the same block of
+// memory.
 class StoredRow {
 public:
     static RowReference Make(const Row& row);
 
     const uint8_t* Record() const { return reinterpret_cast<const uint8_t*>(this + 1); }
 
-    // Items one behind another; nothing where the row has no such list. list: its place in
-    // Table::lists.
+    // The items, contiguous; no value if the list is absent. list: index in Table::lists.
     std::optional<std::span<const uint8_t>> Items(const Table& table, size_t list) const;
 
-    // Set by the table that the row enters.
+    // Set when the row is inserted into a table.
     Place TablePlace() const { return {rank_, sequence_}; }
     uint64_t Sequence() const { return sequence_; }
     void SetPlace(Place place) const
@@ -99,7 +98,7 @@ inline RowReference::~RowReference()
     }
 }
 
-// The contents again, detached from the database.
+// Returns a copy of the contents, detached from the database.
 Row Detached(const Table& table, const StoredRow& row);
 
 }  // namespace standin

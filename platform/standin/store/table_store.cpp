@@ -66,7 +66,7 @@ RowOrder TableStore::TakeAll()
 
 namespace {
 
-// Lives as long as the process: other threads may still read when main returns.
+// Never destroyed: other threads may still read when the process ends.
 std::vector<TableStore>& Stores()
 {
     static auto& stores = *new std::vector<TableStore>(Tables().begin(), Tables().end());

@@ -1,4 +1,4 @@
-// One table's rows, found by each key and in the order of the table.
+// The rows of one table, with an index for each key and the table's order.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ public:
 
     const Table& Description() const { return *table_; }
 
-    // Under a ReadGuard, or by the writer. key: its place in Table::keys.
+    // Requires a ReadGuard, or the calling thread is the writer. key: index in Table::keys.
     const StoredRow* Find(size_t key, const uint8_t* bytes) const
     {
         return indexes_[key].Find(bytes);
@@ -26,13 +26,13 @@ public:
     // The key of row that a row other than the excepted one has, or null.
     const Key* TakenKey(const StoredRow& row, const StoredRow* except) const;
 
-    // Under a WriteGuard. Keys are free. What fails for want of memory changes nothing.
-    void Insert(const RowReference& row);   // behind all rows of its rank
-    void Restore(const RowReference& row);  // where it was when it was removed
+    // Require a WriteGuard and free keys. If out of memory, they fail without a change.
+    void Insert(const RowReference& row);   // after all rows of its rank
+    void Restore(const RowReference& row);  // at the place from which it was removed
     void Replace(const StoredRow& present, const RowReference& row);
     void Remove(const StoredRow& row);
 
-    // Removes every row, and returns them.
+    // Removes and returns all rows.
     RowOrder TakeAll();
 
 private:
@@ -42,18 +42,18 @@ private:
     uint64_t nextSequence_ = 0;
 };
 
-// What a write did to one row.
+// A change of one row by a write.
 struct Change {
     TableStore* store;
     uint32_t event;       // ORM_EVENT_*
-    RowReference before;  // none where there was no row
-    RowReference after;   // none where there is no row any more
+    RowReference before;  // null for an insertion
+    RowReference after;   // null for a deletion
 };
 
-// The store of a table; key and table descriptions are those of Tables().
+// Returns the store of a table, which must be one of Tables().
 TableStore& StoreOf(const Table& table);
 
-// Null where there is no such table.
+// Returns null if there is no table of that name.
 TableStore* FindStore(std::string_view table);
 
 }  // namespace standin

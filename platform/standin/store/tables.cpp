@@ -1,5 +1,5 @@
-// The tables: a record is described once, here. Numbers of fields follow the device's, so they have
-// gaps where this database keeps less than a device does.
+// The table definitions. Field numbers are those of a device; they have gaps for fields that the
+// stand-in does not have.
 #include "standin/tables.h"
 
 #include <algorithm>
@@ -10,13 +10,13 @@ namespace {
 
 using enum Kind;
 
-// A key over neighbouring fields; refuses to compile where they are not neighbours.
+// A key of contiguous fields; fails to compile if they are not contiguous.
 consteval Key KeyOver(std::string_view name, std::span<const Field* const> members)
 {
     uint32_t end = members.front()->offset;
     for (const Field* member : members) {
         if (member->offset != end) {
-            throw "the members of a key lie side by side";
+            throw "the members of a key must be contiguous";
         }
         end += member->width;
     }
@@ -27,7 +27,7 @@ consteval Key KeyOver(std::string_view name, std::span<const Field* const> membe
     return {name, members, members.front()->offset, width};
 }
 
-// Most tables have one key, over one field that comes first.
+// Most tables have one key, of one field at the start of the record.
 template <const auto& fields>
 struct KeyOfFirstField {
     static constexpr const Field* members[] = {&fields[0]};

@@ -1,4 +1,4 @@
-// Messages on their way from a commit to the subscribers' callbacks.
+// Deliveries of changes to the callbacks of subscribers.
 #pragma once
 
 #include <chrono>
@@ -9,8 +9,8 @@
 
 namespace standin {
 
-// On a thread that runs such a callback: when the transaction of the message was committed.
-// Elsewhere the clock's epoch.
+// On a thread that runs such a callback: the time of the commit. On other threads: the clock's
+// epoch.
 std::chrono::steady_clock::time_point CommitTime();
 
 // A row before and after a change; absent before an insertion, or after a deletion.
@@ -19,23 +19,22 @@ struct RowChange {
     std::optional<Row> after;
 };
 
-// On a thread that runs such a callback: the change that OrmSubFetchNext moved to last. No value
-// before the first, after the last, and elsewhere.
+// On a thread that runs such a callback: the current change, to which OrmSubFetchNext moved. No
+// value before the first change, after the last, and on other threads.
 std::optional<RowChange> CurrentChange();
 
-// Runs the action while no callback runs; messages stay pending meanwhile. Not for several threads
-// at once.
+// Runs the action while no callback runs; deliveries stay pending meanwhile. Must not be called by
+// several threads at once.
 void BetweenDeliveries(const std::function<void()>& action);
 
-// Messages that wait for their callbacks.
+// Row messages that have not been delivered.
 struct PendingMessages {
     size_t count = 0;
-    std::chrono::steady_clock::time_point oldest;  // commit time of the oldest, if there are any
+    std::chrono::steady_clock::time_point oldest;  // commit time of the oldest, if count is not 0
 };
 PendingMessages CountPendingMessages();
 
-// Waits until the callbacks for everything that is committed have returned; false where that takes
-// longer.
+// Waits until the callbacks for all committed changes have returned; returns false on a timeout.
 bool AwaitDeliveries(std::chrono::milliseconds longest);
 
 }  // namespace standin

@@ -1,9 +1,10 @@
-// The writing side of the stand-in: what the rest of a device does to its configuration database.
+// The interface for writing to the stand-in, as other components of a device write to its
+// configuration database.
 //
-// There is one database in the process. Any thread may call; transactions are carried out one after
-// another, and each becomes visible at one moment: a read that starts afterwards sees all of it.
+// There is one database in the process. Any thread may call. Transactions are serialised and
+// atomic: a read that starts after a commit sees all of its writes.
 //
-// A table is ordered by rank, and rows of one rank by their insertion. Scans follow this order.
+// Rows of a table are ordered by rank, rows of equal rank by insertion. Scans follow this order.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +22,7 @@ namespace standin {
 
 class StoredRow;
 
-// Text for a person: table, key or field, and the reason of the refusal.
+// The text has the table, the key or field, and the reason of the refusal.
 class Error : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -40,21 +41,21 @@ public:
                   std::span<const uint8_t> bytes);  // Mac, Set: exactly its width
     Row& AddToSet(std::string_view field, uint32_t first, uint32_t last);  // Set: turns bits on
 
-    // A list that was never made is absent, which is not the same as empty.
+    // Creates an empty list. A list that was not created is absent, which differs from empty.
     Row& MakeList(std::string_view list);
-    // Adds an item at the end (and makes the list): its field values in the description's order.
+    // Appends an item, with field values in the order of the table definition; creates the list if
+    // it is absent.
     Row& AddItem(std::string_view list, std::span<const uint64_t> values);
 
-    // Where the row enters its table: in front of all rows of higher rank. A row that is updated or
-    // replaced keeps its place. 0 unless set; not part of the contents.
+    // The rank determines the place of a new row: before all rows of higher rank. Updating or
+    // replacing a row does not change its place. 0 by default; not part of the contents.
     Row& SetRank(uint32_t rank);
     uint32_t Rank() const { return rank_; }
 
     uint64_t Number(std::string_view field) const;  // Number, Ipv4
     std::string_view Text(std::string_view field) const;
     std::span<const uint8_t> Bytes(const Field& field) const;
-    // Items one behind another, or nothing where the list is absent. list: its place in
-    // Table::lists.
+    // The items, contiguous; no value if the list is absent. list: index in Table::lists.
     std::optional<std::span<const uint8_t>> Items(size_t list) const;
 
     const Table& Description() const { return *table_; }
@@ -75,23 +76,22 @@ private:
     std::vector<std::optional<std::vector<uint8_t>>> lists_;
 };
 
-// The row for messages, by the fields of a key: "if_base: if_index 5" or
+// Names the row in messages, by the fields of a key: "if_base: if_index 5" or
 // "Fib.ConfigIpv4Fwd: destAddr 10.0.0.0, prefixLen 8".
 std::string RowName(const Row& row, const Key& key);
 
 // "192.0.2.1" for 0xC0000201.
 std::string Ipv4ToText(uint32_t address);
 
-// Several writes, all or nothing. Commit carries them out in order and throws Error for the first
-// that is refused, whereupon nothing has changed. A transaction that was never committed changes
-// nothing.
+// Several writes, executed atomically. Commit executes them in order and throws Error for the first
+// one that is refused; no write takes effect then. A transaction that is not committed has no
+// effect.
 class Transaction {
 public:
-    void Insert(Row row);   // refused where a row has one of its keys
-    void Update(Row row);   // refused where no row has its primary key
-    void Replace(Row row);  // inserts, or puts the row in the old one's place
-    void Delete(
-        const Row& key);  // only the primary key's fields count; refused where no row has it
+    void Insert(Row row);         // refused if a row has one of its keys
+    void Update(Row row);         // refused if no row has its primary key
+    void Replace(Row row);        // inserts, or replaces the row with its key
+    void Delete(const Row& key);  // only the primary key is used; refused if no row has it
     void Commit();
 
     bool Empty() const { return writes_.empty(); }
@@ -105,14 +105,14 @@ private:
     std::vector<Write> writes_;
 };
 
-// The row with the primary key of key, if there is one.
+// Finds the row with the primary key of key.
 std::optional<Row> Find(const Row& key);
 
-// Every row of a table in the table's order, by a scan.
+// Calls the function for every row of a table, in the table's order, by a scan.
 void ForEachRow(const Table& table, const std::function<void(const Row&)>& onRow);
 size_t CountRows(const Table& table);
 
-// Empties every table without messages to subscribers. For tests and benchmarks that start over.
+// Clears every table without notifying subscribers. For tests and benchmarks.
 void Reset();
 
 }  // namespace standin

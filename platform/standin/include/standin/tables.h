@@ -1,5 +1,5 @@
-// The one description of the tables. Field reads by number and by name, whole records, keys,
-// conditions, lists and JSON all follow from it.
+// The definition of the tables. Field reads, record accessors, keys, conditions, lists and the JSON
+// format are derived from it.
 #pragma once
 
 #include <cstdint>
@@ -25,13 +25,13 @@ struct Field {
     bool unterminated = false;  // a text that may fill its whole width
 };
 
-// The longest text that a field holds.
+// The maximum length of a text in a field.
 constexpr uint32_t LongestText(const Field& field)
 {
     return field.unterminated ? field.width : field.width - 1;
 }
 
-// Members lie side by side in the record, so a key is a run of its bytes.
+// The members are contiguous in the record, so that a key is a range of its bytes.
 struct Key {
     std::string_view name;
     std::span<const Field* const> members;
@@ -67,7 +67,7 @@ constexpr bool IsInPrimaryKey(const Table& table, const Field& field)
     return false;
 }
 
-// Null where there is none of that name.
+// Returns null if there is no table of that name.
 const Table* FindTable(std::string_view name);
 const Field* FindField(std::span<const Field> fields, std::string_view name);
 
