@@ -80,13 +80,7 @@ void Apply(const Change& change)
 // Terminates the process if out of memory: a partly applied transaction can't be rolled back.
 void Undo(const Change& change) noexcept  // NOLINT(bugprone-exception-escape): that ends it
 {
-    if (!change.before) {
-        change.store->Remove(*change.after);
-    } else if (!change.after) {
-        change.store->Restore(change.before);
-    } else {
-        change.store->Replace(*change.after, change.before);
-    }
+    Apply({change.store, change.event, change.after, change.before});
 }
 
 }  // namespace

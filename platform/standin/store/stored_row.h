@@ -74,7 +74,7 @@ private:
 
     uint8_t* Bytes() { return reinterpret_cast<uint8_t*>(this + 1); }
 
-    mutable uint64_t sequence_ = 0;
+    mutable uint64_t sequence_ = 0;  // 0: not yet in a table
     mutable uint32_t rank_;
     mutable std::atomic<uint32_t> references_ = 0;
 };

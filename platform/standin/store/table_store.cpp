@@ -22,13 +22,9 @@ const Key* TableStore::TakenKey(const StoredRow& row, const StoredRow* except) c
 
 void TableStore::Insert(const RowReference& row)
 {
-    row->SetPlace({row->TablePlace().rank, nextSequence_});
-    Restore(row);
-    nextSequence_++;
-}
-
-void TableStore::Restore(const RowReference& row)
-{
+    if (row->Sequence() == 0) {
+        row->SetPlace({row->TablePlace().rank, nextSequence_++});
+    }
     for (KeyIndex& index : indexes_) {
         index.Reserve();
     }

@@ -27,8 +27,8 @@ public:
     const Key* TakenKey(const StoredRow& row, const StoredRow* except) const;
 
     // Require a WriteGuard and free keys. If out of memory, they fail without a change.
-    void Insert(const RowReference& row);   // after all rows of its rank
-    void Restore(const RowReference& row);  // at the place from which it was removed
+    // Inserts after all rows of its rank, or, if it was removed, at its former place.
+    void Insert(const RowReference& row);
     void Replace(const StoredRow& present, const RowReference& row);
     void Remove(const StoredRow& row);
 
@@ -39,7 +39,7 @@ private:
     const Table* table_;
     std::vector<KeyIndex> indexes_;
     RowOrder order_;
-    uint64_t nextSequence_ = 0;
+    uint64_t nextSequence_ = 1;
 };
 
 // A change of one row by a write.
