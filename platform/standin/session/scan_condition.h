@@ -22,7 +22,6 @@ public:
             return std::memcmp(record + term.offset, term.bytes.data(), term.bytes.size()) == 0;
         });
     }
-    bool IsEmpty() const { return terms_.empty(); }
     void Clear() { terms_.clear(); }
 
 private:

@@ -30,9 +30,6 @@ void TableScan::Fetch()
         const auto run = store_->Order().RunFrom(*next_);
         rows_.reserve(run.rows.size());
         for (const RowReference& row : run.rows) {
-            __builtin_prefetch(row.Get());
-        }
-        for (const RowReference& row : run.rows) {
             if (row->Sequence() < end_ && condition_->Matches(row->Record())) {
                 rows_.push_back(row);
             }
