@@ -15,12 +15,6 @@ using standin::Field;
 using standin::Kind;
 using standin::Table;
 
-bool InPrimaryKey(const Table& table, const std::string& name)
-{
-    return std::ranges::any_of(table.keys[0].members,
-                               [&](const Field* member) { return member->name == name; });
-}
-
 bool IsNumber(const std::string& text)
 {
     return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos &&
@@ -89,7 +83,7 @@ Assignment ParseAssignment(const Table& table, const std::string& word)
     if (sets && (field == nullptr || field->kind != Kind::Set)) {
         throw UsageError(assignment.field + " is not a set, so " + mark + "= does not apply");
     }
-    assignment.isKey = InPrimaryKey(table, assignment.field);
+    assignment.isKey = field != nullptr && standin::IsInPrimaryKey(table, *field);
     return assignment;
 }
 

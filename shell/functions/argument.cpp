@@ -6,11 +6,11 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
-#include <cstring>
+
+#include <standin/store.h>
 
 #include "shell/table_lookup.h"
 #include "shell/words.h"
-#include "sources/json/json_value.h"
 
 namespace shell {
 namespace {
@@ -78,7 +78,7 @@ std::string WordBeside(const Argument& argument, const Json& value)
 Json NumberToJson(Form form, uint64_t number)
 {
     if (form == Form::Ipv4) {
-        return Ipv4ToText(static_cast<uint32_t>(number));
+        return standin::Ipv4ToText(static_cast<uint32_t>(number));
     }
     if (form != Form::Hex) {
         return number;
@@ -86,18 +86,6 @@ Json NumberToJson(Form form, uint64_t number)
     std::array<char, 20> text{};
     std::snprintf(text.data(), text.size(), "0x%llx", static_cast<unsigned long long>(number));
     return text.data();
-}
-
-std::string Ipv4ToText(uint32_t address)
-{
-    std::array<uint8_t, sizeof(address)> bytes{};
-    std::memcpy(bytes.data(), &address, sizeof(address));
-    return sources::ValueToJson(standin::Kind::Ipv4, bytes);
-}
-
-std::string MacToText(const uint8_t* mac)
-{
-    return sources::ValueToJson(standin::Kind::Mac, std::span(mac, 6));
 }
 
 }  // namespace shell

@@ -49,7 +49,5 @@ uint64_t NumberFromWord(const Argument& argument, const std::string& word, uint6
 std::string WordBeside(const Argument& argument, const Json& value);
 
 Json NumberToJson(Form form, uint64_t number);
-std::string Ipv4ToText(uint32_t address);
-std::string MacToText(const uint8_t* mac);
 
 }  // namespace shell

@@ -14,6 +14,7 @@
 
 #include "shell/functions/function.h"
 #include "shell/functions/record_json.h"
+#include "sources/json/json_value.h"
 
 namespace shell {
 
@@ -153,7 +154,8 @@ struct ParameterSlot<T*> {
         }
         if constexpr (std::same_as<T, uint8_t>) {
             if (argument.form == Form::Mac) {
-                return written.empty() ? Json() : Json(MacToText(buffer.data()));
+                return written.empty() ? Json()
+                                       : Json(sources::MacToText(std::span(buffer).first(6)));
             }
         }
         if (argument.size > 1) {

@@ -1,5 +1,7 @@
 #include "shell/functions/record_json.h"
 
+#include <standin/store.h>
+
 #include "shell/words.h"
 
 namespace shell {
@@ -33,17 +35,17 @@ Json RecordToJson(const BDS_IF_TYPE_INFO_S& record)
 
 Json RecordToJson(const FIB_NHP_S& record)
 {
-    return {{"nextHop", Ipv4ToText(record.firstValue)}, {"ifIndex", record.secondValue}};
+    return {{"nextHop", standin::Ipv4ToText(record.firstValue)}, {"ifIndex", record.secondValue}};
 }
 
 Json RecordToJson(const SYSAPI_IP4_ADDR_S& record)
 {
-    return {{"address", Ipv4ToText(record.address)}, {"masklen", record.masklen}};
+    return {{"address", standin::Ipv4ToText(record.address)}, {"masklen", record.masklen}};
 }
 
 Json RecordToJson(const BDS_IPV4_ADDR_ITEM_S& record)
 {
-    return {{"address", Ipv4ToText(record.address)},
+    return {{"address", standin::Ipv4ToText(record.address)},
             {"masklen", record.masklen},
             {"type", record.type}};
 }

@@ -26,17 +26,6 @@ uint64_t LittleEndian(std::span<const uint8_t> bytes)
     return number;
 }
 
-std::string MacToText(std::span<const uint8_t> bytes)
-{
-    std::string text;
-    for (const uint8_t byte : bytes) {
-        std::array<char, 4> part{};
-        std::snprintf(part.data(), part.size(), ":%02x", byte);
-        text += part.data();
-    }
-    return text.substr(1);
-}
-
 std::string TextOf(std::span<const uint8_t> bytes)
 {
     return {bytes.begin(), std::find(bytes.begin(), bytes.end(), 0)};
@@ -93,6 +82,17 @@ const std::string& TextFromJson(const Field& field, const Json& value)
 }
 
 }  // namespace
+
+std::string MacToText(std::span<const uint8_t> bytes)
+{
+    std::string text;
+    for (const uint8_t byte : bytes) {
+        std::array<char, 4> part{};
+        std::snprintf(part.data(), part.size(), ":%02x", byte);
+        text += part.data();
+    }
+    return text.substr(1);
+}
 
 Json ValueToJson(Kind kind, std::span<const uint8_t> bytes)
 {

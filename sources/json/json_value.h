@@ -11,6 +11,9 @@
 
 namespace sources {
 
+// "02:00:00:00:00:01" for its six bytes.
+std::string MacToText(std::span<const uint8_t> bytes);
+
 Json ValueToJson(standin::Kind kind, std::span<const uint8_t> bytes);
 
 // Throw JsonError for a value of the wrong type, out of range or too long.
