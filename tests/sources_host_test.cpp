@@ -81,7 +81,7 @@ bool SameInterfaces()
         }
     }
     return RowsOf("am_ipv4_address").size() == withAddress &&
-           std::ranges::all_of(sources::linkTables, [&](const char* table) {
+           std::ranges::all_of(sources::LINK_TABLES, [&](const char* table) {
                return RowsOf(table).size() == links.size();
            });
 }

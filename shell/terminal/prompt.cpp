@@ -136,7 +136,7 @@ size_t TerminalWidth(EditLine* editor)
 // Inserts the common prefix of all candidates. If there is nothing to insert, lists them.
 unsigned char OnTab(EditLine* editor, int /*key*/)
 {
-    constexpr size_t most = 200;
+    constexpr size_t MOST = 200;
     const LineInfo* line = el_line(editor);
     const auto [begun, candidates] =
         Complete({line->buffer, static_cast<size_t>(line->cursor - line->buffer)});
@@ -151,7 +151,7 @@ unsigned char OnTab(EditLine* editor, int /*key*/)
     if (!added.empty()) {
         return el_insertstr(editor, added.c_str()) == 0 ? CC_REFRESH : CC_ERROR;
     }
-    if (candidates.size() <= most) {
+    if (candidates.size() <= MOST) {
         ListWords(candidates, TerminalWidth(editor));
     } else {
         std::cout << '\n' << candidates.size() << " possibilities\n" << std::flush;

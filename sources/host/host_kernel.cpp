@@ -205,9 +205,9 @@ void Kernel::WaitForPendingChanges()
 {
     // A query of a single link takes the RTNL lock, which is held during all such changes. Dumps of
     // addresses and routes don't take it.
-    constexpr int loopback = 1;
+    constexpr int LOOPBACK = 1;
     rtnl_link* link = nullptr;
-    Check(rtnl_link_get_kernel(socket_.get(), loopback, nullptr, &link), "cannot read the links");
+    Check(rtnl_link_get_kernel(socket_.get(), LOOPBACK, nullptr, &link), "cannot read the links");
     rtnl_link_put(link);
 }
 
@@ -230,7 +230,7 @@ int Notifications::Descriptor() const
 
 KernelChanges Notifications::Take()
 {
-    constexpr int limit = 1000;  // write received changes although more keep arriving
+    constexpr int LIMIT = 1000;  // write received changes although more keep arriving
     KernelChanges changes;
     const auto onObject = [&](nl_object* object) {
         const int type = nl_object_get_msgtype(object);
@@ -238,7 +238,7 @@ KernelChanges Notifications::Take()
             changes.links.push_back({type == RTM_DELLINK, ReadLink(object)});
         }
     };
-    for (int taken = 0; taken < limit; ++taken) {
+    for (int taken = 0; taken < LIMIT; ++taken) {
         const int result = Receive(socket_.get(), onObject);
         if (result == -NLE_AGAIN) {
             break;

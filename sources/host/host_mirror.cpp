@@ -6,7 +6,7 @@ using standin::Transaction;
 
 void MirrorLinks(Transaction& transaction, const std::vector<Link>& links)
 {
-    std::array<Rows, linkTables.size()> desired;
+    std::array<Rows, LINK_TABLES.size()> desired;
     for (const Link& link : links) {
         const Rows rows = LinkRows(link);
         for (size_t i = 0; i < desired.size(); ++i) {
@@ -14,7 +14,7 @@ void MirrorLinks(Transaction& transaction, const std::vector<Link>& links)
         }
     }
     for (size_t i = 0; i < desired.size(); ++i) {
-        MirrorTable(transaction, *standin::FindTable(linkTables[i]), desired[i]);
+        MirrorTable(transaction, *standin::FindTable(LINK_TABLES[i]), desired[i]);
     }
 }
 

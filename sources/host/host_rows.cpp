@@ -16,15 +16,16 @@ struct TypeOfHardware {
     uint32_t hardware;
     uint32_t ifType;
 };
-constexpr uint32_t otherType = 16;
-constexpr TypeOfHardware types[] = {{ARPHRD_ETHER, 1},   {ARPHRD_LOOPBACK, 2}, {ARPHRD_TUNNEL, 2},
-                                    {ARPHRD_TUNNEL6, 2}, {ARPHRD_SIT, 2},      {ARPHRD_IPGRE, 2},
-                                    {ARPHRD_NONE, 2}};
+constexpr uint32_t OTHER_TYPE = 16;
+constexpr TypeOfHardware HARDWARE_TYPES[] = {
+    {ARPHRD_ETHER, 1}, {ARPHRD_LOOPBACK, 2}, {ARPHRD_TUNNEL, 2}, {ARPHRD_TUNNEL6, 2},
+    {ARPHRD_SIT, 2},   {ARPHRD_IPGRE, 2},    {ARPHRD_NONE, 2}};
 
 uint32_t IfType(uint32_t hardware)
 {
-    const auto* const found = std::ranges::find(types, hardware, &TypeOfHardware::hardware);
-    return found == std::end(types) ? otherType : found->ifType;
+    const auto* const found =
+        std::ranges::find(HARDWARE_TYPES, hardware, &TypeOfHardware::hardware);
+    return found == std::end(HARDWARE_TYPES) ? OTHER_TYPE : found->ifType;
 }
 
 // The position in VLAN member sets is the second byte: the interface index, modulo 256.

@@ -15,9 +15,9 @@
 namespace sources {
 
 // The tables that have a row for each link.
-inline constexpr std::array linkTables = {"if_base", "if_phy", "if_link", "if_route", "port"};
+inline constexpr std::array LINK_TABLES = {"if_base", "if_phy", "if_link", "if_route", "port"};
 
-// One row for each of linkTables, in that order.
+// One row for each of LINK_TABLES, in that order.
 Rows LinkRows(const Link& link);
 
 // The rows of "am_ipv4_address": one for each interface that has an address.

@@ -38,14 +38,14 @@ void HostSource::Follow()
 
 void HostSource::Run(const std::stop_token& stop)
 {
-    constexpr int forever = -1;
-    constexpr int retryAfter = 1000;  // milliseconds
+    constexpr int FOREVER = -1;
+    constexpr int RETRY_AFTER = 1000;  // milliseconds
     const std::stop_callback onStop(stop, [this] { stopEvent_.Raise(); });
     while (!stop.stop_requested()) {
         pollfd waitedFor[] = {{notifications_.Descriptor(), POLLIN, 0},
                               {stopEvent_.Descriptor(), POLLIN, 0}};
         const bool hasWork = needsResync_ || forwarding_.HasUnused();
-        poll(waitedFor, std::size(waitedFor), hasWork ? retryAfter : forever);
+        poll(waitedFor, std::size(waitedFor), hasWork ? RETRY_AFTER : FOREVER);
         try {
             TakeChanges();
         } catch (const std::exception& error) {

@@ -17,12 +17,12 @@ namespace sources {
 // it fills: rows that others write there are deleted.
 class HostSource final : public Source {
 public:
-    static constexpr int defaultReceiveBuffer = 1 << 20;
+    static constexpr int DEFAULT_RECEIVE_BUFFER = 1 << 20;
 
     // Fills the tables with the present state. Throws std::runtime_error if a netlink query fails.
     // receiveBuffer: size in bytes of the buffer for notifications. If it overflows, the source
     // resynchronises: intermediate states may be missed, the resulting state is not.
-    explicit HostSource(int receiveBuffer = defaultReceiveBuffer);
+    explicit HostSource(int receiveBuffer = DEFAULT_RECEIVE_BUFFER);
 
     // Starts a thread that writes each change, until the source is destroyed.
     void Follow() override;

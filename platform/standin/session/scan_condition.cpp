@@ -71,16 +71,16 @@ std::optional<Bytes> ValueBytes(const Field& field, std::string_view text)
 
 std::optional<ScanCondition> ScanCondition::Parse(const Table& table, std::string_view text)
 {
-    constexpr std::string_view equals = " = ";
-    constexpr std::string_view joint = " and ";
+    constexpr std::string_view EQUALS = " = ";
+    constexpr std::string_view JOINT = " and ";
     ScanCondition condition;
     for (;;) {
-        const size_t sign = text.find(equals);
+        const size_t sign = text.find(EQUALS);
         if (sign == std::string_view::npos) {
             return std::nullopt;
         }
         const std::string_view field = text.substr(0, sign);
-        text.remove_prefix(sign + equals.size());
+        text.remove_prefix(sign + EQUALS.size());
         // A value contains no blank; the value may be "and".
         const std::string_view value = text.substr(0, text.find(' '));
         text.remove_prefix(value.size());
@@ -90,10 +90,10 @@ std::optional<ScanCondition> ScanCondition::Parse(const Table& table, std::strin
         if (text.empty()) {
             return condition;
         }
-        if (!text.starts_with(joint)) {
+        if (!text.starts_with(JOINT)) {
             return std::nullopt;
         }
-        text.remove_prefix(joint.size());
+        text.remove_prefix(JOINT.size());
     }
 }
 
