@@ -49,17 +49,16 @@ uint32_t OpenSubscriptionSession(ORM_FD_CONTROL control, ORM_SESSION* session)
 
 uint32_t SelectObject(Session& message, uint32_t object)
 {
-    const auto& changes = message.delivery->changes;
-    if (message.fetched == 0 || message.fetched > changes.size()) {
+    const Change* change = message.delivery->LastOf(message.fetched);
+    if (change == nullptr) {
         return Refusal::WrongOrder;
     }
-    const Change& change = changes[message.fetched - 1];
-    const RowReference& row = object == ORM_OBJECT_OLD ? change.before : change.after;
+    const RowReference& row = object == ORM_OBJECT_OLD ? change->before : change->after;
     if (!row) {
         message.current.Clear();
         return ORM_NO_RECORD;
     }
-    message.current.Set(*change.store, row);
+    message.current.Set(*change->store, row);
     return ORM_OK;
 }
 

@@ -29,18 +29,15 @@ std::chrono::steady_clock::time_point CommitTime()
 std::optional<RowChange> CurrentChange()
 {
     const Session* message = RunningSession();
-    if (message == nullptr) {
+    const Change* change =
+        message == nullptr ? nullptr : message->delivery->LastOf(message->fetched);
+    if (change == nullptr) {
         return std::nullopt;
     }
-    const auto& changes = message->delivery->changes;
-    if (message->fetched == 0 || message->fetched > changes.size()) {
-        return std::nullopt;
-    }
-    const Change& change = changes[message->fetched - 1];
     const auto detached = [&](const RowReference& row) {
-        return row ? std::optional(Detached(change.store->Description(), *row)) : std::nullopt;
+        return row ? std::optional(Detached(change->store->Description(), *row)) : std::nullopt;
     };
-    return RowChange{detached(change.before), detached(change.after)};
+    return RowChange{detached(change->before), detached(change->after)};
 }
 
 void BetweenDeliveries(const std::function<void()>& action)

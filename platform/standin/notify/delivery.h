@@ -15,6 +15,12 @@ struct Delivery {
     ORM_SUB_CALLBACK callback;
     std::vector<Change> changes;  // never empty
     std::chrono::steady_clock::time_point committed;
+
+    // The change last fetched; null before the first, and after the last.
+    const Change* LastOf(size_t fetched) const
+    {
+        return fetched == 0 || fetched > changes.size() ? nullptr : &changes[fetched - 1];
+    }
 };
 
 // A list, because splicing a delivery needs no memory.
