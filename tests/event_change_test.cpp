@@ -8,13 +8,14 @@
 
 #include "sources/host/host_source.h"
 #include "support/recorded_events.h"
+#include "support/test_rows.h"
 #include "support/test_system.h"
-#include "support/test_writes.h"
 
 namespace {
 
 using standin::Row;
 using support::AwaitEvents;
+using support::Base, support::PhyState, support::Port, support::RouteState;
 using support::Events;
 using namespace support::writes;
 
@@ -41,13 +42,16 @@ const struct {
     Row row;
     Events events;
 } cases[] = {
-    {Phy(7, 0), Update, Phy(7, 1), {"9/2 flag 0 if 7", "9/8 flag 0 if 7", "notify 3 if 7"}},
-    {Phy(7, 1), Update, Phy(7, 1).Set("speed", 10), {}},
-    {Phy(7, 0), Update, Phy(7, 2), {}},
-    {Phy(7, 2), Update, Phy(7, 1), {}},
-    {Phy(6, 0), Insert, Phy(7, 2), {}},
-    {Route(7, 0), Update, Route(7, 1), {"9/3 flag 0 if 7 with 1, 0"}},
-    {Route(7, 1), Replace, Route(7, 0), {"9/3 flag 1 if 7 with 1, 0"}},
+    {PhyState(7, 0),
+     Update,
+     PhyState(7, 1),
+     {"9/2 flag 0 if 7", "9/8 flag 0 if 7", "notify 3 if 7"}},
+    {PhyState(7, 1), Update, PhyState(7, 1).Set("speed", 10), {}},
+    {PhyState(7, 0), Update, PhyState(7, 2), {}},
+    {PhyState(7, 2), Update, PhyState(7, 1), {}},
+    {PhyState(6, 0), Insert, PhyState(7, 2), {}},
+    {RouteState(7, 0), Update, RouteState(7, 1), {"9/3 flag 0 if 7 with 1, 0"}},
+    {RouteState(7, 1), Replace, RouteState(7, 0), {"9/3 flag 1 if 7 with 1, 0"}},
     {Port(7, 1, 0), Update, Port(7, 2, 1), {"13 if 7 use 1"}},
     {Member(1, 2, 47), Update, Member(2, 2, 46), {"11 if 7 pvid 2 bitmap 0"}},
     {Member(1, 1, 0), Update, Member(2, 1, 4095), {"12 if 7 pvid 1 bitmap 1"}},
@@ -79,9 +83,10 @@ TEST_F(ChangeDetection, SubscribesWithTheRecordedDefinitions)
 
 TEST_F(ChangeDetection, RowsOfOneDeliveryAreIndependent)
 {
-    Write(Insert, {Phy(2, 1)});
+    Write(Insert, {PhyState(2, 1)});
     AwaitEvents();
-    Write(Replace, {Phy(1, 0), Phy(2, 0), Phy(3, 1), Port(1, 1, 1), Port(1, 2, 0), Route(1, 1)});
+    Write(Replace, {PhyState(1, 0), PhyState(2, 0), PhyState(3, 1), Port(1, 1, 1), Port(1, 2, 0),
+                    RouteState(1, 1)});
     EXPECT_EQ(AwaitEvents(),
               (Events{"notify 4 if 1", "9/2 flag 1 if 2", "notify 4 if 2", "9/8 flag 0 if 3",
                       "notify 3 if 3", "36 if 1 pvid 1", "14 if 1 use 0"}));
@@ -96,8 +101,8 @@ TEST_F(ChangeDetection, ContinuesAfterAFailedPublication)
         L2IF_SH_EvtCbFuncReg("null", event, 9, nullptr);
     }
     IF_INTF_RegEvtCb(9, 2, nullptr, 0, 9);
-    Write(Insert, {Base(7), Port(7, 1, 0), Phy(7, 1)});
-    Write(Update, {Port(7, 1, 1).AddToSet("vlan_bitmap_2", 1, 1), Phy(7, 0)});
+    Write(Insert, {Base(7), Port(7, 1, 0), PhyState(7, 1)});
+    Write(Update, {Port(7, 1, 1).AddToSet("vlan_bitmap_2", 1, 1), PhyState(7, 0)});
     Write(Update, {Port(7, 1, 0)});
     Write(Delete, {Port(7, 1, 0)});
     const Events expected = {

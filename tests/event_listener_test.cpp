@@ -13,8 +13,8 @@
 #include <tarnd_qrb/listener.h>
 
 #include "support/recorded_events.h"
+#include "support/test_rows.h"
 #include "support/test_system.h"
-#include "support/test_writes.h"
 
 namespace {
 
@@ -41,7 +41,7 @@ uint32_t Register()
 bool IsDelivered(uint64_t interface, int times)
 {
     delivered = 0;
-    support::writes::Write(support::writes::Insert, {support::writes::Base(interface)});
+    support::writes::Write(support::writes::Insert, {support::Base(interface)});
     return support::Eventually([=] { return delivered == times; });
 }
 

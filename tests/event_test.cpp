@@ -9,15 +9,16 @@
 #include <tarnd_qrb/subscription.h>
 
 #include "support/example_calls.h"
+#include "support/recorded_changes.h"
 #include "support/recorded_events.h"
-#include "support/test_subscription.h"
-#include "support/test_writes.h"
+#include "support/test_rows.h"
 
 namespace calls {
 
 namespace {
 
 using standin::Row;
+using support::Base, support::PhyState, support::Port, support::RouteState;
 using namespace support::writes;
 using support::ForgetEvents;
 
@@ -258,11 +259,11 @@ Calls Deliveries()
     return {
         DELIVERY(QRB_EVENT_IfBaseTableCallback, Insert, Named, "notify 0 if 91, notify 0 if 92"),
         DELIVERY(QRB_EVENT_IfBaseTableCallback, Delete, Named, "notify 1 if 91, notify 1 if 92"),
-        DELIVERY(QRB_EVENT_IfPhyTableCallback, Insert, Phy, "9/8 flag 0 if 91, notify 3 if 91, 9/8 flag 0 if 92, notify 3 if 92"),
-        DELIVERY(QRB_EVENT_IfPhyTableCallback, Update, Phy, "9/2 flag 1 if 91, notify 4 if 91, 9/2 flag 1 if 92, notify 4 if 92"),
-        DELIVERY(QRB_EVENT_IfPhyTableCallback, Replace, Phy, "9/2 flag 1 if 91, notify 4 if 91, notify 4 if 92"),
-        DELIVERY(QRB_EVENT_IfPhyTableCallback, Delete, Phy, R"(- | Incorrect type of event type, type=1\n)"),
-        DELIVERY(QRB_EVENT_IfRouteTableCallback, Update, Route, "9/3 flag 1 if 91 with 1, 0, 9/3 flag 1 if 92 with 1, 0"),
+        DELIVERY(QRB_EVENT_IfPhyTableCallback, Insert, PhyState, "9/8 flag 0 if 91, notify 3 if 91, 9/8 flag 0 if 92, notify 3 if 92"),
+        DELIVERY(QRB_EVENT_IfPhyTableCallback, Update, PhyState, "9/2 flag 1 if 91, notify 4 if 91, 9/2 flag 1 if 92, notify 4 if 92"),
+        DELIVERY(QRB_EVENT_IfPhyTableCallback, Replace, PhyState, "9/2 flag 1 if 91, notify 4 if 91, notify 4 if 92"),
+        DELIVERY(QRB_EVENT_IfPhyTableCallback, Delete, PhyState, R"(- | Incorrect type of event type, type=1\n)"),
+        DELIVERY(QRB_EVENT_IfRouteTableCallback, Update, RouteState, "9/3 flag 1 if 91 with 1, 0, 9/3 flag 1 if 92 with 1, 0"),
         DELIVERY(QRB_EVENT_PortTableCallback, Insert, Member, "36 if 91 pvid 1, 36 if 92 pvid 1"),
         DELIVERY(QRB_EVENT_PortTableCallback, Delete, Member, "37 if 91 pvid 1, 37 if 92 pvid 1"),
         DELIVERY(QRB_EVENT_PortTableCallback, Update, Member, "14 if 91 use 0, 11 if 91 pvid 1 bitmap 0, 14 if 92 use 0, 11 if 92 pvid 1 bitmap 0"),
@@ -283,7 +284,7 @@ Calls OfMessages()
             QRB_IF_PHY_NOTICE_S notice = {UNTOUCHED, UNTOUCHED};
             QRB_EVENT_IfPhyInsert(message, &row, &notice);
             return Texts({notice.ifIndex, notice.phyState});
-        }, Insert, Phy, "9/8 flag 0 if 91, notify 3 if 91 91 1"),
+        }, Insert, PhyState, "9/8 flag 0 if 91, notify 3 if 91 91 1"),
     };
 }
 

@@ -13,8 +13,8 @@
 #include <tarnd_qrb/subscription.h>
 
 #include "support/recorded_events.h"
+#include "support/test_rows.h"
 #include "support/test_system.h"
-#include "support/test_writes.h"
 
 namespace {
 
@@ -330,6 +330,7 @@ using StartUp = support::EventTest;
 TEST_F(StartUp, SubscribesOnceFromSeveralThreads)
 {
     using namespace support::writes;
+    using support::Base;
     support::WatchPlatform(false);
     const auto start = [] { EXPECT_EQ(BDS_InitStart(), 0U); };
     support::RecordEvents();

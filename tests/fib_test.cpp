@@ -2,7 +2,7 @@
 #include <tarnd_qrb/route.h>
 
 #include "support/example_calls.h"
-#include "support/test_writes.h"
+#include "support/test_rows.h"
 
 namespace calls {
 

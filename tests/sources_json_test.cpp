@@ -8,7 +8,6 @@
 #include "support/fault_injection.h"
 #include "support/test_rows.h"
 #include "support/test_system.h"
-#include "support/test_writes.h"
 
 namespace {
 

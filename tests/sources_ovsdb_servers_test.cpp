@@ -9,7 +9,6 @@
 #include "support/recorded_changes.h"
 #include "support/test_rows.h"
 #include "support/test_system.h"
-#include "support/test_writes.h"
 
 namespace {
 
@@ -71,7 +70,7 @@ TEST_F(ServersTest, WritesComeBackAsChangesOrAreRefused)
 {
     const OvsdbServer server(folder_);
     writes::Write(writes::Insert, {Phy(99)});  // not on the server: deleted
-    const Events events;
+    const RecordedChanges events;
     OvsdbSource cluster(server.Remote(), brisk);
     cluster.Follow();
     cluster.Commit({{Insert, Phy(1, 10)}});
@@ -80,11 +79,11 @@ TEST_F(ServersTest, WritesComeBackAsChangesOrAreRefused)
     cluster.Commit({{Replace, Phy(1, 12)}});
     cluster.Commit({{Replace, Phy(2, 20)}});
     cluster.Commit({{Delete, Phy(1)}, {Insert, Phy(3, 30)}, {Replace, Phy(3, 31)}});
-    EXPECT_TRUE(Eventually([] { return Events::Count("if_phy") >= 7; }));
+    EXPECT_TRUE(Eventually([] { return RecordedChanges::Count("if_phy") >= 7; }));
     const std::vector<RecordedChange> expected = {
         {"if_phy", 99, 0, {}}, {"if_phy", 1, {}, 10}, {"if_phy", 1, 10, 11}, {"if_phy", 1, 11, 12},
         {"if_phy", 2, {}, 20}, {"if_phy", 1, 12, {}}, {"if_phy", 3, {}, 31}};
-    EXPECT_EQ(Events::Take(), expected);
+    EXPECT_EQ(RecordedChanges::Take(), expected);
 
     cluster.Commit({{Insert, Base(1, "one")}});
     const std::pair<std::vector<RowWrite>, std::string> refused[] = {
@@ -285,7 +284,7 @@ TEST_F(ServersTest, EveryCommittedChangeIsOneEventWhileLeadersFail)
         }));
         return **found;
     };
-    const Events events;
+    const RecordedChanges events;
     cluster.Follow();
     constexpr uint64_t rounds = 2, each = 150;
     for (uint64_t round = 0; round < rounds; ++round) {
@@ -304,8 +303,8 @@ TEST_F(ServersTest, EveryCommittedChangeIsOneEventWhileLeadersFail)
         ExpectSameAs(followed());
         leader.Start();
     }
-    EXPECT_TRUE(Eventually([&] { return Events::Count("if_base") >= rounds * each; }));
-    ExpectEveryChangeOnce(Events::Take(), rounds * each);
+    EXPECT_TRUE(Eventually([&] { return RecordedChanges::Count("if_base") >= rounds * each; }));
+    ExpectEveryChangeOnce(RecordedChanges::Take(), rounds * each);
 }
 
 }  // namespace

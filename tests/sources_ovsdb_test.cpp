@@ -9,8 +9,8 @@
 #include "support/fault_injection.h"
 #include "support/ovsdb_server.h"
 #include "support/recorded_changes.h"
+#include "support/test_rows.h"
 #include "support/test_system.h"
-#include "support/test_writes.h"
 
 namespace {
 
@@ -121,13 +121,13 @@ TEST_F(ClusterTest, ARowThatTheTableCannotHoldIsReportedAndLeftOut)
 TEST_F(ClusterTest, ARowDeletedAndInsertedWithItsKeyIsAnUpdate)
 {
     Replica replica;
-    const Events events;
+    const RecordedChanges events;
     TakeContents(replica, "if_phy", {{"d", {{"initial", {{"if_index", 1}, {"speed", 5}}}}}});
     TakeChanges(
         replica, "if_phy",
         {{"d", {{"delete", nullptr}}}, {"e", {{"insert", {{"if_index", 1}, {"speed", 6}}}}}});
-    EXPECT_TRUE(Eventually([] { return Events::Count("if_phy") >= 2; }));
-    EXPECT_EQ(Events::Take().back(), (RecordedChange{"if_phy", 1, 5, 6}));
+    EXPECT_TRUE(Eventually([] { return RecordedChanges::Count("if_phy") >= 2; }));
+    EXPECT_EQ(RecordedChanges::Take().back(), (RecordedChange{"if_phy", 1, 5, 6}));
 }
 
 TEST_F(ClusterTest, ServerListsAreParsedOrRefused)

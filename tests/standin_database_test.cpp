@@ -9,8 +9,8 @@
 
 #include <tarnd_platform/orm_accessors.h>
 
+#include "support/test_rows.h"
 #include "support/test_system.h"
-#include "support/test_writes.h"
 
 namespace {
 
@@ -28,10 +28,7 @@ struct ModelRow {
     std::string name;
     uint32_t number;
 
-    Row AsRow() const
-    {
-        return support::writes::Base(index).Set("if_name", name).Set("mtu", number);
-    }
+    Row AsRow() const { return support::Base(index).Set("if_name", name).Set("mtu", number); }
 };
 using Model = std::vector<ModelRow>;  // in table order
 

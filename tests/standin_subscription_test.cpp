@@ -17,9 +17,8 @@
 #include <tarnd_platform/orm_subscription.h>
 
 #include "support/recorded_changes.h"
-#include "support/test_subscription.h"
+#include "support/test_rows.h"
 #include "support/test_system.h"
-#include "support/test_writes.h"
 
 namespace {
 

@@ -7,12 +7,13 @@
 #include <tarnd_qrb/table_walk.h>
 
 #include "support/example_calls.h"
+#include "support/test_rows.h"
 #include "support/test_system.h"
-#include "support/test_writes.h"
 
 namespace {
 
 using namespace calls;
+using support::PhyState, support::Port;
 using namespace support::writes;
 using standin::Row;
 using standin::Transaction;
@@ -26,7 +27,7 @@ void Write(const std::atomic<bool>& stop)
         const Writing write = round % 2 == 0 ? Replace : Delete;
         Transaction transaction;
         for (uint32_t index = 50; index < 60; index++) {
-            write(transaction, Phy(index, round / 2 % 2));
+            write(transaction, PhyState(index, round / 2 % 2));
             write(transaction, Port(index, 1, round / 2 % 2));
         }
         for (const char* table : {"if_base", "vlan", "am_ipv4_address", "Fib.ConfigNhpStandard"}) {

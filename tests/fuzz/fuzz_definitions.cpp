@@ -7,8 +7,8 @@
 #include <nlohmann/json.hpp>
 
 #include "fuzz.h"
-#include "tests/support/test_subscription.h"
-#include "tests/support/test_writes.h"
+#include "tests/support/recorded_changes.h"
+#include "tests/support/test_rows.h"
 
 using namespace standin;
 using namespace support::writes;

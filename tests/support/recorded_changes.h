@@ -1,4 +1,4 @@
-// Records database changes as a module of the daemon receives them.
+// Subscriptions of a test's own, and database changes as a module of the daemon receives them.
 #pragma once
 
 #include <algorithm>
@@ -9,20 +9,32 @@
 #include <utility>
 #include <vector>
 
-#include <standin/store.h>
+#include <tarnd_platform/orm_subscription.h>
 
-#include "support/test_subscription.h"
+#include "test_rows.h"
 
 namespace support {
 
-inline standin::Row Phy(uint64_t index, uint64_t speed = 0)
+// Opens a session for subscriptions; returns 0 on failure.
+inline ORM_SESSION OpenSubscriptions(ORM_FD_CONTROL control)
 {
-    return standin::Row("if_phy").Set("if_index", index).Set("speed", speed);
+    ORM_SESSION_PARAM param = 0;
+    ORM_SESSION session = 0;
+    OrmCreateSessionParam("channel:", "osc", &param);
+    OrmOpenSubSession(param, control, &session);
+    OrmDestroySessionParam(param);
+    return session;
 }
 
-inline standin::Row Base(uint64_t index, std::string_view name)
+// Subscribes to every kind of change of a table.
+inline uint32_t SubscribeTo(ORM_SESSION session, const std::string& table,
+                            ORM_SUB_CALLBACK callback)
 {
-    return standin::Row("if_base").Set("if_index", index).Set("if_name", name);
+    const std::string definition =
+        R"({"events":[{"type":"insert"},{"type":"delete"},{"type":"update"},{"type":"replace"}],)"
+        R"("label_name":")" +
+        table + R"("})";
+    return OrmSubscribe(session, "test", definition.c_str(), callback, nullptr, "test");
 }
 
 inline uint64_t Speed(uint64_t index)
@@ -41,17 +53,17 @@ struct RecordedChange {
 };
 
 // Every change of two tables, as a module of the daemon receives it.
-class Events {
+class RecordedChanges {
 public:
-    Events()
+    RecordedChanges()
     {
         SubscribeTo(session_, "if_phy", [](auto message, auto) { Note("if_phy", message); });
         SubscribeTo(session_, "if_base", [](auto message, auto) { Note("if_base", message); });
         Take();
     }
-    ~Events() { OrmCloseSession(session_); }
-    Events(const Events&) = delete;
-    Events& operator=(const Events&) = delete;
+    ~RecordedChanges() { OrmCloseSession(session_); }
+    RecordedChanges(const RecordedChanges&) = delete;
+    RecordedChanges& operator=(const RecordedChanges&) = delete;
 
     static std::vector<RecordedChange> Take()
     {

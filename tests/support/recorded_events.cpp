@@ -12,8 +12,8 @@
 #include <tarnd_qrb/event_publish.h>
 #include <tarnd_qrb/listener.h>
 
+#include "support/test_rows.h"
 #include "support/test_system.h"
-#include "support/test_writes.h"
 
 namespace support {
 
@@ -143,8 +143,8 @@ Events TakeEvents()
 Events AwaitEvents()
 {
     Events seen;
-    writes::Write(writes::Insert, {writes::Base(marker)});
-    writes::Write(writes::Delete, {writes::Base(marker)});
+    writes::Write(writes::Insert, {Base(marker)});
+    writes::Write(writes::Delete, {Base(marker)});
     EXPECT_TRUE(Eventually([&] {
         std::ranges::move(TakeEvents(), std::back_inserter(seen));
         return std::ranges::count_if(seen, IsMarkers) == 2;

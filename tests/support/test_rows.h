@@ -1,4 +1,4 @@
-// Rows of the database, for comparing.
+// Rows of the database: made, written, read back and chosen at random.
 #pragma once
 
 #include <algorithm>
@@ -11,6 +11,53 @@
 #include <standin/store.h>
 
 namespace support {
+
+inline standin::Row Base(uint64_t index, std::string_view name)
+{
+    return standin::Row("if_base").Set("if_index", index).Set("if_name", name);
+}
+inline standin::Row Base(uint64_t index)
+{
+    return Base(index, std::to_string(index));
+}
+inline standin::Row Phy(uint64_t index, uint64_t speed = 0)
+{
+    return standin::Row("if_phy").Set("if_index", index).Set("speed", speed);
+}
+inline standin::Row PhyState(uint64_t index, uint64_t state)
+{
+    return Phy(index).Set("phy_state", state);
+}
+inline standin::Row RouteState(uint64_t index, uint64_t state)
+{
+    return standin::Row("if_route").Set("if_index", index).Set("route_state", state);
+}
+inline standin::Row Port(uint64_t index, uint64_t pvid, uint64_t use)
+{
+    standin::Row row = standin::Row("port").Set("if_index", index).Set("pvid", pvid);
+    return row.Set("port_index", index << 8).Set("switch_port", use);
+}
+
+namespace writes {
+
+using Writing = void (*)(standin::Transaction&, const standin::Row&);
+
+inline constexpr Writing Insert = [](auto& transaction, auto& row) { transaction.Insert(row); };
+inline constexpr Writing Delete = [](auto& transaction, auto& row) { transaction.Delete(row); };
+inline constexpr Writing Update = [](auto& transaction, auto& row) { transaction.Update(row); };
+inline constexpr Writing Replace = [](auto& transaction, auto& row) { transaction.Replace(row); };
+
+// In one transaction.
+inline void Write(Writing write, const std::vector<standin::Row>& rows)
+{
+    standin::Transaction transaction;
+    for (const standin::Row& row : rows) {
+        write(transaction, row);
+    }
+    transaction.Commit();
+}
+
+}  // namespace writes
 
 inline std::vector<standin::Row> RowsOf(const standin::Table& table)
 {
