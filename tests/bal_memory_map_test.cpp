@@ -22,19 +22,13 @@ TEST_F(MemoryMap, FindsEveryModuleByItsName)
 {
     MEM_EX_Init();
     std::set<uint16_t> handles = {0};
-    std::string names;
     for (uint32_t module = 0; module < MEM_EX_MODULE_COUNT; module++) {
         EXPECT_EQ(MEM_EX_GetModule(g_memExModuleMap[module].name), module);
         EXPECT_EQ(MEM_EX_GetHandle(module), mem_handle_get(g_memExModuleMap[module].name));
         handles.insert(MEM_EX_GetHandle(module));
-        names += std::string(atStart[module].name) + " ";
         EXPECT_EQ(atStart[module].handle, 0);
     }
     EXPECT_EQ(handles.size(), MEM_EX_MODULE_COUNT + 1);
-    EXPECT_EQ(names,
-              "ACL NTP ARP ND DNS FRAMEWORK NAT QOS IFM ADDRESS VLAN L2IF TRUNK ROUTE STATIC_ROUTE "
-              "DIRECT_ROUTE FIB DHCP STP LLDP MULTICAST TUNNEL AAA SYSLOG DIAGNOSIS CAPTURE AGENT "
-              "CLI MAIN DATABASE QRB PLATFORM ");
     EXPECT_EQ(MEM_EX_GetModule("framework"), MEM_EX_MODULE_COUNT);
     EXPECT_EQ(MEM_EX_GetHandle(MEM_EX_MODULE_COUNT), 0);
 }
@@ -58,7 +52,8 @@ TEST_F(MemoryMap, ReportsUsageOrTheFailingModule)
     }
     EXPECT_STREQ(own.name, "QRB");
     const MEM_EX_DETAILED_INFO_S before = own;
-    void* const block[] = {malloc_ex(handle, "", 1, 100), malloc_ex(handle, "", 2, 28)};
+    void* block[] = {malloc_ex(handle, "", 1, 100), nullptr};
+    std::thread([&] { block[1] = malloc_ex(handle, "", 2, 28); }).join();  // has its own counters
     EXPECT_EQ(MEM_EX_CopyDetailedInfo(entries, 33), 3U);
     EXPECT_TRUE(own.bytes == before.bytes + 128 && own.blocks == before.blocks + 2);
     EXPECT_EQ(entries[32].name[0], '\0');

@@ -77,7 +77,7 @@ TEST_F(EventRegistry, PublicationEndsIfCallbacksKeepRegistering)
 
 TEST_F(EventRegistry, TreeHasExactlyTheSubEvents)
 {
-    std::string subEvents;
+    uint32_t subEvents = 0;
     IF_EvtInit();
     for (uint32_t eventId = 0; eventId < g_qrbIFEventCallbacks.childCount; eventId++) {
         const IF_EVT_NODE_S& event = g_qrbIFEventCallbacks.children[eventId];
@@ -86,12 +86,11 @@ TEST_F(EventRegistry, TreeHasExactlyTheSubEvents)
             EXPECT_EQ(event.children[count - 1].parent, &event);
             EXPECT_EQ(IF_INTF_RegEvtCb(eventId, 0, nullptr, 0, 0), 0U);
             EXPECT_EQ(IF_INTF_RegEvtCb(eventId, count - 1, nullptr, 0, 0), 0U);
-            subEvents += std::to_string(eventId) + ":" + std::to_string(count) + " ";
+            EXPECT_EQ(IF_INTF_RegEvtCb(eventId, count, nullptr, 0, 0), 1U);
+            subEvents += count;
         }
     }
-    EXPECT_EQ(g_qrbIFEventCallbacks.childCount, 76U);
-    EXPECT_EQ(subEvents,
-              "1:10 2:13 3:7 5:46 7:55 8:32 9:14 11:3 12:5 46:9 52:2 58:4 66:2 67:12 71:1 74:1 ");
+    EXPECT_EQ(subEvents, 216U);
     IF_EvtDeInit();
     EXPECT_EQ(support::LibraryBlocks(), 0);
 }
@@ -115,7 +114,7 @@ TEST_F(EventRegistry, ReportsASubEventWithoutANode)
 
 // Callbacks that randomly register, unregister, tear down and publish. The calls are compared with
 // a model.
-class Turmoil : public EventRegistry {
+class ReentrantRegistry : public EventRegistry {
 protected:
     static constexpr size_t CALLBACKS = 8;
 
@@ -239,7 +238,7 @@ protected:
     static inline int depth_ = 0;
 };
 
-TEST_F(Turmoil, Layer2Events)
+TEST_F(ReentrantRegistry, Layer2EventsFollowTheModel)
 {
     using Function = L2IF_SH_EVT_CB_FUNC;
     L2IF_SH_EvtCbRegTbl_Init();
@@ -254,7 +253,7 @@ TEST_F(Turmoil, Layer2Events)
 }
 
 // Published by the library itself: the route state of an interface goes up.
-TEST_F(Turmoil, InterfaceEvents)
+TEST_F(ReentrantRegistry, InterfaceEventsFollowTheModel)
 {
     using Function = IF_EVT_CB_FUNC;
     constexpr uint32_t STATE = IF_EVT_STATE;
@@ -275,7 +274,7 @@ TEST_F(Turmoil, InterfaceEvents)
          true});
 }
 
-TEST_F(Turmoil, Notifications)
+TEST_F(ReentrantRegistry, NotificationsFollowTheModel)
 {
     IF_NotifyFuncRegTbl_Init();
     Run({[](size_t n) { return IF_RegNotifyFunc(1, Callback<IF_NOTIFY_FUNC>(n)); },

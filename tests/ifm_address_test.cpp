@@ -79,6 +79,56 @@ TEST_F(Ipv4Address, NoMatchIsAFailure)
     });
 }
 
+// An address of 0 matches no peer; masks longer than 32 bits are as long as 32.
+// clang-format off
+TEST_F(Ipv4Address, LastSubnetThatContainsThePeerWinsElseTheFirstAddress)
+{
+    Load(R"({"am_ipv4_address": [
+        {"if_index": 5, "ipv4_address_list": [
+            {"address": "10.0.0.1", "masklen": 24}, {"address": "10.0.0.2", "masklen": 24}, {"address": "10.0.0.3", "masklen": 16},
+            {"address": "0.0.0.0", "masklen": 24}, {"address": "10.1.0.5", "masklen": 32}, {"address": "10.1.0.6", "masklen": 33}]},
+        {"if_index": 6, "ipv4_address_list": [{"address": "10.0.0.1", "masklen": 31}, {"address": "10.0.0.1", "masklen": 0}]}]})");
+    Expect({
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 5U, 0x0A000009U, Out32(), Out32(), Out32()), "0 16 10.0.0.0 10.0.0.3"},
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 5U, 0x0A000909U, Out32(), Out32(), Out32()), "0 16 10.0.0.0 10.0.0.3"},
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 5U, 0x0A010005U, Out32(), Out32(), Out32()), "0 32 10.1.0.5 10.1.0.5"},
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 5U, 0x0A010006U, Out32(), Out32(), Out32()), "0 33 10.1.0.6 10.1.0.6"},
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 5U, 0x0A010007U, Out32(), Out32(), Out32()), "0 24 10.0.0.0 10.0.0.1"},
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 5U, 0x00000009U, Out32(), Out32(), Out32()), "0 24 10.0.0.0 10.0.0.1"},
+        {CALL(BDS_IPGetIFBestMatchIpAddr, 6U, 0x0A000000U, Out32(), Out32(), Out32()), "0 0 0 10.0.0.1"},
+        {CALL(IP_GetMask, 5U, 0x0A010005U, Out32()), "0 NONE"},
+        {CALL(IP_GetMask, 5U, 0x0A010006U, Out32()), "0 NONE"},
+        {CALL(IP_GetMask, 5U, 0U, Out32()), "0 255.255.255.0"},
+        {CALL(IP_GetMask, 5U, 0x0A000004U, Out32()), "1 -"},
+        {CALL(IP_GetMask, 6U, 0x0A000001U, Out32()), "0 255.255.255.254"},
+    });
+}
+
+TEST_F(Ipv4Address, MainAndFirstAreTheFirstCandidatesAndACapacityEndsTheLists)
+{
+    Load(R"({"am_ipv4_address": [
+        {"if_index": 5, "ipv4_address_list": [
+            {"address": "10.0.0.1", "type": 6}, {"address": "10.0.0.2", "type": 0, "masklen": 8}, {"address": "10.0.0.3", "type": 1, "masklen": 9},
+            {"address": "10.0.0.4", "type": 1, "masklen": 10}]}]})");
+    Expect({
+        {CALL(BDS_IPGetMainIpByIfIndex, 5U, Out32(), Out32()), "0 10.0.0.2 8"},
+        {CALL(IP_GetMainIpAddr, 5U, Out32(), Out32()), "0 10.0.0.3 9"},
+        {CALL(IP_GetMainIpAddr, 4U, Out32(), Out32()), "1 - -"},
+        {CALL(SYSAPI_GetIp4AddrNumByIf, 5U), "4"},
+        {CALL(SYSAPI_GetIp4AllAddrByIf, 5U, OutAddresses(), 1U), "0 10.0.0.1 0 - -"},
+        {CALL(SYSAPI_GetIp4AllAddrByIf, 4U, OutAddresses(), 2U), "0 - - - -"},
+        {CALL(BDS_IPIFGetThisIfIpAddr, 5U, Out<uint32_t, 5>(), 3U, Out32()), "0 10.0.0.1 10.0.0.2 10.0.0.3 - - 3"},
+        {CALL(BDS_IPIFGetThisIfIpAddr, 5U, Out<uint32_t, 5>(), 5U, Out32()), "0 10.0.0.1 10.0.0.2 10.0.0.3 10.0.0.4 - 4"},
+        {CALL(BDS_IPGetFirstIpByIfIndex, 4U, Out32()), "1 -"},
+        {CALL(BDS_IPIFIsThisIfIpAddr, 5U, 0x0A000004U), "1"},
+        {CALL(BDS_IPIFIsThisIfIpAddr, 5U, 0x0A000005U), "0"},
+        {CALL(IP_GetIfindexbyIpAddr, 0x0A000001U, 5U, Out32()), "0 2"},
+        {CALL(IP_GetIfindexbyIpAddr, 0x0A000002U, 5U, Out32()), "1 NONE"},
+        {CALL(BDS_IPIsLocalIfAddr, 0x0A000004U, 5U), "0"},
+    });
+}
+// clang-format on
+
 // A match ends the iteration over the list, and the scan one row later.
 TEST_F(Ipv4Address, OwnerIsTheFirstMatch)
 {
