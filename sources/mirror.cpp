@@ -69,4 +69,14 @@ void RemoveRow(Transaction& transaction, const Row& key)
     }
 }
 
+void MirrorRows(Transaction& transaction, const RowChanges& changes)
+{
+    for (const Row& row : changes.removed) {
+        RemoveRow(transaction, row);
+    }
+    for (const Row& row : changes.present) {
+        MirrorRow(transaction, row);
+    }
+}
+
 }  // namespace sources

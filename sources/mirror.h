@@ -10,6 +10,12 @@ namespace sources {
 
 using Rows = std::vector<standin::Row>;
 
+// Rows to write and rows to delete. No row is in it twice.
+struct RowChanges {
+    Rows present;
+    Rows removed;
+};
+
 // Returns a view of the key's bytes in the row.
 std::string_view KeyBytes(const standin::Row& row, const standin::Key& key);
 std::string_view PrimaryKey(const standin::Row& row);
@@ -24,5 +30,6 @@ void MirrorTable(standin::Transaction& transaction, const standin::Table& table,
 // The same for a single row. The other rows of its table are unchanged.
 void MirrorRow(standin::Transaction& transaction, const standin::Row& desired);
 void RemoveRow(standin::Transaction& transaction, const standin::Row& key);
+void MirrorRows(standin::Transaction& transaction, const RowChanges& changes);
 
 }  // namespace sources

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <random>
 #include <set>
 #include <thread>
 #include <utility>
@@ -24,7 +23,6 @@ namespace {
 
 using sources::HostSource;
 using sources::Json;
-using sources::Route;
 using standin::Row;
 using support::Eventually;
 using support::Ip;
@@ -214,10 +212,10 @@ TEST_F(HostTest, FollowsAddressesAndRoutes)
 TEST_F(HostTest, AnOverrunDoesNotLoseTheFinalState)
 {
     IN_OWN_NETWORK([] {
-        constexpr int smallest = 1;
         Ip("link add one type veth peer name two; link add three type veth peer name four");
+        const sources::HostOptions smallest{.receiveBuffer = 1};
         HostSource host(smallest);
-        sources::Notifications witness(smallest);
+        sources::Notifications witness(smallest.receiveBuffer);
         // Two links swap names; others are created, deleted and changed.
         Ip("link set one name spare; link set two name one; link set spare name two;"
            "link set three up; link set four up; addr add 10.0.0.1/24 dev three;"
@@ -238,21 +236,30 @@ TEST(HostNumbering, NumbersLastForTheGracePeriodAndAreNeverReused)
     sources::Numbering<char> numbering;
     const struct {
         milliseconds time;
-        const char* things;
-        const char* numbers;
+        const char* acquired;
+        const char* released;
+        const char* numbered;
         bool hasUnused;
-    } rounds[] = {{milliseconds(0), "a", "1", false},     {milliseconds(5000), "ba", "21", false},
-                  {milliseconds(6000), "b", "2", true},   {milliseconds(6999), "ab", "12", false},
-                  {milliseconds(7000), "b", "2", true},   {milliseconds(8000), "b", "2", false},
-                  {milliseconds(8000), "ab", "32", false}};
-    for (const auto& round : rounds) {
-        std::string numbers;
-        for (const char thing : std::string(round.things)) {
-            numbers += std::to_string(numbering.Of(thing));
+    } steps[] = {
+        {milliseconds(0), "a", "", "a1", false},      {milliseconds(5000), "ba", "", "a1b2", false},
+        {milliseconds(6000), "", "aa", "a1b2", true}, {milliseconds(6999), "a", "", "a1b2", true},
+        {milliseconds(7000), "", "a", "a1b2", true},  {milliseconds(7999), "", "", "a1b2", true},
+        {milliseconds(8000), "", "", "b2", false},    {milliseconds(8000), "a", "b", "a3b2", true},
+        {milliseconds(9000), "", "", "a3", false}};
+    for (const auto& step : steps) {
+        const std::chrono::steady_clock::time_point now(step.time);
+        for (const char thing : std::string(step.acquired)) {
+            numbering.Acquire(numbering.Find(thing));
         }
-        EXPECT_EQ(numbers, round.numbers);
-        numbering.EndRound(sources::Forwarding::Time(round.time));
-        EXPECT_EQ(numbering.HasUnused(), round.hasUnused);
+        for (const char thing : std::string(step.released)) {
+            numbering.Release(numbering.Find(thing), now);
+        }
+        numbering.Expire(now, [](const auto&) {});
+        std::string numbered;
+        numbering.ForEach(
+            [&](const auto& item) { numbered += item.first + std::to_string(item.second.number); });
+        EXPECT_EQ(numbered, step.numbered);
+        EXPECT_EQ(numbering.HasUnused(), step.hasUnused);
     }
 }
 
@@ -297,34 +304,6 @@ TEST_F(HostTest, InquiriesSucceedWhileOtherPrefixesChange)
         EXPECT_EQ(failures, 0);
         EXPECT_GT(gateways.size(), 2U);
     });
-}
-
-// Random routing tables, each mirrored onto the rows of the one before.
-TEST_F(HostTest, FirstCoveringEntryIsTheLongestPrefix)
-{
-    std::mt19937 random(7);
-    sources::Forwarding forwarding;
-    const auto below = [&](uint32_t limit) { return static_cast<uint32_t>(random() % limit); };
-    const auto anyRoute = [&] {
-        const auto length = below(9);
-        const uint32_t prefix = length == 0 ? 0 : below(1U << length) << (32 - length);
-        return Route{prefix, static_cast<uint8_t>(length), below(3), {{below(4), 1}}};
-    };
-    for (int round = 0; round < 200; ++round) {
-        std::vector<Route> routes(below(20));
-        std::ranges::generate(routes, anyRoute);
-        std::set<std::pair<uint32_t, uint8_t>> destinations;
-        for (const Route& route : routes) {
-            destinations.emplace(route.destination, route.prefixLength);
-        }
-        standin::Transaction transaction;
-        sources::MirrorRoutes(transaction, forwarding, routes);
-        transaction.Commit();
-        ASSERT_TRUE(LongestPrefixesFirst());
-        ASSERT_EQ(RowsOf("Fib.ConfigIpv4Fwd").size(), destinations.size());
-        ASSERT_TRUE(
-            std::ranges::is_permutation(RowsOf("Fib.ConfigNhpStandard"), forwarding.NextHopRows()));
-    }
 }
 
 }  // namespace

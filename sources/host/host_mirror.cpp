@@ -18,19 +18,26 @@ void MirrorLinks(Transaction& transaction, const std::vector<Link>& links)
     }
 }
 
-void MirrorNextHops(Transaction& transaction, const Forwarding& forwarding)
+void MirrorAddresses(Transaction& transaction, const std::vector<Address>& addresses)
+{
+    MirrorTable(transaction, *standin::FindTable("am_ipv4_address"), AddressRows(addresses));
+}
+
+void MirrorForwarding(Transaction& transaction, const Forwarding& forwarding)
 {
     MirrorTable(transaction, *standin::FindTable("Fib.ConfigNhpStandard"),
                 forwarding.NextHopRows());
     MirrorTable(transaction, *standin::FindTable("Fib.ConfigNhpGroupNode"),
                 forwarding.GroupNodeRows());
+    MirrorTable(transaction, *standin::FindTable("Fib.ConfigIpv4Fwd"), forwarding.ForwardRows());
 }
 
-void MirrorRoutes(Transaction& transaction, Forwarding& forwarding, std::vector<Route> routes)
+RowChanges LinkRowChanges(const LinkChange& change)
 {
-    const Rows rows = forwarding.ForwardRows(std::move(routes), std::chrono::steady_clock::now());
-    MirrorNextHops(transaction, forwarding);
-    MirrorTable(transaction, *standin::FindTable("Fib.ConfigIpv4Fwd"), rows);
+    RowChanges changes;
+    Rows& rows = change.removed ? changes.removed : changes.present;
+    rows = LinkRows(change.link);
+    return changes;
 }
 
 }  // namespace sources

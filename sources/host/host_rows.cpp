@@ -3,15 +3,15 @@
 #include <net/if_arp.h>
 
 #include <algorithm>
-#include <tuple>
+#include <map>
 
 namespace sources {
 namespace {
 
 using standin::Row;
 
-// ifType is an index into the library's interface type table. The first value of its entries is the
-// registered type number: 6 for Ethernet, 53 for a virtual interface, 1 for any other.
+// The interface type table's first values are numbers of the registered interface types where they
+// are known at all: 6 is Ethernet, 53 a virtual interface, 1 any other.
 struct TypeOfHardware {
     uint32_t hardware;
     uint32_t ifType;
@@ -37,22 +37,6 @@ uint32_t PortIndex(uint32_t interface)
 Row RowOf(std::string_view table, uint32_t interface)
 {
     return Row(table).Set("if_index", interface);
-}
-
-constexpr uint32_t LONGEST_PREFIX = 32;
-
-// Keeps only the route with the lowest metric for each destination.
-void KeepBest(std::vector<Route>& routes)
-{
-    const auto place = [](const Route& route) {
-        return std::tuple(route.prefixLength, route.destination, route.metric);
-    };
-    const auto sameDestination = [](const Route& one, const Route& other) {
-        return std::tie(one.prefixLength, one.destination) ==
-               std::tie(other.prefixLength, other.destination);
-    };
-    std::ranges::stable_sort(routes, {}, place);
-    routes.erase(std::unique(routes.begin(), routes.end(), sameDestination), routes.end());
 }
 
 }  // namespace
@@ -82,7 +66,7 @@ Rows AddressRows(const std::vector<Address>& addresses)
     std::map<uint32_t, Row> rows;
     for (const Address& address : addresses) {
         const auto [row, isNew] =
-            rows.try_emplace(address.interface, RowOf("am_ipv4_address", address.interface));
+            rows.try_emplace(address.interface, AddressKey(address.interface));
         const std::array<uint64_t, 3> item = {address.address, address.prefixLength,
                                               isNew ? Main : Further};
         row->second.AddItem("ipv4_address_list", item);
@@ -94,56 +78,9 @@ Rows AddressRows(const std::vector<Address>& addresses)
     return all;
 }
 
-Rows Forwarding::ForwardRows(std::vector<Route> routes, Time now)
+standin::Row AddressKey(uint32_t interface)
 {
-    constexpr uint32_t NO_GROUP = 0;  // has no members, so an inquiry fails
-    Rows rows;
-    KeepBest(routes);
-    for (const Route& route : routes) {
-        for (const NextHop& hop : route.nextHops) {
-            nextHops_.Of(hop);
-        }
-        const uint32_t group = route.nextHops.empty() ? NO_GROUP : groups_.Of(route.nextHops);
-        rows.push_back(Row("Fib.ConfigIpv4Fwd")
-                           .Set("destAddr", route.destination)
-                           .Set("prefixLen", route.prefixLength)
-                           .Set("nhpGroupId", group)
-                           .SetRank(LONGEST_PREFIX - route.prefixLength));
-    }
-    groups_.EndRound(now);
-    nextHops_.EndRound(now);
-    return rows;
-}
-
-Rows Forwarding::GroupNodeRows() const
-{
-    Rows rows;
-    groups_.ForEach([&](const Group& group, uint32_t number) {
-        for (const NextHop& hop : group) {
-            rows.push_back(Row("Fib.ConfigNhpGroupNode")
-                               .Set("nhpGroupId", number)
-                               .Set("primaryNhpId", nextHops_.NumberOf(hop)));
-        }
-    });
-    return rows;
-}
-
-Rows Forwarding::NextHopRows() const
-{
-    Rows rows;
-    nextHops_.ForEach([&](const NextHop& hop, uint32_t number) {
-        rows.push_back(Row("Fib.ConfigNhpStandard")
-                           .Set("nhpIndex", number)
-                           .Set("next_hop", hop.gateway)
-                           .Set("out_if_index", hop.interface));
-    });
-    return rows;
-}
-
-void Forwarding::Expire(Time now)
-{
-    groups_.Expire(now);
-    nextHops_.Expire(now);
+    return RowOf("am_ipv4_address", interface);
 }
 
 }  // namespace sources

@@ -4,31 +4,22 @@
 #include <syslog.h>
 
 #include <exception>
+#include <utility>
 
 #include "sources/host/host_mirror.h"
 
 namespace sources {
 namespace {
 
-// Each change of a link is a transaction of its own, so that it has its own events.
-void MirrorChange(const LinkChange& change)
-{
-    standin::Transaction transaction;
-    for (const standin::Row& row : LinkRows(change.link)) {
-        if (change.removed) {
-            RemoveRow(transaction, row);
-        } else {
-            MirrorRow(transaction, row);
-        }
-    }
-    transaction.Commit();
-}
+// Beyond this many, one query for all interfaces costs less than one for each.
+constexpr size_t MOST_INTERFACE_QUERIES = 16;
 
 }  // namespace
 
-HostSource::HostSource(int receiveBuffer) : notifications_(receiveBuffer)
+HostSource::HostSource(const HostOptions& options)
+    : notifications_(options.receiveBuffer), kernel_(options.filteredQueries)
 {
-    Resync();
+    ReadEverything();
 }
 
 void HostSource::Follow()
@@ -57,58 +48,144 @@ void HostSource::Run(const std::stop_token& stop)
 
 void HostSource::TakeChanges()
 {
-    const KernelChanges changes = notifications_.Take();
-    needsResync_ |= changes.overrun;
-    MirrorChanges(changes.links);
+    ApplyNotifications(routes_.IsAhead() ? Pending::Await : Pending::Ignore);
+    if (routes_.HasUnknown()) {
+        ApplyNotifications(Pending::Await);  // of the effects, as far as they are announced
+    }
     if (needsResync_) {
-        Resync();
-    } else if (changes.any) {
-        standin::Transaction transaction;
-        ReadAddressesAndRoutes(transaction);
-        transaction.Commit();
-    } else if (forwarding_.HasUnused()) {
-        RemoveUnusedNextHops();
+        ReadEverything();
+    } else {
+        ReadUnknownRoutes();
+        WriteChanges();
     }
 }
 
-void HostSource::RemoveUnusedNextHops()
+void HostSource::ApplyNotifications(Pending pending)
 {
-    standin::Transaction transaction;
-    forwarding_.Expire(std::chrono::steady_clock::now());
-    MirrorNextHops(transaction, forwarding_);
-    transaction.Commit();
+    if (pending == Pending::Await) {
+        kernel_.WaitForPendingChanges();
+    }
+    const KernelChanges taken = notifications_.Take();
+    needsResync_ |= taken.overrun;
+    for (const KernelChange& change : taken.changes) {
+        std::visit([this](const auto& known) { Apply(known); }, change);
+    }
+    if (pending == Pending::Await && taken.drained) {
+        routes_.CaughtUp();
+    }
 }
 
-// A change that is older than the last resynchronisation may conflict with newer rows: another link
-// may have its name.
-void HostSource::MirrorChanges(const std::vector<LinkChange>& changes)
+// Each change of a link is a transaction, and so raises events, of its own. A change from before
+// the last reading may be refused: another link may have its name by now.
+void HostSource::Apply(const LinkChange& change)
 {
-    for (const LinkChange& change : changes) {
-        try {
-            MirrorChange(change);
-        } catch (const standin::Error&) {
-            needsResync_ = true;
+    const uint32_t index = change.link.index;
+    if (change.removed) {
+        routes_.RemoveLink(index);
+        links_.erase(index);
+    } else {
+        const LinkState state = StateOf(change.link);
+        const auto [known, isNew] = links_.try_emplace(index, state);
+        if (isNew || std::exchange(known->second, state) != state) {
+            routes_.LinkChanged(index);
+        }
+    }
+    try {
+        standin::Transaction transaction;
+        MirrorRows(transaction, LinkRowChanges(change));
+        transaction.Commit();
+    } catch (const standin::Error&) {
+        needsResync_ = true;
+    }
+}
+
+void HostSource::Apply(const AddressChange& change)
+{
+    changedAddresses_.insert(change.address.interface);
+    if (change.removed) {
+        routes_.AddressDeleted(change.address.address);
+    }
+}
+
+void HostSource::ReadUnknownRoutes()
+{
+    while (routes_.HasUnknown()) {
+        const auto unknown = routes_.TakeUnknown();
+        if (unknown.all || unknown.interfaces.size() > MOST_INTERFACE_QUERIES) {
+            ReadRoutes();
+            return;
+        }
+        for (const uint32_t interface : unknown.interfaces) {
+            routes_.AssignInterface(interface, kernel_.Routes(interface));
         }
     }
 }
 
-void HostSource::Resync()
+void HostSource::ReadRoutes()
 {
+    routes_.Assign(kernel_.Routes());
+    ++fullReadings_;
+}
+
+void HostSource::ReadEverything()
+{
+    notifications_.Discard();
+    const std::vector<Link> links = kernel_.Links();
+    links_.clear();
+    for (const Link& link : links) {
+        links_.emplace(link.index, StateOf(link));
+    }
+    kernel_.WaitForPendingChanges();
+    ReadRoutes();
+    UpdateForwarding();
+
     standin::Transaction transaction;
-    MirrorLinks(transaction, kernel_.Links());
-    ReadAddressesAndRoutes(transaction);
+    MirrorLinks(transaction, links);
+    MirrorAddresses(transaction, kernel_.Addresses());
+    MirrorForwarding(transaction, forwarding_);
     transaction.Commit();
+    changedAddresses_.clear();
     needsResync_ = false;
 }
 
-// The kernel removes routes without a notification when their link or source address is removed, so
-// every change requires reading all routes.
-void HostSource::ReadAddressesAndRoutes(standin::Transaction& transaction)
+// Addresses are read again rather than changed one by one: the kernel may insert and promote an
+// address in the middle of its interface's list.
+void HostSource::WriteAddresses(standin::Transaction& transaction)
 {
-    kernel_.WaitForPendingChanges();
-    MirrorTable(transaction, *standin::FindTable("am_ipv4_address"),
-                AddressRows(kernel_.Addresses()));
-    MirrorRoutes(transaction, forwarding_, kernel_.Routes());
+    const std::set<uint32_t> interfaces = std::exchange(changedAddresses_, {});
+    if (interfaces.size() > MOST_INTERFACE_QUERIES) {
+        MirrorAddresses(transaction, kernel_.Addresses());
+        return;
+    }
+    for (const uint32_t interface : interfaces) {
+        const Rows rows = AddressRows(kernel_.Addresses(interface));
+        if (rows.empty()) {
+            RemoveRow(transaction, AddressKey(interface));
+        } else {
+            MirrorRow(transaction, rows.front());
+        }
+    }
+}
+
+RowChanges HostSource::UpdateForwarding()
+{
+    const auto now = std::chrono::steady_clock::now();
+    RowChanges changes;
+    for (const Destination& destination : routes_.TakeChanged()) {
+        forwarding_.Set(destination, routes_.NextHopsOf(destination), now, changes);
+    }
+    forwarding_.Expire(now, changes);
+    return changes;
+}
+
+void HostSource::WriteChanges()
+{
+    standin::Transaction transaction;
+    WriteAddresses(transaction);
+    MirrorRows(transaction, UpdateForwarding());
+    if (!transaction.Empty()) {
+        transaction.Commit();
+    }
 }
 
 }  // namespace sources

@@ -1,0 +1,299 @@
+#include "sources/host/host_routes.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+namespace sources {
+namespace {
+
+// Of the routes to one destination, those of the metric.
+auto WithMetric(std::vector<Route>& candidates, uint32_t metric)
+{
+    return std::ranges::equal_range(candidates, metric, {}, &Route::metric);
+}
+
+std::set<uint32_t> InterfacesOf(const Route& route)
+{
+    std::set<uint32_t> interfaces;
+    for (const RouteHop& hop : route.hops) {
+        interfaces.insert(hop.nextHop.interface);
+    }
+    return interfaces;
+}
+
+NextHopGroup LiveNextHops(const Route& route)
+{
+    NextHopGroup live;
+    for (const RouteHop& hop : route.hops) {
+        if (!hop.dead && std::ranges::find(live, hop.nextHop) == live.end()) {
+            live.push_back(hop.nextHop);
+        }
+    }
+    return live;
+}
+
+// Tells the routes of one destination apart.
+uint64_t RouteIdentity(const Route& route)
+{
+    return route.fingerprint ^ DestinationHash()(route.destination);
+}
+
+}  // namespace
+
+void RouteTable::AddToIndexes(const Route& route)
+{
+    for (const uint32_t interface : InterfacesOf(route)) {
+        ofInterface_.Add(interface, route.destination);
+    }
+    if (route.nextHopObject != 0) {
+        ofNextHopObject_.Add(route.nextHopObject, route.destination);
+    }
+    if (route.source != 0) {
+        ofSource_.Add(route.source, route.destination);
+    }
+}
+
+void RouteTable::RemoveFromIndexes(const Route& route)
+{
+    for (const uint32_t interface : InterfacesOf(route)) {
+        ofInterface_.Remove(interface, route.destination);
+    }
+    if (route.nextHopObject != 0) {
+        ofNextHopObject_.Remove(route.nextHopObject, route.destination);
+    }
+    if (route.source != 0) {
+        ofSource_.Remove(route.source, route.destination);
+    }
+}
+
+RouteTable::Candidates::iterator RouteTable::Insert(Candidates& candidates,
+                                                    Candidates::iterator place, const Route& route)
+{
+    AddToIndexes(route);
+    changed_.push_back(route.destination);
+    return candidates.insert(place, route);
+}
+
+RouteTable::Candidates::iterator RouteTable::Erase(Candidates& candidates,
+                                                   Candidates::iterator place)
+{
+    RemoveFromIndexes(*place);
+    changed_.push_back(place->destination);
+    return candidates.erase(place);
+}
+
+void RouteTable::Put(const Route& route, RoutePlacement placement)
+{
+    Candidates& candidates = routes_[route.destination];
+    const auto equals = WithMetric(candidates, route.metric);
+    const auto present = std::ranges::find(equals, route.fingerprint, &Route::fingerprint);
+    const bool isPresent = present != equals.end();
+    const bool replaces = placement == RoutePlacement::Replacing;
+    const bool isExact = !replaces || !isAhead_;
+    if (isPresent && isExact && (replaces || placement == RoutePlacement::Unchanged)) {
+        if (*present != route) {
+            Insert(candidates, Erase(candidates, present), route);
+        }
+        return;
+    }
+
+    if (placement == RoutePlacement::Only) {
+        auto place = equals.begin();
+        for (size_t number = equals.size(); number > 0; --number) {
+            place = Erase(candidates, place);
+        }
+    } else if (isPresent) {
+        Erase(candidates, present);
+    } else if (replaces && isExact && !equals.empty()) {
+        Erase(candidates, equals.begin());
+    }
+    const auto rest = WithMetric(candidates, route.metric);
+    if (!isExact) {
+        // The replaced route is one of these, or was already missing when they were read.
+        std::ranges::for_each(rest, [this](const Route& other) { MarkUnknown(other); });
+        unknown_.all |= !rest.empty() && route.nextHopObject != 0;
+    }
+    const bool isLast = placement == RoutePlacement::Last || placement == RoutePlacement::Unchanged;
+    Insert(candidates, isLast ? rest.end() : rest.begin(), route);
+}
+
+void RouteTable::Remove(const Route& route)
+{
+    RemoveIf(route.destination, [&](const Route& other) {
+        return other.metric == route.metric && other.fingerprint == route.fingerprint;
+    });
+}
+
+void RouteTable::RemoveIf(const Destination& destination, const Condition& condition)
+{
+    const auto found = routes_.find(destination);
+    if (found == routes_.end()) {
+        return;
+    }
+    Candidates& candidates = found->second;
+    for (auto route = candidates.begin(); route != candidates.end();) {
+        route = condition(*route) ? Erase(candidates, route) : std::next(route);
+    }
+    if (candidates.empty()) {
+        routes_.erase(found);
+    }
+}
+
+// Of the routes that fulfil the condition. The loss of one next hop ends a route, unless its next
+// hops are those of a group of next-hop objects.
+void RouteTable::RemoveHops(const Destination& destination, uint32_t interface,
+                            const Condition& condition)
+{
+    std::vector<Route> shortened;
+    RemoveIf(destination, [&](const Route& route) {
+        if (!route.Uses(interface) || !condition(route)) {
+            return false;
+        }
+        Route rest = route;
+        std::erase_if(rest.hops,
+                      [&](const RouteHop& hop) { return hop.nextHop.interface == interface; });
+        if (route.nextHopObject == 0 || rest.hops.empty()) {
+            return true;
+        }
+        shortened.push_back(std::move(rest));
+        return false;
+    });
+    for (const Route& route : shortened) {
+        MarkUnknown(route);
+        Put(route, RoutePlacement::Unchanged);
+    }
+}
+
+void RouteTable::MarkUnknown(const Route& route)
+{
+    if (route.hops.empty()) {
+        unknown_.all = true;  // no interface by which to read it
+    }
+    unknown_.interfaces.merge(InterfacesOf(route));
+}
+
+void RouteTable::Assign(const std::vector<Route>& routes)
+{
+    for (const auto& [destination, candidates] : routes_) {
+        changed_.push_back(destination);
+    }
+    routes_.clear();
+    ofInterface_.Clear();
+    ofNextHopObject_.Clear();
+    ofSource_.Clear();
+    deletedSources_.clear();
+    unknown_ = {};
+    isAhead_ = true;
+    routes_.reserve(routes.size());
+    for (const Route& route : routes) {
+        Candidates& candidates = routes_[route.destination];
+        Insert(candidates, WithMetric(candidates, route.metric).end(), route);
+    }
+}
+
+void RouteTable::AssignInterface(uint32_t interface, const std::vector<Route>& routes)
+{
+    isAhead_ = true;
+    std::unordered_set<uint64_t> read;
+    for (const Route& route : routes) {
+        read.insert(RouteIdentity(route));
+        Put(route, RoutePlacement::Unchanged);
+    }
+    for (const Destination& destination : ofInterface_.Of(interface)) {
+        RemoveHops(destination, interface,
+                   [&](const Route& route) { return !read.contains(RouteIdentity(route)); });
+    }
+}
+
+void RouteTable::Apply(const RouteChange& change)
+{
+    if (change.removed) {
+        Remove(change.route);
+    } else {
+        Put(change.route, change.placement);
+    }
+}
+
+void RouteTable::Apply(const NextHopObjectChange& change)
+{
+    const auto usesObject = [&](const Route& route) { return route.nextHopObject == change.id; };
+    for (const Destination& destination : ofNextHopObject_.Of(change.id)) {
+        if (change.removed) {
+            RemoveIf(destination, usesObject);
+            continue;
+        }
+        for (const Route& route : routes_.at(destination)) {
+            if (usesObject(route) && (!change.byUser || route.hops.empty())) {
+                MarkUnknown(route);
+            }
+        }
+    }
+}
+
+void RouteTable::RemoveLink(uint32_t interface)
+{
+    for (const Destination& destination : ofInterface_.Of(interface)) {
+        RemoveHops(destination, interface, [](const Route&) { return true; });
+    }
+    unknown_.interfaces.erase(interface);
+}
+
+void RouteTable::LinkChanged(uint32_t interface)
+{
+    if (ofInterface_.Contains(interface)) {
+        unknown_.interfaces.insert(interface);
+    }
+}
+
+void RouteTable::AddressDeleted(uint32_t address)
+{
+    if (ofSource_.Contains(address)) {
+        deletedSources_.insert(address);
+    }
+}
+
+bool RouteTable::HasUnknown() const
+{
+    return unknown_.all || !unknown_.interfaces.empty() || !deletedSources_.empty();
+}
+
+RouteTable::Unknown RouteTable::TakeUnknown()
+{
+    for (const uint32_t source : std::exchange(deletedSources_, {})) {
+        for (const Destination& destination : ofSource_.Of(source)) {
+            for (const Route& route : routes_.at(destination)) {
+                if (route.source == source) {
+                    MarkUnknown(route);
+                }
+            }
+        }
+    }
+    return std::exchange(unknown_, {});
+}
+
+std::vector<Destination> RouteTable::TakeChanged()
+{
+    std::vector<Destination> changed = std::exchange(changed_, {});
+    std::ranges::sort(changed);
+    const auto repeated = std::ranges::unique(changed);
+    changed.erase(repeated.begin(), repeated.end());
+    return changed;
+}
+
+std::optional<NextHopGroup> RouteTable::NextHopsOf(const Destination& destination) const
+{
+    const auto found = routes_.find(destination);
+    if (found == routes_.end()) {
+        return std::nullopt;
+    }
+    for (const Route& route : found->second) {
+        NextHopGroup live = LiveNextHops(route);
+        if (route.refuses || !live.empty()) {
+            return live;
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace sources
