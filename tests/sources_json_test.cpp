@@ -63,7 +63,9 @@ TEST_F(JsonTest, AnErrorHasThePathAndChangesNothing)
     const std::string before = sources::DumpJson();
     const auto refuses = [&](const std::string& text, const std::string& message) {
         const auto refusal = support::RefusalOf([&] { LoadText(text); });
-        EXPECT_TRUE(refusal.starts_with(deviceFile + ": " + message)) << text << "\n" << refusal;
+        const auto unplaced =
+            std::regex_replace(refusal, std::regex(R"(line \d+, column \d+: (?=/|an))"), "");
+        EXPECT_TRUE(unplaced.starts_with(deviceFile + ": " + message)) << text << "\n" << refusal;
         EXPECT_EQ(sources::DumpJson(), before);
     };
     std::ifstream refused(projectRoot + "/tests/data/json_refused.txt");
@@ -76,6 +78,36 @@ TEST_F(JsonTest, AnErrorHasThePathAndChangesNothing)
     refuses("{\"port\": [\n  {\"if_index\": 1},\n  {\"if_index\" 2}]}",
             "line 3, column 15: syntax error");
     refuses("{\"if_base\": [{\"if_index\": 1, \"if_name\": \"\xff\"}]}", "line 1, column 42");
+}
+
+TEST_F(JsonTest, EachErrorHasItsLineAndColumn)
+{
+    const std::string prefix = deviceFile + ": line ";
+    EXPECT_EQ(support::RefusalOf([] {
+                  LoadText(R"({
+  "port": [
+    {"if_index": 1, "vlan_bitmap_1": [1, 2], "pvid": 70000},
+    {"if_index": 2,
+     "pvid": 1, "pvid": 2},
+    {"if_index": 3, "pivd": "\u00fc"}, 4
+  ],
+  "ports": [{}],
+  "qos_integration": [{"car_list": [{}, {"mask":1}]}]
+})");
+              }),
+              prefix + "3, column 54: /port/0/pvid: 70000 is out of range 0 to 65535\n" + prefix +
+                  "5, column 17: /port/1/pvid: is given twice\n" + prefix +
+                  "6, column 29: /port/2/pivd: there is no such field\n" + prefix +
+                  "6, column 40: /port/3: 4 is not an object of fields\n" + prefix +
+                  "8, column 3: /ports: there is no such table\n" + prefix +
+                  "9, column 49: /qos_integration/0/car_list/1/mask: there is no such field");
+    std::string rows = "{\"port\": [1";
+    for (int i = 0; i < 30; ++i) {
+        rows += ",\n1";
+    }
+    const std::string ten = support::RefusalOf([&] { LoadText(rows + "]}"); });
+    EXPECT_EQ(std::ranges::count(ten, '\n'), 9) << ten;
+    EXPECT_EQ(standin::CountRows(*standin::FindTable("port")), 0U);
 }
 
 // The VLAN sets of the ports agree with the member sets of the VLANs.

@@ -17,6 +17,8 @@ class JsonError : public standin::Error {
 public:
     explicit JsonError(const std::string& reason, const std::string& path = "");
 
+    const std::string& Path() const { return path_; }
+
     // The same error with the path of the enclosing value in front.
     JsonError Under(const std::string& path) const { return JsonError(reason_, path + path_); }
 

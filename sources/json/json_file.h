@@ -10,8 +10,8 @@
 
 namespace sources {
 
-// Calls onRow for every row of the file, in order. Throws standin::Error at the first error:
-// "device.json: /port/3/pvid: 70000 is out of range 0 to 65535".
+// Calls onRow for every row of the file, in order. Throws standin::Error with up to ten errors, one
+// per line: "device.json: line 12, column 5: /port/3/pvid: 70000 is out of range 0 to 65535".
 void ReadJson(const std::filesystem::path& file, const std::function<void(standin::Row)>& onRow);
 
 // Inserts every row of the file, in one transaction. Throws standin::Error also if the database
