@@ -186,6 +186,16 @@ TEST(Shell, ShowSelectsSortsAndLimits)
     EXPECT_EQ(none, Json::array());
 }
 
+// A row of addresses without a list ends the search.
+TEST(Shell, TheOwnerOfAnAddressIsFoundUpToARowWithoutAddressList)
+{
+    EXPECT_EQ(RunShell(device + "BDS_IPGetIfindexbyIpAddr 198.51.100.1").output,
+              "result   0 (ok)\nifIndex  14094 (Vlanif4094)\n");
+    const std::string noList = root + "/data/no-address-list.json BDS_IPGetIfindexbyIpAddr ";
+    EXPECT_EQ(RunShell(noList + "192.0.2.1").status, 0);
+    EXPECT_EQ(RunShell(noList + "198.51.100.1").status, 1);
+}
+
 TEST(Shell, StatusShowsHowCurrentTheDataAre)
 {
     const std::string input = "printf 'begin\\ndelete if_base if_index=1\\nstatus\\nabort\\n'";
