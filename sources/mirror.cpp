@@ -33,7 +33,8 @@ void MirrorTable(Transaction& transaction, const Table& table, const Rows& desir
         const auto keepsKey = [&](const Key& key) {
             return KeyBytes(row, key) == KeyBytes(*found->second, key);
         };
-        if (found == missing.end() || !std::ranges::all_of(table.keys, keepsKey)) {
+        if (found == missing.end() || row.Rank() != found->second->Rank() ||
+            !std::ranges::all_of(table.keys, keepsKey)) {
             transaction.Delete(row);
             return;
         }

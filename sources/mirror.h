@@ -21,9 +21,9 @@ std::string_view KeyBytes(const standin::Row& row, const standin::Key& key);
 std::string_view PrimaryKey(const standin::Row& row);
 
 // Adds the writes after which the table holds exactly the desired rows. New rows are inserted in
-// the given order. A row whose secondary key (such as its name) changes is deleted and inserted
-// instead of updated: keys may have been swapped between rows, and every key must be unique after
-// each write.
+// the given order. A row whose rank or secondary key (such as its name) changes is deleted and
+// inserted instead of updated: keys may have been swapped between rows, and every key must be
+// unique after each write.
 void MirrorTable(standin::Transaction& transaction, const standin::Table& table,
                  const Rows& desired);
 

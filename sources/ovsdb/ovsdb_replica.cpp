@@ -28,21 +28,24 @@ void Report(const Table& table, const Json& columns, const std::string& reason)
 struct KeyTransition {
     const Row* before = nullptr;
     const Row* after = nullptr;
-    int64_t place = NO_PLACE;
+
+    bool IsChangeInPlace() const
+    {
+        return before != nullptr && after != nullptr && before->Rank() == after->Rank();
+    }
 };
 
 // Sorted by table and primary key, so that all clients write in the same order. A row that is
-// deleted and inserted again with the same key is an update.
+// deleted and inserted again with the same key and place is an update.
 class KeyTransitions {
 public:
     void From(const Row& row) { TransitionOf(row).before = &row; }
     // Returns false if another row already has this key after the transaction.
-    bool To(const Row& row, int64_t place)
+    bool To(const Row& row)
     {
         KeyTransition& transition = TransitionOf(row);
         const bool isFree = transition.after == nullptr;
         transition.after = &row;
-        transition.place = place;
         return isFree;
     }
     Transaction AsTransaction() const;
@@ -59,24 +62,26 @@ private:
 Transaction KeyTransitions::AsTransaction() const
 {
     Transaction transaction;
-    std::vector<const KeyTransition*> inserts;
+    std::vector<const Row*> inserts;
     for (const auto& [key, transition] : transitions_) {
-        if (transition.before != nullptr && transition.after == nullptr) {
+        if (transition.IsChangeInPlace()) {
+            continue;
+        }
+        if (transition.before != nullptr) {
             transaction.Delete(*transition.before);
         }
-        if (transition.before == nullptr && transition.after != nullptr) {
-            inserts.push_back(&transition);
+        if (transition.after != nullptr) {
+            inserts.push_back(transition.after);
         }
     }
     for (const auto& [key, transition] : transitions_) {
-        if (transition.before != nullptr && transition.after != nullptr &&
-            *transition.before != *transition.after) {
+        if (transition.IsChangeInPlace() && *transition.before != *transition.after) {
             transaction.Update(*transition.after);
         }
     }
-    std::ranges::stable_sort(inserts, {}, &KeyTransition::place);
-    for (const KeyTransition* transition : inserts) {
-        transaction.Insert(*transition->after);
+    std::ranges::stable_sort(inserts, {}, &Row::Rank);
+    for (const Row* row : inserts) {
+        transaction.Insert(*row);
     }
     return transaction;
 }
@@ -185,11 +190,10 @@ Replica::ReplicaChange Replica::ChangeOf(const RowUpdate& update)
     const ServerRow& before = known->second;
     Json columns = before.columns.is_null() ? RowToWire(*before.row) : before.columns;
     Modify(*update.table, columns, update.columns);
-    ReplicaChange change{update.id, NewRow(*update.table, columns)};
-    if (!update.columns.contains(PLACE_COLUMN)) {
-        change.after->place = before.place;
+    if (!columns.contains(PLACE_COLUMN) && before.place != NO_PLACE) {
+        columns[PLACE_COLUMN] = before.place;
     }
-    return change;
+    return {update.id, NewRow(*update.table, columns)};
 }
 
 Replica::ServerRow Replica::NewRow(const Table& table, const Json& columns)
@@ -199,6 +203,7 @@ Replica::ServerRow Replica::NewRow(const Table& table, const Json& columns)
     RecordPlace(made.place);
     try {
         made.row = RowFromWire(table, columns);
+        made.row->SetRank(static_cast<uint64_t>(made.place));
     } catch (const standin::Error& error) {
         Report(table, columns, error.what());
     }
@@ -219,7 +224,7 @@ bool Replica::CommitChanges(const std::vector<ReplicaChange>& changes)
             transitions.From(*before->second.row);
         }
         if (change.after && change.after->row) {
-            allFree &= transitions.To(*change.after->row, change.after->place);
+            allFree &= transitions.To(*change.after->row);
         }
     }
     if (!allFree) {

@@ -144,7 +144,7 @@ Row& Row::AddItem(std::string_view list, std::span<const uint64_t> values)
     return *this;
 }
 
-Row& Row::SetRank(uint32_t rank)
+Row& Row::SetRank(uint64_t rank)
 {
     rank_ = rank;
     return *this;

@@ -15,7 +15,7 @@ namespace standin {
 // A row's place in the order of its table. The rank is chosen by the writer; the sequence number
 // counts insertions.
 struct Place {
-    uint32_t rank = 0;
+    uint64_t rank = 0;
     uint64_t sequence = 0;
 
     friend auto operator<=>(const Place&, const Place&) = default;
@@ -69,13 +69,13 @@ public:
 private:
     friend class RowReference;
 
-    explicit StoredRow(uint32_t rank) : rank_(rank) {}
+    explicit StoredRow(uint64_t rank) : rank_(rank) {}
     static void Free(const StoredRow* row);
 
     uint8_t* Bytes() { return reinterpret_cast<uint8_t*>(this + 1); }
 
     mutable uint64_t sequence_ = 0;  // 0: not yet in a table
-    mutable uint32_t rank_;
+    mutable uint64_t rank_;
     mutable std::atomic<uint32_t> references_ = 0;
 };
 

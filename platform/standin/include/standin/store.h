@@ -49,8 +49,8 @@ public:
 
     // The rank determines the place of a new row: before all rows of higher rank. Updating or
     // replacing a row does not change its place. 0 by default; not part of the contents.
-    Row& SetRank(uint32_t rank);
-    uint32_t Rank() const { return rank_; }
+    Row& SetRank(uint64_t rank);
+    uint64_t Rank() const { return rank_; }
 
     uint64_t Number(std::string_view field) const;  // Number, Ipv4
     std::string_view Text(std::string_view field) const;
@@ -71,7 +71,7 @@ private:
     friend Row Detached(const Table& table, const StoredRow& row);
 
     const Table* table_;
-    uint32_t rank_ = 0;
+    uint64_t rank_ = 0;
     std::vector<uint8_t> record_;
     std::vector<std::optional<std::vector<uint8_t>>> lists_;
 };
