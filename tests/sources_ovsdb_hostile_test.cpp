@@ -466,6 +466,33 @@ TEST_F(HostileTest, HungServersDoNotDelayAWorkingOne)
     EXPECT_LT(Clock::now() - begin, 2s);
 }
 
+// The first server accepts the connection and sends nothing, the second does not answer a write.
+TEST_F(HostileTest, WaitsOfMoreThanASecondAreReported)
+{
+    OvsdbLimits limits = BRISK;
+    limits.requestTimeout = 1300ms;
+    std::vector<std::string> waits;
+    const auto onWait = [&](const std::string& what) { waits.push_back(what); };
+    const std::string refusal = RefusalOf([&] { OvsdbSource(server_.Remote(), limits, onWait); });
+    EXPECT_NE(refusal.find("no server can be followed"), std::string::npos) << refusal;
+    EXPECT_EQ(waits, std::vector<std::string>{"a server"});
+
+    const ScriptedServer second;
+    std::optional<ScriptedPeer> peer;
+    std::jthread serving([&] {
+        peer.emplace(second.Accept());
+        EXPECT_TRUE(Lead(*peer, 2) && peer->IsAlive());
+    });
+    OvsdbSource source(second.Remote(), limits, onWait);
+    source.Follow();
+    serving.join();
+    EXPECT_NE(RefusalOf([&] {
+                  source.Commit({{WriteKind::Insert, Phy(9)}});
+              }).find("not known"),
+              std::string::npos);
+    EXPECT_EQ(waits.back(), second.Remote() + " to commit a transaction");
+}
+
 // The backoff grows although each connection receives the contents.
 TEST_F(HostileTest, BackoffGrowsIfAServerClosesEachConnectionSoon)
 {

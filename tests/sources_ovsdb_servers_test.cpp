@@ -1,6 +1,7 @@
 // The ovsdb source with real servers, which the tests start, stop and kill.
 #include <algorithm>
 #include <csignal>
+#include <fstream>
 #include <thread>
 
 #include "sources/ovsdb/ovsdb_source.h"
@@ -169,41 +170,92 @@ TEST_F(ServersTest, ASilentServerIsDroppedAndTheTablesStay)
     EXPECT_NE(TakeLogText().find(second.Remote() + " is followed"), std::string::npos);
 }
 
-TEST_F(ServersTest, OverTcpAndTls)
+// The server's port on this address, behind it.
+std::string WithPort(const Folder& folder, const std::string& name, const std::string& address)
 {
-    for (const std::string name : {"board", "stranger"}) {
-        const std::string own = folder_ / name;
-        const std::string make = "openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=" + name;
-        EXPECT_EQ(
-            support::Run(make + " -keyout " + own + ".key -out " + own + ".pem 2>/dev/null").status,
-            0);
-    }
-    const std::string key = folder_ / "board.key";
-    const std::string pem = folder_ / "board.pem";
-    const OvsdbServer server(folder_, "first", Role::Alone,
-                             "--remote=ptcp:0:127.0.0.1 --remote=pssl:0:127.0.0.2 --private-key=" +
-                                 key + " --certificate=" + pem + " --ca-cert=" + pem);
-    const auto withPort = [&](const std::string& address) {
-        const auto port = support::Run("sed -n 's/.*:" + address + ": listening on port //p' " +
-                                       folder_ / "first.log" + " | tr -d '\\n'");
-        return address + ":" + port.output;
+    const auto port = support::Run("sed -n 's/.*:" + address + ": listening on port //p' " +
+                                   folder / name + ".log" + " | tr -d '\\n'");
+    return address + ":" + port.output;
+}
+
+// Certificates and keys in a folder: "ca" and "stranger" are authorities that signed themselves,
+// "board" and "expired" are signed by "ca", and "locked.key" has a password.
+void MakeCertificates(const Folder& folder)
+{
+    const std::string script = "cd " + folder / "" + R"( && exec 2>/dev/null
+new="-newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -subj /CN="
+for name in ca stranger; do
+    openssl req -x509 -nodes $new$name -keyout $name.key -out $name.pem || exit
+done
+for name in board expired; do
+    days=1; [ $name = board ] || days=-1
+    openssl req -nodes $new$name -keyout $name.key -out $name.csr &&
+        openssl x509 -req -in $name.csr -CA ca.pem -CAkey ca.key -CAcreateserial -days $days \
+            -out $name.pem || exit
+done
+openssl ec -in board.key -aes128 -passout pass:x -out locked.key
+: >empty.key)";
+    EXPECT_EQ(support::Run(script).status, 0);
+}
+
+TEST_F(ServersTest, TcpAndTlsServersAreFollowedAndTlsFaultsAreNamed)
+{
+    MakeCertificates(folder_);
+    const auto options = [&](const std::string& name, const std::string& address) {
+        return "--remote=pssl:0:" + address + " --private-key=" + folder_ / name +
+               ".key --certificate=" + folder_ / name + ".pem --ca-cert=" + folder_ / "ca.pem";
     };
-    const std::string tls = "ssl:" + withPort("127.0.0.2");
-    const std::string own = ",private-key=" + key + ",certificate=" + pem + ",ca-certificate=";
+    const OvsdbServer server(folder_, "first", Role::Alone,
+                             "--remote=ptcp:0:127.0.0.1 " + options("board", "127.0.0.2"));
+    const OvsdbServer expired(folder_, "second", Role::Alone, options("expired", "127.0.0.3"));
+    const OvsdbServer selfSigned(folder_, "third", Role::Alone, options("stranger", "127.0.0.4"));
+    const auto tls = [&](const std::string& address, const std::string& key = "board.key",
+                         const std::string& authority = "ca.pem") {
+        return "ssl:" + address + ",private-key=" + folder_ / key +
+               ",certificate=" + folder_ / "board.pem" + ",ca-certificate=" + folder_ / authority;
+    };
+    const std::string tcp = WithPort(folder_, "first", "127.0.0.1");
+    const std::string good = WithPort(folder_, "first", "127.0.0.2");
     uint64_t row = 0;
-    for (const auto& remote : {"tcp:" + withPort("127.0.0.1"), tls + own + pem}) {
+    for (const auto& remote :
+         {"tcp:" + tcp, "tcp:localhost" + tcp.substr(tcp.find(':')), tls(good)}) {
         OvsdbSource cluster(remote, brisk);
         cluster.Follow();
-        cluster.Commit({{Insert, Base(++row, std::string(30, 'x') + remote.front())}});
+        ++row;
+        cluster.Commit({{Insert, Base(row, std::string(30, 'x') + std::to_string(row))}});
         ExpectSameAs(server);
     }
-    const std::pair<const char*, const char*> refused[] = {
-        {"stranger.pem", "certificate verify failed"}, {"nobody.pem", "nobody.pem: "}};
-    for (const auto& [authority, reason] : refused) {
-        ExpectRefusal(reason, [&, vouching = folder_ / authority] {
-            OvsdbSource(tls + own + vouching, {50ms, 1000ms, 5ms, 5ms});
+    const std::pair<std::string, std::string> refused[] = {
+        {tls(WithPort(folder_, "second", "127.0.0.3")), "certificate has expired"},
+        {tls(WithPort(folder_, "third", "127.0.0.4")), "signed certificate"},
+        {tls(good, "board.key", "stranger.pem"), "self-signed certificate in certificate chain"},
+        {tls(tcp), "ssl:" + tcp + ": "},  // plain text is not tried
+        {tls(good, "stranger.key"), "stranger.key: key values mismatch"},
+        {tls(good, "locked.key"), "locked.key: the key is encrypted"},
+        {tls(good, "empty.key"), "empty.key: the file is empty"},
+        {tls(good, "board.key", "none.pem"), "none.pem: No such file"},
+        {tls(good, "board.pem"), "board.pem: "},
+        {"tcp:no-such-host.invalid:1", "no-such-host.invalid:1: "},
+    };
+    for (const auto& [remote, reason] : refused) {
+        ExpectRefusal(reason, [&, &given = remote] {
+            OvsdbSource(given,
+                        {.requestTimeout = 500ms, .initialBackoff = 20ms, .connectTimeout = 200ms});
         });
     }
+}
+
+// Without waiting for requestTimeout.
+TEST_F(ServersTest, AMissingTableEndsTheFirstAttempt)
+{
+    Wire schema = Wire::parse(TextOf(TARND_PROJECT_ROOT "/data/tarnd_qrb.ovsschema"));
+    schema["tables"].erase("vlan");
+    const std::string file = folder_ / "schema";
+    std::ofstream(file) << schema;
+    const OvsdbServer server(folder_, "first", Role::Alone, "", file);
+    const auto begin = std::chrono::steady_clock::now();
+    ExpectRefusal("vlan", [&] { OvsdbSource(server.Remote(), brisk); });
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, brisk.requestTimeout / 2);
 }
 
 TEST_F(ServersTest, RowsOfAnyContentsAreStoredAndReadInOrder)

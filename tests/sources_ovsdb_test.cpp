@@ -136,7 +136,8 @@ TEST_F(ClusterTest, ServerListsAreParsedOrRefused)
         "unix:/a,tcp:h:1,ssl:[::1]:2,private-key=k,certificate=c,ca-certificate=a");
     EXPECT_EQ(servers.all.size(), 3U);
     EXPECT_EQ(servers.all[2].host, "::1");
-    for (const char* wrong : {"", "unix", "tcp:h", "tcp::1", "tcp:h:", "ssl:h:1", "unix:/a,x=y"}) {
+    for (const char* wrong : {"", "unix", "tcp:h", "tcp::1", "tcp:h:", "ssl:h:1", "unix:/a,x=y",
+                              "tcp:h:0", "tcp:h:99999", "tcp:h:1x", "unix:/a,request-timeout=0"}) {
         EXPECT_THROW(sources::ovsdb::ParseServers(wrong), standin::Error) << wrong;
     }
     EXPECT_THROW(

@@ -54,10 +54,12 @@ public:
     // Options are those of the server's command line.
     enum class Role { Alone, First, Further };
     explicit OvsdbServer(const Folder& folder, const std::string& name = "first",
-                         Role role = Role::Alone, const std::string& options = "")
+                         Role role = Role::Alone, const std::string& options = "",
+                         const std::string& schemaFile = TARND_PROJECT_ROOT
+                         "/data/tarnd_qrb.ovsschema")
         : base_(folder / name), options_(options)
     {
-        const std::string schema = base_ + ".db " TARND_PROJECT_ROOT "/data/tarnd_qrb.ovsschema";
+        const std::string schema = base_ + ".db " + schemaFile;
         const std::string first = " unix:" + folder / "first.raft";
         const std::string create = role == Role::Alone ? "create " + schema
                                    : role == Role::First
