@@ -292,6 +292,34 @@ TEST(Shell, MissingDescriptorsEndInAMessage)
     EXPECT_TRUE(std::regex_match(statuses, std::regex("(0 )+(3 )+(127 |1 )*"))) << statuses;
 }
 
+// Whatever the limit is: from enough to too little for the loader (127). A file that does not fit
+// is an error, and the session goes on.
+TEST(Shell, MissingMemoryEndsInAMessage)
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizers reserve address space";
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+    GTEST_SKIP() << "the sanitizers reserve address space";
+#endif
+#endif
+    const std::string script =
+        R"({ echo "{\"if_phy\": ["; seq -f "{\"if_index\": %.0f}," 100001 115000
+echo "{\"if_index\": 99999}]}"; } >$d/rows.json
+printf "load $d/rows.json\nshow if_phy if_index=1 columns if_index\n" >$d/lines
+for m in 200 60 50 45 40 36 33 30 27 25 22 20 17 15 10; do
+    (ulimit -v ${m}000; )" TARND_SHELL " " +
+        device + R"(<$d/lines >$d/out 2>&1); echo -n "$? "
+    grep -A2 "out of memory" $d/out >$d/last && cp $d/last $d/refused
+done; echo; cat $d/refused)";
+    const auto [status, output] =
+        support::Run("bash -c 'd=$(mktemp -d); " + script + "; rm -r $d' 2>&1");
+    EXPECT_TRUE(std::regex_match(output, std::regex("(0 )+(3 )+(127 )+\n"
+                                                    "line 1: out of memory\n"
+                                                    "if_index\n1 \\(Ethernet0/0/1\\)\n")))
+        << output;
+}
+
 // What a terminal shows. The script writes keys with "type KEYS" and waits for a text with "await
 // TEXT". The home directory is an empty one with a device.
 std::string AtTerminal(const std::string& environment, const std::string& script)
