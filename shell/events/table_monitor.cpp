@@ -113,12 +113,12 @@ Json MemberOf(const Json& row, const std::string& name)
 // Returns the fields that are not zero or empty.
 std::string RowText(const standin::Table& table, const Json& row, const Json& key)
 {
-    static const std::vector<Json> EMPTY_VALUES = {0, "", Json::array(), "0.0.0.0",
-                                                   "00:00:00:00:00:00"};
+    static const std::vector<Json> emptyValues = {0, "", Json::array(), "0.0.0.0",
+                                                  "00:00:00:00:00:00"};
     std::string text;
     for (const auto& member : row.items()) {
         const Json& value = member.value();
-        const bool isEmpty = std::ranges::find(EMPTY_VALUES, value) != EMPTY_VALUES.end();
+        const bool isEmpty = std::ranges::find(emptyValues, value) != emptyValues.end();
         if (!isEmpty && !key.contains(member.key())) {
             text += " " + member.key() + "=" + ValueText(table, member.key(), value);
         }

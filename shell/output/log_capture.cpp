@@ -30,7 +30,7 @@ try {
 } catch (const std::exception&) {
 }
 
-[[maybe_unused]] const bool isReceiving = (SetSystemLogReceiver(Capture), true);
+[[maybe_unused]] const bool IS_RECEIVING = (SetSystemLogReceiver(Capture), true);
 
 }  // namespace
 

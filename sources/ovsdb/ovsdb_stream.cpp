@@ -52,7 +52,7 @@ SocketAddress AddressOfPath(const std::string& path)
 // A socket BIO whose writes don't raise SIGPIPE when the server has closed the connection.
 const BIO_METHOD* QuietSocket()
 {
-    static BIO_METHOD* const METHOD = [] {
+    static BIO_METHOD* const method = [] {
         const BIO_METHOD* usual = BIO_s_socket();
         BIO_METHOD* made = BIO_meth_new(
             BIO_get_new_index() | BIO_TYPE_SOURCE_SINK | BIO_TYPE_DESCRIPTOR, "socket");
@@ -72,7 +72,7 @@ const BIO_METHOD* QuietSocket()
         });
         return made;
     }();
-    return METHOD;
+    return method;
 }
 
 }  // namespace
