@@ -61,7 +61,7 @@ const struct {
 TEST_F(ChangeDetection, PublishesTheEventsOfTheTable)
 {
     for (const auto& [before, write, row, events] : cases) {
-        SCOPED_TRACE(testing::PrintToString(events) + " are to come");
+        SCOPED_TRACE(testing::PrintToString(events) + " are expected");
         standin::Reset();
         Write(Insert, {before});
         AwaitEvents();

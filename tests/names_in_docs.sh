@@ -14,8 +14,8 @@ if unknown=$(comm -23 <(echo "$named") <(echo "$declared") | grep .); then
 fi
 for header in include/tarnd_qrb/*.h; do
     family=tarnd_qrb_$(basename "$header" .h)
-    grep -q "tarnd_qrb/$(basename "$header")" examples/ask/ask.c \
-        || { echo "examples/ask/ask.c lacks $header"; failed=1; }
+    grep -q "tarnd_qrb/$(basename "$header")" examples/query_module/query_module.c \
+        || { echo "examples/query_module/query_module.c lacks $header"; failed=1; }
     grep -qw "$family" docs/man/tarnd_qrb.7 || { echo "docs/man/tarnd_qrb.7 lacks $family"; failed=1; }
 done
 exit "$failed"

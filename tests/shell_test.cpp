@@ -29,15 +29,15 @@ TEST(Shell, CallsEveryFunction)
 {
     const std::string calls = "grep -v '^#' " + root + "/docs/calls.txt";
     Names called;
-    std::istringstream answers(RunShell("--json " + device, calls + " | sed 's/ => .*//'").output);
+    std::istringstream results(RunShell("--json " + device, calls + " | sed 's/ => .*//'").output);
     std::istringstream expected(support::Run(calls).output);
     for (std::string call, line; std::getline(expected, call);) {  // "CALL => CODE OUTPUTS"
-        while (std::getline(answers, line) && line.starts_with("{\"event\":")) {
+        while (std::getline(results, line) && line.starts_with("{\"event\":")) {
         }
-        const Json answer = Json::parse(line);
+        const Json result = Json::parse(line);
         std::string got = call.substr(0, call.find(" => ") + 4);
-        got += answer["result"].is_null() ? "-" : answer["result"].dump();
-        got += answer["outputs"].empty() ? "" : " " + answer["outputs"].dump();
+        got += result["result"].is_null() ? "-" : result["result"].dump();
+        got += result["outputs"].empty() ? "" : " " + result["outputs"].dump();
         EXPECT_TRUE(got == call || call.ends_with(" => *")) << call << "\n" << line;
         called.insert(call.substr(0, call.find(' ')));
     }

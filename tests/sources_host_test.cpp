@@ -93,12 +93,12 @@ bool SameRoute(const std::string& destination)
     uint32_t count = FIB_GROUP_MEMBERS_MAX;
     key.destAddr = ntohl(inet_addr(destination.c_str()));
     const bool found = FIB_InquiryRoutes(&key, hops, &count) == 0;
-    const Json answer = AskIp("route get " + destination);
-    if (answer.is_null()) {
+    const Json route = AskIp("route get " + destination);
+    if (route.is_null()) {
         return !found;
     }
-    const std::string device = answer[0]["dev"];
-    const std::string gateway = answer[0].value("gateway", "0.0.0.0");
+    const std::string device = route[0]["dev"];
+    const std::string gateway = route[0].value("gateway", "0.0.0.0");
     return found && std::any_of(hops, hops + count, [&](const FIB_NHP_S& hop) {
                return hop.firstValue == ntohl(inet_addr(gateway.c_str())) &&
                       hop.secondValue == if_nametoindex(device.c_str());

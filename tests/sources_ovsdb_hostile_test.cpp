@@ -330,7 +330,7 @@ TEST_F(HostileTest, AReplyThatDoesNotMatchIsAFailure)
     const Wire inserted = {{"uuid", {"uuid", Uuid(9)}}};
     const Wire counted = {{"count", 1}};
     const Wire waited = Wire::object();
-    const std::pair<Wire, std::string> answers[] = {
+    const std::pair<Wire, std::string> replies[] = {
         {{inserted, waited, counted}, ""},
         {Wire::array(), "not known"},
         {{inserted}, "not known"},
@@ -347,7 +347,7 @@ TEST_F(HostileTest, AReplyThatDoesNotMatchIsAFailure)
         {{inserted, waited, {{"error", 7}}}, "7"},
         {{inserted, waited, counted, {{"error", "x"}, {"details", "the whole"}}}, "the whole"},
     };
-    for (const auto& [results, outcome] : answers) {
+    for (const auto& [results, outcome] : replies) {
         ScriptedPeer peer(server_.Accept());
         EXPECT_TRUE(Lead(peer, 2) && peer.IsAlive());
         auto commit = std::async([&] {

@@ -1,6 +1,6 @@
 // A platform with one interface, as a starting point for a platform of your own.
 //
-// Every function of the contract is defined. The functions that a look-up of an interface name
+// Every function of the contract is defined. The functions that a lookup of an interface name
 // needs are implemented; the others return a code, which the library logs.
 #include <cstdio>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// Command status: where the data come from, how current they are, and what waits.
+// Command status: the source, the state of its data, and the lengths of the queues.
 #include <chrono>
 #include <cmath>
 #include <utility>
@@ -12,7 +12,7 @@
 namespace shell {
 namespace {
 
-// With one decimal place.
+// Rounds to one decimal place.
 template <typename Duration>
 double SecondsOf(Duration duration)
 {
@@ -83,11 +83,11 @@ std::string DataText(const Json& status)
 
 std::string WaitingText(const Json& waiting)
 {
-    std::string text = OneLine(waiting["messages"]) + " changes wait for the listener";
+    std::string text = OneLine(waiting["messages"]) + " changes pending for the listener";
     if (waiting["messages"] > 0) {
         text += ", the oldest for " + OneLine(waiting["seconds"]) + " s";
     }
-    return text + "; " + OneLine(waiting["events"]) + " events wait to be printed";
+    return text + "; " + OneLine(waiting["events"]) + " events queued for printing";
 }
 
 std::string StatusText(const Json& status)
@@ -141,7 +141,7 @@ Status ShowStatus(Shell& shell, Words& words)
 std::vector<Command> StatusCommands()
 {
     return {
-        {"status", "", "Shows where the data come from: the source, the server that is followed, how current the data are, what waits, the rows per table, and the last log lines.", ShowStatus},
+        {"status", "", "Shows the state of the source: the server that is followed, whether the data are current, the queues, the rows per table, and the last log lines.", ShowStatus},
     };
 }
 // clang-format on

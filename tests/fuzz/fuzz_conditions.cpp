@@ -98,14 +98,14 @@ std::string WithoutLeadingZeros(std::string_view number)
 bool Describes(std::string_view term, const Described& row)
 {
     const size_t at = term.find(equals);
-    const std::string_view said = term.substr(at + equals.size());
+    const std::string_view value = term.substr(at + equals.size());
     const Field* field = FindField(row.table.fields, term.substr(0, at));
     CHECK(at != std::string_view::npos && field != nullptr);
     const auto& [plain, literal] = row.values[static_cast<size_t>(field - row.table.fields.data())];
     if (field->kind == Kind::Number || field->kind == Kind::Ipv4) {
-        return plain == WithoutLeadingZeros(said);
+        return plain == WithoutLeadingZeros(value);
     }
-    return plain == said || literal == Lower(said);
+    return plain == value || literal == Lower(value);
 }
 
 bool AllDescribe(std::string_view text, const Described& row)

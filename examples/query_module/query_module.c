@@ -1,7 +1,8 @@
 /*
- * A module in C that queries one interface and prints its name and line state: ask IFINDEX.
+ * A module in C that queries one interface and prints its name and line state: query_module
+ * IFINDEX.
  *
- *     cc -std=c11 -o ask ask.c $(pkg-config --cflags --libs tarnd_qrb)
+ *     cc -std=c11 -o query_module query_module.c $(pkg-config --cflags --libs tarnd_qrb)
  */
 #include <inttypes.h>
 #include <stdio.h>
