@@ -11,8 +11,8 @@
  *
  * @par Scan conditions
  * Numbers and names are formatted into a scan condition of at most 63 characters. If it does not
- * fit, the function fails without a log line. A look-up by name has room for 11 characters: the
- * digits of vsid and vsysid, and the name. A look-up by number has room for 9: the digits of vsid,
+ * fit, the function fails without a log line. A lookup by name has room for 11 characters: the
+ * digits of vsid and vsysid, and the name. A lookup by number has room for 9: the digits of vsid,
  * vsysid and the ACL number. ACLIPv6_IsACLNodeExistByNumber() has a longer condition, which fits
  * any number.
  * @par Null pointers
@@ -84,7 +84,7 @@ uint32_t ACLIPv6_IsACLNodeExistByNumber(uint16_t vsid, uint16_t vsysid, uint32_t
  * @param[in]  vsid       first number of the virtual system
  * @param[in]  vsysid     second number of the virtual system
  * @param[in]  aclNumber  ACL number; used only if name is null
- * @param[in]  name       ACL name; null selects the look-up by number
+ * @param[in]  name       ACL name; null selects the lookup by number
  * @param[out] groupId    group id; written only if the ACL is found
  *
  * @retval 1  the scan ran, whether or not it found the ACL
@@ -109,7 +109,7 @@ uint32_t ACL_IsExist(uint16_t vsid, uint16_t vsysid, uint32_t aclNumber, const c
  * @param[in]  vsid       first number of the virtual system
  * @param[in]  vsysid     second number of the virtual system
  * @param[in]  aclNumber  ACL number; used only if name is null
- * @param[in]  name       ACL name; null selects the look-up by number
+ * @param[in]  name       ACL name; null selects the lookup by number
  * @param[out] groupId    group id; written only if the ACL is found
  *
  * @retval 1  the scan ran, whether or not it found the ACL
@@ -246,8 +246,8 @@ uint32_t ACLIPv6_GetNameByGroupId(uint32_t groupId, char* name);
  * @par After a failure
  * aclNumber is unchanged. If only closing the session failed, it is written.
  * @par Log
- * Each failing step, no record included, under the names of QRB_DB_Get() and the functions it
- * calls. A failing close is not logged.
+ * Each failing step, including a missing record, under the names of QRB_DB_Get() and the functions
+ * it calls. A failing close is not logged.
  * @par Source
  * "acl_group_id", field 5, by primary key (name, kind).
  */

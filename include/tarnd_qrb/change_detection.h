@@ -2,11 +2,9 @@
  * @file
  * @brief Change detection: from row messages of the database to events.
  *
- * A table callback handles one delivery: one or more row messages of one event type
-(ORM_EVENT_INSERT
- * and its like). It compares the old and the new row of each message and publishes what the change
-means
- * (tarnd_qrb/event_publish.h), in this order:
+ * A table callback handles one delivery: one or more row messages of one event type, such as
+ * ORM_EVENT_INSERT. It compares the old and the new row of each message and publishes the events of
+ * the change (tarnd_qrb/event_publish.h), in this order:
  *
  * @verbatim
 table     event type       change                      published
@@ -27,21 +25,19 @@ port      insert, replace                              PORT_ADD
                            it is the same, _1          VLAN_DEL_PORT
 @endverbatim
  *
- * No other change publishes anything. A state other than 0 and 1 is no change.
+ * Other changes publish no event. A change of a state from or to a value other than 0 and 1 is
+ * ignored.
  *
  * @par Failures
- * A delivery of another event type is logged and dropped; so is a deletion from "if_phy", which is
-not
- * handled. A message that cannot be fetched, or a row of it that cannot be read, ends the delivery,
- * except for an insertion into "if_phy" or "port" and a deletion from "port": there, only that
-message
- * is skipped. A publication that fails is logged and stops nothing.
+ * A delivery of another event type is logged and dropped; a deletion from "if_phy" is such a
+ * delivery. If a message cannot be fetched, or one of its rows cannot be read, the delivery ends.
+ * Exception: an insertion into "if_phy" or "port" or a deletion from "port" is skipped if its row
+ * cannot be read. A publication that fails is logged, and the delivery continues.
  * @par Null pointers
  * Pointers must not be null: they are not checked, except where a parameter's description says so.
  * @par Threads
  * The database client calls the table callbacks on the listener thread, one after another; events
-are
- * published on it. No state is kept between messages.
+ * are published on it. No state is kept between messages.
  * @par Ownership
  * A message is valid during the callback that received it. Rows and buffers are the caller's.
  * @par Log

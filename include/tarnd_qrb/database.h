@@ -66,7 +66,7 @@ typedef uint32_t (*QRB_GET_FIELDS_FUNC)(ORM_SESSION session, void* output);
  * @param[in]     session  session; the scan's record is its current record
  * @param[in,out] context  context of the calling function
  * @param[in]     index    number of the record, counted from 0
- * @return 0 to go on, or a code that stops the scan as a failure
+ * @return 0 to continue, or a code that stops the scan as a failure
  */
 typedef uint32_t (*QRB_ENTRY_FUNC)(ORM_SESSION session, void* context, uint32_t index);
 
@@ -124,7 +124,7 @@ uint32_t QRB_CreatDbSession(const char* table, uint32_t operation, ORM_SESSION* 
  * @retval other  code of the failing step; ORM_NO_RECORD if no record has the key
  *
  * @par Log
- * The failing step, with the table's name and without the code; no record included.
+ * The failing step, including a missing record, with the table's name and without the code.
  */
 uint32_t QRB_DB_SESSION_SetKey(ORM_SESSION session, uint32_t operation, const char* table,
                                const void* keyArgument, QRB_SET_KEY_FUNC setKey);

@@ -1,14 +1,15 @@
 /**
  * @file
- * @brief Events: what the library publishes, what the events pass, and how to publish one.
+ * @brief Events that the library publishes, their arguments, and functions to publish an event.
  *
  * The library publishes its events on its listener thread while it handles a change
  * (tarnd_qrb/change_detection.h). Several events of one change are published in the order of these
  * tables, from top to bottom and each table after the other. Modules may publish any event, on
-their own
- * threads. tarnd_qrb/event_registry.h has the rules of callbacks.
+ * their own threads. tarnd_qrb/event_registry.h has the rules of callbacks.
  *
- * Layer-2 events, from table "port". The value is 0. Callbacks do not change what is passed.
+ * Layer-2 events, from table "port". The value is 0. Callbacks must not change the data or the
+ * argument. The first byte that differs between an old and a new VLAN bitmap decides: if it is
+ * greater in the new one, the bitmap grew.
  *
  * @verbatim
 event                     when                  data            argument
@@ -32,7 +33,7 @@ IF_SUB_EVT_ROUTE_STATE  route_state 0 to 1  IF_EVT_FLAG_UP    uint32_t 1 and 0
                         route_state 1 to 0  IF_EVT_FLAG_DOWN  uint32_t 1 and 0
 @endverbatim
  *
- * The uint32_t behind second is writable; the library does not read it afterwards.
+ * The uint32_t that second points to is writable; the library does not read it afterwards.
  *
  * Interface notifications, from tables "if_base" and "if_phy". The last two arguments are 0.
  *
@@ -113,7 +114,7 @@ QRB_FIELD_AT(QRB_VLAN_CHANGE_S, reserved_12, 12, 508);
  * @retval 1  the event does not exist, the table is not built, or an entry has no callback
  *
  * @par After a failure
- * The callbacks before an entry without a callback were called, the ones behind it were not.
+ * The callbacks before an entry without a callback were called, the later ones were not.
  * @par Log
  * Each failure.
  */

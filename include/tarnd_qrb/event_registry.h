@@ -5,7 +5,7 @@
  * There are three registries: a table of layer-2 events with a list of callbacks for each event; a
  * tree of interface events with a list for each event and, below 16 events, a list for each
  * sub-event; and one list of callbacks for interface notifications. tarnd_qrb/event_publish.h lists
- * the events that the library publishes and what they pass.
+ * the events that the library publishes and their arguments.
  *
  * @par Order of calls
  * Layer-2 and interface callbacks: higher priority first, the newest first within one priority.
@@ -30,8 +30,8 @@
  * a lock that the callback takes. Callbacks on different threads that remove each other's entries
  * do not wait for each other.
  *
- * A callback returns normally: it does not throw or call longjmp(). It should return soon, since
- * every later callback and change waits for it. Its result is ignored.
+ * A callback returns normally: it does not throw or call longjmp(). It should return quickly, since
+ * all later callbacks and changes wait for it. Its result is ignored.
  * @par Log
  * Priority 3. Failures are logged, except: unregistering an entry that is not registered for an
  * event that exists; a null module name in L2IF_SH_EvtCbFuncUnReg(); a null callback in
@@ -53,7 +53,7 @@ extern "C" {
 #define L2IF_MODULE_NAME_SIZE 64 /**< Size of a module name in bytes, NUL included. */
 #define IF_EVT_COUNT 76u         /**< Number of interface events: ids 0 to 75. */
 #define IF_EVT_WHOLE 0xFFFFFFFFu /**< Sub-event id of an event as a whole. */
-/** Id count of IF_EvtRegCbf() and IF_EvtUnRegCbf() with a sub-event id behind the event id. */
+/** Id count of IF_EvtRegCbf() and IF_EvtUnRegCbf() with a sub-event id after the event id. */
 #define IF_EVT_WITH_SUB_EVENT 2u
 /** Id count without a sub-event id; every other value means the same. */
 #define IF_EVT_WITHOUT_SUB_EVENT 1u
@@ -61,9 +61,9 @@ extern "C" {
 /**
  * A layer-2 callback.
  *
- * @param[in]     data      what the event passes, valid during the call
+ * @param[in]     data      data of the event, valid during the call
  * @param[in]     value     0 in every event of the library
- * @param[in,out] argument  what the event passes, valid during the call
+ * @param[in,out] argument  argument of the event, valid during the call
  * @param[in,out] word      word of the publication: 0 for the first callback, then what the
  * callbacks store in it
  * @return not used
@@ -77,8 +77,8 @@ typedef uint32_t L2IF_SH_EVT_CB_FUNC(const void* data, uint32_t value, void* arg
  * @param[in]     subId    sub-event id
  * @param[in]     flag     flag of the event
  * @param[in]     ifIndex  interface index
- * @param[in,out] first    what the event passes, valid during the call; null in most events
- * @param[in,out] second   what the event passes, valid during the call; null in most events
+ * @param[in,out] first    argument of the event, valid during the call; null in most events
+ * @param[in,out] second   argument of the event, valid during the call; null in most events
  * @return not used
  */
 typedef uint32_t IF_EVT_CB_FUNC(uint32_t subId, uint32_t flag, uint32_t ifIndex, void* first,
@@ -237,7 +237,7 @@ void IF_EvtInit(void);
 /**
  * Frees the interface event tree and every entry in it.
  *
- * No publication that uses IF_SH_EvtPublishEventGetEventNode() may be under way.
+ * No publication that uses IF_SH_EvtPublishEventGetEventNode() may be in progress.
  *
  * @par Log
  * Nothing is logged.
@@ -245,7 +245,7 @@ void IF_EvtInit(void);
 void IF_EvtDeInit(void);
 
 /**
- * Gives children to a node that has none.
+ * Creates the children of a node that has none.
  *
  * @param[in,out] node   node of an interface event tree
  * @param[in]     ulCnt  number of children; 0 is refused

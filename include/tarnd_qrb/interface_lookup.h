@@ -27,9 +27,9 @@
 extern "C" {
 #endif
 
-/** What IF_CmpIfBaseRecord() compares a record with. */
+/** The name with which IF_CmpIfBaseRecord() compares a record. */
 typedef struct {
-    const char* name; /**< name to look for */
+    const char* name; /**< name to compare with */
     uint8_t selector; /**< 0: compare with simple_name; other: compare with if_name */
 } IF_NAME_KEY_S;
 
@@ -63,7 +63,7 @@ uint32_t IF_INTF_GetIfNameByIfIndex(char* output, uint32_t ifIndex);
  * @par After a failure
  * output is unchanged; empty if the name does not fit.
  * @par Log
- * A record that cannot be read, no record included; a failing copy.
+ * A record that is missing or cannot be read; a failing copy.
  * @par Source
  * "if_base", if_name, by if_index.
  */
@@ -81,8 +81,7 @@ uint32_t IF_GetIfNameByIndex(uint32_t ifIndex, char* output);
  * @par After a failure
  * output is unchanged.
  * @par Log
- * A null output; a record that cannot be read, no record included; a failing copy, without its
- * code.
+ * A null output; a record that is missing or cannot be read; a failing copy, without its code.
  * @par Source
  * "if_base", if_name, by if_index.
  */
@@ -115,9 +114,9 @@ uint32_t BDS_IfnetIsIfExist(uint32_t ifIndex);
  *
  * @par Log
  * Each failing step, under the name IF_ScanTblByCond; a record that cannot be read or copied, under
- * the name IF_CmpIfBaseRecord, after which the scan goes on. A failing open is a line of its own
- * form, without "[TARND_QRB]" and function. A name that is not found, and a scan or session that
- * fails to end, are not logged.
+ * the name IF_CmpIfBaseRecord, after which the scan continues. The line of a failing open has
+ * neither the prefix "[TARND_QRB]" nor a function name. A name that is not found, and a scan or
+ * session that fails to end, are not logged.
  * @par Source
  * "if_base", if_index, of the first record with this if_name.
  */
@@ -155,7 +154,8 @@ uint32_t IF_CmpIfBaseRecord(ORM_SESSION session, const IF_NAME_KEY_S* key, void*
  * @retval 0xFFFFFFFF  fullName is null or too long, no interface has the name, or a step failed
  *
  * @par Log
- * A null name; what QRB_CreatDbSession() logs. All else, no record included, is not logged.
+ * A null name; what QRB_CreatDbSession() logs. Other failures, including a missing record, are not
+ * logged.
  * @par Source
  * "if_base", field 0, by the local key.
  */
@@ -191,8 +191,8 @@ uint32_t BDS_Ifname2IfGetIndexByname(const char* name, uint32_t* ifIndex);
  * @par After a failure
  * output is unchanged; empty if the short name does not fit.
  * @par Log
- * A null pointer; each failing step, no record included; a failing copy, without its code. A
- * failing close is not logged and does not change the result.
+ * A null pointer; each failing step, including a missing record; a failing copy, without its code.
+ * A failing close is not logged and does not change the result.
  * @par Source
  * "if_base", simple_name, by the local key.
  */

@@ -113,7 +113,7 @@ uint32_t BDS_IfnetGetLinkState(uint32_t ifIndex, uint32_t* state);
  * @par After a failure
  * state is unchanged. If only closing the session failed, it is written.
  * @par Log
- * Each failing step, no record included.
+ * Each failing step, including a missing record.
  * @par Source
  * "if_phy", "phy_state", by if_index.
  */
@@ -135,7 +135,7 @@ uint32_t BDS_IfnetGetIfPhyState(uint32_t ifIndex, uint8_t* state);
 uint32_t BDS_IfnetIsSwitchPort(uint32_t ifIndex);
 
 /**
- * Reads the number of the slot that holds an interface.
+ * Reads the number of the slot of an interface.
  *
  * @param[in] ifIndex  interface index
  *

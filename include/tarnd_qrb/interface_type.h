@@ -122,8 +122,8 @@ uint32_t BDS_IfPortTypeSwitch(uint32_t type, uint32_t* portType);
  * @par After a failure
  * portType is unchanged.
  * @par Log
- * A null portType; each failing step, no record included; what BDS_IfPortTypeSwitch() logs. A type
- * above 16 is not logged.
+ * A null portType; each failing step, including a missing record; what BDS_IfPortTypeSwitch() logs.
+ * A type above 16 is not logged.
  * @par Source
  * "if_base", "if_type", by if_index.
  */

@@ -6,8 +6,8 @@
  * instance, and opens the subscription session. Later registrations only add a subscription. The
  * database passes each descriptor to be watched to DbListenerEpollCtrl(). The thread waits for the
  * descriptors, at most 2 seconds at a time, and calls DbcHandleEvent() for each that is ready,
- * which runs the subscription's callback. So every callback for a change runs on this thread, one
- * after another.
+ * which runs the subscription's callback. All callbacks for changes therefore run on this thread,
+ * one after another.
  *
  * dlclose() does not unload the library, since the thread may run its code.
  *
@@ -99,8 +99,8 @@ extern ORM_FD_CONTROL g_regDbListenerInfo;
  * Subscribes a callback to changes of a table. The first call starts the listener and opens the
  * session.
  *
- * If the thread cannot be created, the session is opened without a control function; how it
- * delivers then is the platform's choice.
+ * If the thread cannot be created, the session is opened without a control function; how the
+ * platform delivers changes then depends on the platform.
  *
  * @param[in] subscriptionName  name of the subscription
  * @param[in] connectionName    name of the connection; used by the call that opens the session
@@ -115,7 +115,7 @@ extern ORM_FD_CONTROL g_regDbListenerInfo;
  * @par After a failure
  * If OrmSubscribe() failed, the session is closed, which ends every subscription made before; the
  * next call opens a new session. If an earlier step failed, no session is open. A started thread
- * goes on.
+ * continues.
  * @par Log
  * A failing OrmCreateSessionParam() or OrmSubscribe(); a thread or an epoll instance that cannot be
  * created, under the names DbListenerCreateEpollThread and DbListenerInitEpoll. A failing

@@ -116,7 +116,7 @@ uint32_t MEM_EX_GetDetailedInfo(MEM_EX_DETAILED_INFO_S* entries, uint64_t* count
  * @retval 4  the accounting service refused the figures of a module
  *
  * @par After a failure
- * The entries before the failing one are written, the ones behind it unchanged.
+ * The entries before the failing one are written, the later ones are unchanged.
  */
 uint32_t MEM_EX_CopyDetailedInfo(MEM_EX_DETAILED_INFO_S* entries, uint32_t count);
 

@@ -7,8 +7,8 @@
  *
  * QOS_PROFILE_INFO_S has two slots for each list. Item 1 of a list is stored in the second slot,
  * every other item in the first: item 2 and the following replace item 0. The record is not
- * cleared: the caller sets it to zero. What no item sets keeps the caller's value, and what was
- * stored before a failure stays.
+ * cleared: the caller sets it to zero. Members that no item sets keep the caller's values; members
+ * that were stored before a failure keep the stored values.
  *
  * @par Null pointers
  * Pointers must not be null: they are not checked, except where a parameter's description says so.
@@ -118,7 +118,7 @@ uint32_t QOS_GetIdByName(ORM_SESSION session, const char* name, uint32_t* index)
  * @par After a failure
  * Nothing is open; session is 0.
  * @par Log
- * The failing step, no record included.
+ * The failing step, including a missing record.
  * @par Source
  * "qos_integration", by the profile index.
  */

@@ -109,7 +109,7 @@ QRB_FIELD_AT(QRB_PORT_S, pvid, 22, 2);
 QRB_FIELD_AT(QRB_PORT_S, vlan_bitmap_1, 24, 512);
 QRB_FIELD_AT(QRB_PORT_S, vlan_bitmap_2, 536, 512);
 
-/** Primary key of "vlan". A look-up by VLAN id alone has 0 in both scope members. */
+/** Primary key of "vlan". A lookup by VLAN id alone has 0 in both scope members. */
 typedef struct QRB_PACKED {
     uint32_t vlan_scope0; /**< first scope member */
     uint32_t vlan_scope1; /**< second scope member */

@@ -6,7 +6,7 @@
  * next-hop group. The members of a group ("Fib.ConfigNhpGroupNode") have next-hop indexes. An index
  * has a next hop ("Fib.ConfigNhpStandard"). Each table is scanned, in a session of its own and
  * without a condition. The first forwarding entry whose prefix contains the destination is used,
- * whatever its prefix length.
+ * even if a later entry has a longer prefix.
  *
  * An address is a 32-bit number whose most significant byte is the first octet.
  *
@@ -95,7 +95,7 @@ uint32_t FIB_InquiryRoute(const FIB_KEY_S* pstFibKey, FIB_NHP_S* pstFibNhp);
  * If the forwarding entry or the group's members were not found, count and pstFibNhp are unchanged.
  * If a next hop was not found, count is the lowered count, the elements before the failing one are
  * written, the two values of the failing one are 0 (unchanged if the scan cannot be started), and
- * the elements behind it are unchanged.
+ * the elements after it are unchanged.
  * @par Log
  * A refused argument; which scan failed; what FIB_ScanIp4Forward(), FIB_ScanNhpGroupNode() and
  * FIB_ScanNhpStd() log: thus one line, the end of the group table, for each call that succeeds.
@@ -122,12 +122,12 @@ uint32_t FIB6_InquiryRe6(const void* pstFibKey, void* pstFibNhp);
 /**
  * Checks whether a prefix contains every address of another prefix.
  *
- * A prefix of length 0 contains every prefix. Bits behind a prefix's length do not count.
+ * A prefix of length 0 contains every prefix. Bits after the prefix length are ignored.
  *
  * @param[in] prefix  the containing prefix
  * @param[in] probe   the contained prefix; length 32 for an address
  *
- * @retval 1  probe lies in prefix
+ * @retval 1  prefix contains probe
  * @retval 0  it does not
  *
  * @par Log

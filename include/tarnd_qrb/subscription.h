@@ -17,9 +17,8 @@ table       operations                       callback (tarnd_qrb/change_detectio
  * @par Log
  * Priority 3. A failing step is logged by the function that runs it.
  * @par After fork
- * A child process gets no changes and must not call these functions, unless the parent had not used
-the
- * library. See tarnd_qrb/database.h.
+ * A child process receives no changes and must not call these functions, unless the parent had not
+ * used the library. See tarnd_qrb/database.h.
  */
 #pragma once
 
@@ -42,8 +41,8 @@ extern "C" {
  *
  * @par After a failure
  * The first failure ends the start. The registries stay built. A subscription that the database
- * refuses ends those made before it; see QrbDbListenerRegisterEvent(). The listener thread, if
- * started, goes on.
+ * refuses ends the earlier ones; see QrbDbListenerRegisterEvent(). The listener thread, if started,
+ * continues.
  * @par Log
  * What QRB_DB_InitOrm() and the subscribing functions log.
  * @par Source

@@ -23,7 +23,7 @@
  *
  * @par Results
  * 0 if a value was yielded. 1 at the end of the table, after a failure, if a First function finds
- * the walk already open (which then goes on undisturbed) and if a Next function finds it not open.
+ * the walk already open (it is not affected then) and if a Next function finds it not open.
  * Result 1 does not distinguish these cases.
  * @par Closing
  * A First function that fails has closed the walk, unless it failed because the walk was already

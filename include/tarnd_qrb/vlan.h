@@ -29,8 +29,8 @@ extern "C" {
 /**
  * Checks whether a VLAN is active in any scope, by a scan of the table.
  *
- * The search goes on past records of the VLAN whose state is 0. It ends at the first record of the
- * VLAN whose state is not 0: the VLAN is active if that state is 1.
+ * Records of the VLAN whose state is 0 are skipped. The scan ends at the first record of the VLAN
+ * whose state is not 0: the VLAN is active if that state is 1.
  *
  * @param[in] vlanId  VLAN id
  *
@@ -141,7 +141,7 @@ uint32_t VLAN_IsPortInVlan(uint32_t ifIndex, uint16_t vlanId);
 uint32_t BDS_L2IF_VP_PortIsInVlan(uint32_t ifIndex, uint16_t vlanId);
 
 /**
- * Reports every port as no tagged member of any VLAN. Kept for existing callers.
+ * Returns 0 for every port and VLAN: tagged membership is not supported. Kept for existing callers.
  *
  * @param[in] ifIndex  not used
  * @param[in] vlanId   not used

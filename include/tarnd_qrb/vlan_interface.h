@@ -52,7 +52,7 @@ uint32_t BDS_L2IF_VLAN_GetIfIndexByVlanId(uint16_t vlanId, uint32_t* ifIndex);
  * @par After a failure
  * ifIndex is 0xFFFFFFFF; unchanged if the name cannot be formatted.
  * @par Log
- * A name that cannot be formatted; a failed look-up, no such interface included; what
+ * A name that cannot be formatted; a failed lookup, including a missing interface; what
  * IF_INTF_GetIfIndexByFullName() logs.
  * @par Source
  * "if_base", field 0, by the local key.
@@ -79,7 +79,7 @@ uint32_t BDS_L2IF_VLAN_GetVlanIfIndex(uint16_t vlanId);
  * Copies the decimal digits at the end of an interface name.
  *
  * @param[in]  name    interface name; null is refused
- * @param[out] output  the digits and a NUL; bytes behind the NUL are unchanged; null is refused
+ * @param[out] output  the digits and a NUL; bytes after the NUL are unchanged; null is refused
  * @param[in]  size    capacity of output in bytes, at least the number of digits plus 1; 0 is
  * refused
  *

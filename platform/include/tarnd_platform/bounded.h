@@ -1,6 +1,6 @@
 /**
  * @file
- * @brief The platform contract, part 4: bounded memory and text functions.
+ * @brief The platform contract: bounded memory and text functions.
  *
  * Every function takes the size of its destination and refuses a result that does not fit.
  *

@@ -1,6 +1,6 @@
 /**
  * @file
- * @brief The platform contract, part 5: memory that is charged to a module.
+ * @brief The platform contract: memory that is charged to a module.
  *
  * Every block is charged to the handle of a module, so that the memory use of each module can be
  * reported. A handle of 0 is none: the library uses it before MEM_EX_Init().

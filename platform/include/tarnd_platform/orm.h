@@ -1,10 +1,10 @@
 /**
  * @file
- * @brief The platform contract, part 1: reading the configuration database.
+ * @brief The platform contract: reading the configuration database.
  *
  * A platform library defines every function of the tarnd_platform headers with C linkage. The query
  * library leaves them undefined and uses the platform that is linked or preloaded first. The
- * comments say what the library relies on.
+ * comments describe what the library requires.
  *
  * A keyed read is OrmOpenSessionByDefault(), OrmPrepare() with QRB_ORM_OP_READ, a key
  * (OrmSetKeyName() and OrmSetIndexKeyValue(), or an accessor of tarnd_platform/orm_accessors.h),
@@ -14,8 +14,7 @@
  *
  * @par Tables
  * The library reads these fields, given as number or name and width in bytes, and these lists. It
-also
- * reads whole records, see tarnd_platform/orm_accessors.h.
+ * also reads whole records, see tarnd_platform/orm_accessors.h.
  * @verbatim
 table                   fields                    conditions on
 if_base                 0: 4, 2: 64, if_type: 2
@@ -40,9 +39,9 @@ qos_integration  remark_8021p_list  1: 4
 @endverbatim
  * @par Results
  * 0 (ORM_OK) for success; every other value is a database code. ORM_NO_RECORD and ORM_NO_LIST have
- * the meaning given here. Other codes are the platform's choice; the library passes them on or logs
- * them. Code 1 should not be used: L2IF_GetPVIDByIfIndex() and L2IF_VLAN_GetDescript() give it a
- * meaning of their own.
+ * the meaning given here. The platform may use any other code; the library returns or logs it.
+ * Code 1 should not be used: L2IF_GetPVIDByIfIndex() and L2IF_VLAN_GetDescript() treat it
+ * specially.
  * @par Handles
  * Pointer-sized, opaque values; 0 means none. A handle that is 0, closed or not the platform's, a
  * call in the wrong order, an unknown table, key or field, and a destination of the wrong size are
@@ -54,7 +53,7 @@ qos_integration  remark_8021p_list  1: 4
  * Any thread may call, several at once. One session, with its scan and nodes, is used by one thread
  * at a time.
  * @par Ownership
- * Texts and buffers stay the caller's and are not used after a call has returned.
+ * Texts and buffers belong to the caller and are not used after a call has returned.
  */
 #pragma once
 

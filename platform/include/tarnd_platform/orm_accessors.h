@@ -1,6 +1,6 @@
 /**
  * @file
- * @brief The platform contract, part 3: accessors generated for each table.
+ * @brief The platform contract: accessors generated for each table.
  *
  * There are three kinds:
  *  - Read functions read the record with a primary key, without a session.

@@ -1,16 +1,17 @@
 /**
  * @file
- * @brief The platform contract, part 2: subscriptions and messages about changes.
+ * @brief The platform contract: subscriptions and messages about changes.
  *
  * A subscription session owns one or more descriptors. A descriptor becomes readable when a row
  * that a subscription covers has changed, and stays readable until every message is read. The
  * library's listener thread waits for the descriptors and calls DbcHandleEvent(), which runs the
  * callbacks.
  *
- * A delivery is what a callback receives: one or more row messages of one event type, of one table,
- * in the order of the commits. Each message has the row before the change (old object), the row
+ * A callback receives a delivery: one or more row messages of one event type and one table, in the
+ * order of the commits. Each message has the row before the change (old object), the row
  * after it (new object), or both. The callback reads them with OrmSubFetchNext(),
- * OrmSubExtractData() and the field functions of part 1, which take the delivery as their session.
+ * OrmSubExtractData() and the field functions of tarnd_platform/orm.h, which take the delivery as
+ * their session.
  *
  * @par Results
  * 0 (ORM_OK) for success, otherwise a database code, as in tarnd_platform/orm.h.
@@ -19,8 +20,8 @@
  * @par Threads
  * Any thread may call. DbcHandleEvent() is called by the listener thread only.
  * @par Ownership
- * Texts stay the caller's and are not used after a call has returned. argument of OrmSubscribe() is
- * kept.
+ * Texts belong to the caller and are not used after a call has returned. The argument of
+ * OrmSubscribe() is kept.
  */
 #pragma once
 
@@ -104,8 +105,7 @@ void OrmDestroySessionParam(ORM_SESSION_PARAM param);
  *
  * @param[in]     param    parameters; not used after the call
  * @param[in]     control  function that watches descriptors; null if the listener thread cannot be
- *                         created: whether and how the session delivers is then the platform's
- * choice
+ *                         created; the platform then decides whether and how changes are delivered
  * @param[in,out] session  on success the handle
  *
  * @retval 0      the session is open
@@ -172,7 +172,7 @@ uint32_t OrmSubExtractData(ORM_MESSAGE message, uint32_t object, uint32_t flags)
 /**
  * Reads the pending messages of a descriptor and runs the callbacks before it returns.
  *
- * A callback may call every function of parts 1, 3, 4 and 5 of the contract: the platform holds no
+ * A callback may call every function of the other headers of the contract: the platform holds no
  * lock that they need.
  *
  * @param[in] descriptor  a descriptor that was ready for reading; one that is closed or unknown is
