@@ -90,6 +90,8 @@ typedef uint32_t (*QRB_SET_CONDITION_FUNC)(ORM_SESSION session, void* context);
  *
  * @par Log
  * The failure, with its code.
+ * @par Source
+ * No table.
  */
 uint32_t QRB_DB_InitOrm(void);
 
@@ -108,6 +110,8 @@ uint32_t QRB_DB_InitOrm(void);
  * session is 0 if a step failed, and nothing is open. If a pointer is null, nothing is written.
  * @par Log
  * A failing open or prepare, without its code.
+ * @par Source
+ * The table given by the parameter table.
  */
 uint32_t QRB_CreatDbSession(const char* table, uint32_t operation, ORM_SESSION* session);
 
@@ -125,6 +129,8 @@ uint32_t QRB_CreatDbSession(const char* table, uint32_t operation, ORM_SESSION* 
  *
  * @par Log
  * The failing step, including a missing record, with the table's name and without the code.
+ * @par Source
+ * The table given by the parameter table.
  */
 uint32_t QRB_DB_SESSION_SetKey(ORM_SESSION session, uint32_t operation, const char* table,
                                const void* keyArgument, QRB_SET_KEY_FUNC setKey);
@@ -146,6 +152,8 @@ uint32_t QRB_DB_SESSION_SetKey(ORM_SESSION session, uint32_t operation, const ch
  * output is unchanged, or as a failing getFields leaves it.
  * @par Log
  * What QRB_DB_SESSION_SetKey() logs; a failing getFields, with the table's name.
+ * @par Source
+ * The table given by the parameter table.
  */
 uint32_t QRB_DB_SESSION_Get(ORM_SESSION session, const char* table, const void* keyArgument,
                             void* output, QRB_SET_KEY_FUNC setKey, QRB_GET_FIELDS_FUNC getFields);
@@ -168,6 +176,8 @@ uint32_t QRB_DB_SESSION_Get(ORM_SESSION session, const char* table, const void* 
  * @par Log
  * What QRB_DB_SESSION_Get() logs; a failing open, with the table's name. A failing close is not
  * logged.
+ * @par Source
+ * The table given by the parameter table.
  */
 uint32_t QRB_DB_Get(const char* table, const void* keyArgument, void* output,
                     QRB_SET_KEY_FUNC setKey, QRB_GET_FIELDS_FUNC getFields);
@@ -193,6 +203,8 @@ uint32_t QRB_DB_Get(const char* table, const void* keyArgument, void* output,
  * @par Log
  * The failing step, with its code; under the name QRB_DB_SESSION_ProcessScanEntries if it is a step
  * to the next record or a call of onEntry.
+ * @par Source
+ * The table given by the parameter table.
  */
 uint32_t QRB_DB_SESSION_Scan(ORM_SESSION session, const char* table, void* context,
                              uint32_t maxCount, QRB_ENTRY_FUNC onEntry, uint32_t* count,
@@ -218,6 +230,8 @@ uint32_t QRB_DB_SESSION_Scan(ORM_SESSION session, const char* table, void* conte
  * onEntry left it.
  * @par Log
  * What QRB_DB_SESSION_Scan() logs, and that it failed; a failing open or close, with its code.
+ * @par Source
+ * The table given by the parameter table.
  */
 uint32_t QRB_DB_Scan(const char* table, void* context, uint32_t maxCount, QRB_ENTRY_FUNC onEntry,
                      uint32_t* count, const char* condition, QRB_SET_CONDITION_FUNC setCondition);
@@ -237,6 +251,8 @@ uint32_t QRB_DB_Scan(const char* table, void* context, uint32_t maxCount, QRB_EN
  * output is unchanged, or holds the beginning of the literal if a bounded copy or format failed.
  * @par Log
  * Nothing is logged.
+ * @par Source
+ * No table.
  */
 uint32_t QRB_DB_TransStringToHexNumString(const char* text, char* output, int32_t size);
 

@@ -117,6 +117,8 @@ QRB_FIELD_AT(QRB_VLAN_CHANGE_S, reserved_12, 12, 508);
  * The callbacks before an entry without a callback were called, the later ones were not.
  * @par Log
  * Each failure.
+ * @par Source
+ * No database.
  */
 uint32_t L2IF_SH_EvtPublishEvent(uint32_t eventId, const void* data, uint32_t value,
                                  void* argument);
@@ -139,6 +141,8 @@ uint32_t L2IF_SH_EvtPublishEvent(uint32_t eventId, const void* data, uint32_t va
  * The outputs are unchanged.
  * @par Log
  * Each failure.
+ * @par Source
+ * No database.
  */
 uint32_t IF_SH_EvtPublishEventGetEventNode(uint32_t eventId, uint32_t subId,
                                            UTIL_LIST_NODE_S** first, uint64_t* count);
@@ -157,6 +161,8 @@ uint32_t IF_SH_EvtPublishEventGetEventNode(uint32_t eventId, uint32_t subId,
  *
  * @par Log
  * A list that is not built.
+ * @par Source
+ * No database.
  */
 uint32_t IF_NotifyAll(uint32_t ulIfIndex, uint32_t ulCmd, uint32_t a, uint32_t b);
 

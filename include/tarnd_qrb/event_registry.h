@@ -163,6 +163,8 @@ extern const UTIL_LIST_TRAITS_S g_pstIfNotifyFuncHandlerTraits;
  *
  * @par Log
  * Nothing is logged.
+ * @par Source
+ * No database.
  */
 void L2IF_SH_EvtCbRegTbl_Init(void);
 
@@ -171,6 +173,8 @@ void L2IF_SH_EvtCbRegTbl_Init(void);
  *
  * @par Log
  * Nothing is logged.
+ * @par Source
+ * No database.
  */
 void L2IF_SH_EvtCbRegTbl_Deinit(void);
 
@@ -187,6 +191,8 @@ void L2IF_SH_EvtCbRegTbl_Deinit(void);
  *
  * @par Log
  * Each failure.
+ * @par Source
+ * No database.
  */
 uint32_t L2IF_SH_EvtCbFuncReg(const char* pszModuleName, uint32_t eventId, uint16_t priority,
                               L2IF_SH_EVT_CB_FUNC* callback);
@@ -205,6 +211,8 @@ uint32_t L2IF_SH_EvtCbFuncReg(const char* pszModuleName, uint32_t eventId, uint1
  *
  * @par Log
  * An event that does not exist. Nothing else is logged.
+ * @par Source
+ * No database.
  */
 uint32_t L2IF_SH_EvtCbFuncUnReg(const char* pszModuleName, uint32_t eventId, uint16_t priority,
                                 L2IF_SH_EVT_CB_FUNC* callback);
@@ -220,6 +228,8 @@ uint32_t L2IF_SH_EvtCbFuncUnReg(const char* pszModuleName, uint32_t eventId, uin
  *
  * @par Log
  * Nothing is logged.
+ * @par Source
+ * No database.
  */
 bool L2IF_SH_EventPriorityComparator(const void* existing, const void* added, uint64_t context);
 
@@ -231,6 +241,8 @@ bool L2IF_SH_EventPriorityComparator(const void* existing, const void* added, ui
  * for the sub-events of an event, the event has none until the tree is freed and built again.
  * @par Log
  * Nothing is logged.
+ * @par Source
+ * No database.
  */
 void IF_EvtInit(void);
 
@@ -241,6 +253,8 @@ void IF_EvtInit(void);
  *
  * @par Log
  * Nothing is logged.
+ * @par Source
+ * No database.
  */
 void IF_EvtDeInit(void);
 
@@ -254,6 +268,8 @@ void IF_EvtDeInit(void);
  * Without memory, children is null and childCount is unchanged. With a count of 0, nothing changes.
  * @par Log
  * A count of 0.
+ * @par Source
+ * No database.
  */
 void IF_CBF_Create_Child(IF_EVT_NODE_S* node, uint32_t ulCnt);
 
@@ -265,6 +281,8 @@ void IF_CBF_Create_Child(IF_EVT_NODE_S* node, uint32_t ulCnt);
  *
  * @par Log
  * Nothing is logged.
+ * @par Source
+ * No database.
  */
 void IF_CBF_Free_Child(IF_EVT_NODE_S* node, uint32_t count);
 
@@ -285,6 +303,8 @@ void IF_CBF_Free_Child(IF_EVT_NODE_S* node, uint32_t count);
  *
  * @par Log
  * Each failure.
+ * @par Source
+ * No database.
  */
 uint32_t IF_EvtRegCbf(IF_EVT_CB_FUNC* callback, uint32_t unused, uint32_t priority,
                       uint32_t idCount, uint32_t eventId, ...);
@@ -304,6 +324,8 @@ uint32_t IF_EvtRegCbf(IF_EVT_CB_FUNC* callback, uint32_t unused, uint32_t priori
  *
  * @par Log
  * An event or sub-event that does not exist; a tree that is not built.
+ * @par Source
+ * No database.
  */
 uint32_t IF_EvtUnRegCbf(IF_EVT_CB_FUNC* callback, uint32_t unused, uint32_t idCount,
                         uint32_t eventId, ...);
@@ -323,6 +345,8 @@ uint32_t IF_EvtUnRegCbf(IF_EVT_CB_FUNC* callback, uint32_t unused, uint32_t idCo
  *
  * @par Log
  * Each failure, under the name IF_EvtRegCbf.
+ * @par Source
+ * No database.
  */
 uint32_t IF_INTF_RegEvtCb(uint32_t eventId, uint32_t subId, IF_EVT_CB_FUNC* callback,
                           uint32_t unused, uint32_t priority);
@@ -343,6 +367,8 @@ uint32_t IF_INTF_RegEvtCb(uint32_t eventId, uint32_t subId, IF_EVT_CB_FUNC* call
  * @par Log
  * An event or sub-event that does not exist; a tree that is not built; under the name
  * IF_EvtUnRegCbf.
+ * @par Source
+ * No database.
  */
 uint32_t IF_INTF_UnRegEvtCb(uint32_t eventId, uint32_t subId, IF_EVT_CB_FUNC* callback,
                             uint32_t unused);
@@ -358,6 +384,8 @@ uint32_t IF_INTF_UnRegEvtCb(uint32_t eventId, uint32_t subId, IF_EVT_CB_FUNC* ca
  *
  * @par Log
  * Nothing is logged.
+ * @par Source
+ * No database.
  */
 bool IF_EventPriorityComparator(const void* existing, const void* added, uint64_t context);
 
@@ -366,6 +394,8 @@ bool IF_EventPriorityComparator(const void* existing, const void* added, uint64_
  *
  * @par Log
  * Nothing is logged.
+ * @par Source
+ * No database.
  */
 void IF_NotifyFuncRegTbl_Init(void);
 
@@ -374,6 +404,8 @@ void IF_NotifyFuncRegTbl_Init(void);
  *
  * @par Log
  * Nothing is logged.
+ * @par Source
+ * No database.
  */
 void IF_NotifyFuncRegTbl_Deinit(void);
 
@@ -388,6 +420,8 @@ void IF_NotifyFuncRegTbl_Deinit(void);
  *
  * @par Log
  * No memory.
+ * @par Source
+ * No database.
  */
 uint32_t IF_RegNotifyFunc(uint32_t ulKey, IF_NOTIFY_FUNC* callback);
 
@@ -402,6 +436,8 @@ uint32_t IF_RegNotifyFunc(uint32_t ulKey, IF_NOTIFY_FUNC* callback);
  *
  * @par Log
  * Nothing is logged.
+ * @par Source
+ * No database.
  */
 uint32_t IF_UnRegNotifyFunc(uint32_t ulKey, IF_NOTIFY_FUNC* callback);
 

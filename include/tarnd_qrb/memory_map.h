@@ -53,7 +53,14 @@ static_assert(sizeof(MEM_EX_DETAILED_INFO_S) == 80 &&
 /** The memory map, by module id. For reading; only MEM_EX_Init() writes it. */
 extern MEM_EX_MODULE_S g_memExModuleMap[MEM_EX_MODULE_COUNT];
 
-/** Reads the handle of every module from the memory-accounting service into the map. */
+/**
+ * Reads the handle of every module from the memory-accounting service into the map.
+ *
+ * @par Log
+ * Nothing is logged.
+ * @par Source
+ * No database.
+ */
 void MEM_EX_Init(void);
 
 /**
@@ -63,6 +70,10 @@ void MEM_EX_Init(void);
  *
  * @return the handle; 0 before MEM_EX_Init()
  * @retval 0  no module has the id
+ * @par Log
+ * Nothing is logged.
+ * @par Source
+ * No database.
  */
 uint16_t MEM_EX_GetHandle(uint32_t module);
 
@@ -73,6 +84,10 @@ uint16_t MEM_EX_GetHandle(uint32_t module);
  *
  * @return the module id
  * @retval 32  (MEM_EX_MODULE_COUNT) no module has the name
+ * @par Log
+ * Nothing is logged.
+ * @par Source
+ * No database.
  */
 uint32_t MEM_EX_GetModule(const char* name);
 
@@ -83,6 +98,10 @@ uint32_t MEM_EX_GetModule(const char* name);
  *
  * @retval 0  the number was written
  * @retval 1  count is null
+ * @par Log
+ * Nothing is logged.
+ * @par Source
+ * No database.
  */
 uint32_t MEM_EX_GetDetailedInfoSize(uint64_t* count);
 
@@ -102,6 +121,10 @@ uint32_t MEM_EX_GetDetailedInfoSize(uint64_t* count);
  * @par After a failure
  * Nothing is written after 1 and 2. After 3 and 4, count is 32 and the entries before the failing
  * one are written.
+ * @par Log
+ * Nothing is logged.
+ * @par Source
+ * No database.
  */
 uint32_t MEM_EX_GetDetailedInfo(MEM_EX_DETAILED_INFO_S* entries, uint64_t* count);
 
@@ -117,6 +140,10 @@ uint32_t MEM_EX_GetDetailedInfo(MEM_EX_DETAILED_INFO_S* entries, uint64_t* count
  *
  * @par After a failure
  * The entries before the failing one are written, the later ones are unchanged.
+ * @par Log
+ * Nothing is logged.
+ * @par Source
+ * No database.
  */
 uint32_t MEM_EX_CopyDetailedInfo(MEM_EX_DETAILED_INFO_S* entries, uint32_t count);
 
