@@ -3,13 +3,14 @@
  * @brief Events that the library publishes, their arguments, and functions to publish an event.
  *
  * The library publishes its events on its listener thread while it handles a change
- * (tarnd_qrb/change_detection.h). Several events of one change are published in the order of these
- * tables, from top to bottom and each table after the other. Modules may publish any event, on
- * their own threads. tarnd_qrb/event_registry.h has the rules of callbacks.
+ * (tarnd_qrb/change_detection.h). If one change causes several events, they are published in the
+ * order in which they are listed below. Modules may publish any event, on their own threads.
+ * tarnd_qrb/event_registry.h has the rules of callbacks.
  *
  * Layer-2 events, from table "port". The value is 0. Callbacks must not change the data or the
  * argument. The first byte that differs between an old and a new VLAN bitmap decides: if it is
- * greater in the new one, the bitmap grew.
+ * greater in the new one, the bitmap grew. An event does not contain the ids of the VLANs that
+ * changed: a module that needs them compares the row with the one of the previous event.
  *
  * @verbatim
 event                     when                  data            argument

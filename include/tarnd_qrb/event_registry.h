@@ -97,7 +97,7 @@ typedef uint32_t IF_NOTIFY_FUNC(uint32_t ulIfIndex, uint32_t ulCmd, uint32_t a, 
 
 /** An entry of the list of a layer-2 event. */
 typedef struct {
-    L2IF_SH_EVT_CB_FUNC* pfCallback; /**< callback; null ends a publication that reaches it */
+    L2IF_SH_EVT_CB_FUNC* pfCallback; /**< callback; a publication ends at an entry with null */
     uint32_t priority;               /**< priority, 0 to 65535 */
     char moduleName[L2IF_MODULE_NAME_SIZE]; /**< module name */
 } L2IF_SH_EVT_CB_S;
@@ -109,7 +109,7 @@ QRB_FIELD_AT(L2IF_SH_EVT_CB_S, moduleName, 12, 64);
 /** An entry of a list in the interface event tree. */
 typedef struct {
     uint32_t subId;             /**< sub-event id, or IF_EVT_WHOLE */
-    IF_EVT_CB_FUNC* pfCallback; /**< callback; null ends a publication that reaches it */
+    IF_EVT_CB_FUNC* pfCallback; /**< callback; a publication ends at an entry with null */
     uint32_t priority;          /**< priority */
 } IF_EVT_CB_S;
 QRB_RECORD_SIZE(IF_EVT_CB_S, 24);
@@ -184,7 +184,7 @@ void L2IF_SH_EvtCbRegTbl_Deinit(void);
  * @param[in] pszModuleName  module name, at most 63 bytes; copied; null is refused
  * @param[in] eventId        event id, less than L2IF_EVT_COUNT (74)
  * @param[in] priority       priority, 16 bits; a higher one is called earlier
- * @param[in] callback       callback; null is accepted, and ends a publication that reaches it
+ * @param[in] callback       callback; null is accepted: a publication ends at such an entry
  *
  * @retval 0  the entry was added
  * @retval 1  the event does not exist, the name is null or too long, or no memory
@@ -291,7 +291,7 @@ void IF_CBF_Free_Child(IF_EVT_NODE_S* node, uint32_t count);
  *
  * IF_INTF_RegEvtCb() does the same with a fixed number of arguments.
  *
- * @param[in] callback  callback; null is accepted, and ends a publication that reaches it
+ * @param[in] callback  callback; null is accepted: a publication ends at such an entry
  * @param[in] unused    not used
  * @param[in] priority  priority; a higher one is called earlier
  * @param[in] idCount   IF_EVT_WITH_SUB_EVENT (2) if a sub-event id follows as a uint32_t; other:
@@ -336,7 +336,7 @@ uint32_t IF_EvtUnRegCbf(IF_EVT_CB_FUNC* callback, uint32_t unused, uint32_t idCo
  *
  * @param[in] eventId   event id, less than IF_EVT_COUNT (76)
  * @param[in] subId     sub-event id; IF_EVT_WHOLE for the event as a whole
- * @param[in] callback  callback; null is accepted, and ends a publication that reaches it
+ * @param[in] callback  callback; null is accepted: a publication ends at such an entry
  * @param[in] unused    not used
  * @param[in] priority  priority; a higher one is called earlier
  *

@@ -85,7 +85,11 @@ QRB_RECORD_SIZE(QRB_IF_ROUTE_S, 22);
 QRB_FIELD_AT(QRB_IF_ROUTE_S, if_index, 0, 4);
 QRB_FIELD_AT(QRB_IF_ROUTE_S, route_state, 8, 1);
 
-/** Record of "port". Primary key: if_index. */
+/**
+ * Record of "port". Primary key: if_index.
+ *
+ * In the VLAN sets, the bit of VLAN id i is in byte i / 8, with mask `0x80 >> (i % 8)`.
+ */
 typedef struct QRB_PACKED {
     uint32_t if_index;      /**< interface index */
     uint32_t port_index;    /**< bits 8 to 15: position in the member sets of a VLAN */
