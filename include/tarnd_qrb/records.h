@@ -88,7 +88,8 @@ QRB_FIELD_AT(QRB_IF_ROUTE_S, route_state, 8, 1);
 /**
  * Record of "port". Primary key: if_index.
  *
- * In the VLAN sets, the bit of VLAN id i is in byte i / 8, with mask `0x80 >> (i % 8)`.
+ * The library only compares the VLAN sets, byte by byte. In the stand-in, the bit of VLAN id i is
+ * in byte i / 8, with mask `0x80 >> (i % 8)`; a device's platform may use another order.
  */
 typedef struct QRB_PACKED {
     uint32_t if_index;      /**< interface index */
