@@ -20,16 +20,16 @@ struct RowWrite {
     standin::Row row;
 };
 
-// What a source knows about its data and about the server that it has them from.
+// The state of a source: its data and the server that provides them.
 struct SourceState {
     using Time = std::chrono::system_clock::time_point;
 
-    std::string server;             // that is followed; empty: none, or not a source with servers
-    std::string role;               // of that server: "leader", "follower" or "standalone"
-    std::optional<Time> connected;  // since when that server is followed
-    std::optional<Time> lost;       // since when none is followed: the data are stale
-    std::optional<Time> loaded;     // when the data were read, by a source that follows no changes
-    std::string lastError;          // why the source can't be followed; empty: it can
+    std::string server;             // the followed server; empty: none, or a source without servers
+    std::string role;               // of the server: "leader", "follower" or "standalone"
+    std::optional<Time> connected;  // time since which the server is followed
+    std::optional<Time> lost;       // time since which no server is followed: the data are stale
+    std::optional<Time> loaded;     // time of loading, for a source that does not follow changes
+    std::string lastError;          // why the source can't be followed; empty: no error
 };
 
 // A source fills the database when it is constructed, or throws std::runtime_error.

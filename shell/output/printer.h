@@ -31,10 +31,10 @@ public:
     // The number of the input line that errors refer to; 0: input is not a file.
     void SetInputLine(size_t number) { inputLine_ = number; }
 
-    // For how many seconds the data have been stale; no value: they are current.
+    // Number of seconds for which the data have been stale; no value: the data are current.
     void SetStale(std::optional<double> seconds) { stale_ = seconds; }
-    // Says that the answer that follows is from stale data; nothing if they are current. As JSON
-    // {"stale": SECONDS}.
+    // Prints that the following result is from stale data, or nothing if the data are current. As
+    // JSON {"stale": SECONDS}.
     void PrintStale();
 
     // As JSON, the object has "stale" if the data are.
