@@ -159,10 +159,10 @@ void WriteFor(uint32_t writer)
         }
         Commit(std::move(transaction));
         if (round % 16 == 0) {
-            const bool comes = round % 32 == 0;
+            const bool creates = round % 32 == 0;
             Transaction visit;
-            comes ? visit.Insert(Base(visitor)) : visit.Delete(Base(visitor));
-            awaited[writer].Add(visitor, comes ? IF_NOTIFY_CREATED : IF_NOTIFY_DELETED);
+            creates ? visit.Insert(Base(visitor)) : visit.Delete(Base(visitor));
+            awaited[writer].Add(visitor, creates ? IF_NOTIFY_CREATED : IF_NOTIFY_DELETED);
             Commit(std::move(visit));
         }
     }

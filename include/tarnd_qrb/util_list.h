@@ -310,7 +310,7 @@ uint32_t UTIL_LIST_InsertBefore(UTIL_LIST_S* list, UTIL_LIST_NODE_S* position, c
  * tail.
  *
  * compare is called with the elements from the head on, each at most once. A comparison with ">"
- * keeps the list in descending order, a new element in front of equal ones; with ">=", behind them.
+ * keeps the list in descending order, a new element before equal ones; with ">=", after them.
  *
  * @param[in,out] list     list
  * @param[in]     value    value of elemSize bytes; null is refused
