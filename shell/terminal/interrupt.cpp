@@ -24,12 +24,17 @@ Interrupt::Interrupt()
 
 Interrupt::~Interrupt()
 {
-    signalfd_siginfo taken{};
-    while (read(descriptor_, &taken, sizeof(taken)) > 0) {
-    }
+    Discard();
     close(descriptor_);
     innermost = outer_;
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+}
+
+void Interrupt::Discard()
+{
+    signalfd_siginfo taken{};
+    while (read(descriptor_, &taken, sizeof(taken)) > 0) {
+    }
 }
 
 void CheckInterrupt()

@@ -22,6 +22,7 @@ public:
     Interrupt& operator=(const Interrupt&) = delete;
 
     int Descriptor() const { return descriptor_; }  // readable after Ctrl-C
+    void Discard();                                 // forgets a Ctrl-C that was pressed before
 
 private:
     sigset_t before_{};

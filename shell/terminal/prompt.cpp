@@ -249,19 +249,15 @@ bool ConfirmEnd(Shell& shell)
     return reply == 'y' ? shell.Execute("save") == Status::Success : reply == 'n' || reply == 0;
 }
 
-// Ctrl-C ends the command, not the shell.
-Status ExecuteInterruptibly(Shell& shell, const std::string& line)
-{
-    const Interrupt interrupt;
-    return shell.Execute(line);
-}
-
 }  // namespace
 
 Status RunPrompt(Shell& shell)
 {
     History history;
     Prompt prompt(shell);
+    // Ctrl-C ends a command, not the shell; also before the editor sets the terminal, and at a
+    // question.
+    Interrupt interrupt;
     const Editor editor = MakeEditor(history, prompt);
     Status worst = Status::Success;
     std::cout << StartText(shell);
@@ -283,7 +279,8 @@ Status RunPrompt(Shell& shell)
             continue;
         }
         history.Do(H_ENTER, line.c_str());
-        worst = std::max(worst, ExecuteInterruptibly(shell, line));
+        interrupt.Discard();
+        worst = std::max(worst, shell.Execute(line));
     }
 }
 
