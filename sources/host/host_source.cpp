@@ -102,6 +102,9 @@ void HostSource::Apply(const LinkChange& change)
 void HostSource::Apply(const AddressChange& change)
 {
     changedAddresses_.insert(change.address.interface);
+    // The loss of the last address ends the link's routes as if it went down, without
+    // notifications; an address brings them back.
+    routes_.LinkChanged(change.address.interface);
     if (change.removed) {
         routes_.AddressDeleted(change.address.address);
     }
