@@ -10,8 +10,8 @@
 //   next-hop object deleted  its routes are removed
 //   link up or down          the routes of the link are read again
 //   group lost a next hop    the routes of the links that it used are read again
-//   address added, deleted   the routes of its link, and those of the links of routes that have it as
-//                            their source, are read again
+//   address added, deleted   the routes of its link are read again, and those of the links of
+//                            routes that have it as their source
 //
 // Reading again happens later than the notification, so what is read may be ahead of notifications
 // that are still to come. Applying these leads to the same state in the end, because each
