@@ -86,8 +86,10 @@ void ForEachHop(nlattr* multipath, Action action)
     auto* hop = static_cast<rtnexthop*>(nla_data(multipath));
     for (int left = nla_len(multipath); RTNH_OK(hop, left);) {
         action(*hop, reinterpret_cast<nlattr*>(hop + 1), hop->rtnh_len - int{sizeof *hop});
-        left -= RTNH_ALIGN(hop->rtnh_len);
-        hop = RTNH_NEXT(hop);
+        const int length = RTNH_ALIGN(hop->rtnh_len);
+        left -= length;
+        void* const next = reinterpret_cast<char*>(hop) + length;
+        hop = static_cast<rtnexthop*>(next);
     }
 }
 

@@ -7,10 +7,11 @@
 namespace sources {
 namespace {
 
-// Of the routes to one destination, those of the metric.
+// Of the routes to one destination, those of the metric: begin and end.
 auto WithMetric(std::vector<Route>& candidates, uint32_t metric)
 {
-    return std::ranges::equal_range(candidates, metric, {}, &Route::metric);
+    return std::pair(std::ranges::lower_bound(candidates, metric, {}, &Route::metric),
+                     std::ranges::upper_bound(candidates, metric, {}, &Route::metric));
 }
 
 std::set<uint32_t> InterfacesOf(const Route& route)
@@ -86,9 +87,10 @@ RouteTable::Candidates::iterator RouteTable::Erase(Candidates& candidates,
 void RouteTable::Put(const Route& route, RoutePlacement placement)
 {
     Candidates& candidates = routes_[route.destination];
-    const auto equals = WithMetric(candidates, route.metric);
-    const auto present = std::ranges::find(equals, route.fingerprint, &Route::fingerprint);
-    const bool isPresent = present != equals.end();
+    const auto [first, last] = WithMetric(candidates, route.metric);
+    const auto present = std::find_if(
+        first, last, [&](const Route& other) { return other.fingerprint == route.fingerprint; });
+    const bool isPresent = present != last;
     const bool replaces = placement == RoutePlacement::Replacing;
     const bool isExact = !replaces || !isAhead_;
     if (isPresent && isExact && (replaces || placement == RoutePlacement::Unchanged)) {
@@ -99,23 +101,25 @@ void RouteTable::Put(const Route& route, RoutePlacement placement)
     }
 
     if (placement == RoutePlacement::Only) {
-        auto place = equals.begin();
-        for (size_t number = equals.size(); number > 0; --number) {
+        auto place = first;
+        for (auto number = last - first; number > 0; --number) {
             place = Erase(candidates, place);
         }
     } else if (isPresent) {
         Erase(candidates, present);
-    } else if (replaces && isExact && !equals.empty()) {
-        Erase(candidates, equals.begin());
+    } else if (replaces && isExact && first != last) {
+        Erase(candidates, first);
     }
-    const auto rest = WithMetric(candidates, route.metric);
+    const auto [restBegin, restEnd] = WithMetric(candidates, route.metric);
     if (!isExact) {
         // The replaced route is one of these, or was already missing when they were read.
-        std::ranges::for_each(rest, [this](const Route& other) { MarkUnknown(other); });
-        unknown_.all |= !rest.empty() && route.nextHopObject != 0;
+        for (auto other = restBegin; other != restEnd; ++other) {
+            MarkUnknown(*other);
+        }
+        unknown_.all |= restBegin != restEnd && route.nextHopObject != 0;
     }
     const bool isLast = placement == RoutePlacement::Last || placement == RoutePlacement::Unchanged;
-    Insert(candidates, isLast ? rest.end() : rest.begin(), route);
+    Insert(candidates, isLast ? restEnd : restBegin, route);
 }
 
 void RouteTable::Remove(const Route& route)
@@ -188,7 +192,7 @@ void RouteTable::Assign(const std::vector<Route>& routes)
     routes_.reserve(routes.size());
     for (const Route& route : routes) {
         Candidates& candidates = routes_[route.destination];
-        Insert(candidates, WithMetric(candidates, route.metric).end(), route);
+        Insert(candidates, WithMetric(candidates, route.metric).second, route);
     }
 }
 
@@ -276,8 +280,7 @@ std::vector<Destination> RouteTable::TakeChanged()
 {
     std::vector<Destination> changed = std::exchange(changed_, {});
     std::ranges::sort(changed);
-    const auto repeated = std::ranges::unique(changed);
-    changed.erase(repeated.begin(), repeated.end());
+    changed.erase(std::unique(changed.begin(), changed.end()), changed.end());
     return changed;
 }
 
