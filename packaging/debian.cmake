@@ -8,6 +8,7 @@ set(CPACK_COMPONENTS_ALL ${components})
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/before-packing.cmake)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)  # whatever the modes of an unpacked archive
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 # Dependencies on Debian's packages are found by dpkg-shlibdeps; those on each other are below.
