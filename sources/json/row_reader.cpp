@@ -4,8 +4,6 @@
 
 namespace sources {
 
-using standin::Table;
-
 bool RowReader::key(string_t& name)
 {
     Level& level = levels_.back();

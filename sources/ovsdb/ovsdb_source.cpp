@@ -151,11 +151,11 @@ void OvsdbSource::PublishState()
 void OvsdbSource::SendRequests()
 {
     while (selection_.IsFollowing()) {
-        SharedRequest request = TakeRequest();
+        const SharedRequest request = TakeRequest();
         if (request == nullptr) {
             return;
         }
-        selection_.Send(std::move(request));
+        selection_.Send(request);
     }
 }
 
