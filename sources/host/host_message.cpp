@@ -84,7 +84,8 @@ template <typename Action>
 void ForEachHop(nlattr* multipath, Action action)
 {
     auto* hop = static_cast<rtnexthop*>(nla_data(multipath));
-    for (int left = nla_len(multipath); RTNH_OK(hop, left);) {
+    // RTNH_OK reads the length of the hop, so it must not be used at the end.
+    for (int left = nla_len(multipath); left >= int{sizeof *hop} && RTNH_OK(hop, left);) {
         action(*hop, reinterpret_cast<nlattr*>(hop + 1), hop->rtnh_len - int{sizeof *hop});
         const int length = RTNH_ALIGN(hop->rtnh_len);
         left -= length;
