@@ -1,7 +1,6 @@
 #include "shell/shell.h"
 
 #include <chrono>
-#include <cmath>
 #include <new>
 
 #include <standin/deliveries.h>
@@ -129,8 +128,7 @@ std::optional<double> Shell::SecondsStale() const
     if (!lost) {
         return std::nullopt;
     }
-    const std::chrono::duration<double> since = std::chrono::system_clock::now() - *lost;
-    return std::round(since.count() * 10) / 10;
+    return RoundedSeconds(std::chrono::system_clock::now() - *lost);
 }
 
 Status Shell::Dispatch(const std::string& name, Words& words)

@@ -1,6 +1,5 @@
 // Command status: the source, the state of its data, and the lengths of the queues.
 #include <chrono>
-#include <cmath>
 #include <utility>
 
 #include <standin/deliveries.h>
@@ -11,13 +10,6 @@
 
 namespace shell {
 namespace {
-
-// Rounds to one decimal place.
-template <typename Duration>
-double SecondsOf(Duration duration)
-{
-    return std::round(std::chrono::duration<double>(duration).count() * 10) / 10;
-}
 
 // Whether the data follow the source, "current"; else "stale" or "loaded", and for how long.
 void AddDataState(Json& status, const sources::SourceState& state)
@@ -31,12 +23,14 @@ void AddDataState(Json& status, const sources::SourceState& state)
         status["connected"] = TimeText(*state.connected);
     }
     status["data"] = state.lost ? "stale" : state.loaded ? "loaded" : "current";
+    double age = 0;
     if (state.lost) {
-        status["stale"] = SecondsOf(now - *state.lost);
+        age = RoundedSeconds(now - *state.lost);
+        status["stale"] = age;
+    } else if (state.loaded) {
+        age = RoundedSeconds(now - *state.loaded);
     }
-    status["age"] = state.lost     ? SecondsOf(now - *state.lost)
-                    : state.loaded ? SecondsOf(now - *state.loaded)
-                                   : 0;
+    status["age"] = age;
     if (!state.lastError.empty()) {
         status["error"] = state.lastError;
     }
@@ -47,7 +41,7 @@ Json PendingState()
     const standin::PendingMessages pending = standin::CountPendingMessages();
     const auto now = std::chrono::steady_clock::now();
     return {{"messages", pending.count},
-            {"seconds", pending.count > 0 ? SecondsOf(now - pending.oldest) : 0},
+            {"seconds", pending.count > 0 ? RoundedSeconds(now - pending.oldest) : 0},
             {"events", Events().Size()}};
 }
 

@@ -123,6 +123,11 @@ std::string TimeText(std::chrono::system_clock::time_point time)
     return text.str();
 }
 
+double RoundedSeconds(std::chrono::duration<double> duration)
+{
+    return std::round(duration.count() * 10) / 10;
+}
+
 void AddTime(Json& event)
 {
     using namespace std::chrono;

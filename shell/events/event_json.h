@@ -25,6 +25,9 @@ Json NotificationEvent(const Registration& registration, uint32_t ifIndex, uint3
 // Local time with the UTC offset, as in RFC 3339.
 std::string TimeText(std::chrono::system_clock::time_point time);
 
+// Seconds, rounded to one decimal place.
+double RoundedSeconds(std::chrono::duration<double> duration);
+
 // Adds "time", and "microseconds" in a callback of a change.
 void AddTime(Json& event);
 
