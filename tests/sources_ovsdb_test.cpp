@@ -26,7 +26,7 @@ TEST_F(ClusterTest, StoredSchemaIsUpToDate)
 {
     EXPECT_EQ(TextOf(TARND_PROJECT_ROOT "/data/tarnd_qrb.ovsschema"),
               sources::ovsdb::Schema().dump(2) + "\n")
-        << "to be made anew: ovsdb_schema > data/tarnd_qrb.ovsschema";
+        << "regenerate it: ovsdb_schema > data/tarnd_qrb.ovsschema";
 }
 
 Wire Interface(uint64_t index, const std::string& name, const std::string& description = "")

@@ -4,6 +4,8 @@
 #include <sys/socket.h>
 
 #include <memory>
+#include <optional>
+#include <utility>
 
 #include <netlink/attr.h>
 #include <netlink/errno.h>
@@ -49,6 +51,21 @@ void Query(nl_sock* socket, nl_msg* request, const char* what, Restart restart,
     }
 }
 
+// Calls parse for each message of the answer and returns the items that it makes of them.
+template <typename Item, typename Parse>
+std::vector<Item> Dump(nl_sock* socket, nl_msg* request, const char* what, Parse parse)
+{
+    std::vector<Item> items;
+    Query(
+        socket, request, what, [&] { items.clear(); },
+        [&](nlmsghdr* message) {
+            if (std::optional<Item> item = parse(message)) {
+                items.push_back(*std::move(item));
+            }
+        });
+    return items;
+}
+
 }  // namespace
 
 Kernel::Kernel(bool filters) : socket_(OpenNetlink())
@@ -61,15 +78,7 @@ Kernel::Kernel(bool filters) : socket_(OpenNetlink())
 std::vector<Link> Kernel::Links()
 {
     const auto request = NewRequest(RTM_GETLINK, NLM_F_DUMP, ifinfomsg{});
-    std::vector<Link> links;
-    Query(
-        socket_.get(), request.get(), "cannot read the links", [&] { links.clear(); },
-        [&](nlmsghdr* message) {
-            if (auto link = LinkFrom(message)) {
-                links.push_back(*std::move(link));
-            }
-        });
-    return links;
+    return Dump<Link>(socket_.get(), request.get(), "cannot read the links", LinkFrom);
 }
 
 std::vector<Address> Kernel::Addresses(uint32_t interface)
@@ -78,16 +87,14 @@ std::vector<Address> Kernel::Addresses(uint32_t interface)
     header.ifa_family = AF_INET;
     header.ifa_index = interface;
     const auto request = NewRequest(RTM_GETADDR, NLM_F_DUMP, header);
-    std::vector<Address> addresses;
-    Query(
-        socket_.get(), request.get(), "cannot read the addresses", [&] { addresses.clear(); },
-        [&](nlmsghdr* message) {
-            const Address address = AddressFrom(message);
-            if (interface == ALL_INTERFACES || address.interface == interface) {
-                addresses.push_back(address);
-            }
-        });
-    return addresses;
+    const auto parse = [interface](nlmsghdr* message) {
+        std::optional<Address> address = AddressFrom(message);
+        if (interface != ALL_INTERFACES && address->interface != interface) {
+            address.reset();
+        }
+        return address;
+    };
+    return Dump<Address>(socket_.get(), request.get(), "cannot read the addresses", parse);
 }
 
 std::vector<Route> Kernel::Routes(uint32_t interface)
@@ -99,16 +106,14 @@ std::vector<Route> Kernel::Routes(uint32_t interface)
     if (interface != ALL_INTERFACES) {
         nla_put_u32(request.get(), RTA_OIF, interface);
     }
-    std::vector<Route> routes;
-    Query(
-        socket_.get(), request.get(), "cannot read the routes", [&] { routes.clear(); },
-        [&](nlmsghdr* message) {
-            auto route = RouteFrom(message);
-            if (route && (interface == ALL_INTERFACES || route->Uses(interface))) {
-                routes.push_back(*std::move(route));
-            }
-        });
-    return routes;
+    const auto parse = [interface](nlmsghdr* message) {
+        std::optional<Route> route = RouteFrom(message);
+        if (route && interface != ALL_INTERFACES && !route->Uses(interface)) {
+            route.reset();
+        }
+        return route;
+    };
+    return Dump<Route>(socket_.get(), request.get(), "cannot read the routes", parse);
 }
 
 void Kernel::WaitForPendingChanges()

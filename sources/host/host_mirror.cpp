@@ -35,8 +35,11 @@ void MirrorForwarding(Transaction& transaction, const Forwarding& forwarding)
 RowChanges LinkRowChanges(const LinkChange& change)
 {
     RowChanges changes;
-    Rows& rows = change.removed ? changes.removed : changes.present;
-    rows = LinkRows(change.link);
+    if (change.removed) {
+        changes.removed = LinkRows(change.link);
+    } else {
+        changes.present = LinkRows(change.link);
+    }
     return changes;
 }
 

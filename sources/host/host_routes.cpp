@@ -34,7 +34,7 @@ NextHopGroup LiveNextHops(const Route& route)
     return live;
 }
 
-// Tells the routes of one destination apart.
+// Differs between the routes of one destination.
 uint64_t RouteIdentity(const Route& route)
 {
     return route.fingerprint ^ DestinationHash()(route.destination);
@@ -42,36 +42,26 @@ uint64_t RouteIdentity(const Route& route)
 
 }  // namespace
 
-void RouteTable::AddToIndexes(const Route& route)
+// Calls action(index, used) for each thing that the route uses.
+template <typename Action>
+void RouteTable::ForEachUse(const Route& route, Action action)
 {
     for (const uint32_t interface : InterfacesOf(route)) {
-        ofInterface_.Add(interface, route.destination);
+        action(ofInterface_, interface);
     }
     if (route.nextHopObject != 0) {
-        ofNextHopObject_.Add(route.nextHopObject, route.destination);
+        action(ofNextHopObject_, route.nextHopObject);
     }
     if (route.source != 0) {
-        ofSource_.Add(route.source, route.destination);
-    }
-}
-
-void RouteTable::RemoveFromIndexes(const Route& route)
-{
-    for (const uint32_t interface : InterfacesOf(route)) {
-        ofInterface_.Remove(interface, route.destination);
-    }
-    if (route.nextHopObject != 0) {
-        ofNextHopObject_.Remove(route.nextHopObject, route.destination);
-    }
-    if (route.source != 0) {
-        ofSource_.Remove(route.source, route.destination);
+        action(ofSource_, route.source);
     }
 }
 
 RouteTable::Candidates::iterator RouteTable::Insert(Candidates& candidates,
                                                     Candidates::iterator place, const Route& route)
 {
-    AddToIndexes(route);
+    ForEachUse(route,
+               [&](RouteIndex& index, uint32_t used) { index.Add(used, route.destination); });
     changed_.push_back(route.destination);
     return candidates.insert(place, route);
 }
@@ -79,8 +69,9 @@ RouteTable::Candidates::iterator RouteTable::Insert(Candidates& candidates,
 RouteTable::Candidates::iterator RouteTable::Erase(Candidates& candidates,
                                                    Candidates::iterator place)
 {
-    RemoveFromIndexes(*place);
-    changed_.push_back(place->destination);
+    const Destination destination = place->destination;
+    ForEachUse(*place, [&](RouteIndex& index, uint32_t used) { index.Remove(used, destination); });
+    changed_.push_back(destination);
     return candidates.erase(place);
 }
 

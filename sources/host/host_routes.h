@@ -79,8 +79,8 @@ private:
     void RemoveIf(const Destination& destination, const Condition& condition);
     void RemoveHops(const Destination& destination, uint32_t interface, const Condition& condition);
     void MarkUnknown(const Route& route);
-    void AddToIndexes(const Route& route);
-    void RemoveFromIndexes(const Route& route);
+    template <typename Action>
+    void ForEachUse(const Route& route, Action action);
 
     std::unordered_map<Destination, Candidates, DestinationHash> routes_;
     RouteIndex ofInterface_;

@@ -82,7 +82,7 @@ struct Route {
     uint32_t nextHopObject = 0;
     uint32_t source = 0;         // preferred source address
     std::vector<RouteHop> hops;  // none if the route refuses
-    uint64_t fingerprint = 0;    // of all that tells equal destinations and metrics apart
+    uint64_t fingerprint = 0;    // hash of the attributes that identify it among equal metrics
 
     bool Uses(uint32_t interface) const
     {

@@ -1,4 +1,4 @@
-// Parses the specification of the servers of a cluster:
+// Parses the list of the servers of a cluster:
 // "unix:/run/a.sock,tcp:192.0.2.1:6641,ssl:[2001:db8::1]:6641,ca-certificate=/etc/ca.pem".
 #pragma once
 
